@@ -1,0 +1,36 @@
+#include "api/class_list.h"
+
+#include <array>
+
+#include "api/qdclgl.h"
+#include "frame/text.h"
+
+namespace qdclgl {
+
+std::span<const ClassTable* const> PublicClasses() {
+  static const std::array kClasses = {
+      &Property::Table(),
+      &Properties::Table(),
+      &VoucherGroup::Table(),
+      &VoucherGroupSet::Table(),
+  };
+  return kClasses;
+}
+
+const ClassTable* FindPublicClass(std::string_view name) {
+  for (const ClassTable* table : PublicClasses()) {
+    if (EqualsIgnoringAsciiCase(table->name(), name)) return table;
+  }
+  return nullptr;
+}
+
+Ref<Object> CreatePublicObject(std::string_view name) {
+  const ClassTable* table = FindPublicClass(name);
+  if (table == nullptr) {
+    throw Error(error_number::kCannotCreateObject, "QDCLGL",
+                "There is no class " + std::string(name) + ".");
+  }
+  return table->Create();
+}
+
+}  // namespace qdclgl

@@ -1,0 +1,48 @@
+// The base of every class whose data is a row: typed members over a bag.
+#pragma once
+
+#include "frame/properties.h"
+
+namespace qdclgl {
+
+class RowView : public Object {
+  BASE_MEMBERS(Object)
+
+ public:
+  PROPERTY(Get, Ref<qdclgl::Properties>, Properties, "All keys and values of the object, those without a member of their own included.")
+
+ protected:
+  // The bag. Error 91 for an object that was never given a row.
+  qdclgl::Properties& Bag() const {
+    if (!m_Props) RaiseError(error_number::kObjectNotSet);
+    return *m_Props;
+  }
+
+  // What a FIELD row reads: the stored value as T, or the default where the key is absent, Null or
+  // empty. Error 13 or 6 when the stored value does not convert.
+  template <class T>
+  T ReadField(const Key& key, const RowOptions& options) const {
+    const Variant* value = Bag().Find(key);
+    if constexpr (!detail::IsRef<T>::value && !std::is_same_v<T, String>) {
+      if (value != nullptr && value->Holds<T>()) return value->template Held<T>();
+    }
+    if (value == nullptr || (!value->IsObject() && HasEmptyText(*value))) {
+      return options.default_value.To<T>();
+    }
+    return ConvertTo<T>(*value);
+  }
+
+  // What a FIELD row writes; the row's clear value removes the key.
+  template <class T>
+  void WriteField(const Key& key, T value, const RowOptions& options) {
+    if (options.clear_value.given() && value == options.clear_value.To<T>()) {
+      Bag().ClearValue(key);
+    } else {
+      Bag().SetValue(key, Variant(std::move(value)));
+    }
+  }
+
+  Ref<qdclgl::Properties> m_Props;
+};
+
+}  // namespace qdclgl
