@@ -124,6 +124,9 @@ class Object {
   explicit Object(Container container = Container::kNone) : container_(container) {}
   virtual ~Object() = default;
 
+  // How many references are held.
+  std::uint32_t references() const { return references_; }
+
  private:
   mutable std::uint32_t references_ = 0;
   Container container_;
