@@ -13,6 +13,12 @@ std::span<const ClassTable* const> PublicClasses() {
       &Properties::Table(),
       &VoucherGroup::Table(),
       &VoucherGroupSet::Table(),
+      &VoucherSet::Table(),
+      &Voucher::Table(),
+      &VoucherEntry::Table(),
+      &VoucherEntrySet::Table(),
+      &VoucherDetail::Table(),
+      &VoucherDetailSet::Table(),
   };
   return kClasses;
 }

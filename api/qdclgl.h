@@ -16,3 +16,4 @@
 #include "frame/transaction_context.h"
 #include "frame/vector.h"
 #include "vouchers/voucher_group.h"
+#include "vouchers/voucher_set.h"

@@ -67,9 +67,11 @@ std::vector<Parameter> ReadParameters(std::string_view class_name, const MemberR
     if (const auto equals = part.find('='); equals != std::string_view::npos) {
       parameter.optional = true;
       const std::string_view value = TrimBlanks(part.substr(equals + 1));
-      if (value != "Missing") {
-        parameter.default_text = value;
+      if (value == "{}") {
+        parameter.default_value = DefaultFromText(parameter.type == "String" ? "\"\"" : "0", parameter.type);
+      } else if (value != "Missing") {
         parameter.default_value = DefaultFromText(value, parameter.type);
+        parameter.default_text = parameter.type == "Boolean" ? CStr(parameter.default_value) : value;
       }
       part = TrimBlanks(part.substr(0, equals));
     }

@@ -14,7 +14,7 @@ struct Parameter {
   std::string_view type;
   bool by_ref = false;
   bool optional = false;
-  std::string default_text;  // as written in the row; empty without a default
+  std::string default_text;  // as the API table shows it; empty without a default
   Variant default_value;     // Missing without a default
 };
 

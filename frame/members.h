@@ -25,7 +25,8 @@
 //
 // `access` is Get, Let, GetLet, GetSet or GetLetSet. A parameter written `T name` goes by value,
 // `const T& name` or `T& name` by reference; `= default` makes it optional, `= Missing` optional
-// without a default. Behind the help text may stand Default(x), the value that an absent, Null or
+// without a default, `= {}` optional with the zero of its type where the omission can't be told from
+// it. Behind the help text may stand Default(x), the value that an absent, Null or
 // empty key reads as (otherwise zero, empty text or Nothing); Clear(x), the value whose writing
 // removes the key; DefaultMember, for the member that stands for the object.
 #pragma once
@@ -227,6 +228,26 @@ struct MemberTraits<R (C::*)(P...)> {
 template <class C, class R, class... P>
 struct MemberTraits<R (C::*)(P...) const> : MemberTraits<R (C::*)(P...)> {};
 
+// The two halves of a property, out of the overloads of its name: the reading one is const.
+template <class C, class R, class... P>
+consteval auto Getter(R (C::*member)(P...) const) {
+  return member;
+}
+template <class C, class... P>
+consteval auto Putter(void (C::*member)(P...)) {
+  return member;
+}
+
+// The index arguments of a property: all that a read takes, all but the value that a write takes.
+template <class C, class R, class... P>
+consteval std::span<const ParameterType> IndexTypes(R (C::*)(P...) const) {
+  return MemberTraits<R (C::*)(P...)>::kTypes;
+}
+template <class C, class... P>
+consteval std::span<const ParameterType> IndexTypes(void (C::*)(P...)) {
+  return std::span(MemberTraits<void (C::*)(P...)>::kTypes).first(sizeof...(P) - 1);
+}
+
 template <auto Member>
 Variant InvokeMember(Object& self, [[maybe_unused]] Argument* arguments) {
   using Traits = MemberTraits<decltype(Member)>;
@@ -374,7 +395,7 @@ ClassDescription Describe() {
           .type = ::qdclgl::TypeWord<Type, Self>(),                                            \
           .key = row_key,                                                                \
           .options = ::qdclgl::RowOptions(__VA_ARGS__),                                  \
-          QD_INVOKERS_##access(Type, Name, ())})
+          QD_INVOKERS_##access(Name)})
 
 #define PROPERTY(access, Type, Name, help_text, ...)                                          \
   QD_DECLARE_##access(Type, Name, ())                                                    \
@@ -382,7 +403,7 @@ ClassDescription Describe() {
           .help = help_text,                                                                  \
           .type = ::qdclgl::TypeWord<Type, Self>(),                                            \
           .options = ::qdclgl::RowOptions(__VA_ARGS__),                                  \
-          QD_INVOKERS_##access(Type, Name, ())})
+          QD_INVOKERS_##access(Name)})
 
 #define INDEXED(access, Type, Name, params, help_text, ...)                                   \
   QD_DECLARE_##access(Type, Name, params)                                                \
@@ -390,9 +411,9 @@ ClassDescription Describe() {
           .help = help_text,                                                                  \
           .type = ::qdclgl::TypeWord<Type, Self>(),                                            \
           .parameters = #params,                                                         \
-          .parameter_types = ::qdclgl::detail::MemberTraits<void(Self::*) params>::kTypes, \
+          .parameter_types = QD_INDEX_TYPES_##access(Name),                               \
           .options = ::qdclgl::RowOptions(__VA_ARGS__),                                  \
-          QD_INVOKERS_##access(Type, Name, params)})
+          QD_INVOKERS_##access(Name)})
 
 #define VARIABLE(Type, Name, initial, help_text)                                              \
   const Type& Name() const { return m_##Name; }                                          \
@@ -424,20 +445,22 @@ ClassDescription Describe() {
 #define QD_DECLARE_GetSet QD_DECLARE_GetLet
 #define QD_DECLARE_GetLetSet QD_DECLARE_GetLet
 
-#define QD_GETTER(Type, Name, params) \
-  ::qdclgl::detail::InvokeMember<static_cast<Type(Self::*) params const>(&Self::Name)>
-#define QD_PUTTER(Type, Name, params) \
-  ::qdclgl::detail::InvokeMember<     \
-      static_cast<void(Self::*) QD_PUT_PARAMS(Type, QD_STRIP params)>(&Self::Name)>
-#define QD_INVOKERS_Get(Type, Name, params) .get = QD_GETTER(Type, Name, params)
-#define QD_INVOKERS_Let(Type, Name, params) .let = QD_PUTTER(Type, Name, params)
-#define QD_INVOKERS_GetLet(Type, Name, params) \
-  .get = QD_GETTER(Type, Name, params), .let = QD_PUTTER(Type, Name, params)
-#define QD_INVOKERS_GetSet(Type, Name, params) \
-  .get = QD_GETTER(Type, Name, params), .set = QD_PUTTER(Type, Name, params)
-#define QD_INVOKERS_GetLetSet(Type, Name, params)                                \
-  .get = QD_GETTER(Type, Name, params), .let = QD_PUTTER(Type, Name, params), \
-  .set = QD_PUTTER(Type, Name, params)
+#define QD_GETTER(Name) ::qdclgl::detail::InvokeMember<::qdclgl::detail::Getter(&Self::Name)>
+#define QD_PUTTER(Name) ::qdclgl::detail::InvokeMember<::qdclgl::detail::Putter(&Self::Name)>
+#define QD_INVOKERS_Get(Name) .get = QD_GETTER(Name)
+#define QD_INVOKERS_Let(Name) .let = QD_PUTTER(Name)
+#define QD_INVOKERS_GetLet(Name) .get = QD_GETTER(Name), .let = QD_PUTTER(Name)
+#define QD_INVOKERS_GetSet(Name) .get = QD_GETTER(Name), .set = QD_PUTTER(Name)
+#define QD_INVOKERS_GetLetSet(Name) \
+  .get = QD_GETTER(Name), .let = QD_PUTTER(Name), .set = QD_PUTTER(Name)
+
+#define QD_INDEX_TYPES_Get(Name) \
+  ::qdclgl::detail::IndexTypes(::qdclgl::detail::Getter(&Self::Name))
+#define QD_INDEX_TYPES_GetLet QD_INDEX_TYPES_Get
+#define QD_INDEX_TYPES_GetSet QD_INDEX_TYPES_Get
+#define QD_INDEX_TYPES_GetLetSet QD_INDEX_TYPES_Get
+#define QD_INDEX_TYPES_Let(Name) \
+  ::qdclgl::detail::IndexTypes(::qdclgl::detail::Putter(&Self::Name))
 
 #define QD_FIELD_Get(Type, Name, row_key, ...)                                           \
   Type Name() const {                                                                    \

@@ -1,0 +1,40 @@
+// Auxiliary details of a voucher line: rows that name an item class, an item of it and a value.
+// No server call is made here.
+#pragma once
+
+#include "frame/line_view.h"
+
+namespace qdclgl {
+
+class VoucherDetail final : public LineView {
+  MEMBERS(VoucherDetail, LineView, Internal, "An auxiliary detail of a voucher line.")
+
+ public:
+  FIELD(GetLet, Boolean, Detail, "FDetail", "The detail flag.", Clear(false))
+  FIELD(GetLet, Long, ItemClassID, "FItemClassID", "Id of the item class.", Clear(0))
+  FIELD(GetLet, String, ItemClassName, "FItemClassName", "Name of the item class.", Clear(""))
+  FIELD(GetLet, String, ItemClassNumber, "FItemClassNumber", "Number of the item class.", Clear(""))
+  FIELD(GetLet, String, ItemFullName, "FItemFullName", "Full name of the item.", Clear(""))
+  FIELD(GetLet, Long, ItemID, "FItemID", "Id of the item.", Clear(0))
+  FIELD(GetLet, String, ItemName, "FItemName", "Name of the item.", Clear(""))
+  FIELD(GetLet, String, ItemNumber, "FItemNumber", "Number of the item.", Clear(""))
+  INHERITED(Modified)
+  INHERITED(Properties)
+  FIELD(GetLet, String, Value, "FValue", "The free value of the detail.", Clear(""))
+};
+
+class VoucherDetailSet final : public LineList<VoucherDetail> {
+  MEMBERS(VoucherDetailSet, LineList<VoucherDetail>, Internal, "The auxiliary details of one voucher line.")
+
+ public:
+  INHERITED(Add)
+  METHOD(Ref<VoucherDetail>, FindItem, (Variant ItemClassKey), "The first detail of the item class with that number (a text, case respected) or id (a number, rounded); Nothing when there is none.")
+  INHERITED(NewEnum)
+  INHERITED(Remove)
+  INHERITED(Count)
+  INDEXED(Get, Ref<VoucherDetail>, Item, (Long index), "The detail at a position from 1. All details reached this way share the change flag of the list. Error 9 outside.", DefaultMember)
+};
+
+using WalkVoucherDetail = VectorWalker<VoucherDetail>;
+
+}  // namespace qdclgl
