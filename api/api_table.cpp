@@ -23,10 +23,10 @@ std::string ArgumentText(const Member& member) {
 void AppendLine(std::string& table, std::string_view class_name, int ordinal,
                 std::string_view member, std::string_view kind, std::string_view type,
                 std::string_view arguments, bool is_default) {
+  const std::string place = std::to_string(ordinal);
   table += class_name;
-  for (const std::string_view cell :
-       {std::string_view(std::to_string(ordinal)), member, kind, type, arguments,
-        std::string_view(is_default ? "default" : "")}) {
+  for (const std::string_view cell : {std::string_view(place), member, kind, type, arguments,
+                                      std::string_view(is_default ? "default" : "")}) {
     table += '\t';
     table += cell;
   }

@@ -19,6 +19,11 @@ std::span<const ClassTable* const> PublicClasses() {
       &VoucherEntrySet::Table(),
       &VoucherDetail::Table(),
       &VoucherDetailSet::Table(),
+      &SystemProfile::Table(),
+      &Account::Table(),
+      &AccountSet::Table(),
+      &Currencyx::Table(),
+      &CurrencySet::Table(),
   };
   return kClasses;
 }

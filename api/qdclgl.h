@@ -1,6 +1,8 @@
 // Everything a program needs of the library.
 #pragma once
 
+#include "accounts/account_set.h"
+#include "accounts/currency.h"
 #include "frame/collection.h"
 #include "frame/conversions.h"
 #include "frame/deep_copy.h"
@@ -13,7 +15,9 @@
 #include "frame/server_gateway.h"
 #include "frame/session.h"
 #include "frame/strings.h"
+#include "frame/startup.h"
 #include "frame/transaction_context.h"
 #include "frame/vector.h"
+#include "settings/system_profile.h"
 #include "vouchers/voucher_group.h"
 #include "vouchers/voucher_set.h"

@@ -76,7 +76,7 @@ int main() {
     Print(*groups);
 
     std::puts("All that the row holds:");
-    for (auto& property : *group->Properties()) {
+    for (auto& property : group->Properties()) {
       std::printf("  %s = %s\n", property.Name().c_str(), CStr(property.Value()).c_str());
     }
   } catch (const Error& error) {

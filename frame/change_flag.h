@@ -1,11 +1,16 @@
 // The tree of modified flags beside the tree of rows.
 //
 // A node answers for itself and for everything below it. A child is known by its position or, where
-// it was made so, by a text key; asking for a child makes it. The flags are separate from the
-// modified state of the Dictionaries.
+// it was made so, by a text key, which ignores case; asking for a child makes it. The flags are
+// separate from the modified state of the Dictionaries.
 #pragma once
 
-#include "frame/collection.h"
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "frame/enumeration.h"
 
 namespace qdclgl {
 
@@ -14,8 +19,9 @@ class ChangeFlag final : public Object {
   std::string_view ClassName() const override { return "ChangeFlag"; }
 
   // Puts a new child before position `Index`, under the key of that position; does nothing while
-  // there are fewer children. Error 457 when a child has that key already.
+  // there are fewer children. Error 457 when a child has that key already, error 9 below 1.
   void Insert(Long Index);
+  // The children in order.
   Ref<Enumerator> NewEnum();
   // Removes the child at a position or under a key, if there is one. The node is modified after it
   // in any case.
@@ -33,11 +39,23 @@ class ChangeFlag final : public Object {
   Boolean PrivateModified() const { return m_Modified; }
 
  private:
-  static Variant MakeKey(const Variant& Key);
-  Collection& Children();
+  class Walk;
+  // A document has a flag for every line, and few flags have children: they are kept apart, and
+  // the keys, which only some children have, apart from them.
+  struct Children {
+    std::vector<Ref<ChangeFlag>> flags;
+    std::vector<std::pair<String, const ChangeFlag*>> keys;  // folded
+
+    std::size_t Find(const String& key) const;  // flags.size() when there is none
+    void Remove(std::size_t position);
+  };
+
+  static String MakeKey(const Variant& Key);
+  Children& ChildrenToFill();
+  std::size_t ChildCount() const { return m_Children ? m_Children->flags.size() : 0; }
 
   Boolean m_Modified = false;
-  Ref<Collection> m_Children;  // made with the first child
+  std::unique_ptr<Children> m_Children;  // made with the first child
 };
 
 }  // namespace qdclgl

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstring>
 #include <optional>
 
 #include "frame/text.h"
@@ -16,29 +17,35 @@ namespace {
 }
 
 // The same for names that differ in ASCII case only (and for some others, which the comparison
-// behind a hit tells apart).
+// behind a hit tells apart). Eight bytes at a time; the last eight may overlap those before them.
 std::uint32_t HashIgnoringCase(std::string_view name) {
   std::uint64_t hash = name.size();
-  const char* from = name.data();
-  std::size_t left = name.size();
-  while (left > 0) {
-    std::uint64_t word = 0;
-    const std::size_t taken = std::min<std::size_t>(left, 8);
-    std::memcpy(&word, from, taken);
+  const auto mix = [&hash](std::uint64_t word) {
     hash = (hash ^ (word | 0x2020202020202020u)) * 0x9E3779B97F4A7C15u;
     hash ^= hash >> 32;
-    from += taken;
-    left -= taken;
+  };
+  if (name.size() < 8) {
+    std::uint64_t word = 0;
+    for (const char c : name) word = word << 8 | static_cast<unsigned char>(c);
+    mix(word);
+    return static_cast<std::uint32_t>(hash);
   }
+  const auto word_at = [&name](std::size_t offset) {
+    std::uint64_t word;
+    std::memcpy(&word, name.data() + offset, sizeof word);
+    return word;
+  };
+  for (std::size_t i = 0; i + 8 < name.size(); i += 8) mix(word_at(i));
+  mix(word_at(name.size() - 8));
   return static_cast<std::uint32_t>(hash);
 }
 
 // The value of a default as a row writes it: a number, a quoted text, true or false.
 Variant DefaultFromText(std::string_view text, std::string_view type) {
-  const Variant written = text == "true"            ? Variant(true)
-                          : text == "false"         ? Variant(false)
-                          : text.starts_with('"')   ? Variant(text.substr(1, text.size() - 2))
-                                                    : Variant(Val(text));
+  const Variant written = text == "true"          ? Variant(true)
+                          : text == "false"       ? Variant(false)
+                          : text.starts_with('"') ? Variant(text.substr(1, text.size() - 2))
+                                                  : Variant(Val(text));
   if (type == "Long") return CLng(written);
   if (type == "Integer") return CInt(written);
   if (type == "Double") return CDbl(written);
@@ -61,17 +68,20 @@ std::vector<Parameter> ReadParameters(std::string_view class_name, const MemberR
 
     Parameter parameter;
     parameter.default_value = Missing;
-    if (parameters.size() == row.parameter_types.size()) BadRow(class_name, row, "a comma too many");
+    if (parameters.size() == row.parameter_types.size())
+      BadRow(class_name, row, "a comma too many");
     parameter.type = row.parameter_types[parameters.size()].type;
     parameter.by_ref = row.parameter_types[parameters.size()].by_ref;
     if (const auto equals = part.find('='); equals != std::string_view::npos) {
       parameter.optional = true;
       const std::string_view value = TrimBlanks(part.substr(equals + 1));
       if (value == "{}") {
-        parameter.default_value = DefaultFromText(parameter.type == "String" ? "\"\"" : "0", parameter.type);
+        parameter.default_value =
+            DefaultFromText(parameter.type == "String" ? "\"\"" : "0", parameter.type);
       } else if (value != "Missing") {
         parameter.default_value = DefaultFromText(value, parameter.type);
-        parameter.default_text = parameter.type == "Boolean" ? CStr(parameter.default_value) : value;
+        parameter.default_text =
+            parameter.type == "Boolean" ? CStr(parameter.default_value) : value;
       }
       part = TrimBlanks(part.substr(0, equals));
     }
@@ -80,7 +90,8 @@ std::vector<Parameter> ReadParameters(std::string_view class_name, const MemberR
     parameter.name = part.substr(name + 1);
     parameters.push_back(std::move(parameter));
   }
-  if (parameters.size() != row.parameter_types.size()) BadRow(class_name, row, "a parameter is lost");
+  if (parameters.size() != row.parameter_types.size())
+    BadRow(class_name, row, "a parameter is lost");
   return parameters;
 }
 
@@ -97,7 +108,9 @@ Use FindUse(const MemberRow& row, CallKind kind, std::span<Argument> arguments) 
   if (Includes(kind, CallKind::kSet)) return {row.set != nullptr ? row.set : row.let, true};
   if (Includes(kind, CallKind::kLet)) {
     if (row.let != nullptr) return {row.let, true};
-    if (!arguments.empty() && arguments.back().Value().IsObject()) return {row.set, true};
+    const auto value = std::find_if(arguments.rbegin(), arguments.rend(),
+                                    [](const Argument& given) { return given.name().empty(); });
+    if (value != arguments.rend() && value->Value().IsObject()) return {row.set, true};
   }
   return {};
 }
@@ -116,10 +129,9 @@ std::vector<Argument> Arrange(const Member& member, std::span<Argument> argument
   if (positional > count) RaiseError(error_number::kWrongArgumentCount);
   for (std::size_t i = 0; i < positional; ++i) places[i] = arguments[i];
   for (const Argument& argument : arguments.subspan(positional + (takes_value ? 1 : 0))) {
-    const auto parameter =
-        std::find_if(member.parameters.begin(), member.parameters.end(), [&](const Parameter& p) {
-          return EqualsIgnoringAsciiCase(p.name, argument.name());
-        });
+    const auto parameter = std::find_if(
+        member.parameters.begin(), member.parameters.end(),
+        [&](const Parameter& p) { return EqualsIgnoringAsciiCase(p.name, argument.name()); });
     // A positional argument behind a named one has the empty name, which no parameter has.
     if (parameter == member.parameters.end()) RaiseError(error_number::kNamedArgumentNotFound);
     auto& place = places[static_cast<std::size_t>(parameter - member.parameters.begin())];
@@ -174,7 +186,9 @@ const Member* ClassTable::Find(std::string_view name) const {
   for (std::size_t slot = hash & (slots_.size() - 1); slots_[slot].member >= 0;
        slot = (slot + 1) & (slots_.size() - 1)) {
     const Member& member = members_[static_cast<std::size_t>(slots_[slot].member)];
-    if (slots_[slot].hash == hash && EqualsIgnoringAsciiCase(member.row.name, name)) return &member;
+    if (slots_[slot].hash != hash) continue;
+    // Most callers write a name as it stands in the row; that is the quick comparison.
+    if (member.row.name == name || EqualsIgnoringAsciiCase(member.row.name, name)) return &member;
   }
   return nullptr;
 }

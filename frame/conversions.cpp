@@ -88,14 +88,28 @@ std::optional<std::string> ReadDecimalNumber(std::string_view text) {
   return plain;
 }
 
+// Whether a number in plain form lies below 1: whether its first digit stands behind the point, the
+// exponent counted.
+bool IsBelowOne(const std::string& plain) {
+  const std::size_t mark = std::min(plain.find('E'), plain.size());
+  const auto point = static_cast<std::int64_t>(std::min(plain.find('.'), mark));
+  const auto first = static_cast<std::int64_t>(plain.find_first_of("123456789"));
+  std::int64_t exponent = 0;
+  if (mark < plain.size()) {
+    const char* digits = plain.data() + mark + 1;
+    const auto read = std::from_chars(digits, plain.data() + plain.size(), exponent);
+    if (read.ec == std::errc::result_out_of_range) return *digits == '-';
+  }
+  return exponent <= first - point - (first > point ? 1 : 0);
+}
+
 // Reads a number in the plain form of ReadDecimalNumber. What is too small becomes 0.
 double ToDouble(const std::string& plain) {
   double value = 0;
   const auto read = std::from_chars(plain.data(), plain.data() + plain.size(), value);
   if (read.ec == std::errc::result_out_of_range) {
-    // The library call does not tell too large from too small; the exponent does.
-    const auto exponent = plain.find('E');
-    if (exponent != std::string::npos && plain[exponent + 1] == '-') return 0;
+    // The library call does not tell too large from too small.
+    if (IsBelowOne(plain)) return 0;
     Overflow();
   }
   return value;

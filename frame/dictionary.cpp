@@ -1,6 +1,8 @@
 #include "frame/dictionary.h"
 
 #include <algorithm>
+#include <cstring>
+#include <unordered_map>
 
 #include "frame/class_table.h"
 
@@ -12,7 +14,7 @@ DEFINE_MEMBERS(Dictionary)
 
 void KeyList::Append(const Key& key) {
   const std::uint32_t position = size();
-  names_.push_back({std::string(key.text()), key.hash()});
+  names_.push_back({std::string(key.text()), key.ends(), key.hash()});
   if (slots_.size() < 2 * names_.size()) {
     Reindex();
   } else {
@@ -21,37 +23,86 @@ void KeyList::Append(const Key& key) {
 }
 
 void KeyList::Index(std::uint32_t position) {
-  const std::size_t mask = slots_.size() - 1;
-  std::size_t i = names_[position].hash & mask;
-  while (slots_[i].position != kNotFound) i = (i + 1) & mask;
+  std::size_t i = names_[position].hash & mask_;
+  while (slots_[i].position != kNotFound) i = (i + 1) & mask_;
   slots_[i] = {names_[position].hash, position};
 }
 
 void KeyList::Reindex() {
-  std::size_t slots = 16;
-  while (slots < 2 * names_.size()) slots *= 2;
+  const std::size_t slots = std::max(kFewestSlots, std::bit_ceil(2 * names_.size()));
   slots_.assign(slots, Slot{});
+  mask_ = slots - 1;
   for (std::uint32_t position = 0; position < size(); ++position) Index(position);
 }
 
+// The lists that this thread's lists have become by one more key. By them, rows to which the same
+// keys are written in the same order come to share their lists, however they are made. When there
+// are many, all are forgotten; the rows keep theirs.
+class KeyList::Growths {
+ public:
+  static Ref<KeyList> Appended(const Ref<KeyList>& list, const Key& key) {
+    thread_local Growths growths;
+    if (ended || (list && list->size() >= kLongestShared)) return Grown(list, key);
+    return growths.Find(list, key);
+  }
+
+ private:
+  struct Step {
+    const KeyList* from;  // its longer list holds on to it, so that the address stays its own
+    std::uint32_t key_hash;
+    friend bool operator==(const Step&, const Step&) = default;
+  };
+  struct StepHash {
+    std::size_t operator()(const Step& step) const {
+      return std::hash<const KeyList*>()(step.from) ^ step.key_hash;
+    }
+  };
+
+  static constexpr std::uint32_t kLongestShared = 64;
+  static constexpr std::size_t kMost = 1024;
+  // Rows may still be written when the thread's variables are gone already.
+  static inline thread_local bool ended = false;
+
+  ~Growths() { ended = true; }
+
+  Ref<KeyList> Find(const Ref<KeyList>& list, const Key& key) {
+    if (lists_.size() == kMost) lists_.clear();
+    Ref<KeyList>& longer = lists_[{list.get(), key.hash()}];
+    if (!longer || !longer->IsAt(longer->size() - 1, key)) {
+      longer = Grown(list, key);
+      longer->shorter_ = list;
+      for (KeyList* step = longer.get(); step != nullptr; step = step->shorter_.get()) {
+        step->usual_size_ = std::max(step->usual_size_, longer->size());
+      }
+    }
+    return longer;
+  }
+
+  static Ref<KeyList> Grown(const Ref<KeyList>& list, const Key& key) {
+    auto longer = list ? Make<KeyList>(*list) : Make<KeyList>();
+    longer->Append(key);
+    return longer;
+  }
+
+  std::unordered_map<Step, Ref<KeyList>, StepHash> lists_;
+};
+
 Ref<KeyList> KeyList::Appended(Ref<KeyList> list, const Key& key) {
-  if (!list) list = Make<KeyList>();
-  if (!list->IsShared()) {
-    list->next_ = nullptr;
-    list->Append(key);
-    return list;
-  }
-  if (!list->next_ || list->next_->names_.back().text != key.text()) {
-    auto next = Make<KeyList>(*list);
-    next->Append(key);
-    list->next_ = std::move(next);
-  }
-  return list->next_;
+  if (!list || list->IsShared()) return Growths::Appended(list, key);
+  list->shorter_ = nullptr;
+  list->Append(key);
+  return list;
 }
 
 Ref<KeyList> KeyList::Removed(Ref<KeyList> list, std::uint32_t position) {
-  if (list->IsShared()) list = Make<KeyList>(*list);
-  list->next_ = nullptr;
+  if (list->IsShared()) {
+    Ref<KeyList> rest;
+    for (std::uint32_t i = 0; i < list->size(); ++i) {
+      if (i != position) rest = Appended(std::move(rest), list->name(i));
+    }
+    return rest;
+  }
+  list->shorter_ = nullptr;
   list->names_.erase(list->names_.begin() + position);
   list->Reindex();
   return list;
@@ -84,13 +135,6 @@ String Dictionary::Name(Long Index) const {
   return key_at(static_cast<std::uint32_t>(Index - 1));
 }
 
-Variant Dictionary::Value(std::string_view Key) const {
-  const Variant* value = Find(Key);
-  return value != nullptr ? *value : Variant();
-}
-
-void Dictionary::Value(std::string_view Key, Variant value) { Put(Key, std::move(value)); }
-
 Boolean Dictionary::Lookup(std::string_view Key, const Variant&) { return Contains(Key); }
 
 Variant Dictionary::ValueOrDefault(std::string_view Key, Variant Default) {
@@ -120,29 +164,21 @@ void Dictionary::ResetModified() {
   if (track_nested_) ClearElements();
 }
 
-void Dictionary::Put(const Key& key, Variant value) {
-  MarkEdited();
-  has_counted_ = has_counted_ || !value.IsPlain();
-  const std::uint32_t position = keys_ ? keys_->Find(key) : KeyList::kNotFound;
-  if (position == KeyList::kNotFound) {
-    Append(key, std::move(value));
-  } else {
-    values_[position] = std::move(value);
-  }
-}
-
 void Dictionary::Append(const Key& key, Variant value) {
   const std::uint32_t position = size();
-  if (position == capacity_) Grow();
-  keys_ = KeyList::Appended(std::move(keys_), key);
+  Ref<KeyList> keys = KeyList::Appended(std::move(keys_), key);
+  if (position == capacity_) Grow(std::max({8u, 2 * capacity_, keys->usual_size()}));
+  keys_ = std::move(keys);
+  has_counted_ = has_counted_ || !value.IsPlain();
   new (values_ + position) Variant(std::move(value));
 }
 
-void Dictionary::Grow() {
-  const std::uint32_t capacity = std::max<std::uint32_t>(8, capacity_ * 2);
+void Dictionary::Grow(std::uint32_t capacity) {
   auto* values = static_cast<Variant*>(::operator new(capacity * sizeof(Variant)));
   // A value is moved by moving its bytes; nothing in it points at itself.
-  if (size() > 0) std::memcpy(static_cast<void*>(values), values_, size() * sizeof(Variant));
+  if (capacity_ > 0) {
+    std::memcpy(static_cast<void*>(values), values_, capacity_ * sizeof(Variant));
+  }
   if (values_ != Inline()) ::operator delete(values_);
   values_ = values;
   capacity_ = capacity;

@@ -1,8 +1,8 @@
 // The row container of the data tree: an ordered map from column names to values.
 //
 // Keys match exactly, case included, and keep the order in which they were first written. Rows of
-// one shape (copies of one row, rows of one recordset) share one list of keys; a row leaves the
-// shared list when it gains or loses a key.
+// one shape (copies of one row, rows of one recordset, rows whose keys were written in one order)
+// share one list of keys; a row changes over to another list when it gains or loses a key.
 #pragma once
 
 #include <cstdint>
@@ -20,29 +20,30 @@ namespace qdclgl {
 // The keys of a row with their positions. Shared lists are never changed.
 class KeyList {
  public:
-  KeyList() = default;
-  KeyList(const KeyList& other) : names_(other.names_), slots_(other.slots_) {}
+  KeyList() : slots_(kFewestSlots), mask_(kFewestSlots - 1) {}
+  KeyList(const KeyList& other) : names_(other.names_), slots_(other.slots_), mask_(other.mask_) {}
   KeyList& operator=(const KeyList&) = delete;
 
   std::uint32_t size() const { return static_cast<std::uint32_t>(names_.size()); }
   const std::string& name(std::uint32_t position) const { return names_[position].text; }
 
+  // How many keys rows that began with these keys have come to, as far as that is known.
+  std::uint32_t usual_size() const { return usual_size_; }
+
   static constexpr std::uint32_t kNotFound = UINT32_MAX;
   std::uint32_t Find(const Key& key) const {
-    if (slots_.empty()) return kNotFound;
-    const std::size_t mask = slots_.size() - 1;
-    for (std::size_t i = key.hash() & mask;; i = (i + 1) & mask) {
+    for (std::size_t i = key.hash() & mask_;; i = (i + 1) & mask_) {
       const Slot slot = slots_[i];
       if (slot.position == kNotFound) return kNotFound;
-      if (slot.hash == key.hash() && names_[slot.position].text == key.text()) {
-        return slot.position;
-      }
+      if (slot.hash == key.hash() && IsAt(slot.position, key)) return slot.position;
     }
   }
 
-  // The list with `key` behind the others: this list itself, changed, when `list` is its only
-  // owner, otherwise a list that all rows share which add that key to this one.
+  // The list with `key` behind the others, null being the list without keys: this list itself,
+  // changed, when `list` is its only owner, otherwise a list that all rows of the thread share
+  // which add that key to this one.
   static Ref<KeyList> Appended(Ref<KeyList> list, const Key& key);
+  // Likewise the list without a key; null when no other was there.
   static Ref<KeyList> Removed(Ref<KeyList> list, std::uint32_t position);
 
   void AddRef() const { ++references_; }
@@ -53,6 +54,7 @@ class KeyList {
  private:
   struct Name {
     std::string text;
+    Key::Ends ends;
     std::uint32_t hash;
   };
   struct Slot {
@@ -60,7 +62,15 @@ class KeyList {
     std::uint32_t position = kNotFound;
   };
 
+  class Growths;
+
+  static constexpr std::size_t kFewestSlots = 16;
+
   bool IsShared() const { return references_ > 1; }
+  bool IsAt(std::uint32_t position, const Key& key) const {
+    const Name& name = names_[position];
+    return key.Is(name.text, name.ends);
+  }
   void Append(const Key& key);
   void Index(std::uint32_t position);
   void Reindex();
@@ -68,7 +78,9 @@ class KeyList {
   mutable std::uint32_t references_ = 0;
   std::vector<Name> names_;
   std::vector<Slot> slots_;  // open addressing, a power of two, at most half full
-  Ref<KeyList> next_;        // this list with one more key, as the last row that grew made it
+  std::size_t mask_;         // the number of slots less one
+  std::uint32_t usual_size_ = 0;
+  Ref<KeyList> shorter_;     // for a list among the Growths: the one that it grew from
 };
 
 class Dictionary final : public Tracked {
@@ -101,7 +113,16 @@ class Dictionary final : public Tracked {
     return position == KeyList::kNotFound ? nullptr : values_ + position;
   }
   bool Contains(const Key& key) const { return Find(key) != nullptr; }
-  void Put(const Key& key, Variant value);
+  void Put(const Key& key, Variant value) {
+    MarkEdited();
+    const std::uint32_t position = keys_ ? keys_->Find(key) : KeyList::kNotFound;
+    if (position == KeyList::kNotFound) {
+      Append(key, std::move(value));
+    } else {
+      has_counted_ = has_counted_ || !value.IsPlain();
+      values_[position] = std::move(value);
+    }
+  }
   // False when the key was absent; that leaves the Dictionary unmodified.
   bool Erase(const Key& key);
 
@@ -130,7 +151,7 @@ class Dictionary final : public Tracked {
   std::span<const Variant> Elements() const override;
   Variant* Inline() { return reinterpret_cast<Variant*>(this + 1); }
   void Append(const Key& key, Variant value);
-  void Grow();
+  void Grow(std::uint32_t capacity);
 
   bool track_nested_ = false;
   bool has_counted_ = false;  // some value may own a reference; otherwise copies are memory copies
@@ -138,5 +159,12 @@ class Dictionary final : public Tracked {
   Ref<KeyList> keys_;  // null while there is no key
   Variant* values_ = nullptr;
 };
+
+inline Variant Dictionary::Value(std::string_view Key) const {
+  const Variant* value = Find(Key);
+  return value != nullptr ? *value : Variant();
+}
+
+inline void Dictionary::Value(std::string_view Key, Variant value) { Put(Key, std::move(value)); }
 
 }  // namespace qdclgl

@@ -10,7 +10,7 @@ void Entity::Construct(const Ref<Dictionary>& dict, const Ref<Object>& xa) {
   m_DictOrig = dict;
   m_Props = Make<qdclgl::Properties>();
   m_Props->Attach(dict, false, Nothing, Protocol().construct_track_state);
-  if (dict) m_ID = dict->Value(Protocol().id_key).As<Long>();
+  if (dict) m_ID = IdIn(*dict);
   m_Xa = xa;
 }
 
@@ -37,6 +37,8 @@ void Entity::SaveChanges() {
   }
   Refresh();
 }
+
+Long Entity::IdIn(const Dictionary& row) const { return row.Value(Protocol().id_key).As<Long>(); }
 
 Ref<Dictionary> Entity::FetchRow(Object& info) {
   return info.Call("GetDetail", GetPropsString(), ByRef(m_ID)).As<Dictionary>();

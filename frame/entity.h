@@ -3,6 +3,7 @@
 #pragma once
 
 #include "frame/row_view.h"
+#include "frame/startup.h"
 #include "frame/transaction_context.h"
 
 namespace qdclgl {
@@ -17,7 +18,7 @@ struct EntityProtocol {
   Long reload_track_state = 1;
 };
 
-class Entity : public RowView, public ISetXactContext {
+class Entity : public RowView, public ISetXactContext, private ApartmentMember {
   BASE_MEMBERS(RowView)
 
  public:
@@ -34,6 +35,8 @@ class Entity : public RowView, public ISetXactContext {
 
   // Whether there is anything to save; the Dictionary's own record unless a class overrides it.
   virtual bool HasChanges() const { return Bag().Modified(); }
+  // The id that a row gives the object.
+  virtual Long IdIn(const Dictionary& row) const;
   // GetDetail(PropsString, id by reference).
   virtual Ref<Dictionary> FetchRow(Object& info);
   // Writes "MachineName" and "IPAddress" into the working Dictionary; no change flag is set.

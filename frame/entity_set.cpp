@@ -1,7 +1,5 @@
 #include "frame/entity_set.h"
 
-#include "frame/server_gateway.h"
-#include "frame/session.h"
 #include "frame/variant_kind.h"
 
 namespace qdclgl {

@@ -3,7 +3,11 @@
 // in a SetProtocol what is its own.
 #pragma once
 
+#include "frame/server_gateway.h"
+#include "frame/session.h"
+#include "frame/startup.h"
 #include "frame/transaction_context.h"
+#include "frame/variant_kind.h"
 #include "frame/walkers.h"
 
 namespace qdclgl {
@@ -16,7 +20,7 @@ struct SetProtocol {
 };
 
 // What does not depend on the kind of entity.
-class EntityListBase : public Object, public ISetXactContext {
+class EntityListBase : public Object, public ISetXactContext, private ApartmentMember {
   BASE_MEMBERS(Object)
 
  public:
@@ -46,6 +50,26 @@ class EntityListBase : public Object, public ISetXactContext {
   // ExistenceCheck(PropsString, key) with the first of `keys` that is given, each as it is to be
   // passed; 0 without a call when none is. The component is made in any case.
   Long CheckExistence(std::initializer_list<Argument> keys);
+
+  // The id of a key: a number as it is, a text looked up by `find`; 0 for a key of any other kind.
+  template <class Find>
+  static Long IdOf(const Variant& key, Find find) {
+    if (IsVariantKind(key, variant_kind::kNumber)) return CLng(key);
+    return IsVariantKind(key, variant_kind::kText) ? find() : 0;
+  }
+
+  // Delete(PropsString, id by reference, and what follows it). Error 5 for id 0, which is no row.
+  template <class... Args>
+  void DeleteRow(Long id, Args&&... args) {
+    if (id == 0) RaiseError(error_number::kInvalidCall);
+    CallUpdate("Delete", id, std::forward<Args>(args)...);
+  }
+  // method(PropsString, id by reference, and what follows it) on the writing component.
+  template <class... Args>
+  void CallUpdate(const char* method, Long id, Args&&... args) {
+    const Ref<Object> update = ServerGateway().CreateInstance(Protocol().update_component);
+    update->Call(method, GetPropsString(), ByRef(id), std::forward<Args>(args)...);
+  }
 
   Ref<Recordset> m_Rs;
   Ref<Object> m_Xa;

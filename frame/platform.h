@@ -83,6 +83,9 @@ class Platform {
 
   virtual Long ProcessId() = 0;
 
+  // The day it is here, without a time.
+  virtual Date Today() = 0;
+
   // The folder of system-wide settings, without a separator at its end. Nothing when the system
   // gives none or the path and its closing NUL do not fit into `buffer_size` bytes.
   virtual std::optional<std::string> SystemDirectory(std::size_t buffer_size) = 0;

@@ -16,6 +16,7 @@
 #include <charconv>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -435,6 +436,13 @@ class PosixPlatform final : public Platform {
   }
 
   Long ProcessId() override { return static_cast<Long>(::getpid()); }
+
+  Date Today() override {
+    const std::time_t now = std::time(nullptr);
+    std::tm local{};
+    ::localtime_r(&now, &local);
+    return Date::FromYmd(local.tm_year + 1900, local.tm_mon + 1, local.tm_mday);
+  }
 
   std::optional<std::string> SystemDirectory(std::size_t buffer_size) override {
     std::string path = Environment("QDCLGL_SYSTEM_DIRECTORY").value_or("/etc/qdclgl");

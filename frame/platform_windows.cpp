@@ -73,6 +73,12 @@ class WindowsPlatform final : public Platform {
 
   Long ProcessId() override { return static_cast<Long>(GetCurrentProcessId()); }
 
+  Date Today() override {
+    SYSTEMTIME now{};
+    GetLocalTime(&now);
+    return Date::FromYmd(now.wYear, now.wMonth, now.wDay);
+  }
+
   std::optional<std::string> SystemDirectory(std::size_t buffer_size) override {
     std::array<wchar_t, MAX_PATH> path{};
     const UINT length = GetSystemDirectoryW(path.data(), static_cast<UINT>(path.size()));

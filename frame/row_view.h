@@ -22,14 +22,18 @@ class RowView : public Object {
   // empty. Error 13 or 6 when the stored value does not convert.
   template <class T>
   T ReadField(const Key& key, const RowOptions& options) const {
-    const Variant* value = Bag().Find(key);
+    return FieldOf<T>(Bag().Find(key), options);
+  }
+  // The same of a value in place, null when the key is absent.
+  template <class T>
+  static T FieldOf(const Variant* stored, const RowOptions& options) {
     if constexpr (!detail::IsRef<T>::value && !std::is_same_v<T, String>) {
-      if (value != nullptr && value->Holds<T>()) return value->template Held<T>();
+      if (stored != nullptr && stored->Holds<T>()) return stored->template Held<T>();
     }
-    if (value == nullptr || (!value->IsObject() && HasEmptyText(*value))) {
+    if (stored == nullptr || (!stored->IsObject() && HasEmptyText(*stored))) {
       return options.default_value.To<T>();
     }
-    return ConvertTo<T>(*value);
+    return ConvertTo<T>(*stored);
   }
 
   // What a FIELD row writes; the row's clear value removes the key.

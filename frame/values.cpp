@@ -1,5 +1,6 @@
 #include "frame/values.h"
 
+#include <algorithm>
 #include <bit>
 #include <charconv>
 #include <cmath>
@@ -100,6 +101,9 @@ std::string FixedPointText(std::string digits, int decimals, bool negative) {
   }
   return negative && digits != "0" ? "-" + digits : digits;
 }
+
+// Exponents beyond this one decide nothing more; it leaves room to count digits.
+constexpr int kFarthestExponent = 1'000'000;
 
 // Civil calendar <-> day numbers, proleptic Gregorian, counted from 1970-01-01.
 std::int64_t DayNumber(int year, int month, int day) {
@@ -263,7 +267,10 @@ Decimal Decimal::FromText(std::string_view text) {
     auto digits = text.substr(mark + 1);
     if (digits.starts_with('+')) digits.remove_prefix(1);
     const auto read = std::from_chars(digits.data(), digits.data() + digits.size(), exponent);
-    if (read.ec == std::errc::result_out_of_range) exponent = digits.starts_with('-') ? -9999 : 9999;
+    if (read.ec == std::errc::result_out_of_range) {
+      exponent = digits.starts_with('-') ? -kFarthestExponent : kFarthestExponent;
+    }
+    exponent = std::clamp(exponent, -kFarthestExponent, kFarthestExponent);
     text = text.substr(0, mark);
   }
 

@@ -1,6 +1,7 @@
 #include "frame/variant.h"
 
 #include <array>
+#include <cstring>
 #include <limits>
 #include <new>
 
@@ -28,32 +29,28 @@ struct Blob {
 
 std::string_view TypeName(VariantType type) {
   constexpr std::array<std::string_view, 15> kNames = {
-      "Empty",  "Null",   "Missing",  "Boolean", "Byte",    "Integer", "Long",  "Single",
-      "Double", "Currency", "Date", "Decimal", "String",  "Object",  "Byte array"};
+      "Empty",  "Null",     "Missing", "Boolean", "Byte",   "Integer", "Long",      "Single",
+      "Double", "Currency", "Date",    "Decimal", "String", "Object",  "Byte array"};
   return kNames[static_cast<std::size_t>(type)];
 }
 
-Variant::Variant(const Decimal& value) : Variant(Tag::kDecimal) {
-  raw_[1] = static_cast<unsigned char>(value.scale());
-  raw_[2] = value.negative() ? 1 : 0;
-  Store(value.high(), 4);
-  Store(value.low());
+Variant::Variant(const Decimal& value) : Variant(Tag::kDecimal, WordOf(value.low())) {
+  head_ |= InByte(1, static_cast<unsigned char>(value.scale())) |
+           InByte(2, value.negative() ? 1 : 0) | std::uint64_t{value.high()} << kDecimalShift;
 }
 
 Variant::Variant(std::string_view text) : Variant(Tag::kShortText) {
-  if (text.size() <= kShortTextMax) {
-    raw_[1] = static_cast<unsigned char>(text.size());
-    if (!text.empty()) std::memcpy(raw_ + kTextOffset, text.data(), text.size());
-  } else {
-    Store(Blob::Create(text.data(), text.size()));
-    raw_[0] = static_cast<unsigned char>(Tag::kLongText);
+  if (text.size() > kShortTextMax) {
+    *this = Variant(Tag::kLongText, WordOf(Blob::Create(text.data(), text.size())));
+    return;
   }
+  head_ |= InByte(1, static_cast<unsigned char>(text.size()));
+  auto* bytes = reinterpret_cast<unsigned char*>(this) + kTextOffset;
+  if (!text.empty()) std::memcpy(bytes, text.data(), text.size());
 }
 
-Variant::Variant(Bytes bytes) : Variant(Tag::kEmpty) {
-  Store(Blob::Create(bytes.data.data(), bytes.data.size()));
-  raw_[0] = static_cast<unsigned char>(Tag::kByteArray);
-}
+Variant::Variant(Bytes bytes)
+    : Variant(Tag::kByteArray, WordOf(Blob::Create(bytes.data.data(), bytes.data.size()))) {}
 
 VariantType Variant::Type() const {
   switch (tag()) {
@@ -68,29 +65,29 @@ VariantType Variant::Type() const {
 
 std::string_view Variant::TextView() const {
   if (tag() == Tag::kShortText) {
-    return {reinterpret_cast<const char*>(raw_) + kTextOffset, raw_[1]};
+    return {reinterpret_cast<const char*>(this) + kTextOffset, ByteOf(head_, 1)};
   }
-  auto* blob = Load<Blob*>();
+  auto* blob = Content<Blob*>();
   return {reinterpret_cast<const char*>(blob->data()), blob->size};
 }
 
 std::span<const std::uint8_t> Variant::BytesView() const {
-  auto* blob = Load<Blob*>();
+  auto* blob = Content<Blob*>();
   return {blob->data(), blob->size};
 }
 
 void Variant::AddRef() const {
   if (tag() == Tag::kObject) {
-    Load<Object*>()->AddRef();
+    Content<Object*>()->AddRef();
   } else {
-    ++Load<Blob*>()->references;
+    ++Content<Blob*>()->references;
   }
 }
 
 void Variant::Release() const {
   if (tag() == Tag::kObject) {
-    Load<Object*>()->Release();
-  } else if (Blob* blob = Load<Blob*>(); --blob->references == 0) {
+    Content<Object*>()->Release();
+  } else if (Blob* blob = Content<Blob*>(); --blob->references == 0) {
     ::operator delete(blob);
   }
 }

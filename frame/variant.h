@@ -4,11 +4,13 @@
 // arrays are immutable and shared; objects are counted references.
 #pragma once
 
+#include <bit>
 #include <cstdint>
-#include <cstring>
 #include <span>
 #include <string>
 #include <string_view>
+#include <type_traits>
+#include <utility>
 
 #include "frame/object.h"
 #include "frame/values.h"
@@ -59,21 +61,21 @@ class Variant {
   Variant(NullValue) : Variant(Tag::kNull) {}
   Variant(MissingValue) : Variant(Tag::kMissing) {}
   Variant(NothingValue) : Variant(Tag::kNothing) {}
-  Variant(bool value) : Variant(Tag::kBoolean) { Store(value); }
-  Variant(Byte value) : Variant(Tag::kByte) { Store(value); }
-  Variant(Integer value) : Variant(Tag::kInteger) { Store(value); }
-  Variant(Long value) : Variant(Tag::kLong) { Store(value); }
-  Variant(Single value) : Variant(Tag::kSingle) { Store(value); }
-  Variant(Double value) : Variant(Tag::kDouble) { Store(value); }
-  Variant(Currency value) : Variant(Tag::kCurrency) { Store(value.units()); }
-  Variant(Date value) : Variant(Tag::kDate) { Store(value.days); }
+  Variant(bool value) : Variant(Tag::kBoolean, WordOf(value)) {}
+  Variant(Byte value) : Variant(Tag::kByte, WordOf(value)) {}
+  Variant(Integer value) : Variant(Tag::kInteger, WordOf(value)) {}
+  Variant(Long value) : Variant(Tag::kLong, WordOf(value)) {}
+  Variant(Single value) : Variant(Tag::kSingle, WordOf(value)) {}
+  Variant(Double value) : Variant(Tag::kDouble, WordOf(value)) {}
+  Variant(Currency value) : Variant(Tag::kCurrency, WordOf(value.units())) {}
+  Variant(Date value) : Variant(Tag::kDate, WordOf(value.days)) {}
   Variant(const Decimal& value);
   Variant(std::string_view text);
   Variant(const std::string& text) : Variant(std::string_view(text)) {}
   Variant(const char* text) : Variant(std::string_view(text)) {}
   Variant(Bytes bytes);
-  Variant(Object* object) : Variant(object != nullptr ? Tag::kObject : Tag::kNothing) {
-    Store(object);
+  Variant(Object* object)
+      : Variant(object != nullptr ? Tag::kObject : Tag::kNothing, WordOf(object)) {
     if (object != nullptr) object->AddRef();
   }
   template <class T>
@@ -84,29 +86,18 @@ class Variant {
   Variant(std::uint64_t) = delete;
   Variant(std::nullptr_t) = delete;
 
-  Variant(const Variant& other) {
-    std::memcpy(raw_, other.raw_, sizeof raw_);
+  Variant(const Variant& other) : head_(other.head_), content_(other.content_) {
     if (IsCounted()) AddRef();
   }
-  Variant(Variant&& other) noexcept {
-    std::memcpy(raw_, other.raw_, sizeof raw_);
-    other.raw_[0] = 0;
-  }
+  Variant(Variant&& other) noexcept
+      : head_(std::exchange(other.head_, 0)), content_(other.content_) {}
   ~Variant() {
     if (IsCounted()) Release();
   }
-  Variant& operator=(const Variant& other) {
-    if (!IsCounted() && !other.IsCounted()) {
-      std::memcpy(raw_, other.raw_, sizeof raw_);
-      return *this;
-    }
-    return *this = Variant(other);
-  }
+  Variant& operator=(const Variant& other) { return *this = Variant(other); }
   Variant& operator=(Variant&& other) noexcept {
-    alignas(8) unsigned char old[sizeof raw_];
-    std::memcpy(old, raw_, sizeof raw_);
-    std::memcpy(raw_, other.raw_, sizeof raw_);
-    std::memcpy(other.raw_, old, sizeof raw_);
+    std::swap(head_, other.head_);
+    std::swap(content_, other.content_);
     return *this;
   }
 
@@ -130,9 +121,7 @@ class Variant {
   std::string_view TextView() const;
   std::span<const std::uint8_t> BytesView() const;
   // The object, null for Nothing; for a value that IsObject().
-  Object* ObjectPointer() const {
-    return tag() == Tag::kObject ? Load<Object*>() : nullptr;
-  }
+  Object* ObjectPointer() const { return tag() == Tag::kObject ? Content<Object*>() : nullptr; }
 
   // The value converted to T, as an assignment to a variable of that type converts it. For
   // As<SomeClass>() the result is a Ref, null for Nothing; error 13 when it holds anything else.
@@ -166,32 +155,58 @@ class Variant {
   };
   static constexpr std::size_t kShortTextMax = 14;
   static constexpr std::size_t kTextOffset = 2;
+  static constexpr unsigned kDecimalShift = std::endian::native == std::endian::little ? 32 : 0;
 
-  explicit Variant(Tag tag) {
-    std::memset(raw_, 0, sizeof raw_);
-    raw_[0] = static_cast<unsigned char>(tag);
+  explicit Variant(Tag tag, std::int64_t content = 0)
+      : head_(InByte(0, static_cast<unsigned char>(tag))), content_(content) {}
+
+  Tag tag() const { return static_cast<Tag>(ByteOf(head_, 0)); }
+  bool IsCounted() const { return tag() >= Tag::kLongText; }
+
+  // The byte at an offset in memory, of a word.
+  static constexpr unsigned ShiftOf(unsigned offset) {
+    return 8 * (std::endian::native == std::endian::little ? offset : 7 - offset);
+  }
+  static constexpr std::uint64_t InByte(unsigned offset, unsigned char value) {
+    return std::uint64_t{value} << ShiftOf(offset);
+  }
+  static constexpr unsigned char ByteOf(std::uint64_t word, unsigned offset) {
+    return static_cast<unsigned char>(word >> ShiftOf(offset));
   }
 
-  Tag tag() const { return static_cast<Tag>(raw_[0]); }
-  bool IsCounted() const { return raw_[0] >= static_cast<unsigned char>(Tag::kLongText); }
-
   template <class T>
-  void Store(const T& value, std::size_t offset = 8) {
-    std::memcpy(raw_ + offset, &value, sizeof value);
+  static std::int64_t WordOf(T value) {
+    if constexpr (std::is_pointer_v<T>) {
+      return static_cast<std::int64_t>(reinterpret_cast<std::uintptr_t>(value));
+    } else if constexpr (std::is_same_v<T, float>) {
+      return std::bit_cast<std::int32_t>(value);
+    } else if constexpr (std::is_same_v<T, double>) {
+      return std::bit_cast<std::int64_t>(value);
+    } else {
+      return static_cast<std::int64_t>(value);
+    }
   }
   template <class T>
-  T Load(std::size_t offset = 8) const {
-    T value;
-    std::memcpy(&value, raw_ + offset, sizeof value);
-    return value;
+  T Content() const {
+    if constexpr (std::is_pointer_v<T>) {
+      return reinterpret_cast<T>(static_cast<std::uintptr_t>(content_));
+    } else if constexpr (std::is_same_v<T, float>) {
+      return std::bit_cast<float>(static_cast<std::int32_t>(content_));
+    } else if constexpr (std::is_same_v<T, double>) {
+      return std::bit_cast<double>(content_);
+    } else {
+      return static_cast<T>(content_);
+    }
   }
 
   void AddRef() const;
   void Release() const;
 
-  // [0] tag; numbers and pointers at [8]; a short text's length at [1] and its bytes from [2];
-  // a decimal's scale and sign at [1] and [2], its high part at [4], its low part at [8].
-  alignas(8) unsigned char raw_[16];
+  // Two words, which travel in registers. In memory: [0] the tag; a short text's length at [1] and
+  // its bytes from [2] through both words; a decimal's scale and sign at [1] and [2] and its high
+  // part from [4]. What else there is lies in the second word.
+  std::uint64_t head_;
+  std::int64_t content_;
 };
 
 static_assert(sizeof(Variant) == 16);
@@ -214,15 +229,16 @@ bool Variant::Holds() const {
 template <class T>
 T Variant::Held() const {
   if constexpr (std::is_same_v<T, Currency>) {
-    return Currency::FromUnits(Load<std::int64_t>());
+    return Currency::FromUnits(Content<std::int64_t>());
   } else if constexpr (std::is_same_v<T, Date>) {
-    return Date(Load<double>());
+    return Date(Content<double>());
   } else if constexpr (std::is_same_v<T, Decimal>) {
-    return Decimal(Load<std::uint32_t>(4), Load<std::uint64_t>(), raw_[1], raw_[2] != 0);
+    return Decimal(static_cast<std::uint32_t>(head_ >> kDecimalShift), Content<std::uint64_t>(),
+                   ByteOf(head_, 1), ByteOf(head_, 2) != 0);
   } else if constexpr (std::is_same_v<T, String>) {
     return String(TextView());
   } else {
-    return Load<T>();
+    return Content<T>();
   }
 }
 

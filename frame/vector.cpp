@@ -24,7 +24,9 @@ void Vector::LowerBound(Long value) { lower_bound_ = value; }
 
 Long Vector::UpperBound() const {
   const std::int64_t bound = std::int64_t{lower_bound_} + Count() - 1;
-  if (bound > std::numeric_limits<Long>::max()) RaiseError(error_number::kOverflow);
+  if (bound < std::numeric_limits<Long>::min() || bound > std::numeric_limits<Long>::max()) {
+    RaiseError(error_number::kOverflow);
+  }
   return static_cast<Long>(bound);
 }
 

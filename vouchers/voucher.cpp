@@ -249,7 +249,7 @@ void Voucher::BlankOutFlag(Boolean value) {
   Bag().SetValue(kBlankOutFlag, Variant(static_cast<Integer>(value ? 1 : 0)));
 }
 
-Ref<VoucherEntrySet> Voucher::Entries() const {
+Ref<Vector> Voucher::Lines() const {
   Ref<Vector> lines = ReadField<Ref<Vector>>(kEntries, kPlain);
   if (!lines) {
     lines = Make<Vector>();
@@ -257,21 +257,25 @@ Ref<VoucherEntrySet> Voucher::Entries() const {
     // Past the bag: looking at the lines of a new voucher is no edit.
     Bag().Dictionary()->Put(kEntries, Variant(lines));
   }
+  return lines;
+}
+
+Ref<VoucherEntrySet> Voucher::Entries() const {
   auto entries = Make<VoucherEntrySet>();
-  entries->Attach(lines, Bag().ChangeFlag()->Item(kEntries.text()));
+  entries->Attach(Lines(), Bag().ChangeFlag()->Item(kEntries.text()));
   return entries;
 }
 
-Currency Voucher::Total(Currency (VoucherEntry::*side)() const) const {
+Currency Voucher::Total(Currency (*side)(const Dictionary& row)) const {
+  const Ref<Vector> lines = Lines();
   Currency total;
-  const Ref<VoucherEntrySet> entries = Entries();
-  for (Long i = 1; i <= entries->Count(); ++i) total += ((*entries->Item(i)).*side)();
+  for (Long i = 1; i <= lines->Count(); ++i) total += side(*RowAt(lines, i));
   return total;
 }
 
-Currency Voucher::CreditTotal() const { return Total(&VoucherEntry::Credit); }
+Currency Voucher::CreditTotal() const { return Total(VoucherEntry::CreditOf); }
 
-Currency Voucher::DebitTotal() const { return Total(&VoucherEntry::Debit); }
+Currency Voucher::DebitTotal() const { return Total(VoucherEntry::DebitOf); }
 
 String Voucher::Explanation() const {
   const Ref<VoucherEntrySet> entries = Entries();
@@ -286,8 +290,7 @@ void Voucher::Explanation(String value) { Bag().SetValue(kExplanation, Variant(v
 
 Boolean Voucher::HasForCyOrUnit() const {
   constexpr Long kBaseCurrency = 1;
-  const Ref<VoucherEntrySet> entries = Entries();
-  for (auto& line : *entries) {
+  for (auto& line : Entries()) {
     if (line.CurrencyID() != kBaseCurrency || line.MeasureUnitID() != 0) return true;
   }
   return false;

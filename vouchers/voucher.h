@@ -98,7 +98,9 @@ class Voucher final : public Entity {
 
   String NameOf(const Key& name, Integer person) const;
   void StoreTextOrNull(const Key& key, const String& text);
-  Currency Total(Currency (VoucherEntry::*side)() const) const;
+  Ref<Vector> Lines() const;
+  // The sum over all lines of what stands on one side.
+  Currency Total(Currency (*side)(const Dictionary& row)) const;
 
   void VisitDifferences(Voucher& other);
 

@@ -54,7 +54,17 @@ void VoucherEntry::DC(Long value) {
   Bag().SetValue(kDC, Variant(value));
 }
 
-Currency VoucherEntry::Debit() const { return DC() == kDebitSide ? Amount() : Currency(); }
+Currency VoucherEntry::DebitOf(const Dictionary& row) {
+  const bool is_debit = FieldOf<Long>(row.Find(kDC), kPlain) == kDebitSide;
+  return is_debit ? FieldOf<Currency>(row.Find(kAmount), kPlain) : Currency();
+}
+
+Currency VoucherEntry::CreditOf(const Dictionary& row) {
+  const bool is_credit = FieldOf<Long>(row.Find(kDC), kPlain) == kCreditSide;
+  return is_credit ? FieldOf<Currency>(row.Find(kAmount), kPlain) : Currency();
+}
+
+Currency VoucherEntry::Debit() const { return DebitOf(*Bag().Dictionary()); }
 
 void VoucherEntry::Debit(Currency value) {
   if (Credit() != Currency() && value == Currency()) return;
@@ -62,7 +72,7 @@ void VoucherEntry::Debit(Currency value) {
   Amount(value);
 }
 
-Currency VoucherEntry::Credit() const { return DC() == kCreditSide ? Amount() : Currency(); }
+Currency VoucherEntry::Credit() const { return CreditOf(*Bag().Dictionary()); }
 
 void VoucherEntry::Credit(Currency value) {
   if (Debit() != Currency() && value == Currency()) return;
@@ -125,8 +135,9 @@ Ref<VoucherEntry> VoucherEntrySet::Item(Long index) const {
 }
 
 void VoucherEntrySet::Item(Long index, Ref<VoucherEntry> value) {
-  if (!value) RaiseError(error_number::kObjectNotSet);
-  Lines()->Item(index, Variant(value->Properties()->Dictionary()));
+  const Ref<Properties> bag = value ? value->Properties() : nullptr;
+  if (!bag) RaiseError(error_number::kObjectNotSet);  // no line, or one that was never bound
+  Lines()->Item(index, Variant(bag->Dictionary()));
   m_Flag->Item(index)->Modified(true);
 }
 

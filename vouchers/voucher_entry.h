@@ -63,6 +63,11 @@ class VoucherEntry final : public LineView {
   FIELD(GetLet, Long, UnitGroupID, "FUnitGroupID", "Id of the unit's group.", Clear(0))
   FIELD(GetLet, Double, UnitPrice, "FUnitPrice", "The price of one unit.")
 
+  // What a line with that row has on the debit side and on the credit side: for sums over many
+  // lines, which need no view of each.
+  static Currency DebitOf(const Dictionary& row);
+  static Currency CreditOf(const Dictionary& row);
+
  private:
   String UnitText(const Key& key) const;
 };

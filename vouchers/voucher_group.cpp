@@ -2,8 +2,6 @@
 
 #include "frame/class_table.h"
 #include "frame/machine.h"
-#include "frame/server_gateway.h"
-#include "frame/session.h"
 #include "frame/variant_kind.h"
 
 namespace qdclgl {
@@ -60,11 +58,8 @@ Long VoucherGroupSet::ExistenceCheck(Variant VoucherGroupID, Variant Name) {
 
 void VoucherGroupSet::Remove(Variant Key, Long lngDelSign) {
   const bool by_id = IsVariantKind(Key, variant_kind::kNumber);
-  Long id = by_id ? CLng(Key) : ExistenceCheck(Missing, Key);
-  if (id == 0) RaiseError(error_number::kInvalidCall);
-  const Ref<Object> update = ServerGateway().CreateInstance(Protocol().update_component);
-  update->Call("Delete", GetPropsString(), ByRef(id), GetMachineName(), GetIPAddress(),
-               ByRef(lngDelSign));
+  const Long id = by_id ? CLng(Key) : ExistenceCheck(Missing, Key);
+  DeleteRow(id, GetMachineName(), GetIPAddress(), ByRef(lngDelSign));
 }
 
 }  // namespace qdclgl

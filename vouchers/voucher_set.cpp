@@ -2,8 +2,6 @@
 
 #include "frame/class_table.h"
 #include "frame/machine.h"
-#include "frame/server_gateway.h"
-#include "frame/session.h"
 #include "frame/variant_kind.h"
 
 namespace qdclgl {
@@ -26,12 +24,6 @@ const SetProtocol& VoucherSet::Protocol() const {
       .text_key_method = "GetDetailByNumber",
   };
   return kProtocol;
-}
-
-template <class... Args>
-void VoucherSet::CallUpdate(const char* method, Long id, Args&&... args) {
-  const Ref<Object> update = ServerGateway().CreateInstance(Protocol().update_component);
-  update->Call(method, GetPropsString(), ByRef(id), std::forward<Args>(args)...);
 }
 
 void VoucherSet::Cash(Long VoucherID, Boolean Cashed) {
@@ -78,15 +70,12 @@ Long VoucherSet::ExistenceCheck(Variant VoucherID, Variant nYear, Variant Period
 void VoucherSet::Remove(Variant Key, Variant nYear, Variant Period, Variant Group,
                         Variant Number) {
   Long id = 0;
-  if (Key.IsMissing()) {
-    if (IsNumberGiven(Period, Group, Number)) {
-      id = ExistenceCheck(Missing, nYear, Period, Group, Number);
-    }
-  } else if (IsVariantKind(Key, variant_kind::kNumber)) {
-    id = CLng(Key);
+  if (!Key.IsMissing()) {
+    id = IdOf(Key, [] { return 0; });  // a text is not looked up here
+  } else if (IsNumberGiven(Period, Group, Number)) {
+    id = ExistenceCheck(Missing, nYear, Period, Group, Number);
   }
-  if (id == 0) RaiseError(error_number::kInvalidCall);
-  CallUpdate("Delete", id, false, GetMachineName(), GetIPAddress());
+  DeleteRow(id, false, GetMachineName(), GetIPAddress());
 }
 
 Ref<Voucher> VoucherSet::Item(Variant Key, Long nYear, Long Period, String Group, Long Number,

@@ -36,11 +36,6 @@ class VoucherSet final : public EntitySet<Voucher> {
 
  protected:
   const SetProtocol& Protocol() const override;
-
- private:
-  // A call on the writing component with a voucher's id by reference and what follows it.
-  template <class... Args>
-  void CallUpdate(const char* method, Long id, Args&&... args);
 };
 
 using WalkVoucherSet = EntityWalker<Voucher>;

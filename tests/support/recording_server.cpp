@@ -56,6 +56,7 @@ RecordingServer::RecordingServer()
 RecordingServer::~RecordingServer() {
   SetForeignComponentCreator(std::move(former_creator_));
   SetServerGateway(former_gateway_);
+  SetApartmentStarted(former_started_);
 }
 
 void RecordingServer::Answer(std::string_view component, std::string_view method, Variant answer) {

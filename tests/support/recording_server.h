@@ -11,12 +11,13 @@
 #include <string_view>
 
 #include "frame/server_gateway.h"
+#include "frame/startup.h"
 #include "tests/support/test_platform.h"
 
 namespace qdclgl::testing {
 
 // While one lives, this thread's gateway and all unregistered components are its own, and the
-// machine is a TestPlatform. The session is an outer login with the connection text "props".
+// machine is a TestPlatform; the apartment counts as started. The session is an outer login with the connection text "props".
 class RecordingServer {
  public:
   using Handler = std::function<Variant(std::span<Argument> arguments)>;
@@ -78,6 +79,7 @@ class RecordingServer {
   std::optional<Error> failure_;
   std::unique_ptr<Gateway> gateway_;
   Gateway* former_gateway_;
+  bool former_started_ = SetApartmentStarted(true);
   ComponentCreator former_creator_;
 };
 

@@ -1,0 +1,7 @@
+#include "frame/key.h"
+
+namespace qdclgl {
+
+void Key::DigestAtRunTime() { Digest(); }
+
+}  // namespace qdclgl
