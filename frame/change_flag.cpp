@@ -88,14 +88,17 @@ void ChangeFlag::Reset() {
   for (const Ref<ChangeFlag>& child : m_Children->flags) child->Reset();
 }
 
+Ref<ChangeFlag> ChangeFlag::At(Long Position) {
+  if (Position < 1) return Nothing;
+  std::vector<Ref<ChangeFlag>>& flags = ChildrenToFill().flags;
+  while (static_cast<Long>(flags.size()) < Position) flags.push_back(Make<ChangeFlag>());
+  return flags[static_cast<std::size_t>(Position - 1)];
+}
+
 Ref<ChangeFlag> ChangeFlag::Item(const Variant& Key) {
   if (IsVariantKind(Key, variant_kind::kNumber)) {
     try {
-      const Long position = CLng(Key);
-      if (position < 1) return Nothing;
-      std::vector<Ref<ChangeFlag>>& flags = ChildrenToFill().flags;
-      while (static_cast<Long>(flags.size()) < position) flags.push_back(Make<ChangeFlag>());
-      return flags[static_cast<std::size_t>(position - 1)];
+      return At(CLng(Key));
     } catch (const Error&) {
       return Nothing;  // a number that no position can be
     }

@@ -31,6 +31,7 @@ class ChangeFlag final : public Object {
   // The child at a position (children are added up to it) or under a key (made on first use).
   // Nothing for a position below 1.
   Ref<ChangeFlag> Item(const Variant& Key);
+  Ref<ChangeFlag> At(Long Position);  // the same for a position
   // Whether this node or any node below it is modified.
   Boolean Modified() const;
   // Sets this node alone: False leaves the children as they are.

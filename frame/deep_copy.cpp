@@ -46,6 +46,7 @@ Ref<Vector> CloneVector(const Ref<Vector>& vec) {
 }
 
 void VectorInsertAt(const Ref<Vector>& vec, Long index, const Ref<Object>& item) {
+  if (!vec) RaiseError(error_number::kObjectNotSet);
   vec->Append(vec->Item(vec->UpperBound()));
   for (Long i = vec->UpperBound() - 1; i > index; --i) vec->Item(i, vec->Item(i - 1));
   vec->Item(index, Variant(item));

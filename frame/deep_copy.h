@@ -17,7 +17,7 @@ Ref<Dictionary> CloneDictionary(const Ref<Dictionary>& dict);
 Ref<Vector> CloneVector(const Ref<Vector>& vec);
 
 // Puts `item` at `index` and moves the elements from there on up by one. The Vector must not be
-// empty (error 9).
+// empty (error 9). Error 91 for Nothing.
 void VectorInsertAt(const Ref<Vector>& vec, Long index, const Ref<Object>& item);
 
 }  // namespace qdclgl

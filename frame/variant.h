@@ -5,6 +5,7 @@
 #pragma once
 
 #include <bit>
+#include <concepts>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -61,7 +62,8 @@ class Variant {
   Variant(NullValue) : Variant(Tag::kNull) {}
   Variant(MissingValue) : Variant(Tag::kMissing) {}
   Variant(NothingValue) : Variant(Tag::kNothing) {}
-  Variant(bool value) : Variant(Tag::kBoolean, WordOf(value)) {}
+  template <std::same_as<bool> T>  // and nothing that merely converts to it, as pointers do
+  Variant(T value) : Variant(Tag::kBoolean, WordOf(value)) {}
   Variant(Byte value) : Variant(Tag::kByte, WordOf(value)) {}
   Variant(Integer value) : Variant(Tag::kInteger, WordOf(value)) {}
   Variant(Long value) : Variant(Tag::kLong, WordOf(value)) {}
@@ -205,6 +207,8 @@ class Variant {
   // Two words, which travel in registers. In memory: [0] the tag; a short text's length at [1] and
   // its bytes from [2] through both words; a decimal's scale and sign at [1] and [2] and its high
   // part from [4]. What else there is lies in the second word.
+  // The words differ in type: of two of one type g++ makes one read of 16 bytes, which has to wait
+  // for the two writes when the value was only just made.
   std::uint64_t head_;
   std::int64_t content_;
 };

@@ -68,7 +68,7 @@ class VectorWalker final : public IWalkVariant {
     if (m_Pos >= m_Vector->Count()) return;
     m_Pos = NextPosition(m_Pos);
     const Ref<Dictionary> row = RowAt(m_Vector, m_Pos);
-    const Ref<ChangeFlag> flag = m_ChangeFlag->Item(m_Pos);
+    const Ref<ChangeFlag> flag = m_ChangeFlag->At(m_Pos);
     auto child = Make<Child>();
     child->Attach(row, flag);
     Item = Variant(child);

@@ -8,13 +8,16 @@ namespace qdclgl {
 DEFINE_MEMBERS(VoucherDetail)
 DEFINE_MEMBERS(VoucherDetailSet)
 
+// The node alone: a detail from Item reports to the list's flag, and what was written through a
+// walk below it is another detail's business.
+Boolean VoucherDetail::Modified() const { return Bag().ChangeFlag()->PrivateModified(); }
+
 Ref<VoucherDetail> VoucherDetailSet::FindItem(Variant ItemClassKey) {
   const bool by_number = ItemClassKey.IsString();
   const bool by_id = IsVariantKind(ItemClassKey, variant_kind::kNumber);
   if (!by_number && !by_id) return Nothing;
-  const Long id = by_id ? CLng(ItemClassKey) : 0;
   for (auto& detail : *this) {
-    const bool hit = by_id ? detail.ItemClassID() == id
+    const bool hit = by_id ? detail.ItemClassID() == CLng(ItemClassKey)
                            : detail.ItemClassNumber() == ItemClassKey.TextView();
     if (hit) return Ref<VoucherDetail>(&detail);
   }

@@ -18,7 +18,7 @@ class VoucherDetail final : public LineView {
   FIELD(GetLet, Long, ItemID, "FItemID", "Id of the item.", Clear(0))
   FIELD(GetLet, String, ItemName, "FItemName", "Name of the item.", Clear(""))
   FIELD(GetLet, String, ItemNumber, "FItemNumber", "Number of the item.", Clear(""))
-  INHERITED(Modified)
+  PROPERTY(Get, Boolean, Modified, "Whether the flag that the detail reports to was set: the flag of its position for a detail from a walk, the flag that all share for a detail from Item.")
   INHERITED(Properties)
   FIELD(GetLet, String, Value, "FValue", "The free value of the detail.", Clear(""))
 };

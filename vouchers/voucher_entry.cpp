@@ -131,14 +131,14 @@ Ref<VoucherEntry> VoucherEntrySet::CreateNewEntry() {
 Ref<VoucherEntry> VoucherEntrySet::Item(Long index) const {
   if (index > Count()) return Nothing;
   const Ref<Dictionary> row = RowAt(Lines(), index);
-  return ViewOf<VoucherEntry>(row, m_Flag->Item(index));
+  return ViewOf<VoucherEntry>(row, m_Flag->At(index));
 }
 
 void VoucherEntrySet::Item(Long index, Ref<VoucherEntry> value) {
   const Ref<Properties> bag = value ? value->Properties() : nullptr;
   if (!bag) RaiseError(error_number::kObjectNotSet);  // no line, or one that was never bound
   Lines()->Item(index, Variant(bag->Dictionary()));
-  m_Flag->Item(index)->Modified(true);
+  m_Flag->At(index)->Modified(true);
 }
 
 }  // namespace qdclgl

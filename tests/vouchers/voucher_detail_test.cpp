@@ -393,7 +393,7 @@ TEST_F(VoucherDetailSetFindTest, FindItemIsReachedByName) {
 }
 
 TEST_F(VoucherDetailSetTest, FindItemOnAnEmptyListIsNothing) {
-  for (const Variant& key : {Variant(3), Variant("03"), Variant(Null)}) {
+  for (const Variant& key : {Variant(3), Variant(3e9), Variant("03"), Variant(Null)}) {
     EXPECT_EQ(details->FindItem(key), nullptr) << StateText(key);
   }
   EXPECT_EQ(ListState(), "[] -");
@@ -408,8 +408,11 @@ TEST_F(VoucherDetailSetTest, AWriteThroughAFoundDetailReachesTheLineAndLeavesThe
   set->FindItem(4)->Value("x");
   EXPECT_TRUE(line->Modified());
   EXPECT_EQ(FlagText(*line->Properties()->ChangeFlag()), "+[+[- *]]");
-  EXPECT_FALSE(set->Item(1)->Properties()->ChangeFlag()->PrivateModified());
+  EXPECT_FALSE(set->Item(1)->Modified());
+  EXPECT_FALSE(set->Item(2)->Modified()) << "the found detail itself, reached the other way";
+  EXPECT_TRUE(set->FindItem(4)->Modified());
   set->Item(1)->Value("y");
+  EXPECT_TRUE(set->Item(2)->Modified());
   EXPECT_EQ(FlagText(*line->Properties()->ChangeFlag()), "+[*[- *]]");
 }
 
