@@ -80,11 +80,6 @@ Variant Properties::GetValue(const Key& key, const Variant& Default) const {
   return value->IsObject() || !HasEmptyText(*value) ? *value : Default;
 }
 
-void Properties::SetValue(const Key& key, Variant value) {
-  m_Dict->Put(key, std::move(value));
-  m_ChangeFlag->Modified(true);
-}
-
 void Properties::SetValue(const Key& key, Variant value, const Variant& Default) {
   if (Equals(value, Default)) {
     ClearValue(key);

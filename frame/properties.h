@@ -50,7 +50,10 @@ class Properties final : public Object {
 
   // Stores a value. With a default, a value equal to it removes the key instead. The change flag is
   // set in any case.
-  void SetValue(const Key& key, Variant value);
+  void SetValue(const Key& key, Variant value) {
+    m_Dict->Put(key, std::move(value));
+    m_ChangeFlag->Modified(true);
+  }
   void SetValue(const Key& key, Variant value, const Variant& Default);
   // Removes the key where there is one, as the write of a default does.
   void ClearValue(const Key& key);
