@@ -23,7 +23,6 @@ class Vector final : public Tracked {
 
   Vector() : Tracked(Container::kVector) {}
 
-  void Reserve(std::size_t count) { elements_.reserve(count); }
   std::size_t size() const { return elements_.size(); }
   const Variant& at(std::size_t offset) const { return elements_[offset]; }
 
