@@ -1,0 +1,183 @@
+#include "server/columns.h"
+
+#include <charconv>
+#include <cmath>
+
+#include "frame/conversions.h"
+#include "frame/text.h"
+#include "server/refusals.h"
+
+namespace qdclgl::server {
+
+bool IsStorable(std::string_view text) {
+  bool is_ascii = true;
+  for (const char c : text) {
+    if (c == '\0') return false;
+    is_ascii = is_ascii && static_cast<unsigned char>(c) < 0x80;
+  }
+  return is_ascii || FromUtf16(ToUtf16(text)) == text;
+}
+
+const Column* FindColumn(std::span<const Column> columns, std::string_view name) {
+  for (const Column& column : columns) {
+    if (EqualsIgnoringAsciiCase(column.name, name)) return &column;
+  }
+  return nullptr;
+}
+
+std::string DateText(Date date) { return date.days == 0 ? std::string() : date.ToText(); }
+
+Date DateFrom(std::string_view text) {
+  if (text.empty()) return Date();
+  const auto number = [&](std::size_t from, std::size_t count) {
+    int value = 0;
+    std::from_chars(text.data() + from, text.data() + from + count, value);
+    return value;
+  };
+  if (text.size() == 10 && text[4] == '-' && text[7] == '-') {
+    return Date::FromYmd(number(0, 4), number(5, 2), number(8, 2));
+  }
+  return CDate(Variant(text));
+}
+
+Variant ReadCell(const Statement& statement, std::size_t position, ColumnType type) {
+  switch (type) {
+    case ColumnType::kLong: return static_cast<Long>(statement.Whole(position));
+    case ColumnType::kInteger: return static_cast<Integer>(statement.Whole(position));
+    case ColumnType::kBoolean: return statement.Whole(position) != 0;
+    case ColumnType::kCurrency: return Currency::FromUnits(statement.Whole(position));
+    case ColumnType::kDouble: return statement.Real(position);
+    case ColumnType::kSingle: return static_cast<Single>(statement.Real(position));
+    case ColumnType::kDate: return DateFrom(statement.Text(position));
+    case ColumnType::kText: return statement.Text(position);
+  }
+  return {};
+}
+
+namespace {
+
+// One database keeps what is no number, the other makes Null of it.
+template <class T>
+T Finite(T value) {
+  if (!std::isfinite(value)) RaiseError(error_number::kOverflow);
+  return value;
+}
+
+}  // namespace
+
+Variant Normalized(const Column& column, const Variant& value) {
+  const bool absent = value.IsEmpty() || value.IsNull() || value.IsMissing() || value.IsNothing() ||
+                      (value.IsString() && column.type != ColumnType::kText && HasEmptyText(value));
+  const Variant given = absent ? Variant() : value;
+  try {
+    switch (column.type) {
+      case ColumnType::kLong: return CLng(given);
+      case ColumnType::kInteger: return CInt(given);
+      case ColumnType::kBoolean: return CBool(given);
+      case ColumnType::kCurrency: return CCur(given);
+      case ColumnType::kDouble: return Finite(CDbl(given));
+      case ColumnType::kSingle: return Finite(CSng(given));
+      case ColumnType::kDate: {
+        const Date date = CDate(given);
+        DateText(date);  // error 6 for a date that no calendar has
+        return date;
+      }
+      case ColumnType::kText: {
+        String text = CStr(given);
+        if (!IsStorable(text)) RaiseError(error_number::kTypeMismatch);
+        return text;
+      }
+    }
+  } catch (const Error&) {
+    Refuse(refusal::kBadValue,
+           "The value of " + std::string(column.name) + " does not fit its column.");
+  }
+  return {};
+}
+
+void BindCell(Statement& statement, std::size_t position, const Column& column,
+              const Variant& value) {
+  const Variant cell = Normalized(column, value);
+  switch (column.type) {
+    case ColumnType::kLong: return statement.Set(position, std::int64_t{cell.Held<Long>()});
+    case ColumnType::kInteger: return statement.Set(position, std::int64_t{cell.Held<Integer>()});
+    case ColumnType::kBoolean: return statement.Set(position, std::int64_t{cell.Held<Boolean>()});
+    case ColumnType::kCurrency: return statement.Set(position, cell.Held<Currency>().units());
+    case ColumnType::kDouble: return statement.Set(position, cell.Held<Double>());
+    case ColumnType::kSingle: return statement.Set(position, Double{cell.Held<Single>()});
+    case ColumnType::kDate:
+      return statement.Set(position, std::string_view(DateText(cell.Held<Date>())));
+    case ColumnType::kText: return statement.Set(position, cell.TextView());
+  }
+}
+
+Ref<KeyList> KeysOf(std::span<const Column> columns) {
+  Ref<KeyList> keys;
+  for (const Column& column : columns) {
+    keys = KeyList::Appended(std::move(keys), Key(column.name));
+  }
+  return keys;
+}
+
+std::vector<Variant> ReadCells(const Statement& statement, std::span<const Column> columns,
+                               std::size_t first) {
+  std::vector<Variant> cells;
+  cells.reserve(columns.size());
+  for (const Column& column : columns) cells.push_back(ReadCell(statement, first++, column.type));
+  return cells;
+}
+
+Ref<Dictionary> ReadRow(const Statement& statement, std::span<const Column> columns,
+                        const Ref<KeyList>& keys) {
+  return Dictionary::FromRow(keys, ReadCells(statement, columns).data());
+}
+
+std::vector<Variant> NormalizedCells(std::span<const Column> columns, const Dictionary& row) {
+  std::vector<Variant> cells;
+  cells.reserve(columns.size());
+  for (const Column& column : columns) {
+    const Variant* value = row.Find(Key(column.name));
+    cells.push_back(Normalized(column, value != nullptr ? *value : Variant()));
+  }
+  return cells;
+}
+
+void InsertRows(Database& db, std::string_view table, std::span<const Column> columns,
+                std::size_t count,
+                const std::function<void(Statement&, std::size_t first, std::size_t row)>& bind) {
+  for (std::size_t row = 0; row < count;) {
+    // Powers of two, so that few statements are ever prepared.
+    std::size_t rows = 16;
+    while (rows > count - row) rows /= 2;
+    std::string group = "(";
+    for (std::size_t i = 0; i < columns.size(); ++i) group += i == 0 ? "?" : ", ?";
+    group += ")";
+    std::string sql = "INSERT INTO " + std::string(table) + " (" + NamesOf(columns) + ") VALUES ";
+    std::vector<Storage> parameters;
+    for (std::size_t i = 0; i < rows; ++i) {
+      sql += i == 0 ? group : ", " + group;
+      for (const Column& column : columns) parameters.push_back(StorageOf(column.type));
+    }
+    Statement& statement = db.Prepared(sql, parameters, {});
+    for (std::size_t i = 0; i < rows; ++i) bind(statement, i * columns.size(), row + i);
+    statement.Execute();
+    row += rows;
+  }
+}
+
+std::vector<Storage> StoragesOf(std::span<const Column> columns) {
+  std::vector<Storage> storages;
+  for (const Column& column : columns) storages.push_back(StorageOf(column.type));
+  return storages;
+}
+
+std::string NamesOf(std::span<const Column> columns, std::string_view prefix) {
+  std::string names;
+  for (const Column& column : columns) {
+    if (!names.empty()) names += ", ";
+    names.append(prefix).append(column.name);
+  }
+  return names;
+}
+
+}  // namespace qdclgl::server

@@ -1,0 +1,23 @@
+// The rules that a voucher keeps whoever saves it and however.
+#pragma once
+
+#include "server/settings.h"
+#include "server/voucher_tree.h"
+
+namespace qdclgl::server {
+
+// Completes what a caller left open (year, period, group, accounts and currencies given by number)
+// and holds the voucher against the rules of the books: NoLines, NotBalanced, BadAccount,
+// BadCurrency, BadSide, BadGroup, PeriodClosed, WrongPeriod, Required, BadNumber, BadValue,
+// TooLarge. The number is not given yet.
+void ApplyRules(Database& db, const LedgerRules& rules, VoucherTree& tree);
+
+// Gives the voucher its number in year, period and group: the next one for 0, otherwise the one it
+// asks for. NumberTaken when another voucher has it.
+void GiveNumber(Database& db, VoucherTree& tree);
+
+// Refuses what is not open for change: PeriodClosed, VoucherDeleted, VoucherPosted, VoucherChecked.
+void RequireOpenPeriod(const LedgerRules& rules, const VoucherTree& tree);
+void RequireChangeable(const LedgerRules& rules, const VoucherTree& tree);
+
+}  // namespace qdclgl::server

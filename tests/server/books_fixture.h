@@ -1,0 +1,51 @@
+// Books for one test: empty ones in a file or a PostgreSQL schema of their own, with somebody logged
+// in. The suites run on every database; see Databases().
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "frame/late_bound.h"
+#include "frame/server_gateway.h"
+
+namespace qdclgl::server::testing {
+
+enum class DatabaseKind { kSQLite, kPostgreSQL };
+
+// SQLite, and PostgreSQL where QDCLGL_TEST_POSTGRESQL holds the connection text of a database that
+// tests may make schemas in (scripts/with-postgresql starts one).
+std::vector<DatabaseKind> Databases();
+std::string NameOf(const ::testing::TestParamInfo<DatabaseKind>& info);
+
+// A connection text for books that are not there yet, and will be removed by RemoveBooks.
+std::string NewConnectionText(DatabaseKind kind);
+void RemoveBooks(const std::string& connection);
+
+class BooksTest : public ::testing::TestWithParam<DatabaseKind> {
+ protected:
+  // Books that begin in 2024, base currency EUR; "administrator" without a password is logged in.
+  BooksTest();
+  ~BooksTest() override;
+
+  // Logs somebody in, in place of who was; returns the PropsString.
+  std::string Login(const std::string& user, const std::string& password = "");
+  // A user with these roles, no password.
+  void AddUser(const std::string& name, const std::string& roles);
+
+  // A new component, and what one call of a new component gives.
+  static Ref<Object> Component(std::string_view prog_id) { return CreateObject(prog_id); }
+  template <class... Args>
+  static Variant Call(std::string_view prog_id, std::string_view method, Args&&... args) {
+    return CreateObject(prog_id)->Call(method, std::forward<Args>(args)...);
+  }
+
+  std::string connection;  // as Login takes it
+  std::string props;       // of the last login
+};
+
+#define QDCLGL_BOOKS_TEST(Suite) \
+  INSTANTIATE_TEST_SUITE_P(, Suite, ::testing::ValuesIn(Databases()), NameOf)
+
+}  // namespace qdclgl::server::testing

@@ -1,0 +1,167 @@
+#include "tests/server/books_state.h"
+
+#include "frame/vector.h"
+#include "server/refusals.h"
+
+namespace qdclgl::server::testing {
+
+namespace {
+
+constexpr std::string_view kTables[] = {
+    "t_Schema",  "t_SystemProfile", "t_User",         "t_Currency",      "t_Account", "t_AccountItem",
+    "t_VoucherGroup", "t_Voucher",  "t_VoucherEntry", "t_VoucherDetail", "t_Counter", "t_Balance",
+    "t_Audit"};
+
+std::string RowText(Database& db, std::string_view table) {
+  if (!db.IsSQLite()) return "CAST(" + std::string(table) + " AS TEXT)";
+  std::string text;
+  for (const auto& [column] :
+       db.Query<std::string>("SELECT name FROM pragma_table_info(?)", table)) {
+    text += (text.empty() ? "" : " || ',' || ") + ("quote(" + column + ")");
+  }
+  return text;
+}
+
+}  // namespace
+
+std::string RefusalOf(const std::function<void()>& operation) {
+  try {
+    operation();
+    return "none";
+  } catch (const Error& error) {
+    for (const RefusalRow& row : kRefusals) {
+      if (row.number == error.number()) return std::string(row.name);
+    }
+    return "error " + std::to_string(error.number());
+  }
+}
+
+std::string SentenceOf(const std::function<void()>& operation) {
+  try {
+    operation();
+    return "";
+  } catch (const Error& error) {
+    return error.description();
+  }
+}
+
+Database& RecordsTest::Books() const {
+  return Database::Of(ConnectionText::Parse(props).Without(connection_key::kSession).ToText());
+}
+
+std::string RecordsTest::State() const {
+  Database& db = Books();
+  std::string state;
+  for (const std::string_view table : kTables) {
+    const std::string name(table);
+    for (const auto& [row] : db.Query<std::string>("SELECT " + RowText(db, table) + " AS row_text FROM " +
+                                                   name + " ORDER BY row_text")) {
+      state += name + " " + row + "\n";
+    }
+  }
+  return state;
+}
+
+std::string RecordsTest::Breaches() const {
+  return TextOf(Call("QDSVGLBooks.BooksInfo", "Check", props).As<Recordset>(),
+                {"FRule", "FSubject", "FRecordID", "FRecord"});
+}
+
+Long RecordsTest::AddAccount(std::string_view number, std::string_view name) {
+  return Call("QDSVGLAccount.AccountUpdate", "Create", props,
+              Row({{"FNumber", number}, {"FName", name.empty() ? number : name}}))
+      .As<Long>();
+}
+
+Long RecordsTest::AddGroup(std::string_view name) {
+  return Call("QDSVGLVoucherGroup.VoucherGroupUpdate", "Create", props, Row({{"FName", name}}))
+      .As<Long>();
+}
+
+Long RecordsTest::AddVoucher(Long group, Long debit, Long credit, Currency amount, Date date) {
+  auto lines = Make<Vector>();
+  for (const Long side : {1, 0}) {
+    lines->Append(Row({{"FAccountID", side == 1 ? debit : credit},
+                       {"FDC", side},
+                       {"FAmount", amount},
+                       {"FQuantity", 2.5}}));
+  }
+  return Call("QDSVGLVoucher.VoucherUpdate", "Create", props,
+              Row({{"FDate", date}, {"FGroupID", group}, {"_Entries", lines}}))
+      .As<Long>();
+}
+
+void RecordsTest::CheckAndPost(Long voucher) {
+  Call("QDSVGLVoucher.VoucherUpdate", "Check", props, voucher, true);
+  Call("QDSVGLVoucher.VoucherUpdate", "Post", props, voucher);
+}
+
+void RecordsTest::ExpectAdministratorsOnly(
+    const std::function<void(const std::string& props)>& operation) {
+  for (const char* role : {"reader", "preparer", "checker", "cashier", "poster",
+                           "reader, preparer, checker, cashier, poster"}) {
+    Login("administrator");
+    const std::string user = std::string("only ") + role;
+    if (!Books().QueryValue<Long>("SELECT FUserID FROM t_User WHERE FName = ?", user)) {
+      AddUser(user, role);
+    }
+    const std::string lesser = Login(user);
+    const std::string before = State();
+    EXPECT_EQ(RefusalOf([&] { operation(lesser); }), "NotPermitted") << role;
+    EXPECT_EQ(State(), before) << role;
+  }
+  EXPECT_EQ(RefusalOf([&] { operation(connection); }), "NotLoggedIn");
+  Login("administrator");
+}
+
+void RecordsTest::FailEachStatement(const std::function<void()>& operation,
+                                    const std::function<std::string()>& watched) {
+  const std::string before = State();
+  const std::string watched_before = watched();
+  for (int failing = 1;; ++failing) {
+    ASSERT_LT(failing, 200);
+    int count = 0;
+    Database::SetStatementHook([&](std::string_view) {
+      if (++count == failing) throw Error(4711, "test", "this statement fails");
+    });
+    const std::string refusal = RefusalOf(operation);
+    Database::SetStatementHook(nullptr);
+    if (refusal == "none") {
+      EXPECT_GT(failing, 3) << "there was hardly anything to fail";
+      EXPECT_LT(count, failing);
+      EXPECT_NE(State(), before);
+      return;
+    }
+    EXPECT_EQ(refusal, "error 4711") << "at statement " << failing;
+    EXPECT_EQ(State(), before) << "after statement " << failing;
+    EXPECT_EQ(watched(), watched_before) << "after statement " << failing;
+  }
+}
+
+std::string TextOf(const Dictionary& row) {
+  std::string text;
+  for (std::uint32_t i = 0; i < row.size(); ++i) {
+    const Variant& value = row.value_at(i);
+    text += row.key_at(i) + "=" +
+            (value.IsNothing()  ? "Nothing"
+             : value.IsObject() ? std::string(value.ObjectPointer()->ClassName())
+                                : ConcatenatedText(value)) +
+            ";";
+  }
+  return text;
+}
+
+std::string TextOf(const Ref<Recordset>& list, std::initializer_list<std::string_view> columns) {
+  std::string text;
+  for (list->Eof() ? void() : list->MoveFirst(); !list->Eof(); list->MoveNext()) {
+    std::string line;
+    for (const std::string_view column : columns) {
+      if (!line.empty()) line += ' ';
+      line += ConcatenatedText(list->FieldValue(list->FieldPosition(column)));
+    }
+    text += line + "\n";
+  }
+  return text;
+}
+
+}  // namespace qdclgl::server::testing

@@ -1,0 +1,55 @@
+// What tests of the server components share: the books' whole state as text, refusals by name, and
+// operations that are made to fail at each of their statements.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "frame/recordset.h"
+#include "server/database.h"
+#include "tests/server/books_fixture.h"
+#include "tests/support/test_objects.h"
+
+namespace qdclgl::server::testing {
+
+using ::qdclgl::testing::Row;
+
+// The name of the refusal that an operation raises: "none", "Changed", or "error 13" for an error
+// that is no refusal.
+std::string RefusalOf(const std::function<void()>& operation);
+// Its sentence; "" when nothing is raised.
+std::string SentenceOf(const std::function<void()>& operation);
+
+class RecordsTest : public BooksTest {
+ protected:
+  // The connection that the components use in this thread.
+  Database& Books() const;
+  // Every row of every table, as text.
+  std::string State() const;
+  // What the books' own check finds: "FRule FSubject FRecordID FRecord", a line for each row.
+  std::string Breaches() const;
+
+  // New records; accounts are called after their number unless they get a name.
+  Long AddAccount(std::string_view number, std::string_view name = "");
+  Long AddGroup(std::string_view name);
+  // A voucher that moves an amount from one account to another.
+  Long AddVoucher(Long group, Long debit, Long credit, Currency amount,
+                  Date date = Date::FromYmd(2024, 1, 31));
+  void CheckAndPost(Long voucher);
+
+  // `operation` is refused for everybody but administrators and changes nothing.
+  void ExpectAdministratorsOnly(const std::function<void(const std::string& props)>& operation);
+
+  // Runs `operation` again and again, each time with another of its statements failing, until it
+  // succeeds. After each failure the books are as before, and so is what `watched` tells.
+  void FailEachStatement(const std::function<void()>& operation,
+                         const std::function<std::string()>& watched = [] { return ""; });
+};
+
+// A row's keys and values as text, objects by their class.
+std::string TextOf(const Dictionary& row);
+// A recordset's rows: the values of these columns, blanks between them, a line for each row.
+std::string TextOf(const Ref<Recordset>& list, std::initializer_list<std::string_view> columns);
+
+}  // namespace qdclgl::server::testing
