@@ -1,5 +1,7 @@
 #include "server/account.h"
 
+#include <limits>
+
 #include "frame/vector.h"
 #include "tests/server/books_state.h"
 
@@ -126,7 +128,7 @@ TEST_P(AccountTest, AccountsKeepAllTheirColumnsInTheirTypes) {
                 "FHelperCode=;FQuantities=False;FMeasureUnitID=0;FMeasureUnit=;FUnitGroupID=0;"
                 "FUnitGroup=;FIsCash=False;FIsBank=False;FIsBudget=False;FIsBusi=False;"
                 "FIsCashFlow=False;FJournal=False;FContact=False;FAdjustRate=False;"
-                "FAcctint=False;FintRate=0;FInterest=False;FLastIntDate=00:00:00;FAcnt=False;"
+                "FAcctint=False;FintRate=0;FInterest=False;FLastIntDate=1899-12-30;FAcnt=False;"
                 "FAcntID=0;FAcntType=0;FIsAcnt=False;FControl=0;FControlSystem=0;FDetailID=0;"
                 "FEarnAccountID=0;FSpecialType=0;FMessage=;FViewMsg=False;FDelete=False;UUID=;");
 }
@@ -193,8 +195,13 @@ TEST_P(AccountTest, BadValuesAreRefusedAndChangeNothing) {
             "BadCurrency");
   EXPECT_EQ(refusal({{"FNumber", "2000"}, {"FName", "x"}, {"FSpecialType", Long{70000}}}),
             "BadValue");
-  EXPECT_EQ(refusal({{"FNumber", "2000"}, {"FName", "x"}, {"FLastIntDate", Date(1e10)}}),
-            "BadValue");
+  for (const double days : {1e10, -1e10, std::numeric_limits<double>::quiet_NaN()}) {
+    EXPECT_EQ(RefusalOf([&] {
+                Create(Row({{"FNumber", "2000"}, {"FName", "x"}, {"FLastIntDate", Date(days)}}));
+              }),
+              "BadValue")
+        << days;
+  }
   EXPECT_EQ(refusal({{"FNumber", "2000"}, {"FName", "x"}, {"FIsCsah", true}}), "BadValue");
   EXPECT_EQ(SentenceOf([&] {
               Create(Row({{"FNumber", "2000"}, {"FName", "x"}, {"FIsCsah", true}}));
@@ -247,7 +254,7 @@ TEST_P(AccountTest, RenamingRenamesBelow) {
   AddAccount("1_00", "Cash");
   Change(cash, "FName", "Kasse 元 'x'");
   EXPECT_EQ(TextOf(List(), {"FFullName"}),
-            "Bank\nBank_Giro\nKasse 元 'x'\nCash\nKasse 元 'x'_Till\nKasse 元 'x'_Till_Cash\n");
+            "Bank\nBank_Giro\nKasse 元 'x'\nKasse 元 'x'_Till\nKasse 元 'x'_Till_Cash\nCash\n");
   EXPECT_EQ(Breaches(), "");
   const Ref<Dictionary> child =
       Call(kInfo, "GetDetailByNumber", props, "1_0.1").As<Dictionary>();
