@@ -222,8 +222,8 @@ void CheckCurrency(Database& db, const RecordSave& save, const std::string& call
   const auto deleted =
       db.QueryValue<bool>("SELECT FDeleted FROM t_Currency WHERE FCurrencyID = ?", id);
   if (!deleted || (*deleted && save.Changes("FCurrencyID"))) {
-    Refuse(refusal::kBadCurrency, called + ": there is no currency " + std::to_string(id) +
-                                      (deleted ? " in use." : "."));
+    Refuse(refusal::kBadCurrency,
+           called + ": there is no currency " + std::to_string(id) + (deleted ? " in use." : "."));
   }
 }
 
@@ -235,8 +235,9 @@ void Save(Database& db, RecordSave& save, const Dictionary& sent) {
   const std::string called = Accounts().Called(record);
   if (!IsAccountNumber(save.Text("FNumber"))) {
     Refuse(refusal::kBadNumber,
-           called + ": a number has 1 to 40 letters, digits, \"-\" and \"_\", with single dots"
-                    " between the levels.");
+           called +
+               ": a number has 1 to 40 letters, digits, \"-\" and \"_\", with single dots"
+               " between the levels.");
   }
   save.RequireUnique("FNumber");
   if (std::abs(save.Number("FDC")) > 1) {
@@ -248,8 +249,8 @@ void Save(Database& db, RecordSave& save, const Dictionary& sent) {
   if (renumbered) {
     RefuseChildren(db, save.stored(), save.id(), true);
     if (IsUsedInVouchers(db, "FAccountID", save.id())) {
-      Refuse(refusal::kInUse, Accounts().Called(save.stored()) +
-                                  ": it can't get another number, vouchers use it.");
+      Refuse(refusal::kInUse,
+             Accounts().Called(save.stored()) + ": it can't get another number, vouchers use it.");
     }
   }
   if (!save.is_new() && record.Value("FDelete").As<Boolean>()) {
@@ -329,9 +330,10 @@ Boolean AccountInfo::ExistsSpecialChild(std::string_view PropsString, const Long
       "SELECT FNumber FROM t_Account WHERE FAccountID = ?", AccountID);
   const std::string prefix = number.value_or("") + ".";
   return caller.db
-      .QueryValue<int>("SELECT 1 FROM t_Account WHERE FSpecialType <> 0 AND"
-                       " substr(FNumber, 1, length(CAST(? AS TEXT))) = ? LIMIT 1",
-                       prefix, prefix)
+      .QueryValue<int>(
+          "SELECT 1 FROM t_Account WHERE FSpecialType <> 0 AND"
+          " substr(FNumber, 1, length(CAST(? AS TEXT))) = ? LIMIT 1",
+          prefix, prefix)
       .has_value();
 }
 
@@ -355,10 +357,9 @@ Ref<Recordset> AccountItemInfo::GetListByAccount(std::string_view PropsString,
                                                  const Long& AccountID) {
   const Caller caller = Enter(PropsString, Role::kReader, kRead);
   const BoundValue id = std::int64_t{AccountID};
-  return FetchList(caller.db,
-                   {"SELECT * FROM t_AccountItem WHERE FAccountID = ?", kItemColumns,
-                    "FItemClassID"},
-                   "", "", std::span(&id, 1));
+  return FetchList(
+      caller.db, {"SELECT * FROM t_AccountItem WHERE FAccountID = ?", kItemColumns, "FItemClassID"},
+      "", "", std::span(&id, 1));
 }
 
 // ---- AccountUpdate ----

@@ -122,8 +122,7 @@ void CheckLinesAndBalances(Database& db, Findings& findings) {
                    "Its totals or its number of lines are not those of its lines.");
     }
     if (voucher.debit != voucher.credit) {
-      findings.Add("VoucherBalance", "Voucher", id, voucher.name,
-                   "Debits and credits differ.");
+      findings.Add("VoucherBalance", "Voucher", id, voucher.name, "Debits and credits differ.");
     }
   }
   for (const auto& [account, currency, year, period, debit, credit, debit_for, credit_for,
@@ -140,8 +139,8 @@ void CheckLinesAndBalances(Database& db, Findings& findings) {
   }
   for (const auto& [key, rest] : balances) {
     if (rest == Balance()) continue;
-    const auto number = db.QueryValue<std::string>(
-        "SELECT FNumber FROM t_Account WHERE FAccountID = ?", key[0]);
+    const auto number =
+        db.QueryValue<std::string>("SELECT FNumber FROM t_Account WHERE FAccountID = ?", key[0]);
     findings.Add("Balance", "Account", key[0], number.value_or("?"),
                  "Its balance in currency " + std::to_string(key[1]) + ", period " +
                      AccountingPeriod{key[2], key[3]}.ToText() +
@@ -188,10 +187,10 @@ void CheckVouchers(Database& db, Findings& findings) {
                    VouchersWhere("v.FPosted = 0 AND v.FPosterID <> ?"), kNobody);
   findings.AddRows(db, "VoucherFlags", "Voucher", "It is approved and not checked.",
                    VouchersWhere("v.FApproveID <> ? AND v.FChecked = 0"), kNobody);
-  findings.AddRows(
-      db, "VoucherFlags", "Voucher",
-      "It is checked by nobody, or has a checker and is not checked.",
-      VouchersWhere("CASE WHEN v.FCheckerID = ? THEN 0 ELSE 1 END <> v.FChecked"), kNobody);
+  findings.AddRows(db, "VoucherFlags", "Voucher",
+                   "It is checked by nobody, or has a checker and is not checked.",
+                   VouchersWhere("CASE WHEN v.FCheckerID = ? THEN 0 ELSE 1 END <> v.FChecked"),
+                   kNobody);
   const auto lines_where = [](std::string_view condition) {
     return "SELECT v.FVoucherID, " + std::string(kVoucherName) +
            " || ', line ' || CAST(e.FEntryID AS TEXT)" + std::string(kFromVouchers) +
@@ -237,8 +236,7 @@ void CheckAccounts(Database& db, Findings& findings) {
           account.full_name != account.name) {
         report("Its number stands for level 1; its parent, root, level or full name does not.");
       }
-    } else if (above == accounts.end() ||
-               above->second.number != account.number.substr(0, dot)) {
+    } else if (above == accounts.end() || above->second.number != account.number.substr(0, dot)) {
       report("The account above it is not the one that its number names.");
     } else if (account.level != above->second.level + 1 || account.root != above->second.root ||
                account.full_name != above->second.full_name + "_" + account.name) {
@@ -257,9 +255,8 @@ void CheckCurrencies(Database& db, Findings& findings) {
 }
 
 void CheckUsers(Database& db, Findings& findings) {
-  if (!db.QueryValue<int>(
-          "SELECT 1 FROM t_User WHERE FDisabled = 0 AND (FRoles & ?) <> 0 LIMIT 1",
-          static_cast<Long>(Role::kAdministrator))) {
+  if (!db.QueryValue<int>("SELECT 1 FROM t_User WHERE FDisabled = 0 AND (FRoles & ?) <> 0 LIMIT 1",
+                          static_cast<Long>(Role::kAdministrator))) {
     findings.Add("Administrator", "User", 0, "", "There is no administrator who can log in.");
   }
 }
@@ -289,12 +286,14 @@ void CheckSettings(Database& db, Findings& findings) {
 
 void CheckDatabase(Database& db, Findings& findings) {
   if (!db.IsSQLite()) return;
-  for (const auto& [text] : db.Query<std::string>("SELECT integrity_check FROM pragma_integrity_check")) {
+  for (const auto& [text] :
+       db.Query<std::string>("SELECT integrity_check FROM pragma_integrity_check")) {
     if (text != "ok") findings.Add("Integrity", "Database", 0, "", text);
   }
   for (const auto& [table, row, parent] : db.Query<std::string, Long, std::string>(
            "SELECT \"table\", rowid, parent FROM pragma_foreign_key_check")) {
-    findings.Add("ForeignKeys", "Database", row, table, "It refers to a row that is not in " + parent + ".");
+    findings.Add("ForeignKeys", "Database", row, table,
+                 "It refers to a row that is not in " + parent + ".");
   }
 }
 

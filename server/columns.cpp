@@ -95,20 +95,23 @@ Variant Normalized(const Column& column, const Variant& value) {
   return {};
 }
 
+void BindHeld(Statement& statement, std::size_t position, ColumnType type, const Variant& value) {
+  switch (type) {
+    case ColumnType::kLong: return statement.Set(position, std::int64_t{value.Held<Long>()});
+    case ColumnType::kInteger: return statement.Set(position, std::int64_t{value.Held<Integer>()});
+    case ColumnType::kBoolean: return statement.Set(position, std::int64_t{value.Held<Boolean>()});
+    case ColumnType::kCurrency: return statement.Set(position, value.Held<Currency>().units());
+    case ColumnType::kDouble: return statement.Set(position, value.Held<Double>());
+    case ColumnType::kSingle: return statement.Set(position, Double{value.Held<Single>()});
+    case ColumnType::kDate:
+      return statement.Set(position, std::string_view(DateText(value.Held<Date>())));
+    case ColumnType::kText: return statement.Set(position, value.TextView());
+  }
+}
+
 void BindCell(Statement& statement, std::size_t position, const Column& column,
               const Variant& value) {
-  const Variant cell = Normalized(column, value);
-  switch (column.type) {
-    case ColumnType::kLong: return statement.Set(position, std::int64_t{cell.Held<Long>()});
-    case ColumnType::kInteger: return statement.Set(position, std::int64_t{cell.Held<Integer>()});
-    case ColumnType::kBoolean: return statement.Set(position, std::int64_t{cell.Held<Boolean>()});
-    case ColumnType::kCurrency: return statement.Set(position, cell.Held<Currency>().units());
-    case ColumnType::kDouble: return statement.Set(position, cell.Held<Double>());
-    case ColumnType::kSingle: return statement.Set(position, Double{cell.Held<Single>()});
-    case ColumnType::kDate:
-      return statement.Set(position, std::string_view(DateText(cell.Held<Date>())));
-    case ColumnType::kText: return statement.Set(position, cell.TextView());
-  }
+  BindHeld(statement, position, column.type, Normalized(column, value));
 }
 
 Ref<KeyList> KeysOf(std::span<const Column> columns) {
@@ -142,26 +145,17 @@ std::vector<Variant> NormalizedCells(std::span<const Column> columns, const Dict
   return cells;
 }
 
-void InsertRows(Database& db, std::string_view table, std::span<const Column> columns,
-                std::size_t count,
-                const std::function<void(Statement&, std::size_t first, std::size_t row)>& bind) {
-  for (std::size_t row = 0; row < count;) {
-    // Powers of two, so that few statements are ever prepared.
-    std::size_t rows = 16;
-    while (rows > count - row) rows /= 2;
-    std::string group = "(";
-    for (std::size_t i = 0; i < columns.size(); ++i) group += i == 0 ? "?" : ", ?";
-    group += ")";
-    std::string sql = "INSERT INTO " + std::string(table) + " (" + NamesOf(columns) + ") VALUES ";
-    std::vector<Storage> parameters;
-    for (std::size_t i = 0; i < rows; ++i) {
-      sql += i == 0 ? group : ", " + group;
-      for (const Column& column : columns) parameters.push_back(StorageOf(column.type));
+RowInsertion::RowInsertion(std::string_view table, std::span<const Column> columns)
+    : column_count_(columns.size()) {
+  std::string row = "(";
+  for (std::size_t i = 0; i < columns.size(); ++i) row += i == 0 ? "?" : ", ?";
+  row += ")";
+  for (std::size_t power = 0; power < kPowers; ++power) {
+    sql_[power] = "INSERT INTO " + std::string(table) + " (" + NamesOf(columns) + ") VALUES ";
+    for (std::size_t i = 0; i < std::size_t{1} << power; ++i) {
+      sql_[power] += i == 0 ? row : ", " + row;
+      for (const Column& column : columns) parameters_[power].push_back(StorageOf(column.type));
     }
-    Statement& statement = db.Prepared(sql, parameters, {});
-    for (std::size_t i = 0; i < rows; ++i) bind(statement, i * columns.size(), row + i);
-    statement.Execute();
-    row += rows;
   }
 }
 

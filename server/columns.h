@@ -2,7 +2,7 @@
 // database. A column is declared once; what inserts, reads, filters and sorts walks these lists.
 #pragma once
 
-#include <functional>
+#include <array>
 #include <span>
 #include <string>
 #include <string_view>
@@ -64,6 +64,9 @@ const Column* FindColumn(std::span<const Column> columns, std::string_view name)
 // The value of a fetched row's column in its automation type. The empty date is day 0.
 Variant ReadCell(const Statement& statement, std::size_t position, ColumnType type);
 
+// Gives a parameter a value that is of the column's type already.
+void BindHeld(Statement& statement, std::size_t position, ColumnType type, const Variant& value);
+
 // Gives a parameter the value, converted to the column's type; Empty, Null, Missing and Nothing are
 // the type's zero. BadValue, naming the column, when it does not convert.
 void BindCell(Statement& statement, std::size_t position, const Column& column,
@@ -87,11 +90,33 @@ std::vector<Variant> ReadCells(const Statement& statement, std::span<const Colum
 // What a caller's row has under the columns' names, in the columns' types.
 std::vector<Variant> NormalizedCells(std::span<const Column> columns, const Dictionary& row);
 
-// Inserts rows, as few statements as their number allows: `bind(statement, first, row)` gives the
-// parameters of one row, from `first` on, their values.
-void InsertRows(Database& db, std::string_view table, std::span<const Column> columns,
-                std::size_t count,
-                const std::function<void(Statement&, std::size_t first, std::size_t row)>& bind);
+// The insertion of rows into a table, as few statements as their number allows.
+class RowInsertion {
+ public:
+  RowInsertion(std::string_view table, std::span<const Column> columns);
+
+  // `bind(statement, first, row)` gives the parameters of one row, from `first` on, their values.
+  template <class Bind>
+  void Run(Database& db, std::size_t count, Bind bind) const {
+    for (std::size_t row = 0; row < count;) {
+      std::size_t power = kPowers - 1;
+      while ((std::size_t{1} << power) > count - row) --power;
+      Statement& statement = db.Prepared(sql_[power], parameters_[power], {});
+      for (std::size_t i = 0; i < std::size_t{1} << power; ++i) {
+        bind(statement, i * column_count_, row++);
+      }
+      statement.Execute();
+    }
+  }
+
+ private:
+  // For 1, 2, 4, ... rows, so that few statements are ever prepared.
+  static constexpr std::size_t kPowers = 5;
+
+  std::size_t column_count_;
+  std::array<std::string, kPowers> sql_;
+  std::array<std::vector<Storage>, kPowers> parameters_;
+};
 
 // The row of a fetched statement as a new Dictionary over `keys`, one key for each column.
 Ref<KeyList> KeysOf(std::span<const Column> columns);

@@ -44,8 +44,7 @@ void Save(RecordSave& save) {
   save.RequireText("FNumber");
   const std::string called = Currencies().Called(save.record());
   if (!IsValidCode(number, 8, false)) {
-    Refuse(refusal::kBadNumber,
-           called + ": a number has 1 to 8 letters, digits and underscores.");
+    Refuse(refusal::kBadNumber, called + ": a number has 1 to 8 letters, digits and underscores.");
   }
   save.RequireUnique("FNumber");
   const auto rate = save.record().Value("FExchangeRate").As<Double>();
@@ -112,10 +111,9 @@ void CurrencyUpdate::Delete(std::string_view PropsString, const Long& CurrencyID
   if (CurrencyID == kBaseCurrency) {
     Refuse(refusal::kInUse, called + ": the base currency can't be deleted.");
   }
-  const bool used =
-      IsUsedInVouchers(caller.db, "FCurrencyID", CurrencyID) ||
-      caller.db.QueryValue<int>("SELECT 1 FROM t_Account WHERE FCurrencyID = ? LIMIT 1",
-                                CurrencyID);
+  const bool used = IsUsedInVouchers(caller.db, "FCurrencyID", CurrencyID) ||
+                    caller.db.QueryValue<int>(
+                        "SELECT 1 FROM t_Account WHERE FCurrencyID = ? LIMIT 1", CurrencyID);
   if (!used) {
     caller.db.Execute("DELETE FROM t_Balance WHERE FCurrencyID = ?", CurrencyID);  // zeros
     Currencies().Remove(caller.db, CurrencyID);

@@ -33,9 +33,10 @@ std::string MessageOf(const soci::soci_error& error) {
   return message.substr(0, message.find_last_not_of(' ') + 1);
 }
 
-// The one place where a failure of the database becomes an error of ours.
+// The one place where a failure of the database becomes an error of ours. `broken` becomes true when
+// the connection is lost.
 template <class Operation>
-auto Translated(Operation operation) -> decltype(operation()) {
+auto Translated(bool& broken, Operation operation) -> decltype(operation()) {
   try {
     return operation();
   } catch (const soci::sqlite3_soci_error& error) {
@@ -47,6 +48,7 @@ auto Translated(Operation operation) -> decltype(operation()) {
   } catch (const soci::postgresql_soci_error& error) {
     const std::string state = error.sqlstate();
     if (state.starts_with("08") || state.starts_with("57P") || state == "     ") {
+      broken = true;
       Refuse(refusal::kConnectionLost, "PostgreSQL: " + MessageOf(error));
     }
     if (state == "40001" || state == "40P01" || state == "55P03") {
@@ -152,6 +154,7 @@ std::vector<Slot> Slots(std::span<const Storage> types) {
 }  // namespace
 
 struct Statement::State {
+  bool& broken;  // the connection's
   std::string sql;
   soci::statement statement;
   std::vector<Slot> parameters;
@@ -166,9 +169,9 @@ struct Database::State {
 
 Statement::Statement(Database& database, std::string_view sql, std::span<const Storage> parameters,
                      std::span<const Storage> results)
-    : state_(new State{std::string(sql), soci::statement(database.state_->session),
+    : state_(new State{database.broken_, std::string(sql), soci::statement(database.state_->session),
                        Slots(parameters), Slots(results)}) {
-  Translated([&] {
+  Translated(state_->broken, [&] {
     soci::statement& statement = state_->statement;
     statement.alloc();
     for (Slot& slot : state_->results) slot.BindTo(statement, true);
@@ -205,7 +208,11 @@ void Statement::SetNull(std::size_t position) {
 
 std::int64_t Statement::Execute() {
   if (StatementHook()) StatementHook()(state_->sql);
-  return Translated([&] {
+  return Run();
+}
+
+std::int64_t Statement::Run() {
+  return Translated(state_->broken, [&] {
     state_->statement.execute(true);
     return static_cast<std::int64_t>(state_->statement.get_affected_rows());
   });
@@ -214,13 +221,13 @@ std::int64_t Statement::Execute() {
 void Statement::Open() {
   if (StatementHook()) StatementHook()(state_->sql);
   Reset();
-  Translated([&] { state_->statement.execute(false); });
+  Translated(state_->broken, [&] { state_->statement.execute(false); });
   state_->open = true;
 }
 
 bool Statement::Fetch() {
   if (!state_->open) return false;
-  state_->open = Translated([&] { return state_->statement.fetch(); });
+  state_->open = Translated(state_->broken, [&] { return state_->statement.fetch(); });
   return state_->open;
 }
 
@@ -256,11 +263,16 @@ Database::Database(const ConnectionText& text, Opening opening)
              "There is no file " + std::string(text[connection_key::kDataSource]) + ".");
     }
   }
-  Translated([&] {
+  Translated(broken_, [&] {
     if (is_sqlite_) {
       state_->session.open(soci::sqlite3, SQLiteOptions(text));
     } else {
-      state_->session.open(soci::postgresql, PostgreSQLOptions(text));
+      try {
+        state_->session.open(soci::postgresql, PostgreSQLOptions(text));
+      } catch (const soci::soci_error& error) {
+        // It carries no state that would tell what is wrong; its text does.
+        Refuse(refusal::kConnectionLost, std::string("PostgreSQL: ") + error.what());
+      }
     }
   });
   if (is_sqlite_) {
@@ -310,18 +322,31 @@ Statement& Database::Prepared(std::string_view sql, std::span<const Storage> par
   key += ' ';
   for (const Storage type : results) key += static_cast<char>('a' + static_cast<int>(type));
   key += sql;
-  std::unique_ptr<Statement>& statement = state_->statements[key];
-  if (!statement) statement = std::make_unique<Statement>(*this, sql, parameters, results);
-  return *statement;
+  auto found = state_->statements.find(key);
+  if (found == state_->statements.end()) {
+    auto statement = std::make_unique<Statement>(*this, sql, parameters, results);
+    found = state_->statements.emplace(std::move(key), std::move(statement)).first;
+  }
+  return *found->second;
 }
 
 void Database::Command(std::string_view sql) {
+  if (StatementHook()) StatementHook()(sql);
+  Translated(broken_, [&] { state_->session << sql; });
+}
+
+void Database::Transact(std::string_view sql) {
   if (StatementHook()) StatementHook()(sql);
   Run(sql);
 }
 
 void Database::Run(std::string_view sql) {
-  Translated([&] { state_->session << sql; });
+  if (is_sqlite_) {
+    // Preparing costs SQLite more than running.
+    Prepared(sql, {}, {}).Run();
+  } else {
+    Translated(broken_, [&] { state_->session << sql; });
+  }
 }
 
 void Database::ExecuteScript(std::string_view script) {
@@ -336,14 +361,14 @@ void Database::ExecuteScript(std::string_view script) {
 
 void Database::BeginBatch() {
   if (in_batch_) Refuse(refusal::kBadBatch, "A batch is under way in these books already.");
-  Command(is_sqlite_ ? "BEGIN IMMEDIATE" : "BEGIN");
+  Transact(is_sqlite_ ? "BEGIN IMMEDIATE" : "BEGIN");
   in_batch_ = true;
   depth_ = 1;
 }
 
 void Database::CommitBatch() {
   if (!in_batch_) Refuse(refusal::kBadBatch, "No batch is under way in these books.");
-  Command("COMMIT");
+  Transact("COMMIT");
   in_batch_ = false;
   depth_ = 0;
 }
@@ -359,12 +384,12 @@ void Database::RollBack(int level) noexcept {
   try {
     // A query that an exception cut short still holds its rows.
     for (const auto& [key, statement] : state_->statements) statement->Reset();
-    const std::string name = "SAVEPOINT level" + std::to_string(level);
     if (level > 0) {
-      state_->session << "ROLLBACK TO " + name;
-      state_->session << "RELEASE " + name;
+      const std::string name = "SAVEPOINT level" + std::to_string(level);
+      Run("ROLLBACK TO " + name);
+      Run("RELEASE " + name);
     } else {
-      state_->session << "ROLLBACK";
+      Run("ROLLBACK");
     }
   } catch (const std::exception&) {
     broken_ = true;
@@ -412,9 +437,9 @@ Transaction::Transaction(Database& database, Kind kind)
 
 void Transaction::Commit() {
   if (level_ > 0) {
-    database_.Command("RELEASE SAVEPOINT level" + std::to_string(level_));
+    database_.Transact("RELEASE SAVEPOINT level" + std::to_string(level_));
   } else {
-    database_.Command("COMMIT");
+    database_.Transact("COMMIT");
   }
   open_ = false;
   database_.depth_ = level_;

@@ -82,6 +82,8 @@ class Statement {
 
   // Runs a statement without rows; the number of rows it changed.
   std::int64_t Execute();
+  // The same past the hook.
+  std::int64_t Run();
   // Runs a query; Fetch then steps through its rows and is false behind the last one.
   void Open();
   bool Fetch();
@@ -199,8 +201,10 @@ class Database {
     else return Storage_::In(statement.Text(position));
   }
 
-  // Runs a command of the transaction language, the second past the hook.
+  // Runs a statement once.
   void Command(std::string_view sql);
+  // Runs a word of the transaction language, the second past the hook.
+  void Transact(std::string_view sql);
   void Run(std::string_view sql);
   // Takes back what is under way, to the savepoint of a level above 0. A connection that can't is
   // given up: the next caller gets a new one.

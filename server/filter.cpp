@@ -1,6 +1,7 @@
 #include "server/filter.h"
 
 #include <charconv>
+#include <utility>
 
 #include "frame/conversions.h"
 #include "frame/text.h"
@@ -38,7 +39,10 @@ class Lexer {
     if (c == '\'') return Delimited(Token::Kind::kText, '\'');
     if (c == '#') return Delimited(Token::Kind::kDate, '#');
     if (IsDigit(c) || ((c == '-' || c == '+' || c == '.') && StartsNumber(next_ + 1))) {
-      return Take(Token::Kind::kNumber, [](char d) { return IsWord(d) || d == '.'; });
+      return Take(Token::Kind::kNumber, [before = c](char d) mutable {
+        const bool is_exponent = AsciiToLower(std::exchange(before, d)) == 'e';
+        return IsWord(d) || d == '.' || (is_exponent && (d == '-' || d == '+'));
+      });
     }
     if (IsWord(c)) return Take(Token::Kind::kWord, IsWord);
     const std::size_t length =

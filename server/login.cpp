@@ -2,6 +2,7 @@
 
 #include <sodium.h>
 
+#include <atomic>
 #include <filesystem>
 #include <map>
 #include <mutex>
@@ -42,6 +43,8 @@ void StartSodium() {
   if (sodium_init() < 0) Refuse(refusal::kDatabaseFailed, "The password library does not start.");
 }
 
+std::atomic<PasswordCost> password_cost = PasswordCost::kInteractive;
+
 std::string NewToken() {
   unsigned char bytes[16];
   randombytes_buf(bytes, sizeof bytes);
@@ -58,13 +61,16 @@ std::shared_ptr<const Session> SessionOf(std::string_view props) {
 
 // The values that the session stores know, by key; case matters.
 Variant SessionValue(const Session& session, std::string_view key) {
-  const ConnectionText text = ConnectionText::Parse(session.connection);
   if (key == "UserName") return session.user_name;
   if (key == "UserID") return session.user_id;
   if (key == "PropsString") return session.props;
   if (key == "LogStatus" || key == "QDCLogin") return Long{1};
-  if (key == "AcctName" || key == "AcctID") return text[connection_key::kCatalog];
-  if (key == "AcctType") return text[connection_key::kProvider];
+  if (key == "AcctName" || key == "AcctID") {
+    return ConnectionText::Parse(session.connection)[connection_key::kCatalog];
+  }
+  if (key == "AcctType") {
+    return ConnectionText::Parse(session.connection)[connection_key::kProvider];
+  }
   if (key == "AcctClosed") return Long{0};
   if (key == "MachineName") return session.machine_name;
   if (key == "IP") return session.address;
@@ -130,12 +136,16 @@ Caller Enter(std::string_view props, Role role, std::string_view what) {
   return {std::move(session), db, marked};
 }
 
+void SetPasswordCost(PasswordCost cost) { password_cost = cost; }
+
 std::string HashedPassword(std::string_view password) {
   StartSodium();
   char hash[crypto_pwhash_STRBYTES];
+  const bool least = password_cost == PasswordCost::kLeast;
   if (crypto_pwhash_str(hash, password.data(), password.size(),
-                        crypto_pwhash_OPSLIMIT_INTERACTIVE,
-                        crypto_pwhash_MEMLIMIT_INTERACTIVE) != 0) {
+                        least ? crypto_pwhash_OPSLIMIT_MIN : crypto_pwhash_OPSLIMIT_INTERACTIVE,
+                        least ? crypto_pwhash_MEMLIMIT_MIN
+                              : crypto_pwhash_MEMLIMIT_INTERACTIVE) != 0) {
     Refuse(refusal::kDatabaseFailed, "There is not enough memory to hash a password.");
   }
   return hash;

@@ -57,6 +57,11 @@ Caller Enter(std::string_view props, Role role, std::string_view what);
 // A salted, memory-hard hash of a password.
 std::string HashedPassword(std::string_view password);
 
+// What new hashes cost those who make and try them: some 60 MB and a tenth of a second, or next to
+// nothing, for tests that log in hundreds of times. A stored hash knows its own cost.
+enum class PasswordCost { kInteractive, kLeast };
+void SetPasswordCost(PasswordCost cost);
+
 // "QDSVGLSession.SessionUpdate": a component of this server.
 class SessionUpdate final : public Object {
   MEMBERS(SessionUpdate, Object, Creatable, "Logs users in and out.")

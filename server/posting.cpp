@@ -4,13 +4,12 @@
 #include <cmath>
 #include <map>
 
+#include "server/currency.h"
 #include "server/refusals.h"
 
 namespace qdclgl::server {
 
 namespace {
-
-constexpr Long kBaseCurrency = 1;
 
 // Debit, credit, debit and credit in the currency, debit and credit quantity.
 using Movement = std::array<std::int64_t, 6>;

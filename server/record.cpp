@@ -103,7 +103,7 @@ void RecordTable::Remove(Database& db, Long id) const {
 Ref<Dictionary> RecordTable::Taken(const Dictionary& sent, const Dictionary* stored) const {
   RefuseUnknownKeys(sent);
   auto record = Make<Dictionary>();
-  for (const auto& [column, keeper, absent] : description_.columns) {
+  for (const auto& [column, keeper, absent, shown] : description_.columns) {
     if (keeper == Keeper::kJoined) continue;
     const Variant* given = keeper == Keeper::kCaller ? sent.Find(column.name)
                            : stored != nullptr       ? stored->Find(column.name)
@@ -121,8 +121,8 @@ void RecordTable::RefuseUnknownKeys(const Dictionary& sent) const {
         std::ranges::find(description_.further_keys, key) != description_.further_keys.end()) {
       continue;
     }
-    Refuse(refusal::kBadValue, std::string(description_.noun) + ": there is no column \"" +
-                                   std::string(key) + "\".");
+    Refuse(refusal::kBadValue,
+           std::string(description_.noun) + ": there is no column \"" + std::string(key) + "\".");
   }
 }
 
@@ -130,11 +130,11 @@ Long RecordTable::Insert(Database& db, const Dictionary& record) const {
   std::string marks;
   for (std::size_t i = 0; i < stored_.size(); ++i) marks += ", ?";
   static constexpr Storage kResults[] = {Storage::kWhole};
-  Statement& statement = db.Prepared(
-      "INSERT INTO " + std::string(description_.table) + " (" + std::string(kVersion) + ", " +
-          NamesOf(stored_) + ") VALUES (1" + marks + ") ON CONFLICT DO NOTHING RETURNING " +
-          std::string(description_.id),
-      StoragesOf(stored_), kResults);
+  Statement& statement =
+      db.Prepared("INSERT INTO " + std::string(description_.table) + " (" + std::string(kVersion) +
+                      ", " + NamesOf(stored_) + ") VALUES (1" + marks +
+                      ") ON CONFLICT DO NOTHING RETURNING " + std::string(description_.id),
+                  StoragesOf(stored_), kResults);
   for (std::size_t i = 0; i < stored_.size(); ++i) {
     BindCell(statement, i, stored_[i], *record.Find(stored_[i].name));
   }
@@ -165,12 +165,12 @@ void RecordTable::Overwrite(Database& db, Long id, const Dictionary& record) con
 
 std::string RecordTable::Changes(const Dictionary& stored, const Dictionary& record) const {
   std::string changes;
-  for (const auto& [column, keeper, absent] : description_.columns) {
+  for (const auto& [column, keeper, absent, shown] : description_.columns) {
     if (keeper != Keeper::kCaller) continue;
     const Variant before = stored.Value(column.name), after = record.Value(column.name);
     if (Equals(before, after)) continue;
     if (!changes.empty()) changes += "; ";
-    changes += std::string(column.name) + ": " + CStr(before) + " -> " + CStr(after);
+    changes += std::string(column.name) + ": " + shown(before) + " -> " + shown(after);
   }
   return changes;
 }
@@ -216,9 +216,9 @@ void RecordSave::RequireText(std::string_view column) const {
   const std::string what = table_.Called(*record_) + ": " + std::string(column);
   if (text.empty()) Refuse(refusal::kRequired, what + " is missing.");
   if (Utf16Length(text) > kLongestText) {
-    Refuse(refusal::kBadValue, std::string(table_.description().noun) + ": " +
-                                   std::string(column) + " is longer than " +
-                                   std::to_string(kLongestText) + " characters.");
+    Refuse(refusal::kBadValue, std::string(table_.description().noun) + ": " + std::string(column) +
+                                   " is longer than " + std::to_string(kLongestText) +
+                                   " characters.");
   }
 }
 

@@ -22,7 +22,8 @@ enum class Keeper : std::uint8_t {
 struct RecordColumn {
   Column column;
   Keeper keeper = Keeper::kCaller;
-  Variant absent = {};  // Empty: the zero of the type
+  Variant absent = {};                          // Empty: the zero of the type
+  std::string (*shown)(const Variant&) = CStr;  // as the audit trail tells a value
 };
 
 // Lists hold records that are marked deleted only with this bit of ListOptions.

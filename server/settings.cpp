@@ -1,7 +1,6 @@
 #include "server/settings.h"
 
 #include <algorithm>
-#include <map>
 
 #include "frame/class_table.h"
 #include "frame/conversions.h"
@@ -17,6 +16,8 @@ DEFINE_MEMBERS(ServerProfile)
 DEFINE_MEMBERS(BaseInfo)
 
 namespace {
+
+constexpr std::size_t kLongestName = 255;
 
 std::string_view CategoryNamed(std::string_view name) {
   const auto found = std::ranges::find(strings::kProfileCategories, name);
@@ -84,15 +85,20 @@ void PutGlSetting(Database& db, std::string_view key, std::string_view value) {
 }
 
 LedgerRules LedgerRules::Of(Database& db) {
-  using namespace setting;
-  std::map<std::string, std::string, std::less<>> values;
+  std::map<std::string, std::string, std::less<>> settings;
   for (auto& [key, value] : db.Query<std::string, std::string>(
            "SELECT FKey, FValue FROM t_SystemProfile WHERE FCategory = 'GL'")) {
-    values.emplace(std::move(key), std::move(value));
+    settings.emplace(std::move(key), std::move(value));
   }
+  return From(settings);
+}
+
+LedgerRules LedgerRules::From(const std::map<std::string, std::string, std::less<>>& settings) {
+  using namespace setting;
   const auto number = [&](std::string_view key, Long otherwise) {
-    const auto found = values.find(key);
-    return found == values.end() || found->second.empty() ? otherwise : SettingNumber(found->second);
+    const auto found = settings.find(key);
+    return found == settings.end() || found->second.empty() ? otherwise
+                                                            : SettingNumber(found->second);
   };
   const AccountingPeriod current{number(kCurrentYear, 0), number(kCurrentPeriod, 0)};
   if (current.period == 0) Refuse(refusal::kBadSetting, "The books have no current period.");
@@ -121,6 +127,10 @@ void ServerProfile::SetProfile(std::string_view PropsString, const String& Categ
   const Caller caller = Enter(PropsString, Role::kAdministrator, "change settings");
   const std::string_view category = CategoryNamed(Category);
   if (ProfileID.empty()) Refuse(refusal::kRequired, "A setting has a name.");
+  if (Utf16Length(ProfileID) > kLongestName) {
+    Refuse(refusal::kBadValue, "A setting's name has at most " + std::to_string(kLongestName) +
+                                   " characters.");
+  }
   Transaction transaction(caller.db, Transaction::Kind::kChangeRules);
   if (category == strings::categories::GL) CheckGlSetting(caller.db, ProfileID, Value);
   PutSetting(caller.db, category, ProfileID, Value);

@@ -1,6 +1,9 @@
 // The settings of the books, texts under a category and a key.
 #pragma once
 
+#include <map>
+#include <string>
+
 #include "frame/dictionary.h"
 #include "frame/members.h"
 #include "server/calendar.h"
@@ -36,6 +39,8 @@ struct LedgerRules {
   bool checker_not_preparer;
 
   static LedgerRules Of(Database& db);
+  // From the settings of category GL, key to text.
+  static LedgerRules From(const std::map<std::string, std::string, std::less<>>& settings);
 };
 
 AccountingPeriod CurrentPeriod(Database& db);

@@ -23,6 +23,10 @@ constexpr Column kSentRoles{kRoles, ColumnType::kText};
 // Vouchers hold the ids of users in 16 bits.
 constexpr Long kLastUserID = 32767;
 
+std::string RolesOf(const Variant& bits) {
+  return RolesText(static_cast<unsigned>(bits.As<Long>()));
+}
+
 // As the table holds users: with the password's hash, and the roles as bits.
 const RecordTable& Users() {
   using enum ColumnType;
@@ -35,7 +39,7 @@ const RecordTable& Users() {
       .order = "FName",
       .columns = {{{"FName", kText}},
                   {{kPassword, kText}, Keeper::kServer},
-                  {{kRoles, kLong}},
+                  {{kRoles, kLong}, Keeper::kCaller, {}, RolesOf},
                   {{"FDisabled", kBoolean}}},
   });
   return kTable;
@@ -43,8 +47,9 @@ const RecordTable& Users() {
 
 // As callers see them.
 constexpr Column kShown[] = {
-    {"FUserID", ColumnType::kLong}, {"FVersion", ColumnType::kLong}, {"FName", ColumnType::kText},
-    {kRoles, ColumnType::kText},    {"FDisabled", ColumnType::kBoolean},
+    {"FUserID", ColumnType::kLong},      {"FVersion", ColumnType::kLong},
+    {"FName", ColumnType::kText},        {kRoles, ColumnType::kText},
+    {"FDisabled", ColumnType::kBoolean},
 };
 
 // The users with their roles as text, so that filters and sorts work on what callers see.
@@ -55,7 +60,8 @@ const std::string& ShownQuery() {
       roles += " || CASE WHEN (FRoles & " + std::to_string(role) + ") <> 0 THEN ', " +
                RolesText(role) + "' ELSE '' END";
     }
-    return "SELECT FUserID, FVersion, FName, substr(" + roles + ", 3) AS FRoles, FDisabled"
+    return "SELECT FUserID, FVersion, FName, substr(" + roles +
+           ", 3) AS FRoles, FDisabled"
            " FROM t_User";
   }();
   return kQuery;
@@ -72,9 +78,9 @@ Ref<Dictionary> WithRoleBits(const Ref<Dictionary>& sent) {
 
 // Behind every change that may have taken the last one.
 void RequireAdministrator(Database& db, const std::string& called) {
-  const auto left = db.QueryValue<Long>(
-      "SELECT COUNT(*) FROM t_User WHERE FDisabled = 0 AND (FRoles & ?) <> 0",
-      static_cast<Long>(Role::kAdministrator));
+  const auto left =
+      db.QueryValue<Long>("SELECT COUNT(*) FROM t_User WHERE FDisabled = 0 AND (FRoles & ?) <> 0",
+                          static_cast<Long>(Role::kAdministrator));
   if (left != 0) return;
   Refuse(refusal::kInUse, called + ": this is the last administrator.");
 }
@@ -106,9 +112,8 @@ Ref<Recordset> UserInfo::GetList(std::string_view PropsString, const String& Fil
 
 Ref<Dictionary> UserInfo::GetDetail(std::string_view PropsString, const Long& UserID) {
   const Caller caller = Enter(PropsString, Role::kReader, kRead);
-  const Ref<Recordset> list =
-      FetchList(caller.db, {ShownQuery(), kShown, "FName"}, "FUserID = " + std::to_string(UserID),
-                "");
+  const Ref<Recordset> list = FetchList(caller.db, {ShownQuery(), kShown, "FName"},
+                                        "FUserID = " + std::to_string(UserID), "");
   return list->Eof() ? nullptr : list->Row();
 }
 
@@ -149,8 +154,7 @@ void UserUpdate::SetPassword(std::string_view PropsString, const Long& UserID,
   const Ref<Dictionary> user = Users().Require(caller.db, id);
   caller.db.Execute("UPDATE t_User SET FPassword = ? WHERE FUserID = ?", hash, id);
   const std::string name = RecordTable::NameOf(*user);
-  WriteAudit(caller,
-             {.subject = "User", .record_id = id, .record = name, .action = "SetPassword"});
+  WriteAudit(caller, {.subject = "User", .record_id = id, .record = name, .action = "SetPassword"});
   transaction.Commit();
 }
 

@@ -24,9 +24,7 @@ constexpr Integer kNobody = -1;
 // ---- Reading ----
 
 Ref<Dictionary> DetailOf(Database& db, Long id, bool show_deleted) {
-  Transaction transaction(db, Transaction::Kind::kRead);
   const std::optional<VoucherTree> tree = VoucherTree::Read(db, id);
-  transaction.Commit();
   if (!tree || (tree->state.Get<"FDeleted">() && !show_deleted)) return nullptr;
   return tree->ToRow();
 }
@@ -202,7 +200,7 @@ Long VoucherUpdate::Create(std::string_view PropsString, const Ref<Dictionary>& 
   SetPreparer(caller, tree);
 
   Transaction transaction(caller.db, Transaction::Kind::kSave);
-  ApplyRules(caller.db, LedgerRules::Of(caller.db), tree);
+  ApplyRules(caller.db, VoucherFacts::Of(caller.db, tree), tree);
   GiveNumber(caller.db, tree);
   tree.Insert(caller.db);
   constexpr Long kAutomatic = 2;
@@ -219,15 +217,15 @@ void VoucherUpdate::Update(std::string_view PropsString, const Long& VoucherID,
   VoucherTree tree = VoucherTree::FromRow(RequireRow(Voucher));
 
   Transaction transaction(caller.db, Transaction::Kind::kSave);
-  const LedgerRules rules = LedgerRules::Of(caller.db);
   VoucherTree stored = Held(caller.db, VoucherID);
   RequireVersion(stored, *Voucher);
-  RequireChangeable(rules, stored);
+  const VoucherFacts facts = VoucherFacts::Of(caller.db, tree);
+  RequireChangeable(facts.rules, stored);
   stored.ReadLines(caller.db);
   tree.state = stored.state;
   tree.state.Put<"FVersion">(stored.state.Get<"FVersion">() + 1);
   SetPreparer(caller, tree);
-  ApplyRules(caller.db, rules, tree);
+  ApplyRules(caller.db, facts, tree);
   GiveNumber(caller.db, tree);
   tree.Update(caller.db);
   AuditSave(caller, tree, *Voucher, "Update", ChangesBetween(stored, tree), caller.marked ? 2 : 1);

@@ -1,8 +1,12 @@
 #include "server/voucher_rules.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
+#include <map>
 
+#include "frame/text.h"
+#include "server/currency.h"
 #include "server/posting.h"
 #include "server/refusals.h"
 
@@ -10,7 +14,8 @@ namespace qdclgl::server {
 
 namespace {
 
-constexpr Long kBaseCurrency = 1;
+// What an index of every database takes.
+constexpr std::size_t kLongestReference = 255;
 constexpr double kLargestQuantity = 1e12;
 
 // A voucher that may have no number yet, as a sentence begins with it.
@@ -41,89 +46,45 @@ void SettlePeriod(const LedgerRules& rules, VoucherTree& tree) {
   RequireOpenPeriod(rules, tree);
 }
 
-void SettleGroup(Database& db, VoucherTree& tree) {
+void SettleGroup(const VoucherFacts& facts, VoucherTree& tree) {
   const Long id = tree.header.Get<"FGroupID">();
   if (id == 0 && tree.group.empty()) {
     Refuse(refusal::kBadGroup, Sentence(tree) + "it has no voucher group.");
   }
-  const auto group =
-      id != 0 ? db.QueryRow<Long, std::string, bool>(
-                    "SELECT FGroupID, FName, FDeleted FROM t_VoucherGroup WHERE FGroupID = ?", id)
-              : db.QueryRow<Long, std::string, bool>(
-                    "SELECT FGroupID, FName, FDeleted FROM t_VoucherGroup WHERE FName = ?",
-                    tree.group);
-  if (!group || std::get<2>(*group)) {
+  if (!facts.group || facts.group->is_deleted) {
     Refuse(refusal::kBadGroup, Sentence(tree) + "there is no voucher group " +
                                    (id != 0 ? std::to_string(id) : "\"" + tree.group + "\"") + ".");
   }
-  tree.header.Put<"FGroupID">(std::get<0>(*group));
-  tree.group = std::get<1>(*group);
+  tree.header.Put<"FGroupID">(facts.group->id);
+  tree.group = facts.group->name;
 }
 
-// What a line needs to know of its account.
-struct AccountFacts {
-  std::string number;
-  bool is_detail;
-  bool is_deleted;
-};
-
-// The accounts with these ids, as few queries as their number allows.
-std::map<Long, AccountFacts> FactsOf(Database& db, std::vector<Long> ids) {
-  std::map<Long, AccountFacts> facts;
-  std::ranges::sort(ids);
-  ids.erase(std::ranges::unique(ids).begin(), ids.end());
-  static constexpr Storage kResults[] = {Storage::kWhole, Storage::kText, Storage::kWhole,
-                                         Storage::kWhole};
-  for (std::size_t first = 0; first < ids.size();) {
-    std::size_t count = 1;
-    while (count < 16 && count < ids.size() - first) count *= 2;
-    std::string sql = "SELECT FAccountID, FNumber, FDetail, FDelete FROM t_Account"
-                      " WHERE FAccountID IN (?";
-    for (std::size_t i = 1; i < count; ++i) sql += ", ?";
-    const std::vector<Storage> parameters(count, Storage::kWhole);
-    Statement& statement = db.Prepared(sql + ")", parameters, kResults);
-    for (std::size_t i = 0; i < count; ++i) {
-      statement.Set(i, std::int64_t{ids[std::min(first + i, ids.size() - 1)]});
-    }
-    for (statement.Open(); statement.Fetch();) {
-      facts[static_cast<Long>(statement.Whole(0))] = {statement.Text(1), statement.Whole(2) != 0,
-                                                      statement.Whole(3) != 0};
-    }
-    first += count;
-  }
-  return facts;
+std::string AccountNumber(const VoucherLine& line) {
+  return line.names[PlaceOf(kLineNames, "FAccountNumber")].Held<String>();
 }
 
-void SettleAccounts(Database& db, VoucherTree& tree) {
-  std::vector<Long> ids;
+void SettleAccounts(const VoucherFacts& facts, VoucherTree& tree) {
   for (std::size_t i = 0; i < tree.lines.size(); ++i) {
     VoucherLine& line = tree.lines[i];
-    if (line.cells.Get<"FAccountID">() == 0) {
-      const auto number = line.names[PlaceOf(kLineNames, "FAccountNumber")].Held<String>();
-      if (number.empty()) Refuse(refusal::kBadAccount, LineSentence(tree, i) + "it has no account.");
-      const auto id =
-          db.QueryValue<Long>("SELECT FAccountID FROM t_Account WHERE FNumber = ?", number);
-      if (!id) {
-        Refuse(refusal::kBadAccount, LineSentence(tree, i) + "there is no account " + number + ".");
-      }
-      line.cells.Put<"FAccountID">(*id);
+    const Long id = line.cells.Get<"FAccountID">();
+    const std::string number = AccountNumber(line);
+    if (id == 0 && number.empty()) {
+      Refuse(refusal::kBadAccount, LineSentence(tree, i) + "it has no account.");
     }
-    ids.push_back(line.cells.Get<"FAccountID">());
-  }
-  const std::map<Long, AccountFacts> facts = FactsOf(db, std::move(ids));
-  for (std::size_t i = 0; i < tree.lines.size(); ++i) {
-    const Long id = tree.lines[i].cells.Get<"FAccountID">();
-    const auto found = facts.find(id);
-    if (found == facts.end()) {
+    const auto account = std::ranges::find_if(facts.accounts, [&](const auto& known) {
+      return id != 0 ? known.id == id : known.number == number;
+    });
+    if (account == facts.accounts.end()) {
       Refuse(refusal::kBadAccount,
-             LineSentence(tree, i) + "there is no account with the id " + std::to_string(id) + ".");
+             LineSentence(tree, i) + "there is no account " +
+                 (id != 0 ? "with the id " + std::to_string(id) : number) + ".");
     }
-    const AccountFacts& account = found->second;
-    if (!account.is_detail || account.is_deleted) {
-      Refuse(refusal::kBadAccount, LineSentence(tree, i) + "account " + account.number +
-                                       (account.is_deleted ? " is out of use."
-                                                           : " has accounts below it."));
+    if (!account->is_detail || account->is_deleted) {
+      Refuse(refusal::kBadAccount, LineSentence(tree, i) + "account " + account->number +
+                                       (account->is_deleted ? " is out of use."
+                                                            : " has accounts below it."));
     }
+    line.cells.Put<"FAccountID">(account->id);
   }
 }
 
@@ -196,14 +157,78 @@ void CheckBalance(VoucherTree& tree) {
 
 }  // namespace
 
-void ApplyRules(Database& db, const LedgerRules& rules, VoucherTree& tree) {
+VoucherFacts VoucherFacts::Of(Database& db, const VoucherTree& tree) {
+  std::vector<Long> ids;
+  std::vector<std::string> numbers;
+  for (const VoucherLine& line : tree.lines) {
+    const Long id = line.cells.Get<"FAccountID">();
+    if (id != 0) {
+      ids.push_back(id);
+    } else {
+      numbers.push_back(AccountNumber(line));
+    }
+  }
+  const auto sort = [](auto& values) {
+    std::ranges::sort(values);
+    values.erase(std::ranges::unique(values).begin(), values.end());
+    // Filled up to a power of two with what is no account, so that few statements are ever prepared.
+    values.resize(std::bit_ceil(std::max<std::size_t>(values.size(), 1)));
+  };
+  sort(ids);
+  sort(numbers);
+
+  const auto places = [](std::size_t count) {
+    std::string text = "(?";
+    for (std::size_t i = 1; i < count; ++i) text += ", ?";
+    return text + ")";
+  };
+  enum Kind { kSetting, kGroup, kAccount };
+  const std::string sql =
+      "SELECT 0, 0, FKey, FValue, 0, 0 FROM t_SystemProfile WHERE FCategory = 'GL'"
+      " UNION ALL SELECT 1, FGroupID, FName, '', 0, FDeleted FROM t_VoucherGroup"
+      " WHERE FGroupID = ? OR FName = ?"
+      " UNION ALL SELECT 2, FAccountID, FNumber, '', FDetail, FDelete FROM t_Account"
+      " WHERE FAccountID IN " + places(ids.size()) + " OR FNumber IN " + places(numbers.size());
+  std::vector<Storage> parameters = {Storage::kWhole, Storage::kText};
+  parameters.resize(2 + ids.size(), Storage::kWhole);
+  parameters.resize(2 + ids.size() + numbers.size(), Storage::kText);
+  static constexpr Storage kResults[] = {Storage::kWhole, Storage::kWhole, Storage::kText,
+                                         Storage::kText,  Storage::kWhole, Storage::kWhole};
+  Statement& statement = db.Prepared(sql, parameters, kResults);
+  const Long group_id = tree.header.Get<"FGroupID">();
+  std::size_t position = 0;
+  statement.Set(position++, std::int64_t{group_id});
+  statement.Set(position++, group_id != 0 ? std::string_view() : std::string_view(tree.group));
+  for (const Long id : ids) statement.Set(position++, std::int64_t{id});
+  for (const std::string& number : numbers) statement.Set(position++, std::string_view(number));
+
+  std::map<std::string, std::string, std::less<>> settings;
+  std::optional<Group> group;
+  std::vector<Account> accounts;
+  for (statement.Open(); statement.Fetch();) {
+    const auto id = static_cast<Long>(statement.Whole(1));
+    const std::string& name = statement.Text(2);
+    const bool is_deleted = statement.Whole(5) != 0;
+    switch (statement.Whole(0)) {
+      case kSetting: settings.emplace(name, statement.Text(3)); break;
+      case kGroup: group = {id, name, is_deleted}; break;
+      default: accounts.push_back({id, name, statement.Whole(4) != 0, is_deleted});
+    }
+  }
+  return {LedgerRules::From(settings), std::move(group), std::move(accounts)};
+}
+
+void ApplyRules(Database& db, const VoucherFacts& facts, VoucherTree& tree) {
   if (tree.header.Get<"FNumber">() < 0) {
     Refuse(refusal::kBadNumber, "The number of a voucher is not negative.");
   }
-  SettlePeriod(rules, tree);
-  SettleGroup(db, tree);
+  if (Utf16Length(tree.header.Get<"FReference">()) > kLongestReference) {
+    Refuse(refusal::kBadValue, "The reference of a voucher has at most 255 characters.");
+  }
+  SettlePeriod(facts.rules, tree);
+  SettleGroup(facts, tree);
   CheckBalance(tree);
-  SettleAccounts(db, tree);
+  SettleAccounts(facts, tree);
   SettleCurrencies(db, tree);
 }
 

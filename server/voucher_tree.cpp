@@ -25,6 +25,7 @@ constexpr auto Joined(const Column (&... lists)[N]) {
 }
 
 constexpr Column kGroupName[] = {{"FGroup", ColumnType::kText}};
+constexpr Column kVersion[] = {{"FVersion", ColumnType::kLong}};
 constexpr Column kExtra[] = {{"FExtra", ColumnType::kText}};
 constexpr Column kLineKey[] = {{"FVoucherID", ColumnType::kLong}, {"FEntryID", ColumnType::kLong}};
 constexpr Column kDetailKey[] = {{"FVoucherID", ColumnType::kLong},
@@ -60,7 +61,7 @@ bool IsLineKey(std::string_view key) {
 void BindCells(Statement& statement, std::size_t& position, std::span<const Column> columns,
                const std::vector<Variant>& cells, std::size_t skipped = 0) {
   for (std::size_t i = skipped; i < columns.size(); ++i) {
-    BindCell(statement, position++, columns[i], cells[i]);
+    BindHeld(statement, position++, columns[i].type, cells[i]);
   }
 }
 
@@ -210,22 +211,30 @@ std::optional<VoucherTree> VoucherTree::Hold(Database& db, Long id) {
 }
 
 std::optional<VoucherTree> VoucherTree::Read(Database& db, Long id) {
-  std::optional<VoucherTree> tree = ReadHeader(db, kReadHeader, id);
-  if (tree) tree->ReadLines(db);
-  return tree;
+  // Without a transaction, which would cost PostgreSQL two more messages: every change of a voucher
+  // raises its version, so that lines tell which header they belong to.
+  constexpr int kMostAttempts = 100;
+  for (int attempt = 0; attempt < kMostAttempts; ++attempt) {
+    std::optional<VoucherTree> tree = ReadHeader(db, kReadHeader, id);
+    if (!tree || tree->ReadLines(db)) return tree;
+  }
+  Refuse(refusal::kDatabaseBusy, "Others kept changing the voucher with the id " +
+                                     std::to_string(id) + "; try again.");
 }
 
-void VoucherTree::ReadLines(Database& db) {
+bool VoucherTree::ReadLines(Database& db) {
   static constexpr Storage kParameters[] = {Storage::kWhole};
   static const std::string kLines =
       "SELECT " + NamesOf(kLineColumns, "e.") +
-      ", a.FNumber, a.FName, c.FNumber, c.FName, e.FExtra FROM t_VoucherEntry e"
+      ", a.FNumber, a.FName, c.FNumber, c.FName, e.FExtra, v.FVersion FROM t_VoucherEntry e"
+      " JOIN t_Voucher v ON v.FVoucherID = e.FVoucherID"
       " JOIN t_Account a ON a.FAccountID = e.FAccountID"
       " JOIN t_Currency c ON c.FCurrencyID = e.FCurrencyID"
       " WHERE e.FVoucherID = ? ORDER BY e.FEntryID";
   static const std::vector<Storage> kLineResults =
-      StoragesOf(Joined(kLineColumns, kLineNames, kExtra));
+      StoragesOf(Joined(kLineColumns, kLineNames, kExtra, kVersion));
   const std::int64_t id = state.Get<"FVoucherID">();
+  bool is_same = true;
   Statement& statement = db.Prepared(kLines, kParameters, kLineResults);
   statement.Set(0, id);
   for (statement.Open(); statement.Fetch();) {
@@ -233,20 +242,29 @@ void VoucherTree::ReadLines(Database& db) {
     line.cells = CellsFrom<LineCells>(statement, kLineColumns, 0);
     line.names = ReadCells(statement, kLineNames, std::size(kLineColumns));
     line.extras = statement.Text(std::size(kLineColumns) + std::size(kLineNames));
+    is_same = is_same && statement.Whole(std::size(kLineColumns) + std::size(kLineNames) + 1) ==
+                             state.Get<"FVersion">();
   }
-  if (state.Get<"FDetailCount">() == 0) return;
+  is_same = is_same && !(lines.empty() && state.Get<"FEntryCount">() > 0);
+  if (!is_same || state.Get<"FDetailCount">() == 0) return is_same;
 
   static const std::string kDetailQuery =
-      "SELECT FEntryID, " + NamesOf(kDetailColumns) +
-      " FROM t_VoucherDetail WHERE FVoucherID = ? ORDER BY FEntryID, FIndex";
+      "SELECT d.FEntryID, " + NamesOf(kDetailColumns, "d.") +
+      ", v.FVersion FROM t_VoucherDetail d JOIN t_Voucher v ON v.FVoucherID = d.FVoucherID"
+      " WHERE d.FVoucherID = ? ORDER BY d.FEntryID, d.FIndex";
   static constexpr Column kEntry[] = {{"FEntryID", ColumnType::kLong}};
-  static const std::vector<Storage> kDetailResults = StoragesOf(Joined(kEntry, kDetailColumns));
+  static const std::vector<Storage> kDetailResults =
+      StoragesOf(Joined(kEntry, kDetailColumns, kVersion));
   Statement& details = db.Prepared(kDetailQuery, kParameters, kDetailResults);
   details.Set(0, id);
-  for (details.Open(); details.Fetch();) {
+  bool is_empty = true;
+  for (details.Open(); details.Fetch(); is_empty = false) {
     const auto entry = static_cast<std::size_t>(details.Whole(0));
-    lines.at(entry - 1).details.push_back(ReadCells(details, kDetailColumns, 1));
+    is_same = is_same && entry <= lines.size() &&
+              details.Whole(std::size(kDetailColumns) + 1) == state.Get<"FVersion">();
+    if (is_same) lines[entry - 1].details.push_back(ReadCells(details, kDetailColumns, 1));
   }
+  return is_same && !is_empty;
 }
 
 namespace {
@@ -260,7 +278,9 @@ void BindHeader(Statement& statement, const VoucherTree& tree) {
 
 void InsertLines(Database& db, const VoucherTree& tree) {
   const std::int64_t id = tree.state.Get<"FVoucherID">();
-  InsertRows(db, "t_VoucherEntry", kLineTable, tree.lines.size(),
+  static const RowInsertion kLines("t_VoucherEntry", kLineTable);
+  static const RowInsertion kDetailRows("t_VoucherDetail", kDetailTable);
+  kLines.Run(db, tree.lines.size(),
              [&](Statement& statement, std::size_t position, std::size_t row) {
                const VoucherLine& line = tree.lines[row];
                statement.Set(position++, id);
@@ -275,7 +295,7 @@ void InsertLines(Database& db, const VoucherTree& tree) {
   for (std::size_t line = 0; line < tree.lines.size(); ++line) {
     for (std::size_t i = 0; i < tree.lines[line].details.size(); ++i) places.push_back({line, i});
   }
-  InsertRows(db, "t_VoucherDetail", kDetailTable, places.size(),
+  kDetailRows.Run(db, places.size(),
              [&](Statement& statement, std::size_t position, std::size_t row) {
                const Place place = places[row];
                statement.Set(position++, id);

@@ -83,9 +83,8 @@ struct ColumnName {
 template <const auto& kColumns>
 class Cells {
  public:
-  Cells() {
-    for (const Column& column : kColumns) values_.push_back(Normalized(column, {}));
-  }
+  // The zero of every column.
+  Cells() : values_(Zeros()) {}
   explicit Cells(std::vector<Variant> values) : values_(std::move(values)) {}
 
   const std::vector<Variant>& values() const { return values_; }
@@ -101,6 +100,16 @@ class Cells {
   }
 
  private:
+  // A thread's own, as all values are.
+  static const std::vector<Variant>& Zeros() {
+    thread_local const std::vector<Variant> zeros = [] {
+      std::vector<Variant> values;
+      for (const Column& column : kColumns) values.push_back(Normalized(column, {}));
+      return values;
+    }();
+    return zeros;
+  }
+
   std::vector<Variant> values_;
 };
 
@@ -130,11 +139,12 @@ struct VoucherTree {
   // The whole tree for a caller.
   Ref<Dictionary> ToRow() const;
 
-  // Nothing when there is no such voucher.
+  // One state of the voucher, whoever saves it meanwhile. Nothing when there is no such voucher.
   static std::optional<VoucherTree> Read(Database& db, Long id);
   // Reads the header alone, and keeps others from changing the voucher before the transaction ends.
   static std::optional<VoucherTree> Hold(Database& db, Long id);
-  void ReadLines(Database& db);
+  // Reads lines and details. False when they are not those of the header's version.
+  bool ReadLines(Database& db);
 
   // Writes a new voucher and gives it its id; or writes everything over what is there.
   void Insert(Database& db);

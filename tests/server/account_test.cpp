@@ -59,10 +59,9 @@ TEST_P(AccountTest, TheTreeFollowsTheNumbers) {
   const Long till = AddAccount("1000.01", "Till");
   const Long coins = AddAccount("1000.01.c-1", "Coins_");
   const auto text = [](Long id) { return std::to_string(id); };
-  EXPECT_EQ(Chart(), "1000 1 0 " + text(cash) + " False Cash\n" +
-                         "1000.01 2 " + text(cash) + " " + text(cash) + " False Cash_Till\n" +
-                         "1000.01.C-1 3 " + text(till) + " " + text(cash) +
-                         " True Cash_Till_Coins_\n");
+  EXPECT_EQ(Chart(), "1000 1 0 " + text(cash) + " False Cash\n" + "1000.01 2 " + text(cash) + " " +
+                         text(cash) + " False Cash_Till\n" + "1000.01.C-1 3 " + text(till) + " " +
+                         text(cash) + " True Cash_Till_Coins_\n");
   Delete(coins);
   EXPECT_TRUE(Detail(till)->Value("FDetail").As<Boolean>());
   EXPECT_EQ(Breaches(), "");
@@ -111,10 +110,15 @@ TEST_P(AccountTest, AccountsKeepAllTheirColumnsInTheirTypes) {
                 "FAcntType=6;FIsAcnt=False;FControl=0;FControlSystem=7;FDetailID=0;"
                 "FEarnAccountID=8;FSpecialType=9;FMessage=careful;FViewMsg=True;FDelete=False;"
                 "UUID=u;");
-  for (const auto& [key, type] : std::initializer_list<std::pair<const char*, const char*>>{
-           {"FLevel", "Integer"}, {"FSpecialType", "Integer"}, {"FintRate", "Single"},
-           {"FLastIntDate", "Date"}, {"FDetail", "Boolean"}, {"FDC", "Long"},
-           {"FFullName", "String"}, {"FAccountID", "Long"}}) {
+  for (const auto& [key, type] :
+       std::initializer_list<std::pair<const char*, const char*>>{{"FLevel", "Integer"},
+                                                                  {"FSpecialType", "Integer"},
+                                                                  {"FintRate", "Single"},
+                                                                  {"FLastIntDate", "Date"},
+                                                                  {"FDetail", "Boolean"},
+                                                                  {"FDC", "Long"},
+                                                                  {"FFullName", "String"},
+                                                                  {"FAccountID", "Long"}}) {
     EXPECT_EQ(TypeName(Detail(id)->Value(key).Type()), type) << key;
   }
   // The list has the same columns, so that a row of it can be saved.
@@ -256,8 +260,7 @@ TEST_P(AccountTest, RenamingRenamesBelow) {
   EXPECT_EQ(TextOf(List(), {"FFullName"}),
             "Bank\nBank_Giro\nKasse 元 'x'\nKasse 元 'x'_Till\nKasse 元 'x'_Till_Cash\nCash\n");
   EXPECT_EQ(Breaches(), "");
-  const Ref<Dictionary> child =
-      Call(kInfo, "GetDetailByNumber", props, "1_0.1").As<Dictionary>();
+  const Ref<Dictionary> child = Call(kInfo, "GetDetailByNumber", props, "1_0.1").As<Dictionary>();
   EXPECT_EQ(child->Value("FVersion").As<Long>(), 1)
       << "who edits an account below is not disturbed";
 }
@@ -278,14 +281,13 @@ TEST_P(AccountTest, AnAccountMovesWithItsNumber) {
   const Long cash = AddAccount("1", "Cash"), bank = AddAccount("2", "Bank");
   const Long till = AddAccount("1.1", "Till");
   Change(till, "FNumber", "2.7");
-  EXPECT_EQ(Chart(), "1 1 0 " + std::to_string(cash) + " True Cash\n" +
-                         "2 1 0 " + std::to_string(bank) + " False Bank\n" +
-                         "2.7 2 " + std::to_string(bank) + " " + std::to_string(bank) +
-                         " True Bank_Till\n");
+  EXPECT_EQ(Chart(), "1 1 0 " + std::to_string(cash) + " True Cash\n" + "2 1 0 " +
+                         std::to_string(bank) + " False Bank\n" + "2.7 2 " + std::to_string(bank) +
+                         " " + std::to_string(bank) + " True Bank_Till\n");
   Change(till, "FNumber", "3");
-  EXPECT_EQ(Chart(), "1 1 0 " + std::to_string(cash) + " True Cash\n" +
-                         "2 1 0 " + std::to_string(bank) + " True Bank\n" +
-                         "3 1 0 " + std::to_string(till) + " True Till\n");
+  EXPECT_EQ(Chart(), "1 1 0 " + std::to_string(cash) + " True Cash\n" + "2 1 0 " +
+                         std::to_string(bank) + " True Bank\n" + "3 1 0 " + std::to_string(till) +
+                         " True Till\n");
   EXPECT_EQ(Breaches(), "");
   const std::string before = State();
   EXPECT_EQ(RefusalOf([&] { Change(till, "FNumber", "3.1"); }), "NoParent")
@@ -386,11 +388,10 @@ TEST_P(AccountTest, SpecialChildrenAreFoundAtAnyDepth) {
 }
 
 TEST_P(AccountTest, ItemClassesAreReplacedWhenTheRowHasThem) {
-  const Ref<Vector> items =
-      ItemList({Row({{"FItemClassID", Long{7}},
-                     {"FItemClassNumber", "07"},
-                     {"FItemClassName", "Customers"}}),
-                Row({{"FItemClassID", Long{3}}})});
+  const Ref<Vector> items = ItemList({Row({{"FItemClassID", Long{7}},
+                                           {"FItemClassNumber", "07"},
+                                           {"FItemClassName", "Customers"}}),
+                                      Row({{"FItemClassID", Long{3}}})});
   const Long id = Create(Row({{"FNumber", "1"}, {"FName", "x"}, {"_Items", items}}));
   EXPECT_EQ(Items(id), "3  \n7 07 Customers\n");
   Change(id, "FName", "y");
@@ -471,9 +472,9 @@ TEST_P(AccountTest, DeedsAreOnTheAuditTrail) {
   Delete(id);
   EXPECT_EQ(TextOf(Call("QDSVGLAudit.AuditInfo", "GetList", props).As<Recordset>(),
                    {"FSubject", "FRecordID", "FRecord", "FAction", "FChanges"}),
-            "Account " + std::to_string(id) + " 1 (Cash) Create \n" +
-                "Account " + std::to_string(id) + " 1 (Cash) Update FDC: 0 -> 1\n" +
-                "Account " + std::to_string(id) + " 1 (Cash) Delete \n");
+            "Account " + std::to_string(id) + " 1 (Cash) Create \n" + "Account " +
+                std::to_string(id) + " 1 (Cash) Update FDC: 0 -> 1\n" + "Account " +
+                std::to_string(id) + " 1 (Cash) Delete \n");
 }
 
 TEST_P(AccountTest, OnlyAdministratorsWrite) {
@@ -488,8 +489,8 @@ TEST_P(AccountTest, OnlyAdministratorsWrite) {
 }
 
 TEST_P(AccountTest, EveryReadNeedsASession) {
-  for (const char* method : {"GetDetail", "CheckAccountInVoucher", "ExistsSpecialChild",
-                             "GetFullName"}) {
+  for (const char* method :
+       {"GetDetail", "CheckAccountInVoucher", "ExistsSpecialChild", "GetFullName"}) {
     EXPECT_EQ(RefusalOf([&] { Call(kInfo, method, connection, Long{1}); }), "NotLoggedIn");
   }
   EXPECT_EQ(RefusalOf([&] { Call(kInfo, "GetList", connection); }), "NotLoggedIn");
@@ -502,10 +503,9 @@ TEST_P(AccountTest, EveryReadNeedsASession) {
 TEST_P(AccountTest, AFailureAtAnyStatementOfASaveLeavesNothingBehind) {
   AddAccount("1", "Cash");
   AddAccount("2", "Bank");
-  const Ref<Dictionary> row =
-      Row({{"FNumber", "1.1"},
-           {"FName", "Till"},
-           {"_Items", ItemList({Row({{"FItemClassID", Long{7}}})})}});
+  const Ref<Dictionary> row = Row({{"FNumber", "1.1"},
+                                   {"FName", "Till"},
+                                   {"_Items", ItemList({Row({{"FItemClassID", Long{7}}})})}});
   FailEachStatement([&] { Create(row); }, [&] { return TextOf(*row); });
   const auto id = row->Value("FAccountID").As<Long>();
   row->Value("FNumber", "2.1");

@@ -21,8 +21,8 @@ class BatchTest : public RecordsTest {
     std::string groups;
     std::thread([&] {
       SetApartmentStarted(true);
-      groups = TextOf(
-          Call("QDSVGLVoucherGroup.VoucherGroupInfo", "GetList", props).As<Recordset>(), {"FName"});
+      groups = TextOf(Call("QDSVGLVoucherGroup.VoucherGroupInfo", "GetList", props).As<Recordset>(),
+                      {"FName"});
       Database::CloseAll();
     }).join();
     return groups;

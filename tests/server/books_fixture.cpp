@@ -9,6 +9,7 @@
 #include "frame/dictionary.h"
 #include "frame/startup.h"
 #include "server/database.h"
+#include "server/login.h"
 #include "server/server.h"
 
 namespace qdclgl::server::testing {
@@ -22,6 +23,12 @@ const char* PostgreSQLText() { return std::getenv("QDCLGL_TEST_POSTGRESQL"); }
 std::vector<DatabaseKind> Databases() {
   std::vector<DatabaseKind> kinds = {DatabaseKind::kSQLite};
   if (PostgreSQLText() != nullptr) kinds.push_back(DatabaseKind::kPostgreSQL);
+  return kinds;
+}
+
+std::vector<DatabaseKind> DatabasesOf(DatabaseKind kind) {
+  std::vector<DatabaseKind> kinds = Databases();
+  std::erase_if(kinds, [&](DatabaseKind other) { return other != kind; });
   return kinds;
 }
 
@@ -58,6 +65,7 @@ void RemoveBooks(const std::string& connection) {
 BooksTest::BooksTest() : connection(NewConnectionText(GetParam())) {
   SetApartmentStarted(true);
   RegisterServerComponents();
+  SetPasswordCost(PasswordCost::kLeast);
   Call("QDSVGLBooks.BooksUpdate", "Create", connection, "EUR", Long{2024});
   Login("administrator");
 }

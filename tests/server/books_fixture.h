@@ -48,4 +48,10 @@ class BooksTest : public ::testing::TestWithParam<DatabaseKind> {
 #define QDCLGL_BOOKS_TEST(Suite) \
   INSTANTIATE_TEST_SUITE_P(, Suite, ::testing::ValuesIn(Databases()), NameOf)
 
+// For what one database alone can do; nothing runs where that one is not at hand.
+std::vector<DatabaseKind> DatabasesOf(DatabaseKind kind);
+#define QDCLGL_BOOKS_TEST_OF(Suite, kind)                   \
+  GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(Suite);     \
+  INSTANTIATE_TEST_SUITE_P(, Suite, ::testing::ValuesIn(DatabasesOf(DatabaseKind::kind)), NameOf)
+
 }  // namespace qdclgl::server::testing

@@ -8,9 +8,9 @@ namespace qdclgl::server::testing {
 namespace {
 
 constexpr std::string_view kTables[] = {
-    "t_Schema",  "t_SystemProfile", "t_User",         "t_Currency",      "t_Account", "t_AccountItem",
-    "t_VoucherGroup", "t_Voucher",  "t_VoucherEntry", "t_VoucherDetail", "t_Counter", "t_Balance",
-    "t_Audit"};
+    "t_Schema",      "t_SystemProfile", "t_User",    "t_Currency",     "t_Account",
+    "t_AccountItem", "t_VoucherGroup",  "t_Voucher", "t_VoucherEntry", "t_VoucherDetail",
+    "t_Counter",     "t_Balance",       "t_Audit"};
 
 std::string RowText(Database& db, std::string_view table) {
   if (!db.IsSQLite()) return "CAST(" + std::string(table) + " AS TEXT)";
@@ -54,8 +54,8 @@ std::string RecordsTest::State() const {
   std::string state;
   for (const std::string_view table : kTables) {
     const std::string name(table);
-    for (const auto& [row] : db.Query<std::string>("SELECT " + RowText(db, table) + " AS row_text FROM " +
-                                                   name + " ORDER BY row_text")) {
+    for (const auto& [row] : db.Query<std::string>(
+             "SELECT " + RowText(db, table) + " AS row_text FROM " + name + " ORDER BY row_text")) {
       state += name + " " + row + "\n";
     }
   }

@@ -43,8 +43,9 @@ class RecordsTest : public BooksTest {
 
   // Runs `operation` again and again, each time with another of its statements failing, until it
   // succeeds. After each failure the books are as before, and so is what `watched` tells.
-  void FailEachStatement(const std::function<void()>& operation,
-                         const std::function<std::string()>& watched = [] { return ""; });
+  void FailEachStatement(
+      const std::function<void()>& operation,
+      const std::function<std::string()>& watched = [] { return ""; });
 };
 
 // A row's keys and values as text, objects by their class.

@@ -76,8 +76,12 @@ TEST_P(CurrencyTest, NullishValuesStandForWhatIsAbsent) {
 }
 
 TEST_P(CurrencyTest, AnAbsentKeyClearsTheColumn) {
-  const Long id = Create(Row({{"FNumber", "usd"}, {"FName", "US dollar"}, {"FExchangeRate", 1.5},
-                              {"FOperator", "/"}, {"FScale", Integer{4}}, {"UUID", "u"}}));
+  const Long id = Create(Row({{"FNumber", "usd"},
+                              {"FName", "US dollar"},
+                              {"FExchangeRate", 1.5},
+                              {"FOperator", "/"},
+                              {"FScale", Integer{4}},
+                              {"UUID", "u"}}));
   Update(id, Row({{"FNumber", "usd"}, {"FVersion", Long{1}}}));
   EXPECT_EQ(TextOf(*Detail(id)),
             "FCurrencyID=" + std::to_string(id) +
@@ -129,12 +133,12 @@ TEST_P(CurrencyTest, BadValuesAreRefusedAndChangeNothing) {
   EXPECT_EQ(refusal({{"FNumber", "Usd"}}), "NumberTaken");
   EXPECT_EQ(refusal({{"FNumber", "GBP"}, {"FExchangeRate", 0.0}}), "BadValue");
   EXPECT_EQ(refusal({{"FNumber", "GBP"}, {"FExchangeRate", "often"}}), "BadValue");
-  EXPECT_EQ(refusal({{"FNumber", "GBP"},
-                     {"FExchangeRate", std::numeric_limits<double>::quiet_NaN()}}),
-            "BadValue");
-  EXPECT_EQ(refusal({{"FNumber", "GBP"},
-                     {"FExchangeRate", std::numeric_limits<double>::infinity()}}),
-            "BadValue");
+  EXPECT_EQ(
+      refusal({{"FNumber", "GBP"}, {"FExchangeRate", std::numeric_limits<double>::quiet_NaN()}}),
+      "BadValue");
+  EXPECT_EQ(
+      refusal({{"FNumber", "GBP"}, {"FExchangeRate", std::numeric_limits<double>::infinity()}}),
+      "BadValue");
   EXPECT_EQ(refusal({{"FNumber", "GBP"}, {"FOperator", "+"}}), "BadValue");
   EXPECT_EQ(refusal({{"FNumber", "GBP"}, {"FOperator", ""}}), "BadValue");
   EXPECT_EQ(refusal({{"FNumber", "GBP"}, {"FScale", Long{40000}}}), "BadValue");
@@ -237,7 +241,9 @@ TEST_P(CurrencyTest, TheServerKeepsTheDeletionMark) {
 }
 
 TEST_P(CurrencyTest, DeedsAreOnTheAuditTrail) {
-  const Long id = Create(Row({{"FNumber", "usd"}, {"FName", "Dollar"}, {"MachineName", "DESK"},
+  const Long id = Create(Row({{"FNumber", "usd"},
+                              {"FName", "Dollar"},
+                              {"MachineName", "DESK"},
                               {"IPAddress", "10.0.0.7"}}));
   const Ref<Dictionary> row = Detail(id);
   row->Value("FExchangeRate", 1.25);

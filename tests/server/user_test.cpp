@@ -33,9 +33,8 @@ class UserTest : public RecordsTest {
 };
 
 TEST_P(UserTest, AUserIsSavedAndLogsIn) {
-  const Ref<Dictionary> row = Row({{"FName", "anna"},
-                                   {"FRoles", " Checker ,preparer,"},
-                                   {"FPassword", "sesame"}});
+  const Ref<Dictionary> row =
+      Row({{"FName", "anna"}, {"FRoles", " Checker ,preparer,"}, {"FPassword", "sesame"}});
   const Long id = Create(row);
   EXPECT_EQ(row->Value("FUserID").As<Long>(), id);
   EXPECT_EQ(row->Value("FVersion").As<Long>(), 1);
@@ -179,8 +178,7 @@ TEST_P(UserTest, PeopleChangeTheirOwnPassword) {
   Login("administrator");
   Call(kUpdate, "SetPassword", props, anna, "three");
   EXPECT_EQ(RefusalOf([&] { Call(kUpdate, "SetPassword", props, Long{99}, "x"); }), "NotFound");
-  EXPECT_EQ(RefusalOf([&] { Call(kUpdate, "SetPassword", connection, anna, "x"); }),
-            "NotLoggedIn");
+  EXPECT_EQ(RefusalOf([&] { Call(kUpdate, "SetPassword", connection, anna, "x"); }), "NotLoggedIn");
   Login("anna", "three");
 }
 

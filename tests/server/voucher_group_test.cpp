@@ -23,9 +23,9 @@ class VoucherGroupTest : public RecordsTest {
     return Call(kInfo, "GetDetail", props, ByRef(id)).As<Dictionary>();
   }
   std::string Names(Long options = 0, std::string filter = "", std::string sort = "") {
-    return TextOf(Call(kInfo, "GetList", props, ByRef(options), ByRef(filter), ByRef(sort))
-                      .As<Recordset>(),
-                  {"FName"});
+    return TextOf(
+        Call(kInfo, "GetList", props, ByRef(options), ByRef(filter), ByRef(sort)).As<Recordset>(),
+        {"FName"});
   }
   Long AddVoucherIn(Long group) {
     return AddVoucher(group, AddAccount("1000"), AddAccount("2000"), Currency(5));
@@ -159,8 +159,9 @@ TEST_P(VoucherGroupTest, ListsFilterAndSort) {
 TEST_P(VoucherGroupTest, OnlyAdministratorsWrite) {
   const Long id = AddGroup("Receipts");
   const Ref<Dictionary> row = Detail(id);
-  ExpectAdministratorsOnly(
-      [&](const std::string& who) { Call(kUpdate, "Create", who, Row({{"FName", "Mine"}})); });
+  ExpectAdministratorsOnly([&](const std::string& who) {
+    Call(kUpdate, "Create", who, Row({{"FName", "Mine"}}));
+  });
   ExpectAdministratorsOnly(
       [&](const std::string& who) { Call(kUpdate, "Update", who, Long{id}, row); });
   ExpectAdministratorsOnly([&](const std::string& who) { Call(kUpdate, "Delete", who, Long{id}); });

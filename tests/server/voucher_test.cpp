@@ -231,6 +231,8 @@ TEST_P(VoucherServer, WhatBreaksARuleIsRefusedWithItsReasonAndNothingIsStored) {
             "80044218: The new voucher of : it has no date."},
            {Sale(1, "2024-01-15", {{"FNumber", Long{-1}}}),
             "80044233: The number of a voucher is not negative."},
+           {Sale(1, "2024-01-15", {{"FReference", std::string(256, 'r')}}),
+            "80044212: The reference of a voucher has at most 255 characters."},
            {Sale(1, "2024-01-15", {{"FAttachments", "many"}}),
             "80044212: The value of FAttachments does not fit its column."},
            {Sale(1, "2024-01-15", {{"_Entries", "lines"}}),

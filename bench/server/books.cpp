@@ -1,0 +1,104 @@
+#include "bench/server/books.h"
+
+#include "api/qdclgl.h"
+#include "frame/session.h"
+#include "server/server.h"
+
+namespace bench {
+
+using namespace qdclgl;
+
+namespace {
+
+constexpr int kAccounts = 200;
+
+Ref<Voucher> NewVoucher(VoucherSet& vouchers, int number) {
+  Ref<Voucher> voucher = vouchers.CreateNew();
+  voucher->VoucherDate(Date::FromYmd(2024, 1 + number % 12, 1 + number % 28));
+  voucher->GroupID(1);
+  voucher->FootNote(" ");
+  const auto entries = voucher->Entries();
+  for (int i = 0; i < 4; ++i) {
+    entries->Add();
+    const auto entry = entries->Item(i + 1);
+    entry->AccountID(1 + (number * 7 + i) % kAccounts);
+    entry->CurrencyID(1);
+    entry->Explanation("Goods received");
+    if (i % 2 == 0) {
+      entry->Debit(Currency(100));
+    } else {
+      entry->Credit(Currency(100));
+    }
+  }
+  return voucher;
+}
+
+Ref<Object> Batch() { return CreateObject("QDSVGLBatch.BatchUpdate"); }
+
+}  // namespace
+
+void LogInTo(const std::string& connection) {
+  CreateObject("QDSVGLSession.SessionUpdate")->Call("Login", connection, "administrator", "");
+}
+
+void MakeBooks(const std::string& connection) {
+  CreateObject("QDSVGLBooks.BooksUpdate")->Call("Create", connection, "EUR", Long{2024});
+  LogInTo(connection);
+  Batch()->Call("Begin", GetPropsString());
+  Make<VoucherGroupSet>()->CreateNew("General")->SaveChanges();
+  auto accounts = Make<AccountSet>();
+  for (int i = 0; i < kAccounts; ++i) {
+    accounts->CreateNew(Variant(std::to_string(1000 + i)), Variant("Account"))->SaveChanges();
+  }
+  Batch()->Call("Commit", GetPropsString());
+}
+
+void SaveVouchers(int count) {
+  auto vouchers = Make<VoucherSet>();
+  for (int i = 0; i < count; ++i) NewVoucher(*vouchers, i)->SaveChanges();
+}
+
+void SaveVouchersInBatches(int count) {
+  constexpr int kBatch = 1000;
+  auto vouchers = Make<VoucherSet>();
+  for (int i = 0; i < count; i += kBatch) {
+    Batch()->Call("Begin", GetPropsString());
+    for (int k = i; k < std::min(count, i + kBatch); ++k) NewVoucher(*vouchers, k)->SaveChanges1();
+    Batch()->Call("Commit", GetPropsString());
+  }
+}
+
+void PostAll() {
+  auto vouchers = Make<VoucherSet>();
+  Batch()->Call("Begin", GetPropsString());
+  for (auto& voucher : vouchers) vouchers->Post(voucher.VoucherID());
+  Batch()->Call("Commit", GetPropsString());
+}
+
+const char* const kCounterSql =
+    "INSERT INTO t_Counter (FYear, FPeriod, FGroupID, FNext) VALUES (2024, 1, 1, 2)"
+    " ON CONFLICT (FYear, FPeriod, FGroupID) DO UPDATE SET FNext = t_Counter.FNext + 1"
+    " RETURNING FNext - 1";
+
+const std::string kHeaderSql =
+    "INSERT INTO t_Voucher (FVersion, FDate, FYear, FPeriod, FGroupID, FNumber, FReference,"
+    " FExplanation, FAttachments, FEntryCount, FDetailCount, FDebitTotal, FCreditTotal, FTransDate,"
+    " FTranType, FSerialNum, FInternalInd, FHandler, FObjectName, FParameter, FFootNote, FLockDate,"
+    " FIsAmortize, FAmortizeSchemeID, FBlankOutFlag, FOwnerGroupID, FPreparerID, FPreparer,"
+    " FChecked, FCheckerID, FChecker, FApproveID, FApprover, FCashierID, FCashier, FPosted,"
+    " FPosterID, FPoster, FSummarized, FDeleted, FExtra) VALUES (1, '2024-01-15', 2024, 1, 1, ?,"
+    " '', '', 0, 4, 0, 2000000, 2000000, '', 0, 0, '', '', '', '', ' ', 0, 0, 0, 0, -1, 1,"
+    " 'administrator', 0, -1, '', -1, '', -1, '', 0, -1, '', 0, 0, '') RETURNING FVoucherID";
+
+const std::string kLineSql =
+    "INSERT INTO t_VoucherEntry (FVoucherID, FEntryID, FAccountID, FDC, FAmount, FCurrencyID,"
+    " FAmountFor, FExchangeRate, FQuantity, FUnitPrice, FMeasureUnitID, FMeasureUnit,"
+    " FMeasureUnitNumber, FExplanation, FCashFlowItem, FSettleTypeID, FSettleNo, FTransNo, FExtra)"
+    " VALUES (?, ?, ?, ?, 1000000, 1, 0, 0, 0, 0, 0, '', '', 'Goods received', 0, 0, '', '', '')";
+
+const char* const kAuditSql =
+    "INSERT INTO t_Audit (FTime, FUserID, FUserName, FMachineName, FIPAddress, FSubject, FRecordID,"
+    " FRecord, FAction, FOrigin, FChanges) VALUES ('2024-01-15T10:00:00Z', 1, 'administrator',"
+    " 'HOST', '10.0.0.1', 'Voucher', ?, '2024/1 General 1', 'Create', 1, '')";
+
+}  // namespace bench

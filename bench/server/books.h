@@ -1,0 +1,40 @@
+// The books that the server's benchmarks work on, and the two sides that write to them.
+#pragma once
+
+#include <memory>
+#include <string>
+
+namespace bench {
+
+// Makes empty books with a chart of 200 accounts and one voucher group, and logs in.
+void MakeBooks(const std::string& connection);
+void LogInTo(const std::string& connection);
+
+// Saves vouchers of 4 lines through the library, one transaction each, or many in one batch.
+void SaveVouchers(int count);
+void SaveVouchersInBatches(int count);
+void PostAll();
+
+// What a plain client of the database's own library does for the same rows: prepared statements,
+// one transaction for each voucher, no rules.
+class RawWriter {
+ public:
+  virtual ~RawWriter() = default;
+  virtual void SaveVouchers(int count) = 0;
+};
+std::unique_ptr<RawWriter> RawSQLite(const std::string& file, bool full);
+std::unique_ptr<RawWriter> RawPostgreSQL(const std::string& options, const std::string& schema);
+
+// Steps through all vouchers as the library's list has them, reading each column; through the sums
+// of all posted lines by account and currency. The time is the caller's.
+void StepThroughVouchers(const std::string& file);
+void SumLines(const std::string& file);
+
+// The columns and values of the rows of one voucher, as texts of SQL. "?" stands for what changes:
+// in a header the number, in a line the id, the line's number and its side.
+extern const char* const kCounterSql;
+extern const std::string kHeaderSql;
+extern const std::string kLineSql;
+extern const char* const kAuditSql;
+
+}  // namespace bench
