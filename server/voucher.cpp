@@ -130,6 +130,17 @@ void TakeStep(std::string_view props, Role role, std::string_view what, Long id,
   transaction.Commit();
 }
 
+// Puts the caller's name to a step, or takes it off again: the columns of id and name, and those that
+// a step has besides.
+void Sign(const Caller& caller, Long id, bool signs, const std::string& id_column,
+          const std::string& name_column, const std::string& flag = "") {
+  const std::string flag_text = flag.empty() ? "" : ", " + flag + (signs ? " = 1" : " = 0");
+  caller.db.Execute("UPDATE t_Voucher SET " + id_column + " = ?, " + name_column + " = ?" +
+                        flag_text + ", FVersion = FVersion + 1 WHERE FVoucherID = ?",
+                    signs ? caller.session->user_id : kNobody,
+                    signs ? std::string_view(caller.session->user_name) : "", id);
+}
+
 // WrongStep unless the condition holds.
 void RequireStep(bool condition, const VoucherTree& tree, const char* reason) {
   if (!condition) Refuse(refusal::kWrongStep, "Voucher " + tree.Name() + ": " + reason);
@@ -278,11 +289,7 @@ void VoucherUpdate::Check(std::string_view PropsString, const Long& VoucherID,
                Refuse(refusal::kOwnVoucher, "Voucher " + tree.Name() + ": " + session.user_name +
                                                 " prepared it; somebody else must check it.");
              }
-             caller.db.Execute(
-                 "UPDATE t_Voucher SET FChecked = ?, FCheckerID = ?, FChecker = ?,"
-                 " FVersion = FVersion + 1 WHERE FVoucherID = ?",
-                 Checked, Checked ? session.user_id : kNobody,
-                 Checked ? std::string_view(session.user_name) : "", VoucherID);
+             Sign(caller, VoucherID, Checked, "FCheckerID", "FChecker", "FChecked");
            });
 }
 
@@ -291,16 +298,11 @@ void VoucherUpdate::Approve(std::string_view PropsString, const Long& VoucherID,
   TakeStep(PropsString, Role::kChecker, "approve vouchers", VoucherID,
            Approved ? "Approve" : "UnApprove",
            [&](const Caller& caller, const LedgerRules&, const VoucherTree& tree) {
-             const Session& session = *caller.session;
              RequireStep(!tree.state.Get<"FPosted">(), tree, "it is posted.");
              RequireStep(tree.state.Get<"FChecked">(), tree, "it is not checked.");
              RequireStep((tree.state.Get<"FApproveID">() != kNobody) != Approved, tree,
                          Approved ? "it is approved already." : "it is not approved.");
-             caller.db.Execute(
-                 "UPDATE t_Voucher SET FApproveID = ?, FApprover = ?, FVersion = FVersion + 1"
-                 " WHERE FVoucherID = ?",
-                 Approved ? session.user_id : kNobody,
-                 Approved ? std::string_view(session.user_name) : "", VoucherID);
+             Sign(caller, VoucherID, Approved, "FApproveID", "FApprover");
            });
 }
 
@@ -308,17 +310,12 @@ void VoucherUpdate::Cash(std::string_view PropsString, const Long& VoucherID,
                          const Boolean& Cashed, const Variant& Voucher) {
   TakeStep(PropsString, Role::kCashier, "cash vouchers", VoucherID, Cashed ? "Cash" : "UnCash",
            [&](const Caller& caller, const LedgerRules&, const VoucherTree& tree) {
-             const Session& session = *caller.session;
              if (!Voucher.IsMissing()) {
                RequireVersion(tree, RequireRow(Voucher.As<Dictionary>()));
              }
              RequireStep((tree.state.Get<"FCashierID">() != kNobody) != Cashed, tree,
                          Cashed ? "it is cashed already." : "it is not cashed.");
-             caller.db.Execute(
-                 "UPDATE t_Voucher SET FCashierID = ?, FCashier = ?, FVersion = FVersion + 1"
-                 " WHERE FVoucherID = ?",
-                 Cashed ? session.user_id : kNobody,
-                 Cashed ? std::string_view(session.user_name) : "", VoucherID);
+             Sign(caller, VoucherID, Cashed, "FCashierID", "FCashier");
            });
 }
 
@@ -328,18 +325,13 @@ void MovePosting(std::string_view props, Long id, Direction direction) {
   const bool posts = direction == Direction::kPost;
   TakeStep(props, Role::kPoster, "post vouchers", id, posts ? "Post" : "UnPost",
            [&](const Caller& caller, const LedgerRules& rules, const VoucherTree& tree) {
-             const Session& session = *caller.session;
              RequireStep(tree.state.Get<"FPosted">() != posts, tree,
                          posts ? "it is posted already." : "it is not posted.");
              RequireStep(!posts || !rules.check_before_post || tree.state.Get<"FChecked">(), tree,
                          "it is not checked, as the books want it before posting.");
              MoveBalances(caller.db, id,
                           {tree.header.Get<"FYear">(), tree.header.Get<"FPeriod">()}, direction);
-             caller.db.Execute(
-                 "UPDATE t_Voucher SET FPosted = ?, FPosterID = ?, FPoster = ?,"
-                 " FVersion = FVersion + 1 WHERE FVoucherID = ?",
-                 posts, posts ? session.user_id : kNobody,
-                 posts ? std::string_view(session.user_name) : "", id);
+             Sign(caller, id, posts, "FPosterID", "FPoster", "FPosted");
            });
 }
 
