@@ -20,39 +20,47 @@ std::string ArgumentText(const Member& member) {
   return text;
 }
 
-void AppendLine(std::string& table, std::string_view class_name, int ordinal,
-                std::string_view member, std::string_view kind, std::string_view type,
-                std::string_view arguments, bool is_default) {
-  const std::string place = std::to_string(ordinal);
-  table += class_name;
-  for (const std::string_view cell : {std::string_view(place), member, kind, type, arguments,
-                                      std::string_view(is_default ? "default" : "")}) {
-    table += '\t';
-    table += cell;
-  }
-  table += '\n';
-}
-
 }  // namespace
 
-std::string ApiTable() {
-  std::string table = "class\tordinal\tmember\tkind\ttype\targs\tdefault\n";
+std::vector<ApiRow> ApiRows() {
+  std::vector<ApiRow> rows;
   for (const ClassTable* public_class : PublicClasses()) {
     if (public_class->takes_context()) {
-      AppendLine(table, public_class->name(), 0, "ISetXactContext_SetTransactionContext", "method",
-                 "none", "xa:Object", false);
+      rows.push_back({.class_name = public_class->name(),
+                      .member = "ISetXactContext_SetTransactionContext",
+                      .kind = "method",
+                      .type = "none",
+                      .arguments = "xa:Object",
+                      .help = "Hands over the transaction context."});
     }
     for (const Member& member : public_class->members()) {
-      const auto line = [&](std::string_view kind, Invoker invoker, std::string_view type) {
+      const auto add = [&](std::string_view kind, Invoker invoker) {
         if (invoker == nullptr) return;
-        AppendLine(table, public_class->name(), member.ordinal, member.row.name, kind, type,
-                   ArgumentText(member), member.row.options.is_default_member);
+        rows.push_back({public_class->name(), member.ordinal, member.row.name, kind,
+                        member.row.type, ArgumentText(member),
+                        member.row.options.is_default_member, member.row.help});
       };
-      line("method", member.row.method, member.row.type);
-      line("get", member.row.get, member.row.type);
-      line("let", member.row.let, member.row.type);
-      line("set", member.row.set, member.row.type);
+      add("method", member.row.method);
+      add("get", member.row.get);
+      add("let", member.row.let);
+      add("set", member.row.set);
     }
+  }
+  return rows;
+}
+
+std::string ApiTable(const std::vector<ApiRow>& rows) {
+  std::string table = "class\tordinal\tmember\tkind\ttype\targs\tdefault\n";
+  for (const ApiRow& row : rows) {
+    const std::string place = std::to_string(row.ordinal);
+    table += row.class_name;
+    for (const std::string_view cell :
+         {std::string_view(place), row.member, row.kind, row.type, std::string_view(row.arguments),
+          std::string_view(row.is_default ? "default" : "")}) {
+      table += '\t';
+      table += cell;
+    }
+    table += '\n';
   }
   return table;
 }

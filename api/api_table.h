@@ -1,12 +1,28 @@
-// The printed list of every public member, docs/api.tsv: the record of the public surface, and what
-// a change of it is reviewed by.
+// Every public member in rows, and their printed list, docs/api.tsv: the record of the public
+// surface, and what a change of it is reviewed by.
 #pragma once
 
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace qdclgl {
 
-// Tab-separated lines under a header, a line for each way of using a member (method, get, let, set).
-std::string ApiTable();
+// One way of using a member.
+struct ApiRow {
+  std::string_view class_name;
+  int ordinal = 0;
+  std::string_view member;
+  std::string_view kind;  // method, get, let or set
+  std::string_view type;
+  std::string arguments;
+  bool is_default = false;
+  std::string_view help;
+};
+
+std::vector<ApiRow> ApiRows();
+
+// Tab-separated lines under a header, a line for each row.
+std::string ApiTable(const std::vector<ApiRow>& rows = ApiRows());
 
 }  // namespace qdclgl

@@ -9,3 +9,6 @@ set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 set(CMAKE_EXE_LINKER_FLAGS_INIT -static)
+# Plain Doubles: the old floating-point unit computes with more digits than it stores, so that a
+# result would depend on what the compiler keeps in registers.
+set(CMAKE_CXX_FLAGS_INIT "-msse2 -mfpmath=sse")

@@ -205,6 +205,11 @@ Variant ClassTable::Invoke(Object& self, std::string_view member_name, CallKind 
 
 Variant ClassTable::Invoke(Object& self, const Member& member, CallKind kind,
                            std::span<Argument> arguments) const {
+  return Bind(member, kind, arguments).Invoke(self);
+}
+
+BoundCall ClassTable::Bind(const Member& member, CallKind kind,
+                           std::span<Argument> arguments) const {
   const Use use = FindUse(member.row, kind, arguments);
   if (use.invoke == nullptr) {
     throw Error(error_number::kMemberNotFound, std::string(name()),
@@ -215,8 +220,8 @@ Variant ClassTable::Invoke(Object& self, const Member& member, CallKind kind,
       std::all_of(arguments.begin(), arguments.end(), [](const Argument& argument) {
         return argument.name().empty() && !argument.IsMissing();
       });
-  if (in_place) return use.invoke(self, arguments.data());
-  return use.invoke(self, Arrange(member, arguments, use.takes_value).data());
+  if (in_place) return {use.invoke, arguments};
+  return {use.invoke, Arrange(member, arguments, use.takes_value)};
 }
 
 }  // namespace qdclgl

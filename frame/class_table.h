@@ -24,6 +24,24 @@ struct Member {
   std::vector<Parameter> parameters;
 };
 
+// A call of a member whose arguments stand in their places: one for each parameter, and the value
+// behind them where one is put.
+class BoundCall {
+ public:
+  BoundCall(Invoker invoke, std::span<Argument> in_place) : invoke_(invoke), in_place_(in_place) {}
+  BoundCall(Invoker invoke, std::vector<Argument> arranged)
+      : invoke_(invoke), arranged_(std::move(arranged)) {}
+
+  std::span<Argument> arguments() { return arranged_.empty() ? in_place_ : arranged_; }
+  // Errors: 13 and 6 for an argument that doesn't convert, and what the member raises.
+  Variant Invoke(Object& self) { return invoke_(self, arguments().data()); }
+
+ private:
+  Invoker invoke_;
+  std::span<Argument> in_place_;
+  std::vector<Argument> arranged_;
+};
+
 class ClassTable {
  public:
   // Error 5 with a description when a row's parameter list can't be read or a name stands twice.
@@ -47,6 +65,11 @@ class ClassTable {
                  std::span<Argument> arguments) const;
   Variant Invoke(Object& self, const Member& member, CallKind kind,
                  std::span<Argument> arguments) const;
+
+  // The first half of Invoke, for callers that must know whether the call itself or what was called
+  // has failed. Errors: 438, 448, 449, 450 as told at Object::Invoke. `arguments` must outlive the
+  // result.
+  BoundCall Bind(const Member& member, CallKind kind, std::span<Argument> arguments) const;
 
  private:
   struct Slot {

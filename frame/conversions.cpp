@@ -238,7 +238,8 @@ std::int64_t ScaledInteger(const Variant& value, int decimals) {
       break;
     case VariantType::kObject: return ScaledInteger(DefaultValueOf(value), decimals);
     default: {
-      const double scaled = RoundHalfEven(NumberIn(value) * (decimals == 4 ? 10000 : 1));
+      if (decimals == 4) return Currency(NumberIn(value)).units();
+      const double scaled = RoundHalfEven(NumberIn(value));
       if (!(scaled >= -0x1p63 && scaled < 0x1p63)) Overflow();
       return static_cast<std::int64_t>(scaled);
     }
@@ -266,7 +267,12 @@ Boolean CBool(const Variant& value) {
   return NumberIn(value) != 0;
 }
 
-Byte CByte(const Variant& value) { return WholeNumber<Byte>(value); }
+Byte CByte(const Variant& value) {
+  constexpr Byte kTrue = 255;  // True has all bits set
+  if (value.Is(VariantType::kBoolean)) return value.Held<bool>() ? kTrue : Byte{0};
+  if (value.Is(VariantType::kObject)) return CByte(DefaultValueOf(value));
+  return WholeNumber<Byte>(value);
+}
 Integer CInt(const Variant& value) { return WholeNumber<Integer>(value); }
 Long CLng(const Variant& value) { return WholeNumber<Long>(value); }
 
@@ -297,6 +303,8 @@ Decimal CDec(const Variant& value) {
     case VariantType::kDecimal: return value.Held<Decimal>();
     case VariantType::kCurrency: return Decimal::FromCurrency(value.Held<Currency>());
     case VariantType::kString: return DecimalFromText(value.TextView());
+    case VariantType::kSingle:
+      return Decimal::FromDouble(static_cast<double>(value.Held<Single>()), 7);
     case VariantType::kObject: return CDec(DefaultValueOf(value));
     default: return Decimal::FromDouble(NumberIn(value));
   }

@@ -3,7 +3,8 @@
 // Conversions raise 13 (type mismatch) for a value that has no form of the wanted type: text that
 // is no number, Null, Missing, Nothing, a byte array. They raise 6 (overflow) for a number outside
 // the wanted range. Empty converts to 0, False, "" or day 0. An object stands for the value of its
-// default member. True is -1. Conversions to whole numbers and to Currency round halves to even.
+// default member. True is -1, as a Byte 255. Conversions to whole numbers and to Currency round
+// halves to even.
 #pragma once
 
 #include <compare>

@@ -5,6 +5,7 @@
 #include <unordered_map>
 
 #include "frame/class_table.h"
+#include "frame/thread_own.h"
 
 namespace qdclgl {
 
@@ -40,10 +41,11 @@ void KeyList::Reindex() {
 // are many, all are forgotten; the rows keep theirs.
 class KeyList::Growths {
  public:
+  ~Growths() { ended = true; }
+
   static Ref<KeyList> Appended(const Ref<KeyList>& list, const Key& key) {
-    thread_local Growths growths;
     if (ended || (list && list->size() >= kLongestShared)) return Grown(list, key);
-    return growths.Find(list, key);
+    return ThreadOwn<Growths>().Find(list, key);
   }
 
  private:
@@ -62,8 +64,6 @@ class KeyList::Growths {
   static constexpr std::size_t kMost = 1024;
   // Rows may still be written when the thread's variables are gone already.
   static inline thread_local bool ended = false;
-
-  ~Growths() { ended = true; }
 
   Ref<KeyList> Find(const Ref<KeyList>& list, const Key& key) {
     if (lists_.size() == kMost) lists_.clear();

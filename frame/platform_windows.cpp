@@ -14,6 +14,7 @@
 
 #include "frame/platform.h"
 #include "frame/text.h"
+#include "frame/thread_own.h"
 
 namespace qdclgl {
 
@@ -185,6 +186,12 @@ class WindowsPlatform final : public Platform {
 };
 
 }  // namespace
+
+// A fiber's slot, because it has a release function; a thread without fibers counts as one.
+ThreadSlot::ThreadSlot(Release release) : index_(FlsAlloc(release)) {}
+ThreadSlot::~ThreadSlot() { FlsFree(index_); }
+void* ThreadSlot::Get() const { return FlsGetValue(index_); }
+void ThreadSlot::Set(void* pointer) { FlsSetValue(index_, pointer); }
 
 Platform& MachinePlatform() {
   static WindowsPlatform platform;

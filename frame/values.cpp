@@ -144,9 +144,20 @@ std::string RealText(double value, int digits) {
 // ---- Currency ----
 
 Currency::Currency(double value) {
-  const double scaled = RoundHalfEven(value * static_cast<double>(kScale));
-  if (!(scaled >= -0x1p63 && scaled < 0x1p63)) RaiseOverflow();
-  scaled_ = static_cast<std::int64_t>(scaled);
+  // The product is not always exact; what its own rounding has lost decides at a half, and makes up
+  // for whole units where the product has no digits behind the point left.
+  const double product = value * static_cast<double>(kScale);
+  const double whole = RoundHalfEven(product);
+  if (!(whole >= -0x1p63 && whole < 0x1p63)) RaiseOverflow();
+  scaled_ = static_cast<std::int64_t>(whole);
+  const double lost = std::fma(value, static_cast<double>(kScale), -product);
+  const double rest = product - whole;
+  std::int64_t missing = 0;
+  if (rest == 0.5 && lost > 0) missing = 1;
+  else if (rest == -0.5 && lost < 0) missing = -1;
+  else if (std::abs(lost) > 0.5) missing = static_cast<std::int64_t>(RoundHalfEven(lost));
+  else if (std::abs(lost) == 0.5 && scaled_ % 2 != 0) missing = lost > 0 ? 1 : -1;
+  if (__builtin_add_overflow(scaled_, missing, &scaled_)) RaiseOverflow();
 }
 
 void Currency::Overflow() { RaiseOverflow(); }
@@ -254,9 +265,9 @@ Decimal Decimal::FromCurrency(Currency value) {
   return result;
 }
 
-Decimal Decimal::FromDouble(double value) {
+Decimal Decimal::FromDouble(double value, int digits) {
   if (!std::isfinite(value)) RaiseOverflow();
-  return FromText(RealText(value, 15));
+  return FromText(RealText(value, digits));
 }
 
 Decimal Decimal::FromText(std::string_view text) {

@@ -104,8 +104,8 @@ class Decimal {
 
   static Decimal FromInteger(std::int64_t value);
   static Decimal FromCurrency(Currency value);
-  // At most 15 significant digits of `value` are taken over, as in its text. Error 6 outside.
-  static Decimal FromDouble(double value);
+  // At most `digits` significant digits of `value` are taken over, as in its text. Error 6 outside.
+  static Decimal FromDouble(double value, int digits = 15);
   // `text` is a plain number: sign, digits, point, digits, exponent. Decimals that don't fit are
   // rounded half to even. Error 6 when the whole part does not fit.
   static Decimal FromText(std::string_view text);

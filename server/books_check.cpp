@@ -223,8 +223,8 @@ void CheckAccounts(Database& db, Findings& findings) {
     parents.insert(parent);
   }
   for (const auto& [id, account] : accounts) {
-    const auto report = [&](std::string_view problem) {
-      findings.Add("AccountTree", "Account", id, account.number, problem);
+    const auto report = [&, id = id, &number = account.number](std::string_view problem) {
+      findings.Add("AccountTree", "Account", id, number, problem);
     };
     const auto dot = account.number.rfind('.');
     const auto above = accounts.find(account.parent);

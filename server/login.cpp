@@ -165,10 +165,10 @@ String SessionUpdate::Login(std::string_view connection, std::string_view UserNa
   const auto user = db.QueryRow<Long, std::string, std::string, unsigned, bool>(
       "SELECT FUserID, FName, FPassword, FRoles, FDisabled FROM t_User WHERE FName = ?", UserName);
   // An unknown user costs as much time as a wrong password, and is told the same.
-  static const std::string kNobody = HashedPassword("");
-  const std::string& hash = user ? std::get<2>(*user) : kNobody;
-  const bool fits = crypto_pwhash_str_verify(hash.c_str(), Password.data(), Password.size()) == 0;
-  if (!user || !fits || std::get<4>(*user)) {
+  if (!user) HashedPassword(Password);
+  const bool fits = user && crypto_pwhash_str_verify(std::get<2>(*user).c_str(), Password.data(),
+                                                     Password.size()) == 0;
+  if (!fits || std::get<4>(*user)) {
     Refuse(refusal::kLoginRefused, "The user or the password is wrong, or the user is disabled.");
   }
   auto session = std::make_shared<Session>();

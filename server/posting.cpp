@@ -31,7 +31,8 @@ void MoveBalances(Database& db, Long voucher_id, AccountingPeriod period, Direct
     movement[4 + credit] += std::llround(quantity * kQuantityScale);
   }
   const std::int64_t sign = direction == Direction::kPost ? 1 : -1;
-  for (const auto& [key, movement] : movements) {
+  for (const auto& [place, movement] : movements) {
+    const Long account = place.first, currency = place.second;
     const auto balance =
         db.QueryRow<std::int64_t, std::int64_t, std::int64_t, std::int64_t, std::int64_t,
                     std::int64_t>(
@@ -46,7 +47,7 @@ void MoveBalances(Database& db, Long voucher_id, AccountingPeriod period, Direct
             " FDebitQty = t_Balance.FDebitQty + excluded.FDebitQty,"
             " FCreditQty = t_Balance.FCreditQty + excluded.FCreditQty"
             " RETURNING FDebit, FCredit, FDebitFor, FCreditFor, FDebitQty, FCreditQty",
-            key.first, key.second, period.year, period.period, sign * movement[0],
+            account, currency, period.year, period.period, sign * movement[0],
             sign * movement[1], sign * movement[2], sign * movement[3], sign * movement[4],
             sign * movement[5]);
     std::apply(
@@ -55,7 +56,7 @@ void MoveBalances(Database& db, Long voucher_id, AccountingPeriod period, Direct
             Refuse(refusal::kTooLarge,
                    "The balance of account " +
                        db.QueryValue<std::string>(
-                             "SELECT FNumber FROM t_Account WHERE FAccountID = ?", key.first)
+                             "SELECT FNumber FROM t_Account WHERE FAccountID = ?", account)
                            .value_or("") +
                        " in period " + period.ToText() + " would be too large.");
           }

@@ -170,7 +170,7 @@ VoucherFacts VoucherFacts::Of(Database& db, const VoucherTree& tree) {
   }
   const auto sort = [](auto& values) {
     std::ranges::sort(values);
-    values.erase(std::ranges::unique(values).begin(), values.end());
+    values.erase(std::unique(values.begin(), values.end()), values.end());
     // Filled up to a power of two with what is no account, so that few statements are ever prepared.
     values.resize(std::bit_ceil(std::max<std::size_t>(values.size(), 1)));
   };

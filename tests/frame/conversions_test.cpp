@@ -74,7 +74,7 @@ TEST(Conversions, EveryTypeConvertsToEveryType) {
   const std::pair<Variant, const char*> cases[] = {
       {Variant(), "False, 0b, 0%, 0, 0!, 0#, 0@, 0d, #1899-12-30#, \"\""},
       {false, "False, 0b, 0%, 0, 0!, 0#, 0@, 0d, #1899-12-30#, \"False\""},
-      {true, "True, error 6, -1%, -1, -1!, -1#, -1@, -1d, #1899-12-29#, \"True\""},
+      {true, "True, 255b, -1%, -1, -1!, -1#, -1@, -1d, #1899-12-29#, \"True\""},
       {Byte{0}, "False, 0b, 0%, 0, 0!, 0#, 0@, 0d, #1899-12-30#, \"0\""},
       {Byte{255}, "True, 255b, 255%, 255, 255!, 255#, 255@, 255d, #1900-09-11#, \"255\""},
       {Integer{5}, "True, 5b, 5%, 5, 5!, 5#, 5@, 5d, #1900-01-04#, \"5\""},
@@ -89,7 +89,7 @@ TEST(Conversions, EveryTypeConvertsToEveryType) {
       {0.5f, "True, 0b, 0%, 0, 0.5!, 0.5#, 0.5@, 0.5d, #12:00:00#, \"0.5\""},
       {1e20f,
        "True, error 6, error 6, error 6, 1E+20!, 1.00000002004088E+20#, error 6, "
-       "100000002004088000000d, error 6, \"1E+20\""},
+       "100000000000000000000d, error 6, \"1E+20\""},
       {-2.5, "True, error 6, -2%, -2, -2.5!, -2.5#, -2.5@, -2.5d, #1899-12-28 12:00:00#, \"-2.5\""},
       {1e300,
        "True, error 6, error 6, error 6, error 6, 1E+300#, error 6, error 6, error 6, "
@@ -223,6 +223,29 @@ TEST(Conversions, CbyteRoundsHalvesToEven) {
       EXPECT_EQ(Outcome([&] { return CByte(value); }), rounded) << StateText(value);
     }
   }
+}
+
+// The exact value of the Double decides, not the product that its scaling rounds.
+TEST(Conversions, CcurOfADoubleBesideAHalfRoundsToTheNearerUnit) {
+  EXPECT_EQ(Outcome([] { return CCur(0.00005); }), "0.0001@");  // a little above the half
+  EXPECT_EQ(Outcome([] { return CCur(-0.00005); }), "-0.0001@");
+  EXPECT_EQ(Outcome([] { return CCur(5.00015); }), "5.0001@");  // a little below
+  EXPECT_EQ(Outcome([] { return CCur(-5.00015); }), "-5.0001@");
+  EXPECT_EQ(Outcome([] { return CCur(0.00390625); }), "0.0039@");
+  EXPECT_EQ(Outcome([] { return CCur(0.03125); }), "0.0312@");  // halves themselves
+  EXPECT_EQ(Outcome([] { return CCur(0.09375); }), "0.0938@");
+}
+
+TEST(Conversions, CcurOfALargeDoubleKeepsEveryDigit) {
+  EXPECT_EQ(Outcome([] { return CCur(922337203685477.0); }), "922337203685477@");
+  EXPECT_EQ(Outcome([] { return CCur(-922337203685477.0); }), "-922337203685477@");
+  EXPECT_EQ(Outcome([] { return CCur(900719925474099.125); }), "900719925474099.125@");
+  EXPECT_EQ(Outcome([] { return CCur(922337203685478.0); }), "error 6");
+}
+
+TEST(Conversions, CdecOfASingleHasItsSevenDigits) {
+  EXPECT_EQ(Outcome([] { return CDec(0.1f); }), "0.1d");
+  EXPECT_EQ(Outcome([] { return CDec(16777216.0f); }), "16777220d");
 }
 
 TEST(Conversions, ClngOfNoFiniteNumberRaisesOverflow) {

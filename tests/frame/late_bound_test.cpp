@@ -517,5 +517,30 @@ TEST(Reference, KnowsTheTypeOfItsVariable) {
   EXPECT_EQ(Reference(&number).VariableOf<Integer>(), nullptr);
 }
 
+TEST_F(LateBoundTest, ACallIsBoundBeforeItIsMade) {
+  const ClassTable& table = Desk::Table();
+  const Member& show = *table.Find("ShowThree");
+  Argument arguments[] = {Argument(Named("Third", Long{9})), Argument(Named("First", Long{7}))};
+  BoundCall call = table.Bind(show, CallKind::kMethod, arguments);
+  ASSERT_EQ(call.arguments().size(), 3u);
+  EXPECT_EQ(StateText(call.arguments()[0].Value()), "7");
+  EXPECT_TRUE(call.arguments()[1].IsMissing());
+  EXPECT_EQ(StateText(call.arguments()[2].Value()), "9");
+  EXPECT_EQ(StateText(call.Invoke(*Make<Desk>())), "\"7, Missing, 9\"");
+}
+
+TEST_F(LateBoundTest, WhatDoesNotFitIsToldWhenItIsBound) {
+  const ClassTable& table = Desk::Table();
+  Argument one[] = {Argument(Long{1})};
+  const auto bind = [&](const char* name, CallKind kind, std::span<Argument> arguments) {
+    return ErrorOf([&] { table.Bind(*table.Find(name), kind, arguments); });
+  };
+  EXPECT_EQ(bind("Title", CallKind::kLet, one),
+            "error 438 (Desk): The member Title can't be used this way.");
+  EXPECT_EQ(bind("ShowThree", CallKind::kMethod, {}), "error 449");
+  EXPECT_EQ(bind("Fail", CallKind::kMethod, one), "error 450");
+  EXPECT_EQ(bind("Fail", CallKind::kMethod, {}), "no error");  // it was not called
+}
+
 }  // namespace
 }  // namespace qdclgl

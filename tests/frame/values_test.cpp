@@ -91,8 +91,8 @@ TEST(Currency, CountsTenThousandths) {
 }
 
 TEST(Currency, RoundsTheFifthDecimalHalfToEven) {
-  EXPECT_EQ(Currency(0.00005).units(), 0);
-  EXPECT_EQ(Currency(-0.00005).units(), 0);
+  EXPECT_EQ(Currency(0.00005).units(), 1);  // as a Double a little more than the half
+  EXPECT_EQ(Currency(-0.00005).units(), -1);
   EXPECT_EQ(Currency(0.00006).units(), 1);
   EXPECT_EQ(Currency(-0.00006).units(), -1);
   EXPECT_EQ(Currency(0.03125).units(), 312);

@@ -58,7 +58,7 @@ TEST_P(LoginTest, WrongUsersAndPasswordsAreToldAlike) {
            {"' OR '1'='1", ""},
            {"anna' --", ""},
            {"anna", std::string(100'000, 'x')}}) {
-    const auto login = [&] { Login(user, password); };
+    const auto login = [&, name = user, word = password] { Login(name, word); };
     EXPECT_EQ(RefusalOf(login), "LoginRefused") << user;
     if (first.empty()) first = SentenceOf(login);
     EXPECT_EQ(SentenceOf(login), first) << user;

@@ -1,0 +1,28 @@
+// Many saves in one transaction of the database: as fast as one, as lasting as each. A save that is
+// refused leaves the others alone; what is not committed is taken back.
+#pragma once
+
+#include <string>
+
+namespace qdclgl::cli {
+
+class Batch {
+ public:
+  // As many saves as make the end of a transaction cheap beside them.
+  static constexpr std::size_t kSize = 500;
+
+  explicit Batch(std::string props);
+  ~Batch();
+  Batch(const Batch&) = delete;
+  Batch& operator=(const Batch&) = delete;
+
+  void Commit();
+
+ private:
+  void Call(const char* method);
+
+  std::string props_;
+  bool is_open_ = true;
+};
+
+}  // namespace qdclgl::cli

@@ -1,0 +1,212 @@
+// The server's life: what keeps it loaded, that it unloads cleanly, and that nothing grows.
+#include <thread>
+
+#include "automation/identity.h"
+#include "tests/automation/client.h"
+
+using namespace qdclgl::automation;
+using namespace qdclgl::automation::testing;
+
+namespace {
+
+// The server as the registry names it, loaded by hand.
+class Server {
+ public:
+  Server() : module_(LoadLibraryW(Path().c_str())) {}
+  ~Server() {
+    if (module_ != nullptr) FreeLibrary(module_);
+  }
+  Server(const Server&) = delete;
+  Server& operator=(const Server&) = delete;
+
+  bool loaded() const { return module_ != nullptr; }
+
+  HRESULT CanUnload() const {
+    using CanUnloadNow = HRESULT(STDAPICALLTYPE*)();
+    return Function<CanUnloadNow>("DllCanUnloadNow")();
+  }
+
+  Com<IClassFactory> Factory(const char* class_name) const {
+    using GetClassObject = HRESULT(STDAPICALLTYPE*)(REFCLSID, REFIID, void**);
+    Com<IClassFactory> factory;
+    Function<GetClassObject>("DllGetClassObject")(IdOfName(class_name), IID_IClassFactory,
+                                                  factory.PutVoid());
+    return factory;
+  }
+
+  static std::wstring Path() {
+    const std::wstring key =
+        L"Software\\Classes\\CLSID\\" + IdText(IdOfName("QDCLGL.Voucher")) + L"\\InprocServer32";
+    wchar_t path[MAX_PATH] = {};
+    DWORD size = sizeof path;
+    RegGetValueW(HKEY_LOCAL_MACHINE, key.c_str(), nullptr, RRF_RT_REG_SZ, nullptr, path, &size);
+    return path;
+  }
+
+ private:
+  template <class F>
+  F Function(const char* name) const {
+    return reinterpret_cast<F>(reinterpret_cast<void*>(GetProcAddress(module_, name)));
+  }
+
+  HMODULE module_;
+};
+
+Com<IDispatch> Make(const Com<IClassFactory>& factory) {
+  Com<IDispatch> object;
+  factory->CreateInstance(nullptr, IID_IDispatch, object.PutVoid());
+  return object;
+}
+
+// The memory in use, by all heaps of the process.
+std::size_t HeapBytes() {
+  HANDLE heaps[64];
+  const DWORD count = GetProcessHeaps(64, heaps);
+  std::size_t bytes = 0;
+  for (DWORD i = 0; i < count; ++i) {
+    HeapLock(heaps[i]);
+    PROCESS_HEAP_ENTRY entry{};
+    while (HeapWalk(heaps[i], &entry)) {
+      if ((entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0) bytes += entry.cbData;
+    }
+    HeapUnlock(heaps[i]);
+  }
+  return bytes;
+}
+
+// Rows of several shapes, so that what a thread keeps of them is there.
+void Use(const Server& server) {
+  const auto row = Make(server.Factory("QDL.Dictionary"));
+  for (int i = 0; i < 30; ++i) {
+    const std::wstring name = L"key " + std::to_wstring(i);
+    Put(row, L"Value", {name.c_str(), i});
+    Get(row, L"Clone");
+  }
+  const auto rows = Make(server.Factory("QDL.Recordset"));
+  Get(Get(rows, L"Fields").object(), L"Append", {L"FName"});
+  Com<ITypeInfo> info;
+  row->GetTypeInfo(0, 0, info.Put());
+}
+
+void Counts() {
+  TestCase("a client's objects, enumerators and locks keep the server loaded");
+  const Server server;
+  Check(server.loaded(), "the server was loaded");
+  if (!server.loaded()) return;
+  Check(CodeText(server.CanUnload()), "00000000");
+  {
+    const auto factory = server.Factory("QDL.Recordset");
+    Check(CodeText(server.CanUnload()), "00000001");
+    factory->LockServer(TRUE);
+    factory->LockServer(FALSE);
+    const auto rows = Make(factory);
+    const auto fields = Get(rows, L"Fields").object();
+    const Outcome made = Invoke(fields.get(), DISPID_NEWENUM, kRead, {});
+    Check(CodeText(server.CanUnload()), "00000001");
+  }
+  Check(CodeText(server.CanUnload()), "00000000");
+  const auto factory = server.Factory("QDL.Recordset");
+  factory->LockServer(TRUE);
+  const_cast<Com<IClassFactory>&>(factory) = {};
+  Check(CodeText(server.CanUnload()), "00000001");
+  server.Factory("QDL.Recordset")->LockServer(FALSE);
+  Check(CodeText(server.CanUnload()), "00000000");
+}
+
+void Unloading() {
+  TestCase("the server unloads and loads again, with threads that end before and behind it");
+  std::size_t before = 0;
+  bool unloaded = true;
+  for (int round = 0; round < 60; ++round) {
+    HANDLE go = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    HANDLE used = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    std::thread outlives;
+    {
+      const Server server;
+      Use(server);
+      std::thread([&] {
+        CoInitialize(nullptr);
+        Use(server);
+        CoUninitialize();
+      }).join();
+      outlives = std::thread([&server, go, used] {
+        CoInitialize(nullptr);
+        Use(server);
+        CoUninitialize();
+        SetEvent(used);
+        WaitForSingleObject(go, INFINITE);
+      });
+      WaitForSingleObject(used, INFINITE);
+      if (server.CanUnload() != S_OK) unloaded = false;
+    }
+    if (GetModuleHandleW(L"qdclgl.dll") != nullptr) unloaded = false;
+    SetEvent(go);
+    outlives.join();
+    CloseHandle(go);
+    CloseHandle(used);
+    if (round == 19) before = HeapBytes();
+  }
+  Check(unloaded, "the module was gone each time");
+  const std::size_t grown = HeapBytes() > before ? HeapBytes() - before : 0;
+  std::printf("# 40 rounds of loading and unloading: %u kB more\n",
+              static_cast<unsigned>(grown / 1024));
+  // The thread that outlives the server keeps its copies of the server's plain variables.
+  Check(grown < 40 * 2048, "less than 2 kB a round");
+
+  TestCase("threads that come and go leave nothing behind");
+  const Server server;
+  const auto run = [&](int threads) {
+    for (int i = 0; i < threads; ++i) {
+      std::thread([&] {
+        CoInitialize(nullptr);
+        Use(server);
+        CoUninitialize();
+      }).join();
+    }
+  };
+  run(50);
+  const std::size_t start = HeapBytes();
+  run(300);
+  const std::size_t more = HeapBytes() > start ? HeapBytes() - start : 0;
+  std::printf("# 300 threads: %u kB more\n", static_cast<unsigned>(more / 1024));
+  Check(more < 300 * 1024, "less than 1 kB a thread");
+}
+
+void Measure() {
+  TestCase("the measure of memory sees what is kept");
+  const std::size_t before = HeapBytes();
+  std::vector<std::vector<char>> kept;
+  for (int i = 0; i < 1024; ++i) kept.emplace_back(4096, static_cast<char>(i));
+  Check(HeapBytes() >= before + 3 * 1024 * 1024, "4 MB are seen");
+}
+
+void Creations() {
+  TestCase("a million creations do not grow the process");
+  const Server server;
+  const auto factory = server.Factory("QDCLGL.VoucherGroupSet");
+  const auto create = [&](int count) {
+    for (int i = 0; i < count; ++i) {
+      const auto groups = Make(factory);
+      if (i % 16 == 0) Get(groups, L"CreateNew", {L"x"});
+    }
+  };
+  create(100000);
+  const std::size_t before = HeapBytes();
+  create(1000000);
+  const std::size_t grown = HeapBytes() > before ? HeapBytes() - before : 0;
+  std::printf("# a million creations: %u kB more\n", static_cast<unsigned>(grown / 1024));
+  Check(grown < 256 * 1024, "less than 256 kB");
+}
+
+}  // namespace
+
+int main() {
+  CoInitialize(nullptr);
+  Measure();
+  Counts();
+  Unloading();
+  Creations();
+  const int failed = Finish();
+  CoUninitialize();
+  return failed;
+}

@@ -1,0 +1,89 @@
+#include "cli/cell_values.h"
+
+#include <gtest/gtest.h>
+
+namespace qdclgl::cli {
+namespace {
+
+template <class T>
+std::string ReasonOf(T (*read)(std::string_view), std::string_view text) {
+  try {
+    read(text);
+    return "none";
+  } catch (const BadCell& bad) {
+    return bad.what();
+  }
+}
+
+TEST(CellValues, AnAmountIsReadToItsLastDigit) {
+  EXPECT_EQ(ReadAmount("0.1").units(), 1000);
+  EXPECT_EQ(ReadAmount("-12.3456").units(), -123456);
+  EXPECT_EQ(ReadAmount("922337203685477.5807").units(), INT64_MAX);
+  EXPECT_EQ(ReadAmount("-922337203685477.5808").units(), INT64_MIN);
+  // A binary fraction would lose the last digit here.
+  EXPECT_EQ(ReadAmount("900719925474.0993").units(), 9007199254740993);
+}
+
+TEST(CellValues, WhatIsNoAmountIsToldWithItsReason) {
+  EXPECT_EQ(ReasonOf(ReadAmount, "1.23456"), "\"1.23456\" has more than 4 decimals");
+  EXPECT_EQ(ReasonOf(ReadAmount, "922337203685477.5808"), "\"922337203685477.5808\" is too large");
+  for (const char* text :
+       {"1,5", "1.", ".5", "", "-", "+1", "1e3", "0x1", "1 000", "--1", "1.-5"}) {
+    EXPECT_EQ(ReasonOf(ReadAmount, text), "\"" + std::string(text) + "\" is not an amount");
+  }
+}
+
+TEST(CellValues, AmountsHaveFourDecimalsAsText) {
+  EXPECT_EQ(AmountText(Currency()), "0.0000");
+  EXPECT_EQ(AmountText(Currency::FromUnits(-1)), "-0.0001");
+  EXPECT_EQ(AmountText(Currency::FromUnits(123456)), "12.3456");
+  EXPECT_EQ(AmountText(Currency::FromUnits(INT64_MIN)), "-922337203685477.5808");
+}
+
+TEST(CellValues, QuantitiesHaveAtMostSixDecimals) {
+  EXPECT_EQ(ReadQuantity("2.123456"), 2.123456);
+  EXPECT_EQ(ReadQuantity("-3"), -3);
+  EXPECT_EQ(ReasonOf(ReadQuantity, "2.1234567"), "\"2.1234567\" has more than 6 decimals");
+  EXPECT_EQ(ReasonOf(ReadQuantity, "nan"), "\"nan\" is not a quantity");
+}
+
+TEST(CellValues, RatesAreAboveZero) {
+  EXPECT_EQ(ReadRate("0.925"), 0.925);
+  EXPECT_EQ(ReasonOf(ReadRate, "0"), "\"0\" is not a rate above 0");
+  EXPECT_EQ(ReasonOf(ReadRate, "-1"), "\"-1\" is not a rate above 0");
+  EXPECT_EQ(ReadPrice("212.407080123"), 212.407080123);
+}
+
+TEST(CellValues, DatesAreDaysOfTheCalendar) {
+  EXPECT_EQ(ReadDate("2024-02-29"), Date::FromYmd(2024, 2, 29));
+  EXPECT_EQ(ReasonOf(ReadDate, "2023-02-29"), "\"2023-02-29\" is not a day of the calendar");
+  for (const char* text :
+       {"2024-2-29", "29.02.2024", "2024-02-29 ", "20240229", "2024-02-2x", ""}) {
+    EXPECT_EQ(ReasonOf(ReadDate, text),
+              "\"" + std::string(text) + "\" is not a date; dates are written as yyyy-mm-dd");
+  }
+}
+
+TEST(CellValues, WholeNumbersAreDecimalWhateverZeroesTheyBeginWith) {
+  EXPECT_EQ(ReadWhole("010"), 10);
+  EXPECT_EQ(ReadWhole("2147483647"), 2147483647);
+  EXPECT_EQ(ReasonOf(ReadWhole, "2147483648"), "\"2147483648\" is too large");
+  EXPECT_EQ(ReasonOf(ReadWhole, "-1"), "\"-1\" is not a whole number");
+}
+
+TEST(CellValues, TruthIsSaidInThreeWays) {
+  for (const char* text : {"1", "Yes", "TRUE"}) EXPECT_TRUE(ReadTruth(text));
+  for (const char* text : {"0", "no", "False"}) EXPECT_FALSE(ReadTruth(text));
+  EXPECT_EQ(ReasonOf(ReadTruth, "maybe"), "\"maybe\" is neither yes nor no");
+}
+
+TEST(CellValues, Utf8IsToldFromOtherBytes) {
+  EXPECT_TRUE(IsUtf8("tea \xE8\x8C\xB6 \xF0\x9F\x8D\xB5 caf\xC3\xA9"));
+  for (const char* text : {"\xE9", "\xC3", "\xC0\xAF", "\xE0\x80\xAF", "\xED\xA0\x80",
+                           "\xF4\x90\x80\x80", "\xF8\x88\x80\x80\x80", "a\x80"}) {
+    EXPECT_FALSE(IsUtf8(text));
+  }
+}
+
+}  // namespace
+}  // namespace qdclgl::cli

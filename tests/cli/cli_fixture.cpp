@@ -1,0 +1,113 @@
+#include "tests/cli/cli_fixture.h"
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "cli/program.h"
+
+namespace qdclgl::cli::testing {
+
+RunResult RunInProcess(const std::vector<std::string>& arguments) {
+  std::ostringstream out, err;
+  RunResult result;
+  result.code = Run(arguments, {out, err});
+  result.out = out.str();
+  result.err = err.str();
+  return result;
+}
+
+pid_t Start(const std::vector<std::string>& arguments, const std::string& out_file,
+            const std::string& err_file, const std::string& program) {
+  std::vector<std::string> words = {program};
+  words.insert(words.end(), arguments.begin(), arguments.end());
+  std::vector<char*> pointers;
+  for (std::string& word : words) pointers.push_back(word.data());
+  pointers.push_back(nullptr);
+  const pid_t child = fork();
+  if (child != 0) return child;
+  const auto redirect = [](const std::string& file, int descriptor) {
+    const int opened = open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    if (opened < 0 || dup2(opened, descriptor) < 0) _exit(126);
+  };
+  redirect(out_file, STDOUT_FILENO);
+  redirect(err_file, STDERR_FILENO);
+  execv(program.c_str(), pointers.data());
+  _exit(127);
+}
+
+RunResult RunProgram(const std::vector<std::string>& arguments, const std::string& program) {
+  const Folder folder;
+  const pid_t child = Start(arguments, folder.Path("out"), folder.Path("err"), program);
+  int status = 0;
+  waitpid(child, &status, 0);
+  return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadFile(folder.Path("out")),
+          ReadFile(folder.Path("err"))};
+}
+
+std::string ReadFile(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  EXPECT_TRUE(file.good()) << path;
+  std::ostringstream text;
+  text << file.rdbuf();
+  return text.str();
+}
+
+Folder::Folder() {
+  static std::atomic<int> count{0};
+  path_ = std::filesystem::temp_directory_path() /
+          ("qdclgl_cli_" + std::to_string(getpid()) + "_" + std::to_string(++count));
+  std::filesystem::create_directories(path_);
+}
+
+Folder::~Folder() {
+  std::error_code ignored;
+  std::filesystem::remove_all(path_, ignored);
+}
+
+std::string Folder::Write(const std::string& name, const std::string& text) const {
+  std::ofstream(Path(name), std::ios::binary) << text;
+  return Path(name);
+}
+
+CliTest::CliTest() : book(server::testing::NewConnectionText(GetParam())) {
+  setenv("QDCLGL_REGISTRY", folder.Path("registry").c_str(), 1);
+}
+
+CliTest::~CliTest() { server::testing::RemoveBooks(book); }
+
+RunResult CliTest::Run(std::vector<std::string> arguments) const {
+  arguments.insert(arguments.begin() + 1, book);
+  return RunInProcess(arguments);
+}
+
+void CliTest::Init(const std::string& year) const {
+  ASSERT_EQ(Run({"init", "--year", year}).code, 0);
+  const std::string chart = folder.Write("accounts.csv",
+                                         "number,name,dc\n"
+                                         "1000,Cash,1\n1001,Bank,1\n1002,Goods,1\n"
+                                         "2000,Equity,-1\n2000.01,Capital,-1\n");
+  ASSERT_EQ(Run({"import", "--accounts", chart}).code, 0);
+}
+
+RunResult CliTest::ImportRows(const std::string& rows,
+                              const std::vector<std::string>& options) const {
+  std::vector<std::string> arguments = {
+      "import", "--journal",
+      folder.Write("journal.csv", "voucher,date,account,debit,credit\n" + rows)};
+  arguments.insert(arguments.end(), options.begin(), options.end());
+  RunResult result = Run(arguments);
+  // Reports name the file as the command line does.
+  const std::string path = folder.Path("journal.csv");
+  for (std::size_t at; (at = result.err.find(path)) != result.err.npos;) {
+    result.err.replace(at, path.size(), "journal.csv");
+  }
+  return result;
+}
+
+}  // namespace qdclgl::cli::testing

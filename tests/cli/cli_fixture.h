@@ -1,0 +1,65 @@
+// Runs of the command line for tests: in process, and as the built program.
+#pragma once
+
+#include <sys/types.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/server/books_fixture.h"
+
+namespace qdclgl::cli::testing {
+
+using server::testing::DatabaseKind;
+using server::testing::NameOf;
+
+struct RunResult {
+  int code = 0;
+  std::string out;
+  std::string err;
+};
+
+RunResult RunInProcess(const std::vector<std::string>& arguments);
+
+// The built program, or another one.
+pid_t Start(const std::vector<std::string>& arguments, const std::string& out_file,
+            const std::string& err_file, const std::string& program = QDCLGL_PROGRAM);
+RunResult RunProgram(const std::vector<std::string>& arguments,
+                     const std::string& program = QDCLGL_PROGRAM);
+
+std::string ReadFile(const std::string& path);
+
+// A folder of one test, removed behind it.
+class Folder {
+ public:
+  Folder();
+  ~Folder();
+  // Writes a file and returns its path.
+  std::string Write(const std::string& name, const std::string& text) const;
+  std::string Path(const std::string& name) const { return path_ + "/" + name; }
+
+ private:
+  std::string path_;
+};
+
+// Books for one test, on each database; not made yet.
+class CliTest : public ::testing::TestWithParam<DatabaseKind> {
+ protected:
+  CliTest();
+  ~CliTest() override;
+
+  // A command on the books: Run({"balance", "--csv"}) with BOOK behind the command's name.
+  RunResult Run(std::vector<std::string> arguments) const;
+  // Books of 2024 in EUR with the accounts 1000 to 1002 and 2000, 2000.01.
+  void Init(const std::string& year = "2024") const;
+  // Imports a journal under a heading that has voucher, date, account, debit and credit.
+  RunResult ImportRows(const std::string& rows, const std::vector<std::string>& options = {}) const;
+
+  Folder folder;
+  std::string book;
+};
+
+#define QDCLGL_CLI_TEST(Suite) \
+  INSTANTIATE_TEST_SUITE_P(, Suite, ::testing::ValuesIn(server::testing::Databases()), NameOf)
+
+}  // namespace qdclgl::cli::testing

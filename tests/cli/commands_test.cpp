@@ -1,0 +1,265 @@
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+#include "api/api_table.h"
+#include "frame/server_gateway.h"
+#include "server/database.h"
+#include "tests/cli/cli_fixture.h"
+
+namespace qdclgl::cli::testing {
+namespace {
+
+class Commands : public CliTest {
+ protected:
+  // Books with the vouchers 1 and 2, of January and February.
+  void InitWithVouchers() const {
+    Init();
+    ASSERT_EQ(ImportRows("v1,2024-01-05,1000,10.5,\nv1,2024-01-05,2000.01,,10.5\n"
+                         "v2,2024-02-05,1001,3,\nv2,2024-02-05,1000,,3\n")
+                  .code,
+              0);
+  }
+};
+
+TEST_P(Commands, InitMakesBooksOnce) {
+  EXPECT_EQ(
+      Run({"init", "--currency", "usd", "--year", "2023", "--periods", "4", "--start-month", "04"})
+          .out,
+      "The books are made, in usd. The current period is 2023/1.\n");
+  const RunResult again = Run({"init"});
+  EXPECT_EQ(again.code, 1);
+  EXPECT_TRUE(again.err.starts_with("qdclgl: 80044205: ")) << again.err;
+}
+
+TEST_P(Commands, ListsAreTablesCsvOrJson) {
+  InitWithVouchers();
+  EXPECT_EQ(Run({"groups"}).out, "FGroupID  FName\n       1  General\n");
+  EXPECT_EQ(Run({"accounts", "--filter", "FNumber < '1002'", "--sort", "FNumber DESC"}).out,
+            "FAccountID  FNumber  FName  FDC  FDetail\n"
+            "         2  1001     Bank     1  true\n"
+            "         1  1000     Cash     1  true\n");
+  const std::string csv = Run({"currencies", "--csv"}).out;
+  EXPECT_TRUE(csv.starts_with("FCurrencyID,FVersion,")) << csv;
+  const auto vouchers = nlohmann::json::parse(Run({"vouchers", "--json"}).out);
+  ASSERT_EQ(vouchers.size(), 2u);
+  EXPECT_EQ(vouchers[0]["FDebitTotal"], "10.5000");
+  EXPECT_EQ(vouchers[0]["FPosted"], false);
+}
+
+TEST_P(Commands, ABadFilterIsOneLineWithItsNumber) {
+  Init();
+  const RunResult result = Run({"vouchers", "--filter", "FNothing = 1"});
+  EXPECT_EQ(result.code, 1);
+  EXPECT_TRUE(result.err.starts_with("qdclgl: 80044210: ")) << result.err;
+  EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1);
+}
+
+TEST_P(Commands, AVoucherShowsItsLines) {
+  InitWithVouchers();
+  EXPECT_EQ(Run({"voucher", "1"}).out,
+            "Voucher    1\n"
+            "Number     2024/1 General 1\n"
+            "Date       2024-01-05\n"
+            "Reference  v1\n"
+            "Prepared   administrator\n"
+            "State      open\n"
+            "\n"
+            "Line  Account  Name       Debit   Credit\n"
+            "   1  1000     Cash     10.5000\n"
+            "   2  2000.01  Capital           10.5000\n");
+  const RunResult none = Run({"voucher", "99"});
+  EXPECT_EQ(none.code, 1);
+  EXPECT_EQ(none.err, "qdclgl: 80044213: There is no voucher with the id 99.\n");
+  EXPECT_EQ(Run({"voucher", "x"}).code, 2);
+  EXPECT_EQ(Run({"voucher"}).code, 2);
+}
+
+TEST_P(Commands, StepsGoForthAndBack) {
+  InitWithVouchers();
+  const auto state = [&] {
+    const std::string text = Run({"voucher", "1"}).out;
+    const std::size_t at = text.find("State      ") + 11;
+    return text.substr(at, text.find('\n', at) - at);
+  };
+  const std::pair<const char*, const char*> steps[] = {
+      {"check", "checked by administrator"},
+      {"approve", "checked by administrator, approved by administrator"},
+      {"cash", "checked by administrator, approved by administrator, cashed by administrator"},
+      {"post",
+       "checked by administrator, approved by administrator, cashed by administrator, "
+       "posted by administrator"},
+      {"unpost", "checked by administrator, approved by administrator, cashed by administrator"},
+      {"uncash", "checked by administrator, approved by administrator"},
+      {"unapprove", "checked by administrator"},
+      {"uncheck", "open"},
+  };
+  for (const auto& [step, after] : steps) {
+    EXPECT_EQ(Run({step, "1"}).code, 0) << step;
+    EXPECT_EQ(state(), after) << step;
+  }
+  EXPECT_EQ(Run({"remove", "1"}).out, "1 voucher removed.\n");
+  EXPECT_EQ(Run({"voucher", "1"}).code, 1);
+}
+
+TEST_P(Commands, AStepThatTheStateDoesNotAllowIsRefused) {
+  InitWithVouchers();
+  for (const char* step : {"uncheck", "approve", "unapprove", "uncash", "unpost"}) {
+    const RunResult result = Run({step, "1"});
+    EXPECT_EQ(result.code, 1) << step;
+    EXPECT_TRUE(result.err.starts_with("qdclgl: 8004422B: ")) << step << result.err;
+  }
+  ASSERT_EQ(Run({"check", "1"}).code, 0);
+  ASSERT_EQ(Run({"approve", "1"}).code, 0);
+  EXPECT_EQ(Run({"check", "1"}).code, 1);
+  EXPECT_EQ(Run({"approve", "1"}).code, 1);
+}
+
+TEST_P(Commands, OfManyVouchersTheRefusedOnesLeaveTheOthersAlone) {
+  InitWithVouchers();
+  const RunResult result = Run({"post", "1", "99", "2"});
+  EXPECT_EQ(result.code, 3);
+  EXPECT_EQ(result.out, "2 vouchers posted.\n");
+  EXPECT_EQ(result.err, "qdclgl: 80044213: There is no voucher with the id 99.\n");
+}
+
+TEST_P(Commands, AllMeansThoseThatAreReady) {
+  InitWithVouchers();
+  ASSERT_EQ(Run({"check", "1"}).code, 0);
+  EXPECT_EQ(Run({"check", "--all"}).out, "1 voucher checked.\n");
+  EXPECT_EQ(Run({"approve", "--all"}).out, "2 vouchers approved.\n");
+  EXPECT_EQ(Run({"cash", "--all"}).out, "2 vouchers cashed.\n");
+  EXPECT_EQ(Run({"post", "--all"}).out, "2 vouchers posted.\n");
+  EXPECT_EQ(Run({"post", "--all"}).out, "0 vouchers posted.\n");
+  EXPECT_EQ(Run({"post", "--all"}).code, 0);
+  EXPECT_EQ(Run({"unpost", "--all"}).out, "2 vouchers unposted.\n");
+  EXPECT_EQ(Run({"uncash", "--all"}).out, "2 vouchers uncashed.\n");
+  EXPECT_EQ(Run({"unapprove", "--all"}).out, "2 vouchers unapproved.\n");
+  EXPECT_EQ(Run({"uncheck", "--all"}).out, "2 vouchers unchecked.\n");
+  EXPECT_EQ(Run({"remove", "--all"}).out, "2 vouchers removed.\n");
+  EXPECT_EQ(Run({"post"}).code, 2);
+  EXPECT_EQ(Run({"post", "1", "--all"}).code, 2);
+}
+
+TEST_P(Commands, BalancesCoverWhatIsAskedFor) {
+  InitWithVouchers();
+  ASSERT_EQ(Run({"post", "--all"}).code, 0);
+  EXPECT_EQ(Run({"balance", "--csv"}).out,
+            "account,debit,credit,balance\n"
+            "1000,10.5000,3.0000,7.5000\n"
+            "1001,3.0000,0.0000,3.0000\n"
+            "2000.01,0.0000,10.5000,-10.5000\n");
+  EXPECT_EQ(Run({"balance", "--year", "2024", "--from", "2", "--to", "02", "--csv"}).out,
+            "account,debit,credit,balance\n"
+            "1000,0.0000,3.0000,7.5000\n"
+            "1001,3.0000,0.0000,3.0000\n");
+  EXPECT_EQ(Run({"balance", "--year", "2024", "--from", "2"}).out,
+            "Account  Name          Begin   Debit  Credit       End\n"
+            "1000     Cash        10.5000  0.0000  3.0000    7.5000\n"
+            "1001     Bank         0.0000  3.0000  0.0000    3.0000\n"
+            "2000     Equity     -10.5000  0.0000  0.0000  -10.5000\n"
+            "2000.01    Capital  -10.5000  0.0000  0.0000  -10.5000\n"
+            "         Total        0.0000  3.0000  3.0000    0.0000\n");
+  const auto rows = nlohmann::json::parse(Run({"balance", "--json"}).out);
+  EXPECT_EQ(rows.at(0)["FEndBalance"], "7.5000");
+  EXPECT_EQ(Run({"balance", "--from", "2"}).code, 2);
+  EXPECT_EQ(Run({"balance", "--year", "2024", "--from", "13"}).code, 1);
+}
+
+TEST_P(Commands, PeriodsCloseAndReopen) {
+  InitWithVouchers();
+  const RunResult early = Run({"close"});
+  EXPECT_EQ(early.code, 1);
+  EXPECT_TRUE(early.err.starts_with("qdclgl: 80044250: ")) << early.err;
+  ASSERT_EQ(Run({"post", "1"}).code, 0);
+  EXPECT_EQ(Run({"close"}).out, "The current period is 2024/2.\n");
+  EXPECT_EQ(Run({"unpost", "1"}).code, 1);
+  EXPECT_EQ(Run({"reopen"}).out, "The current period is 2024/1.\n");
+  EXPECT_EQ(Run({"reopen"}).code, 1);
+}
+
+TEST_P(Commands, TheAuditTrailTellsOfOneVoucher) {
+  InitWithVouchers();
+  ASSERT_EQ(Run({"check", "2"}).code, 0);
+  const auto deeds = nlohmann::json::parse(Run({"audit", "--voucher", "2", "--json"}).out);
+  ASSERT_EQ(deeds.size(), 2u);
+  EXPECT_EQ(deeds[0]["FAction"], "Create");
+  EXPECT_EQ(deeds[1]["FAction"], "Check");
+  EXPECT_EQ(nlohmann::json::parse(Run({"audit", "--voucher", "2", "--filter",
+                                       "FAction = 'Check' OR FAction = 'Post'", "--json"})
+                                      .out)
+                .size(),
+            1u);
+}
+
+TEST_P(Commands, TheDoctorTellsWhatIsWrongAndWhere) {
+  InitWithVouchers();
+  ASSERT_EQ(Run({"post", "1"}).code, 0);
+  EXPECT_EQ(Run({"doctor"}).out, "The books are in order.\n");
+  EXPECT_EQ(Run({"doctor", "--json"}).out, "[]\n");
+  {
+    server::Database db(server::ConnectionText::Parse(book), server::Database::Opening::kExisting);
+    db.ExecuteScript(
+        "UPDATE t_VoucherEntry SET FAmount = FAmount + 1 WHERE FVoucherID = 1"
+        " AND FEntryID = 1;");
+  }
+  const RunResult sick = Run({"doctor"});
+  EXPECT_EQ(sick.code, 4);
+  EXPECT_NE(sick.out.find("2024/1 General 1"), std::string::npos) << sick.out;
+}
+
+TEST_P(Commands, UpgradeOfNewBooksChangesNothing) {
+  Init();
+  const RunResult result = Run({"upgrade"});
+  EXPECT_EQ(result.code, 0);
+  EXPECT_TRUE(result.out.starts_with("The books were of version ")) << result.out;
+}
+
+TEST_P(Commands, LoginsAreToldApart) {
+  Init();
+  const RunResult stranger = Run({"vouchers", "--user", "nobody"});
+  EXPECT_EQ(stranger.code, 5);
+  EXPECT_TRUE(stranger.err.starts_with("qdclgl: 80044201: ")) << stranger.err;
+  setenv("QDCLGL_PASSWORD", "wrong", 1);
+  EXPECT_EQ(Run({"vouchers"}).code, 5);
+  unsetenv("QDCLGL_PASSWORD");
+  EXPECT_EQ(Run({"vouchers"}).code, 0);
+}
+
+TEST_P(Commands, TheBooksCanComeFromTheEnvironment) {
+  InitWithVouchers();
+  setenv("QDCLGL_BOOK", book.c_str(), 1);
+  EXPECT_EQ(RunInProcess({"groups"}).code, 0);
+  EXPECT_EQ(RunInProcess({"check", "1", "2"}).out, "2 vouchers checked.\n");
+  EXPECT_EQ(RunInProcess({"voucher", "2"}).code, 0);
+  unsetenv("QDCLGL_BOOK");
+  const RunResult none = RunInProcess({"check", "1"});
+  EXPECT_EQ(none.code, 2);
+  EXPECT_EQ(none.err, "qdclgl: no BOOK is given, and QDCLGL_BOOK is not set; see qdclgl --help\n");
+}
+
+QDCLGL_CLI_TEST(Commands);
+
+TEST(Api, TheReferenceComesFromTheRows) {
+  EXPECT_EQ(RunInProcess({"api", "--tsv"}).out, ApiTable());
+  EXPECT_EQ(RunInProcess({"api", "--tsv"}).out, ReadFile(QDCLGL_SOURCE_DIR "/docs/api.tsv"));
+  const std::string part = RunInProcess({"api", "--tsv", "vouchergroup"}).out;
+  EXPECT_TRUE(part.starts_with("class\tordinal\t"));
+  EXPECT_NE(part.find("\nVoucherGroup\t9\tName\tget\tString"), part.npos) << part;
+  EXPECT_EQ(part.find("VoucherGroupSet"), part.npos);
+
+  const auto classes = nlohmann::json::parse(RunInProcess({"api", "--json"}).out);
+  std::size_t members = 0;
+  for (const auto& one : classes) members += one["members"].size();
+  EXPECT_EQ(members, ApiRows().size());
+  const std::string markdown = RunInProcess({"api", "--markdown", "Currencyx"}).out;
+  EXPECT_TRUE(markdown.starts_with("## Currencyx\n")) << markdown;
+  EXPECT_NE(
+      RunInProcess({"api", "Voucher"}).out.find("\n  method Approve()\n      Approves a checked"),
+      std::string::npos);
+  EXPECT_EQ(RunInProcess({"api", "Nothing"}).code, 2);
+  EXPECT_EQ(RunInProcess({"api", "--tsv", "--json"}).code, 2);
+}
+
+}  // namespace
+}  // namespace qdclgl::cli::testing

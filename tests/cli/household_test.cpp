@@ -1,0 +1,64 @@
+// Real books of three years, with the balances that another program gives them.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "cli/cell_values.h"
+#include "cli/csv_reader.h"
+#include "tests/cli/cli_fixture.h"
+
+namespace qdclgl::cli::testing {
+namespace {
+
+std::string DataFolder() {
+  const char* given = std::getenv("QDCLGL_TEST_DATA");
+  return (given != nullptr ? std::string(given) : QDCLGL_SOURCE_DIR "/../shared/data") +
+         "/household";
+}
+
+// The rows with their amounts in one form.
+std::vector<std::string> BalancesIn(const std::string& text) {
+  std::istringstream in(text);
+  CsvReader reader(in);
+  std::vector<std::string> rows;
+  CsvRow row;
+  reader.Next(row);
+  while (reader.Next(row)) {
+    EXPECT_EQ(row.cells.size(), 4u);
+    std::string line = row.cells[0].text;
+    for (std::size_t i = 1; i < row.cells.size(); ++i) {
+      line += "," + AmountText(ReadAmount(row.cells[i].text));
+    }
+    rows.push_back(line);
+  }
+  return rows;
+}
+
+class Household : public CliTest {};
+
+TEST_P(Household, TheImportReproducesTheBalances) {
+  const std::string data = DataFolder();
+  if (!std::filesystem::exists(data)) GTEST_SKIP() << "there is no folder " << data;
+  ASSERT_EQ(Run({"init", "--year", "2021", "--currency", "USD"}).code, 0);
+  const RunResult result = Run({"import", "--accounts", data + "/accounts.csv", "--journal",
+                                data + "/journal.csv", "--check-all", "--post-all"});
+  EXPECT_EQ(result.err, "");
+  EXPECT_EQ(result.out,
+            "accounts: 98 stored, 0 there already, 0 left out\n"
+            "vouchers: 1142 stored, 0 passed over, 0 left out\n"
+            "1142 vouchers checked.\n"
+            "1142 vouchers posted.\n");
+  ASSERT_EQ(result.code, 0);
+  const std::vector<std::string> expected = BalancesIn(ReadFile(data + "/balances.csv"));
+  EXPECT_EQ(expected.size(), 61u);
+  EXPECT_EQ(BalancesIn(Run({"balance", "--csv"}).out), expected);
+  EXPECT_EQ(Run({"doctor"}).out, "The books are in order.\n");
+}
+
+QDCLGL_CLI_TEST(Household);
+
+}  // namespace
+}  // namespace qdclgl::cli::testing

@@ -1,0 +1,158 @@
+// The built program: what it prints and how it ends; its man page and its completion.
+#include "cli/program.h"
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <iostream>
+#include <regex>
+#include <set>
+
+#include "tests/cli/cli_fixture.h"
+
+namespace qdclgl::cli::testing {
+namespace {
+
+std::set<std::string> CommandNames() {
+  std::set<std::string> names;
+  const Console nowhere{std::cout, std::cerr};
+  Program program(nowhere);
+  for (const CLI::App* command : program.app().get_subcommands({}))
+    names.insert(command->get_name());
+  return names;
+}
+
+TEST(Program, HelpAndVersionGoToTheOutput) {
+  const RunResult help = RunProgram({"--help"});
+  EXPECT_EQ(help.code, 0);
+  EXPECT_EQ(help.err, "");
+  for (const std::string& name : CommandNames()) {
+    EXPECT_NE(help.out.find("\n  " + name + " "), std::string::npos) << name;
+    EXPECT_EQ(RunProgram({name, "--help"}).code, 0) << name;
+  }
+  EXPECT_EQ(RunProgram({"--version"}).code, 0);
+}
+
+TEST(Program, WrongUsageIsOneLineAndTwo) {
+  const std::vector<std::vector<std::string>> lines = {{},
+                                                       {"nothing"},
+                                                       {"balance", "x.db", "--year", "x"},
+                                                       {"balance", "x.db", "--csv", "--json"},
+                                                       {"post", "x.db"},
+                                                       {"post", "x.db", "y"},
+                                                       {"vouchers", "x.db", "--nothing"},
+                                                       {"vouchers", "x.db", "y"}};
+  for (const auto& line : lines) {
+    const RunResult result = RunProgram(line);
+    EXPECT_EQ(result.code, 2) << (line.empty() ? "" : line[0]) << result.err;
+    EXPECT_EQ(result.out, "");
+    EXPECT_TRUE(result.err.starts_with("qdclgl: ")) << result.err;
+    EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << result.err;
+  }
+}
+
+TEST(Program, BooksThatAreNotThereAreFive) {
+  const Folder folder;
+  const RunResult result = RunProgram({"vouchers", folder.Path("none.db")});
+  EXPECT_EQ(result.code, 5);
+  EXPECT_TRUE(result.err.starts_with("qdclgl: 80044204: ")) << result.err;
+  EXPECT_FALSE(std::filesystem::exists(folder.Path("none.db")));
+  EXPECT_EQ(RunProgram({"vouchers", "Provider=Abacus;"}).code, 5);
+}
+
+TEST(Program, BooksMayBeCalledAsACommandIs) {
+  const Folder folder;
+  EXPECT_EQ(RunProgram({"init", folder.Path("check"), "--year", "2024"}).code, 0);
+  EXPECT_EQ(RunProgram({"vouchers", folder.Path("check")}).code, 0);
+}
+
+TEST(Program, AnOutputThatCanNotBeWrittenIsSix) {
+  const pid_t child = Start({"api"}, "/dev/full", "/dev/null");
+  int status = 0;
+  waitpid(child, &status, 0);
+  ASSERT_TRUE(WIFEXITED(status));
+  EXPECT_EQ(WEXITSTATUS(status), 6);
+}
+
+TEST(Program, TheExampleBooksComeInWhole) {
+  const Folder folder;
+  const std::string book = folder.Path("books.db");
+  const std::string examples = QDCLGL_SOURCE_DIR "/examples/books/";
+  ASSERT_EQ(RunProgram({"init", book, "--year", "2024"}).code, 0);
+  const RunResult result =
+      RunProgram({"import", book, "--accounts", examples + "accounts.csv", "--journal",
+                  examples + "journal.csv", "--check-all", "--post-all"});
+  EXPECT_EQ(result.err, "");
+  EXPECT_EQ(result.out,
+            "accounts: 36 stored, 0 there already, 0 left out\n"
+            "vouchers: 75 stored, 0 passed over, 0 left out\n"
+            "75 vouchers checked.\n"
+            "75 vouchers posted.\n");
+  EXPECT_EQ(RunProgram({"doctor", book}).out, "The books are in order.\n");
+  const std::string balances = RunProgram({"balance", book, "--csv"}).out;
+  EXPECT_NE(balances.find("\n1000.02,104950.8700,47830.4500,57120.4200\n"), std::string::npos);
+}
+
+TEST(Program, TheExampleOpensEditsAndSaves) {
+  const Folder folder;
+  const std::string book = folder.Path("books.db");
+  setenv("QDCLGL_REGISTRY", folder.Path("registry").c_str(), 1);
+  ASSERT_EQ(RunProgram({"init", book, "--year", "2024"}).code, 0);
+  const std::string chart = folder.Write("a.csv", "number,name,dc\n1,Cash,1\n2,Capital,-1\n");
+  const std::string journal = folder.Write("j.csv",
+                                           "voucher,date,account,debit,credit,explanation\n"
+                                           "x,2024-01-05,1,10,,Tea\nx,2024-01-05,2,,10,Tea\n");
+  ASSERT_EQ(RunProgram({"import", book, "--accounts", chart, "--journal", journal}).code, 0);
+  const RunResult result = RunProgram({book, "1"}, QDCLGL_EXAMPLE);
+  EXPECT_EQ(result.err, "");
+  EXPECT_EQ(result.code, 0);
+  EXPECT_EQ(result.out,
+            "opened      line 1: 1, debit 10, \"Tea\"; modified: no\n"
+            "changed     line 1: 1, debit 10, \"Tea, counted again\"; modified: yes\n"
+            "saved       line 1: 1, debit 10, \"Tea, counted again\"; modified: no\n"
+            "read again  line 1: 1, debit 10, \"Tea, counted again\"; modified: no\n");
+}
+
+TEST(Program, TheExampleIsShort) {
+  const std::string text = ReadFile(QDCLGL_SOURCE_DIR "/examples/open_edit_save.cpp");
+  EXPECT_LT(std::count(text.begin(), text.end(), '\n'), 40);
+}
+
+TEST(ManPage, KnowsEveryCommandEveryOptionAndEveryExitCode) {
+  const std::string page = ReadFile(QDCLGL_SOURCE_DIR "/docs/qdclgl.1");
+  const Console nowhere{std::cout, std::cerr};
+  Program program(nowhere);
+  for (const CLI::App* command : program.app().get_subcommands({})) {
+    const std::string name = command->get_name();
+    EXPECT_TRUE(std::regex_search(page, std::regex("(\\.B |\\\\fB)" + name + "[ \\\\]"))) << name;
+    for (const CLI::Option* option : command->get_options()) {
+      for (const std::string& word : option->get_lnames()) {
+        const std::string roff = "\\-\\-" + std::regex_replace(word, std::regex("-"), "\\-");
+        EXPECT_NE(page.find(roff), std::string::npos) << name << " " << word;
+      }
+    }
+  }
+  for (int code = 0; code <= kBadFile; ++code) {
+    EXPECT_NE(page.find(".B " + std::to_string(code) + "\n"), std::string::npos) << code;
+  }
+}
+
+TEST(Completion, OffersWhatTheProgramKnows) {
+  const auto offered = [](const std::string& words, int place) {
+    const std::string script =
+        "source " QDCLGL_SOURCE_DIR "/cli/qdclgl.bash; COMP_WORDS=(" QDCLGL_PROGRAM " " + words +
+        "); COMP_CWORD=" + std::to_string(place) + "; _qdclgl; echo \"${COMPREPLY[*]}\"";
+    return RunProgram({"-c", script}, "/bin/bash").out;
+  };
+  for (const std::string& name : CommandNames()) {
+    EXPECT_EQ(offered(name, 1).substr(0, name.size()), name);
+  }
+  EXPECT_EQ(offered("bal", 1), "balance\n");
+  EXPECT_EQ(offered("balance --c", 2), "--csv\n");
+  EXPECT_EQ(offered("api Currencyx", 2), "Currencyx\n");
+}
+
+}  // namespace
+}  // namespace qdclgl::cli::testing
