@@ -1,4 +1,4 @@
-// The lists: accounts, currencies, voucher groups, vouchers, and the audit trail.
+// The lists: accounts, currencies, voucher groups, vouchers, users, and the audit trail.
 #include "accounts/account_set.h"
 #include "accounts/currency.h"
 #include "cli/program.h"
@@ -19,11 +19,18 @@ Ref<Recordset> Fetch(const std::string&, const std::string& filter, const std::s
   return set->RecordSet();
 }
 
+// The rows of a list that the server alone has.
+Ref<Recordset> FetchFrom(const char* component, const std::string& props,
+                         const std::string& filter, const std::string& sort) {
+  return CreateObject(component)->Call("GetList", props, filter, sort).As<Recordset>();
+}
 Ref<Recordset> FetchAudit(const std::string& props, const std::string& filter,
                           const std::string& sort) {
-  return CreateObject("QDSVGLAudit.AuditInfo")
-      ->Call("GetList", props, filter, sort)
-      .As<Recordset>();
+  return FetchFrom("QDSVGLAudit.AuditInfo", props, filter, sort);
+}
+Ref<Recordset> FetchUsers(const std::string& props, const std::string& filter,
+                          const std::string& sort) {
+  return FetchFrom("QDSVGLUser.UserInfo", props, filter, sort);
 }
 
 constexpr std::string_view kAccountColumns[] = {"FAccountID", "FNumber", "FName", "FDC", "FDetail"};
@@ -33,6 +40,7 @@ constexpr std::string_view kGroupColumns[] = {"FGroupID", "FName"};
 constexpr std::string_view kVoucherColumns[] = {
     "FVoucherID",  "FDate",    "FGroup",    "FNumber",  "FReference", "FExplanation",
     "FDebitTotal", "FChecked", "FApprover", "FCashier", "FPosted"};
+constexpr std::string_view kUserColumns[] = {"FUserID", "FName", "FRoles", "FDisabled"};
 constexpr std::string_view kAuditColumns[] = {"FTime",   "FUserName", "FSubject", "FRecordID",
                                               "FRecord", "FAction",   "FChanges"};
 
@@ -49,6 +57,7 @@ constexpr List kLists[] = {
     {"currencies", "Lists the currencies", kCurrencyColumns, Fetch<CurrencySet>},
     {"groups", "Lists the voucher groups", kGroupColumns, Fetch<VoucherGroupSet>},
     {"vouchers", "Lists the vouchers", kVoucherColumns, Fetch<VoucherSet>},
+    {"users", "Lists the users of the books", kUserColumns, FetchUsers},
     {"audit", "Tells who did what, and when", kAuditColumns, FetchAudit},
 };
 

@@ -64,6 +64,7 @@ Program::Program(const Console& console)
   AddListCommands(*this);
   AddVoucherCommands(*this);
   AddBalanceCommand(*this);
+  AddUserCommand(*this);
   AddApiCommand(*this);
 }
 
@@ -97,12 +98,14 @@ CLI::App* Program::AddForVouchers(const std::string& name, const std::string& he
     const auto is_digit = [](char c) { return c >= '0' && c <= '9'; };
     if (!login.book.empty() && std::ranges::all_of(login.book, is_digit)) {
       words->insert(words->begin(), login.book);
-      login.book = FromEnvironment(kBookVariable);
+      login.book = BookFromEnvironment();
     }
     for (const std::string& word : *words) ids.push_back(WholeOption("ID", word));
   });
   return command;
 }
+
+std::string BookFromEnvironment() { return FromEnvironment(kBookVariable); }
 
 int Program::RunChosen() { return chosen_(); }
 

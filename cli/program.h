@@ -57,6 +57,9 @@ class Program {
   std::function<int()> chosen_;
 };
 
+// The books that QDCLGL_BOOK names, "" for none.
+std::string BookFromEnvironment();
+
 // --csv and --json.
 void AddFormat(CLI::App& command, Format& format);
 // An option with a whole number.
@@ -66,9 +69,10 @@ CLI::Option* AddWhole(CLI::App& command, const std::string& name, Long& value,
 // The families of commands, each in the file of that name.
 void AddBooksCommands(Program& program);    // init, upgrade, close, reopen, doctor
 void AddImportCommand(Program& program);    // import
-void AddListCommands(Program& program);     // accounts, currencies, groups, vouchers, audit
+void AddListCommands(Program& program);     // accounts, currencies, groups, vouchers, users, audit
 void AddVoucherCommands(Program& program);  // voucher, and the steps from check to remove
 void AddBalanceCommand(Program& program);   // balance
+void AddUserCommand(Program& program);      // user
 void AddApiCommand(Program& program);       // api
 
 }  // namespace qdclgl::cli

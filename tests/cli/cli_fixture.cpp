@@ -10,6 +10,7 @@
 #include <sstream>
 
 #include "cli/program.h"
+#include "server/login.h"
 
 namespace qdclgl::cli::testing {
 
@@ -76,6 +77,8 @@ std::string Folder::Write(const std::string& name, const std::string& text) cons
 }
 
 CliTest::CliTest() : book(server::testing::NewConnectionText(GetParam())) {
+  // Books made in this process cost little to log in to, for the built program as well.
+  server::SetPasswordCost(server::PasswordCost::kLeast);
   setenv("QDCLGL_REGISTRY", folder.Path("registry").c_str(), 1);
 }
 

@@ -14,7 +14,7 @@
 namespace qdclgl::cli::testing {
 namespace {
 
-constexpr int kVouchers = 6000;
+constexpr int kVouchers = 3000;
 
 std::string Journal() {
   std::string text = "voucher,date,group,account,debit,credit\n";
@@ -51,9 +51,9 @@ TEST_P(Kill, AKilledImportContinuesAndEndsInTheSameBooks) {
   std::mt19937 random(qdclgl::testing::RandomSeed());
   int killed_on_the_way = 0;
   // The moments come later and later, so that a slow machine too gets to store something.
-  for (unsigned latest = 300; killed_on_the_way < 4 && latest < 20000; latest += latest / 4) {
+  for (unsigned latest = 100; killed_on_the_way < 4 && latest < 20000; latest += latest / 4) {
     const pid_t child = Start(resume, folder.Path("out"), folder.Path("err"));
-    std::this_thread::sleep_for(std::chrono::milliseconds(100 + random() % latest));
+    std::this_thread::sleep_for(std::chrono::milliseconds(20 + random() % latest));
     kill(child, SIGKILL);
     int status = 0;
     waitpid(child, &status, 0);
@@ -75,7 +75,7 @@ TEST_P(Kill, AKilledImportContinuesAndEndsInTheSameBooks) {
             0);
   EXPECT_TRUE(VouchersOf(book) == VouchersOf(other));
   for (const std::string& books : {book, other}) {
-    EXPECT_EQ(RunInProcess({"post", books, "--all"}).out, "6000 vouchers posted.\n");
+    EXPECT_EQ(RunInProcess({"post", books, "--all"}).out, std::to_string(kVouchers) + " vouchers posted.\n");
   }
   EXPECT_EQ(RunInProcess({"balance", book, "--csv"}).out,
             RunInProcess({"balance", other, "--csv"}).out);

@@ -62,6 +62,26 @@ TEST(Program, BooksThatAreNotThereAreFive) {
   EXPECT_EQ(RunProgram({"vouchers", "Provider=Abacus;"}).code, 5);
 }
 
+TEST(Program, UsersAreMadeChangedAndRemoved) {
+  const Folder folder;
+  const std::string book = folder.Path("books.db");
+  ASSERT_EQ(RunProgram({"init", book, "--year", "2024"}).code, 0);
+  EXPECT_EQ(RunProgram({"user", book, "o'hara", "--roles", "checker"}).out,
+            "User o'hara is made.\n");
+  EXPECT_EQ(RunProgram({"users", book, "--csv", "--user", "o'hara"}).out,
+            "FUserID,FVersion,FName,FRoles,FDisabled\n1,1,administrator,administrator,false\n"
+            "2,1,o'hara,checker,false\n");
+  EXPECT_EQ(RunProgram({"user", book, "x", "--user", "o'hara"}).code, 1) << "not an administrator";
+  EXPECT_EQ(RunProgram({"user", book, "o'hara", "--disable"}).code, 0);
+  EXPECT_EQ(RunProgram({"users", book, "--user", "o'hara"}).code, 5);
+  EXPECT_EQ(RunProgram({"user", book, "o'hara", "--enable", "--roles", "reader, poster"}).code, 0);
+  EXPECT_EQ(RunProgram({"user", book, "o'hara", "--set-password"}).code, 2) << "no password";
+  EXPECT_EQ(RunProgram({"user", book, "o'hara", "--remove"}).out, "User o'hara is removed.\n");
+  EXPECT_EQ(RunProgram({"user", book, "o'hara", "--remove"}).code, 1);
+  EXPECT_EQ(RunProgram({"user", book}).code, 2);
+  EXPECT_EQ(RunProgram({"user", book, "y", "--remove", "--disable"}).code, 2);
+}
+
 TEST(Program, BooksMayBeCalledAsACommandIs) {
   const Folder folder;
   EXPECT_EQ(RunProgram({"init", folder.Path("check"), "--year", "2024"}).code, 0);
