@@ -7,6 +7,7 @@
 #include <ocidl.h>  // IProvideClassInfo
 // clang-format on
 
+#include <atomic>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -96,6 +97,36 @@ class OwnedText {
 
  private:
   BSTR content_ = nullptr;
+};
+
+// An object that has one interface besides IUnknown. It may be held from any thread.
+template <class Interface, const IID& kId>
+class OneInterface : public Interface {
+ public:
+  OneInterface() = default;
+  OneInterface(const OneInterface&) = delete;
+  OneInterface& operator=(const OneInterface&) = delete;
+
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) final {
+    if (object == nullptr) return E_POINTER;
+    *object = nullptr;
+    if (iid != IID_IUnknown && iid != kId) return E_NOINTERFACE;
+    *object = static_cast<Interface*>(this);
+    AddRef();
+    return S_OK;
+  }
+  ULONG STDMETHODCALLTYPE AddRef() final { return ++references_; }
+  ULONG STDMETHODCALLTYPE Release() final {
+    const ULONG left = --references_;
+    if (left == 0) delete this;
+    return left;
+  }
+
+ protected:
+  virtual ~OneInterface() = default;
+
+ private:
+  std::atomic<ULONG> references_ = 0;
 };
 
 }  // namespace qdclgl::automation

@@ -8,25 +8,10 @@ namespace qdclgl::automation {
 
 namespace {
 
-class Enumeration final : public IEnumVARIANT, private Counted {
+class Enumeration final : public OneInterface<IEnumVARIANT, IID_IEnumVARIANT>, private Counted {
  public:
   Enumeration(Ref<Enumerator> enumerator, Ref<Object> owner, const Member& member)
       : enumerator_(std::move(enumerator)), owner_(std::move(owner)), member_(member) {}
-
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-    if (object == nullptr) return E_POINTER;
-    *object = nullptr;
-    if (iid != IID_IUnknown && iid != IID_IEnumVARIANT) return E_NOINTERFACE;
-    *object = static_cast<IEnumVARIANT*>(this);
-    AddRef();
-    return S_OK;
-  }
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-  ULONG STDMETHODCALLTYPE Release() override {
-    const ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
-  }
 
   HRESULT STDMETHODCALLTYPE Next(ULONG count, VARIANT* items, ULONG* fetched) override {
     if (fetched != nullptr) *fetched = 0;
@@ -70,15 +55,12 @@ class Enumeration final : public IEnumVARIANT, private Counted {
   }
 
  private:
-  ~Enumeration() = default;
-
   bool Advance(ULONG count) {
     constexpr ULONG kMost = 0x7FFFFFFF;
     position_ += count;
     return enumerator_->Skip(static_cast<Long>(count < kMost ? count : kMost));
   }
 
-  ULONG references_ = 0;
   Ref<Enumerator> enumerator_;
   Ref<Object> owner_;
   const Member& member_;

@@ -17,25 +17,9 @@ namespace {
 
 std::atomic<long> uses = 0;
 
-class Factory final : public IClassFactory, private Counted {
+class Factory final : public OneInterface<IClassFactory, IID_IClassFactory>, private Counted {
  public:
   explicit Factory(const ServedClass& served) : served_(served) {}
-
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-    if (object == nullptr) return E_POINTER;
-    *object = nullptr;
-    if (iid != IID_IUnknown && iid != IID_IClassFactory) return E_NOINTERFACE;
-    *object = static_cast<IClassFactory*>(this);
-    AddRef();
-    return S_OK;
-  }
-  // A factory may be used from any thread.
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-  ULONG STDMETHODCALLTYPE Release() override {
-    const ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
-  }
 
   HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID iid, void** object) override {
     if (object == nullptr) return E_POINTER;
@@ -57,9 +41,6 @@ class Factory final : public IClassFactory, private Counted {
   }
 
  private:
-  ~Factory() = default;
-
-  std::atomic<ULONG> references_ = 0;
   const ServedClass& served_;
 };
 

@@ -259,7 +259,7 @@ struct Received {
 };
 
 // An object that offers some names, keeps a log of its calls and answers them.
-class Peer final : public IDispatch {
+class Peer final : public OneInterface<IDispatch, IID_IDispatch> {
  public:
   using Answer = std::function<HRESULT(const Received&)>;
 
@@ -275,19 +275,6 @@ class Peer final : public IDispatch {
   static inline const std::vector<std::wstring> kParameters = {L"Name", L"nYear", L"Period",
                                                                L"Group", L"Number"};
 
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-    *object = nullptr;
-    if (iid != IID_IUnknown && iid != IID_IDispatch) return E_NOINTERFACE;
-    *object = this;
-    AddRef();
-    return S_OK;
-  }
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-  ULONG STDMETHODCALLTYPE Release() override {
-    const ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
-  }
   HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
     *count = 0;
     return S_OK;
@@ -322,8 +309,6 @@ class Peer final : public IDispatch {
   }
 
  private:
-  ~Peer() = default;
-
   static DISPID Place(const std::vector<std::wstring>& names, const wchar_t* name, DISPID first) {
     for (std::size_t i = 0; i < names.size(); ++i) {
       if (_wcsicmp(names[i].c_str(), name) == 0) return first + static_cast<DISPID>(i);
@@ -331,7 +316,6 @@ class Peer final : public IDispatch {
     return kNoSuchId;
   }
 
-  ULONG references_ = 0;
   std::vector<std::wstring> names_;
   std::vector<Answer> answers_;
 };
@@ -362,30 +346,15 @@ class Impersonated {
   Impersonated& operator=(const Impersonated&) = delete;
 
  private:
-  class Factory final : public IClassFactory {
+  class Factory final : public OneInterface<IClassFactory, IID_IClassFactory> {
    public:
     explicit Factory(Com<IDispatch> object) : object_(std::move(object)) {}
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-      *object = nullptr;
-      if (iid != IID_IUnknown && iid != IID_IClassFactory) return E_NOINTERFACE;
-      *object = this;
-      AddRef();
-      return S_OK;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-    ULONG STDMETHODCALLTYPE Release() override {
-      const ULONG left = --references_;
-      if (left == 0) delete this;
-      return left;
-    }
     HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown*, REFIID iid, void** object) override {
       return object_->QueryInterface(iid, object);
     }
     HRESULT STDMETHODCALLTYPE LockServer(BOOL) override { return S_OK; }
 
    private:
-    ~Factory() = default;
-    ULONG references_ = 0;
     Com<IDispatch> object_;
   };
 
