@@ -73,7 +73,7 @@ TEST_P(Workflow, BalancesEqualTheLinesAfterEveryStep) {
     ASSERT_EQ(BalanceText(), RecomputedText()) << "after step " << step << ": " << outcome;
     ASSERT_EQ(BalanceText(2024, 2, 3), RecomputedText(2024, 2, 3)) << "after step " << step;
   }
-  EXPECT_GT(done, 60);
+  EXPECT_GT(done, 20) << "closings left something to do";
   EXPECT_EQ(Breaches(), "");
 }
 
