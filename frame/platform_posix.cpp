@@ -475,7 +475,7 @@ class PosixPlatform final : public Platform {
 
   std::optional<std::string> AddressText(std::size_t buffer_size) override {
     // Asked at every save: these calls cost a tenth of what getifaddrs takes, which reads far more.
-    const FileDescriptor socket(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
+    static const FileDescriptor socket(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
     if (!socket.is_open()) return std::nullopt;
     std::optional<std::string> address = FirstAddress(socket.get());
     return address ? FitWithNul(*std::move(address), buffer_size) : std::nullopt;

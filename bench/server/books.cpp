@@ -12,9 +12,9 @@ namespace {
 
 constexpr int kAccounts = 200;
 
-Ref<Voucher> NewVoucher(VoucherSet& vouchers, int number) {
+Ref<Voucher> NewVoucher(VoucherSet& vouchers, int number, Date date) {
   Ref<Voucher> voucher = vouchers.CreateNew();
-  voucher->VoucherDate(Date::FromYmd(2024, 1 + number % 12, 1 + number % 28));
+  voucher->VoucherDate(date);
   voucher->GroupID(1);
   voucher->FootNote(" ");
   const auto entries = voucher->Entries();
@@ -55,7 +55,9 @@ void MakeBooks(const std::string& connection) {
 
 void SaveVouchers(int count) {
   auto vouchers = Make<VoucherSet>();
-  for (int i = 0; i < count; ++i) NewVoucher(*vouchers, i)->SaveChanges();
+  // The day that the plain client's rows are of.
+  const Date date = Date::FromYmd(2024, 1, 15);
+  for (int i = 0; i < count; ++i) NewVoucher(*vouchers, i, date)->SaveChanges();
 }
 
 void SaveVouchersInBatches(int count) {
@@ -63,7 +65,9 @@ void SaveVouchersInBatches(int count) {
   auto vouchers = Make<VoucherSet>();
   for (int i = 0; i < count; i += kBatch) {
     Batch()->Call("Begin", GetPropsString());
-    for (int k = i; k < std::min(count, i + kBatch); ++k) NewVoucher(*vouchers, k)->SaveChanges1();
+    for (int k = i; k < std::min(count, i + kBatch); ++k) {
+      NewVoucher(*vouchers, k, Date::FromYmd(2024, 1 + k % 12, 1 + k % 28))->SaveChanges1();
+    }
     Batch()->Call("Commit", GetPropsString());
   }
 }
