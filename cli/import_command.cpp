@@ -80,11 +80,10 @@ class JournalImport {
   std::unordered_set<std::string> KnownOf(const std::vector<JournalVoucher>& vouchers) {
     std::string filter;
     for (const JournalVoucher& voucher : vouchers) {
-      filter += filter.empty() ? "FReference IN ('" : "', '";
-      for (const char c : voucher.key) filter.append(c == '\'' ? 2 : 1, c);
+      filter += (filter.empty() ? "FReference IN (" : ", ") + FilterText(voucher.key);
     }
     const auto set = Make<VoucherSet>();
-    set->Filter(filter + "')");
+    set->Filter(filter + ")");
     set->Refresh();
     const Ref<Recordset> rows = set->RecordSet();
     const Long reference_at = rows->FieldPosition("FReference");

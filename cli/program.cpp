@@ -107,6 +107,12 @@ CLI::App* Program::AddForVouchers(const std::string& name, const std::string& he
 
 std::string BookFromEnvironment() { return FromEnvironment(kBookVariable); }
 
+std::string FilterText(std::string_view text) {
+  std::string quoted = "'";
+  for (const char c : text) quoted.append(c == '\'' ? 2 : 1, c);
+  return quoted + "'";
+}
+
 int Program::RunChosen() { return chosen_(); }
 
 void AddFormat(CLI::App& command, Format& format) {

@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "cli/console.h"
@@ -59,6 +60,9 @@ class Program {
 
 // The books that QDCLGL_BOOK names, "" for none.
 std::string BookFromEnvironment();
+
+// A text as a filter holds it: in quotes, a quote inside doubled.
+std::string FilterText(std::string_view text);
 
 // --csv and --json.
 void AddFormat(CLI::App& command, Format& format);

@@ -26,10 +26,9 @@ struct UserOptions {
 
 // The user's row, Nothing when the books have no such user.
 Ref<Dictionary> Find(const std::string& props, const std::string& name) {
-  std::string filter = "FName = '";
-  for (const char c : name) filter.append(c == '\'' ? 2 : 1, c);
-  const auto users =
-      CreateObject("QDSVGLUser.UserInfo")->Call("GetList", props, filter + "'").As<Recordset>();
+  const auto users = CreateObject("QDSVGLUser.UserInfo")
+                         ->Call("GetList", props, "FName = " + FilterText(name))
+                         .As<Recordset>();
   return users->Eof() ? nullptr : RowToDictionary(users);
 }
 

@@ -167,7 +167,6 @@ class Database {
   void BeginBatch();
   void CommitBatch();
   void RollBackBatch();
-  bool InBatch() const { return in_batch_; }
 
   // Called with the text of each statement before it runs; a test makes it raise. Null: nothing.
   static void SetStatementHook(std::function<void(std::string_view sql)> hook);

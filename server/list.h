@@ -10,6 +10,9 @@
 
 namespace qdclgl::server {
 
+// Lists hold what is marked deleted only with this bit of ListOptions.
+inline constexpr Long kWithDeleted = 1;
+
 // What a list is made of. The columns are those of the recordset, and those that filter and sort
 // may name.
 struct ListSource {

@@ -4,7 +4,6 @@
 
 #include "frame/text.h"
 #include "server/audit.h"
-#include "server/list.h"
 #include "server/refusals.h"
 
 namespace qdclgl::server {

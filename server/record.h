@@ -9,6 +9,7 @@
 #include "frame/dictionary.h"
 #include "frame/recordset.h"
 #include "server/columns.h"
+#include "server/list.h"
 #include "server/login.h"
 
 namespace qdclgl::server {
@@ -25,9 +26,6 @@ struct RecordColumn {
   Variant absent = {};                          // Empty: the zero of the type
   std::string (*shown)(const Variant&) = CStr;  // as the audit trail tells a value
 };
-
-// Lists hold records that are marked deleted only with this bit of ListOptions.
-inline constexpr Long kWithDeleted = 1;
 
 class RecordTable {
  public:

@@ -167,7 +167,6 @@ Ref<Dictionary> VoucherInfo::GetDetailByNumber(std::string_view PropsString, Lon
 Ref<Recordset> VoucherInfo::GetList(std::string_view PropsString, Long& ListOptions,
                                     String& Filter, String& Sort) {
   const Caller caller = Enter(PropsString, Role::kReader, "list vouchers");
-  constexpr Long kWithDeleted = 1;
   return FetchList(caller.db,
                    (ListOptions & kWithDeleted) != 0 ? kVoucherListWithDeleted : kVoucherList,
                    Filter, Sort);
