@@ -3,7 +3,7 @@
 
 #include "bench/sample.h"
 #include "bench/work.h"
-#include "frame/class_table.h"
+#include "qdclgl/frame/objects/class_table.h"
 
 namespace bench {
 
@@ -12,20 +12,20 @@ namespace {
 using namespace qdclgl;
 
 class Calculator final : public Object {
-  MEMBERS(Calculator, Object, Internal, "Methods of two numbers.")
+  QD_MEMBERS(Calculator, Object, Internal, "Methods of two numbers.")
 
  public:
-  METHOD(Long, Add, (Long left, Long right), "A sum.")
-  METHOD(Long, Subtract, (Long left, Long right), "A difference.")
-  METHOD(Long, Larger, (Long left, Long right), "The larger number.")
-  METHOD(Long, Smaller, (Long left, Long right), "The smaller number.")
-  METHOD(Long, ExistenceCheck, (Long left, Long right), "Whether the numbers are equal.")
-  METHOD(Long, GetDetail, (Long left, Long right), "The first number.")
-  METHOD(Long, GetList, (Long left, Long right), "The second number.")
-  METHOD(Long, Refresh, (Long left, Long right), "0.")
+  QD_METHOD(Long, Add, (Long left, Long right), "A sum.")
+  QD_METHOD(Long, Subtract, (Long left, Long right), "A difference.")
+  QD_METHOD(Long, Larger, (Long left, Long right), "The larger number.")
+  QD_METHOD(Long, Smaller, (Long left, Long right), "The smaller number.")
+  QD_METHOD(Long, ExistenceCheck, (Long left, Long right), "Whether the numbers are equal.")
+  QD_METHOD(Long, GetDetail, (Long left, Long right), "The first number.")
+  QD_METHOD(Long, GetList, (Long left, Long right), "The second number.")
+  QD_METHOD(Long, Refresh, (Long left, Long right), "0.")
 };
 
-DEFINE_MEMBERS(Calculator)
+QD_DEFINE_MEMBERS(Calculator)
 
 Long Calculator::Add(Long left, Long right) { return left + right; }
 Long Calculator::Subtract(Long left, Long right) { return left - right; }

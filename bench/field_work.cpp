@@ -4,8 +4,8 @@
 
 #include "bench/sample.h"
 #include "bench/work.h"
-#include "frame/class_table.h"
-#include "frame/row_view.h"
+#include "qdclgl/frame/entities/row_view.h"
+#include "qdclgl/frame/objects/class_table.h"
 
 namespace bench {
 
@@ -15,13 +15,13 @@ using namespace qdclgl;
 
 // A class whose data is a header, as the library declares its own.
 class Header final : public RowView {
-  MEMBERS(Header, RowView, Internal, "A header of 25 keys.")
+  QD_MEMBERS(Header, RowView, Internal, "A header of 25 keys.")
 
  public:
-  FIELD(GetLet, Long, Number, "FNumber", "A number.")
-  FIELD(GetLet, Long, PreparerID, "FPreparerID", "A number.")
-  FIELD(GetLet, Long, SerialNum, "FSerialNum", "A number.")
-  FIELD(GetLet, Long, VoucherID, "FVoucherID", "A number.")
+  QD_FIELD(GetLet, Long, Number, "FNumber", "A number.")
+  QD_FIELD(GetLet, Long, PreparerID, "FPreparerID", "A number.")
+  QD_FIELD(GetLet, Long, SerialNum, "FSerialNum", "A number.")
+  QD_FIELD(GetLet, Long, VoucherID, "FVoucherID", "A number.")
 
   explicit Header(const Ref<Dictionary>& row) {
     m_Props = Make<qdclgl::Properties>();
@@ -29,7 +29,7 @@ class Header final : public RowView {
   }
 };
 
-DEFINE_MEMBERS(Header)
+QD_DEFINE_MEMBERS(Header)
 
 // The peer's accessors. The key of a typed one is made once; every write sets the row's flag.
 struct TheirRow {

@@ -78,7 +78,9 @@ void PrintRow(const Work& work, const Collector& collector) {
   const double ratio = Median(ratios);
   std::printf("| %-42s | %12.1f | %12.1f | %6.3f | %.3f-%.3f | %4.2f | %-6s |\n", work.name.c_str(),
               Median(ours), Median(theirs), ratio, *lowest, *highest, work.goal,
-              work.goal == kNoGoal ? "-" : ratio <= work.goal ? "ok" : "missed");
+              work.goal == kNoGoal ? "-"
+              : ratio <= work.goal ? "ok"
+                                   : "missed");
 }
 
 int Main(int argc, char** argv) {

@@ -1,7 +1,7 @@
 // The rows of a list made into rows of one's own.
 #include "bench/sample.h"
 #include "bench/work.h"
-#include "frame/recordset.h"
+#include "qdclgl/frame/containers/recordset.h"
 
 namespace bench {
 

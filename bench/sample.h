@@ -9,8 +9,8 @@
 #include <variant>
 #include <vector>
 
-#include "frame/dictionary.h"
-#include "frame/vector.h"
+#include "qdclgl/frame/containers/dictionary.h"
+#include "qdclgl/frame/containers/vector.h"
 
 namespace bench {
 

@@ -1,8 +1,8 @@
 // Whole documents: copied and dropped, and walked line by line.
 #include "bench/sample.h"
 #include "bench/work.h"
-#include "frame/conversions.h"
-#include "frame/deep_copy.h"
+#include "qdclgl/frame/containers/deep_copy.h"
+#include "qdclgl/frame/objects/conversions.h"
 
 namespace bench {
 

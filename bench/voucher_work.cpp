@@ -2,8 +2,8 @@
 // and back.
 #include "bench/sample.h"
 #include "bench/work.h"
-#include "frame/deep_copy.h"
-#include "vouchers/voucher_set.h"
+#include "qdclgl/frame/containers/deep_copy.h"
+#include "qdclgl/vouchers/voucher_set.h"
 
 namespace bench {
 
@@ -37,9 +37,7 @@ Ref<Voucher> OurVoucher(std::int32_t lines) {
 const std::string kEntries = "_Entries", kAmount = "FAmount", kSide = "FDC",
                   kAccount = "FAccountID";
 
-PeerList& LinesOf(PeerRow& document) {
-  return std::get<PeerList>(document.find(kEntries)->second);
-}
+PeerList& LinesOf(PeerRow& document) { return std::get<PeerList>(document.find(kEntries)->second); }
 
 Work DebitTotal(const std::string& name, std::int32_t lines, int iterations) {
   return {"DebitTotal of " + name,
@@ -122,9 +120,12 @@ Work OpenEditSave(std::int32_t lines, int iterations) {
 
 std::vector<Work> VoucherWorks() {
   return {
-      DebitTotal("10 lines", 10, 20000),     DebitTotal("1,000 lines", 1000, 500),
-      DebitTotal("30,000 lines", 30000, 8),  WalkLines("10 lines", 10, 20000),
-      WalkLines("1,000 lines", 1000, 300),   WalkLines("30,000 lines", 30000, 8),
+      DebitTotal("10 lines", 10, 20000),
+      DebitTotal("1,000 lines", 1000, 500),
+      DebitTotal("30,000 lines", 30000, 8),
+      WalkLines("10 lines", 10, 20000),
+      WalkLines("1,000 lines", 1000, 300),
+      WalkLines("30,000 lines", 30000, 8),
       OpenEditSave(1000, 20),
   };
 }

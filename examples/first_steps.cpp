@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <map>
 
-#include "api/qdclgl.h"
+#include "qdclgl/qdclgl.h"
 
 namespace {
 
@@ -55,8 +55,8 @@ void Print(VoucherGroupSet& groups) {
 }  // namespace
 
 int main() {
-  for (const char* component : {"QDSVGLVoucherGroup.VoucherGroupInfo",
-                                "QDSVGLVoucherGroup.VoucherGroupUpdate"}) {
+  for (const char* component :
+       {"QDSVGLVoucherGroup.VoucherGroupInfo", "QDSVGLVoucherGroup.VoucherGroupUpdate"}) {
     RegisterComponent(component, [] { return Ref<Object>(Make<GroupStore>()); });
   }
 

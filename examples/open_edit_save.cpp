@@ -2,8 +2,8 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "api/qdclgl.h"
-#include "server/server.h"
+#include "qdclgl/qdclgl.h"
+#include "qdclgl/server/server.h"
 
 using namespace qdclgl;
 

@@ -1,8 +1,8 @@
 #include "bench/server/books.h"
 
-#include "api/qdclgl.h"
-#include "frame/session.h"
-#include "server/server.h"
+#include "qdclgl/frame/session/session.h"
+#include "qdclgl/qdclgl.h"
+#include "qdclgl/server/server.h"
 
 namespace bench {
 
@@ -12,7 +12,7 @@ namespace {
 
 constexpr int kAccounts = 200;
 
-Ref<Voucher> NewVoucher(VoucherSet& vouchers, int number, Date date) {
+Ref<Voucher> NewVoucher(VoucherSet& vouchers, int number, DateTime date) {
   Ref<Voucher> voucher = vouchers.CreateNew();
   voucher->VoucherDate(date);
   voucher->GroupID(1);
@@ -56,7 +56,7 @@ void MakeBooks(const std::string& connection) {
 void SaveVouchers(int count) {
   auto vouchers = Make<VoucherSet>();
   // The day that the plain client's rows are of.
-  const Date date = Date::FromYmd(2024, 1, 15);
+  const DateTime date = DateTime::FromYmd(2024, 1, 15);
   for (int i = 0; i < count; ++i) NewVoucher(*vouchers, i, date)->SaveChanges();
 }
 
@@ -66,7 +66,7 @@ void SaveVouchersInBatches(int count) {
   for (int i = 0; i < count; i += kBatch) {
     Batch()->Call("Begin", GetPropsString());
     for (int k = i; k < std::min(count, i + kBatch); ++k) {
-      NewVoucher(*vouchers, k, Date::FromYmd(2024, 1 + k % 12, 1 + k % 28))->SaveChanges1();
+      NewVoucher(*vouchers, k, DateTime::FromYmd(2024, 1 + k % 12, 1 + k % 28))->SaveChanges1();
     }
     Batch()->Call("Commit", GetPropsString());
   }

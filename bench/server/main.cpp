@@ -19,14 +19,14 @@
 #include <vector>
 
 #include "bench/server/books.h"
-#include "frame/late_bound.h"
-#include "frame/recordset.h"
-#include "frame/server_gateway.h"
-#include "frame/session.h"
-#include "frame/startup.h"
-#include "server/connection_text.h"
-#include "server/database.h"
-#include "server/server.h"
+#include "qdclgl/frame/containers/recordset.h"
+#include "qdclgl/frame/objects/late_bound.h"
+#include "qdclgl/frame/session/server_gateway.h"
+#include "qdclgl/frame/session/session.h"
+#include "qdclgl/frame/session/startup.h"
+#include "qdclgl/server/db/connection_text.h"
+#include "qdclgl/server/db/database.h"
+#include "qdclgl/server/server.h"
 
 namespace {
 
@@ -104,9 +104,10 @@ void CompareSQLite(const std::filesystem::path& folder) {
     bench::MakeBooks(connection);
     const auto raw = bench::RawSQLite(theirs, full);
     constexpr int kVouchers = 500;
-    Compare(full ? "SQLite, full durability: save a voucher" : "SQLite, normal: save a voucher", 9,
-            full ? 0.8 : 0.5, [] { bench::SaveVouchers(kVouchers); },
-            [&] { raw->SaveVouchers(kVouchers); }, kVouchers);
+    Compare(
+        full ? "SQLite, full durability: save a voucher" : "SQLite, normal: save a voucher", 9,
+        full ? 0.8 : 0.5, [] { bench::SaveVouchers(kVouchers); },
+        [&] { raw->SaveVouchers(kVouchers); }, kVouchers);
   }
 }
 
@@ -116,26 +117,26 @@ void ComparePostgreSQL(const char* text) {
   const std::string theirs = base.With(key::kSchema, "bench_theirs").ToText();
   bench::MakeBooks(theirs);
   bench::MakeBooks(ours);
-  const std::string options = "host=" + std::string(base[key::kHost]) +
-                              " port=" + std::string(base[key::kPort]) +
-                              " dbname=" + std::string(base[key::kCatalog]) +
-                              " user=" + std::string(base[key::kUser]);
+  const std::string options =
+      "host=" + std::string(base[key::kHost]) + " port=" + std::string(base[key::kPort]) +
+      " dbname=" + std::string(base[key::kCatalog]) + " user=" + std::string(base[key::kUser]);
   {
     const auto raw = bench::RawPostgreSQL(options, "bench_theirs");
     constexpr int kVouchers = 300;
-    Compare("PostgreSQL, one process: save a voucher", 9, 0.8,
-            [] { bench::SaveVouchers(kVouchers); }, [&] { raw->SaveVouchers(kVouchers); },
-            kVouchers);
+    Compare(
+        "PostgreSQL, one process: save a voucher", 9, 0.8, [] { bench::SaveVouchers(kVouchers); },
+        [&] { raw->SaveVouchers(kVouchers); }, kVouchers);
   }
   constexpr int kProcesses = 8, kEach = 100;
-  Compare("PostgreSQL, eight processes: save a voucher", 7, 0.8,
-          [] { InProcesses(kProcesses, [](int) { bench::SaveVouchers(kEach); }); },
-          [&] {
-            InProcesses(kProcesses, [&](int) {
-              bench::RawPostgreSQL(options, "bench_theirs")->SaveVouchers(kEach);
-            });
-          },
-          kProcesses * kEach);
+  Compare(
+      "PostgreSQL, eight processes: save a voucher", 7, 0.8,
+      [] { InProcesses(kProcesses, [](int) { bench::SaveVouchers(kEach); }); },
+      [&] {
+        InProcesses(kProcesses, [&](int) {
+          bench::RawPostgreSQL(options, "bench_theirs")->SaveVouchers(kEach);
+        });
+      },
+      kProcesses * kEach);
 }
 
 void CompareReading(const std::filesystem::path& folder, int vouchers) {
@@ -155,16 +156,18 @@ void CompareReading(const std::filesystem::path& folder, int vouchers) {
   std::printf("Trial balance of %d posted lines from stored balances: %.2f ms (goal 10).\n\n",
               vouchers * 4, Median(times) * 1e3);
 
-  Compare("SQLite: trial balance from the lines", 7, 1 / 1.3,
-          [&] { balances("GetListFromLines"); }, [&] { bench::SumLines(file); }, 1);
-  Compare("SQLite: list of all vouchers", 7, 1 / 2.0,
-          [&] {
-            Long options = 0;
-            String filter, sort;
-            CreateObject("QDSVGLVoucher.VoucherInfo")
-                ->Call("GetList", props, ByRef(options), ByRef(filter), ByRef(sort));
-          },
-          [&] { bench::StepThroughVouchers(file); }, vouchers);
+  Compare(
+      "SQLite: trial balance from the lines", 7, 1 / 1.3, [&] { balances("GetListFromLines"); },
+      [&] { bench::SumLines(file); }, 1);
+  Compare(
+      "SQLite: list of all vouchers", 7, 1 / 2.0,
+      [&] {
+        Long options = 0;
+        String filter, sort;
+        CreateObject("QDSVGLVoucher.VoucherInfo")
+            ->Call("GetList", props, ByRef(options), ByRef(filter), ByRef(sort));
+      },
+      [&] { bench::StepThroughVouchers(file); }, vouchers);
 }
 
 }  // namespace
@@ -174,8 +177,8 @@ int main(int count, char** arguments) {
   if (count > 1 && std::strncmp(arguments[1], "--vouchers=", 11) == 0) {
     vouchers = std::atoi(arguments[1] + 11);
   }
-  const auto folder = std::filesystem::temp_directory_path() /
-                      ("qdclgl-bench-" + std::to_string(getpid()));
+  const auto folder =
+      std::filesystem::temp_directory_path() / ("qdclgl-bench-" + std::to_string(getpid()));
   std::filesystem::create_directory(folder);
   try {
     SetApartmentStarted(true);

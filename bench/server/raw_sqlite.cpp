@@ -95,10 +95,10 @@ std::unique_ptr<RawWriter> RawSQLite(const std::string& file, bool full) {
 
 void StepThroughVouchers(const std::string& file) {
   Connection connection(file);
-  sqlite3_stmt* statement = connection.Prepare(
-      "SELECT v.*, g.FName AS FGroup FROM t_Voucher v JOIN t_VoucherGroup g"
-      " ON g.FGroupID = v.FGroupID WHERE v.FDeleted = 0"
-      " ORDER BY FDate, FYear, FPeriod, v.FGroupID, FNumber");
+  sqlite3_stmt* statement =
+      connection.Prepare("SELECT v.*, g.FName AS FGroup FROM t_Voucher v JOIN t_VoucherGroup g"
+                         " ON g.FGroupID = v.FGroupID WHERE v.FDeleted = 0"
+                         " ORDER BY FDate, FYear, FPeriod, v.FGroupID, FNumber");
   const int columns = sqlite3_column_count(statement);
   std::size_t total = 0;
   while (connection.Step(statement)) {

@@ -1,4 +1,4 @@
-#include "accounts/account_set.h"
+#include "qdclgl/accounts/account_set.h"
 
 #include <gtest/gtest.h>
 
@@ -59,7 +59,7 @@ Ref<Recordset> TwoItems() {
 }
 
 std::vector<Variant> KeysOfOtherKinds() {
-  return {Variant(), Null, Missing, true, Currency(5), Date(5), Nothing, Variant(Row({}))};
+  return {Variant(), Null, Missing, true, Currency(5), DateTime(5), Nothing, Variant(Row({}))};
 }
 
 class AccountSetTest : public ::testing::Test {
@@ -274,10 +274,9 @@ TEST_F(AccountSetTest, AWalkFetchesTheListOnceAndLeavesTheCursor) {
   server.Answer(kInfo, "GetList", Variant(ThreeAccounts()));
   std::string seen;
   for (auto& account : *accounts) seen += State(account) + "\n";
-  EXPECT_EQ(seen,
-            "id 1 {FAccountID: 1, FNumber: \"1001\"}\n"
-            "id 2 {FAccountID: 2, FNumber: \"1001.01\"}\n"
-            "id 3 {FAccountID: 3, FNumber: \"1002\"}\n");
+  EXPECT_EQ(seen, "id 1 {FAccountID: 1, FNumber: \"1001\"}\n"
+                  "id 2 {FAccountID: 2, FNumber: \"1001.01\"}\n"
+                  "id 3 {FAccountID: 3, FNumber: \"1002\"}\n");
   EXPECT_EQ(accounts->GetNext()->AccountID(), 1);
   seen.clear();
   for (auto& outer : *accounts) {
@@ -341,26 +340,24 @@ TEST_F(AccountSetTest, ExistenceCheckUsesTheFirstArgumentGivenAndNoOther) {
   EXPECT_EQ(accounts->ExistenceCheck(5, "1001"), 0);
   EXPECT_EQ(accounts->ExistenceCheck(Missing, "1001", "cash"), 0);
   EXPECT_EQ(accounts->ExistenceCheck(Variant(), "1001"), 0) << "an empty value is given";
-  EXPECT_EQ(server.TakeLog(),
-            "create QDSVGLAccount.AccountInfo\n"
-            "call ExistenceCheck(\"props\", ref Variant 5) -> 0\n"
-            "create QDSVGLAccount.AccountInfo\n"
-            "call ExistenceCheck(\"props\", ref Variant 5) -> 0\n"
-            "create QDSVGLAccount.AccountInfo\n"
-            "call ExistenceCheck(\"props\", ref Variant 5) -> 0\n"
-            "create QDSVGLAccount.AccountInfo\n"
-            "call ExistenceCheck(\"props\", Number:=ref Variant \"1001\") -> 0\n"
-            "create QDSVGLAccount.AccountInfo\n"
-            "call ExistenceCheck(\"props\", ref Variant Empty) -> 0\n");
+  EXPECT_EQ(server.TakeLog(), "create QDSVGLAccount.AccountInfo\n"
+                              "call ExistenceCheck(\"props\", ref Variant 5) -> 0\n"
+                              "create QDSVGLAccount.AccountInfo\n"
+                              "call ExistenceCheck(\"props\", ref Variant 5) -> 0\n"
+                              "create QDSVGLAccount.AccountInfo\n"
+                              "call ExistenceCheck(\"props\", ref Variant 5) -> 0\n"
+                              "create QDSVGLAccount.AccountInfo\n"
+                              "call ExistenceCheck(\"props\", Number:=ref Variant \"1001\") -> 0\n"
+                              "create QDSVGLAccount.AccountInfo\n"
+                              "call ExistenceCheck(\"props\", ref Variant Empty) -> 0\n");
 }
 
 TEST_F(AccountSetTest, ExistenceCheckWithoutArgumentsMakesTheComponentAndAnswersZero) {
   server.Answer(kInfo, "ExistenceCheck", Long{7});
   EXPECT_EQ(accounts->ExistenceCheck(), 0);
   EXPECT_EQ(StateText(accounts->Call("ExistenceCheck")), "0");
-  EXPECT_EQ(server.TakeLog(),
-            "create QDSVGLAccount.AccountInfo\n"
-            "create QDSVGLAccount.AccountInfo\n");
+  EXPECT_EQ(server.TakeLog(), "create QDSVGLAccount.AccountInfo\n"
+                              "create QDSVGLAccount.AccountInfo\n");
 }
 
 TEST_F(AccountSetTest, ExistenceCheckTakesNamedAndLeftOutArgumentsLateBound) {
@@ -390,9 +387,8 @@ TEST_F(AccountSetTest, ItemOfANumberReadsTheRowByItsIdAndThenItsItems) {
     server.Answer(kInfo, "GetDetail", Variant(Row({{"FAccountID", Long{5}}, {"FName", "x"}})));
     server.Answer(kItemInfo, "GetListByAccount", Variant(TwoItems()));
     const auto account = accounts->Item(key);
-    EXPECT_EQ(State(*account),
-              "id 5 {FAccountID: 5, FName: \"x\", _Items: [{FItemClassID: 21}, "
-              "{FItemClassID: 22}]}");
+    EXPECT_EQ(State(*account), "id 5 {FAccountID: 5, FName: \"x\", _Items: [{FItemClassID: 21}, "
+                               "{FItemClassID: 22}]}");
     EXPECT_FALSE(account->Modified());
     EXPECT_EQ(server.TakeLog(), std::string("create QDSVGLAccount.AccountInfo\n"
                                             "call GetDetail(\"props\", ") +
@@ -689,16 +685,15 @@ TEST_F(AccountSetTest, IsSubAcctThatFailsAtTheServerHasReplacedWhatItCameTo) {
       [](const Question& question) {
         return StateText(question.root) + " " + StateText(question.sub);
       });
-  EXPECT_EQ(outcomes,
-            "1 fails: 1 2\n"
-            "2 fails: 1 2\n"
-            "3 fails: 1 2\n"
-            "4 fails: 1 2\n"
-            "5 fails: \"1001\" 2\n"
-            "6 fails: \"1001\" 2\n"
-            "7 fails: \"1001\" 2\n"
-            "8 fails: \"1001\" 2\n"
-            "9 no error: \"1001\" \"1001.01\"\n");
+  EXPECT_EQ(outcomes, "1 fails: 1 2\n"
+                      "2 fails: 1 2\n"
+                      "3 fails: 1 2\n"
+                      "4 fails: 1 2\n"
+                      "5 fails: \"1001\" 2\n"
+                      "6 fails: \"1001\" 2\n"
+                      "7 fails: \"1001\" 2\n"
+                      "8 fails: \"1001\" 2\n"
+                      "9 no error: \"1001\" \"1001.01\"\n");
 }
 
 // ---- Remove ----
@@ -710,9 +705,8 @@ TEST_F(AccountSetTest, RemoveByIdDeletesWithStampsAndKeepsTheRowInTheList) {
   const Variant keys[] = {Long{5}, Integer{5}, Byte{5}, 5.4, Single{5}, CDec(Variant("5"))};
   for (const Variant& key : keys) {
     accounts->Remove(key);
-    EXPECT_EQ(server.TakeLog(),
-              "create QDSVGLAccount.AccountUpdate\n"
-              "call Delete(\"props\", ref 5, \"HOST\", \"10.0.0.1\")\n")
+    EXPECT_EQ(server.TakeLog(), "create QDSVGLAccount.AccountUpdate\n"
+                                "call Delete(\"props\", ref 5, \"HOST\", \"10.0.0.1\")\n")
         << StateText(key);
   }
   EXPECT_EQ(accounts->Count(), 3);
@@ -723,24 +717,22 @@ TEST_F(AccountSetTest, RemoveByTextLooksTheNumberUpFirst) {
   server.Answer(kInfo, "ExistenceCheck", Long{7});
   accounts->Remove("1001");
   accounts->Call("Remove", Named("Key", "1002"));
-  EXPECT_EQ(server.TakeLog(),
-            "create QDSVGLAccount.AccountInfo\n"
-            "call ExistenceCheck(\"props\", Number:=ref Variant \"1001\") -> 7\n"
-            "create QDSVGLAccount.AccountUpdate\n"
-            "call Delete(\"props\", ref 7, \"HOST\", \"10.0.0.1\")\n"
-            "create QDSVGLAccount.AccountInfo\n"
-            "call ExistenceCheck(\"props\", Number:=ref Variant \"1002\") -> 7\n"
-            "create QDSVGLAccount.AccountUpdate\n"
-            "call Delete(\"props\", ref 7, \"HOST\", \"10.0.0.1\")\n");
+  EXPECT_EQ(server.TakeLog(), "create QDSVGLAccount.AccountInfo\n"
+                              "call ExistenceCheck(\"props\", Number:=ref Variant \"1001\") -> 7\n"
+                              "create QDSVGLAccount.AccountUpdate\n"
+                              "call Delete(\"props\", ref 7, \"HOST\", \"10.0.0.1\")\n"
+                              "create QDSVGLAccount.AccountInfo\n"
+                              "call ExistenceCheck(\"props\", Number:=ref Variant \"1002\") -> 7\n"
+                              "create QDSVGLAccount.AccountUpdate\n"
+                              "call Delete(\"props\", ref 7, \"HOST\", \"10.0.0.1\")\n");
 }
 
 TEST_F(AccountSetTest, RemoveStampsEmptyTextsWhenTheMachineGivesNone) {
   server.platform().fail_computer_name = true;
   server.platform().fail_address_text = true;
   accounts->Remove(5);
-  EXPECT_EQ(server.TakeLog(),
-            "create QDSVGLAccount.AccountUpdate\n"
-            "call Delete(\"props\", ref 5, \"\", \"\")\n");
+  EXPECT_EQ(server.TakeLog(), "create QDSVGLAccount.AccountUpdate\n"
+                              "call Delete(\"props\", ref 5, \"\", \"\")\n");
 }
 
 TEST_F(AccountSetTest, RemoveOfAnUnknownNumberRaisesFiveAndDeletesNothing) {

@@ -1,4 +1,4 @@
-#include "accounts/account.h"
+#include "qdclgl/accounts/account.h"
 
 #include <gtest/gtest.h>
 
@@ -60,7 +60,8 @@ std::vector<Column<Account>> Columns() {
       COLUMN(Boolean, IsCashFlow, "FIsCashFlow"),
       COLUMN(Boolean, IsCash, "FIsCash"),
       COLUMN(Boolean, Journal, "FJournal"),
-      WithDefault(COLUMN(Date, LastIntDate, "FLastIntDate"), Date(0), Date::FromYmd(2026, 1, 31)),
+      WithDefault(COLUMN(DateTime, LastIntDate, "FLastIntDate"), DateTime(0),
+                  DateTime::FromYmd(2026, 1, 31)),
       READ_ONLY(Integer, Level, "FLevel"),
       CLEARED_COLUMN(Long, MeasureUnitID, "FMeasureUnitID"),
       COLUMN(String, Message, "FMessage"),
@@ -173,7 +174,7 @@ TEST_F(AccountTest, ACurrencyIdOfZeroIsStoredAndReadAsZero) {
 }
 
 TEST_F(AccountTest, LastIntDateWithoutAKeyIsTheDateZero) {
-  EXPECT_EQ(AccountOf(Nothing)->LastIntDate(), Date(0));
+  EXPECT_EQ(AccountOf(Nothing)->LastIntDate(), DateTime(0));
 }
 
 TEST_F(AccountTest, SixteenBitMembersRaiseOverflowForALargerStoredNumber) {
@@ -765,15 +766,14 @@ TEST_F(AccountTest, ACreateThatFailedIsTriedAgainAsACreate) {
   server.FailAt(2, Error(70));
   EXPECT_EQ(ErrorOf([&] { account->SaveChanges(); }), "error 70");
   account->SaveChanges();
-  EXPECT_EQ(server.TakeLog(),
-            "create QDSVGLAccount.AccountUpdate\n"
-            "call Create(\"props\", {FName: \"x\", MachineName: \"HOST\", "
-            "IPAddress: \"10.0.0.1\"}) -> error 70\n"
-            "create QDSVGLAccount.AccountUpdate\n"
-            "call Create(\"props\", {FName: \"x\", MachineName: \"HOST\", "
-            "IPAddress: \"10.0.0.1\"}) -> 8\n"
-            "create QDSVGLAccount.AccountInfo\n"
-            "call GetDetail(\"props\", ref 8) -> {FAccountID: 8}\n");
+  EXPECT_EQ(server.TakeLog(), "create QDSVGLAccount.AccountUpdate\n"
+                              "call Create(\"props\", {FName: \"x\", MachineName: \"HOST\", "
+                              "IPAddress: \"10.0.0.1\"}) -> error 70\n"
+                              "create QDSVGLAccount.AccountUpdate\n"
+                              "call Create(\"props\", {FName: \"x\", MachineName: \"HOST\", "
+                              "IPAddress: \"10.0.0.1\"}) -> 8\n"
+                              "create QDSVGLAccount.AccountInfo\n"
+                              "call GetDetail(\"props\", ref 8) -> {FAccountID: 8}\n");
   EXPECT_EQ(State(*account), "id 8 {FAccountID: 8}");
 }
 
@@ -786,12 +786,11 @@ TEST_F(AccountTest, ASaveWhoseReadingBackFailedIsTriedAgainAsAnUpdate) {
   EXPECT_EQ(ErrorOf([&] { account->SaveChanges(); }), "error 70");
   server.TakeLog();
   account->SaveChanges();
-  EXPECT_EQ(server.TakeLog(),
-            "create QDSVGLAccount.AccountUpdate\n"
-            "call Update(\"props\", ref 8, {FName: \"x\", MachineName: \"HOST\", "
-            "IPAddress: \"10.0.0.1\"})\n"
-            "create QDSVGLAccount.AccountInfo\n"
-            "call GetDetail(\"props\", ref 8) -> {FAccountID: 8}\n");
+  EXPECT_EQ(server.TakeLog(), "create QDSVGLAccount.AccountUpdate\n"
+                              "call Update(\"props\", ref 8, {FName: \"x\", MachineName: \"HOST\", "
+                              "IPAddress: \"10.0.0.1\"})\n"
+                              "create QDSVGLAccount.AccountInfo\n"
+                              "call GetDetail(\"props\", ref 8) -> {FAccountID: 8}\n");
   EXPECT_EQ(State(*account), "id 8 {FAccountID: 8}");
 }
 
@@ -842,18 +841,16 @@ TEST_F(AccountTest, CheckAccountInVoucherAsksByTheIdByReference) {
   server.Answer(kInfo, "CheckAccountInVoucher", true);
   const auto account = AccountOf(Row({{"FAccountID", Long{5}}}));
   EXPECT_TRUE(account->CheckAccountInVoucher());
-  EXPECT_EQ(server.TakeLog(),
-            "create QDSVGLAccount.AccountInfo\n"
-            "call CheckAccountInVoucher(\"props\", ref 5) -> True\n");
+  EXPECT_EQ(server.TakeLog(), "create QDSVGLAccount.AccountInfo\n"
+                              "call CheckAccountInVoucher(\"props\", ref 5) -> True\n");
 }
 
 TEST_F(AccountTest, ExistsSpecialChildAsksByTheIdByReference) {
   server.Answer(kInfo, "ExistsSpecialChild", true);
   const auto account = AccountOf(Row({{"FAccountID", Long{5}}}));
   EXPECT_TRUE(account->ExistsSpecialChild());
-  EXPECT_EQ(server.TakeLog(),
-            "create QDSVGLAccount.AccountInfo\n"
-            "call ExistsSpecialChild(\"props\", ref 5) -> True\n");
+  EXPECT_EQ(server.TakeLog(), "create QDSVGLAccount.AccountInfo\n"
+                              "call ExistsSpecialChild(\"props\", ref 5) -> True\n");
 }
 
 TEST_F(AccountTest, GetFullNameAsksWithASeparatorByReferenceThatIsAnUnderscoreUnlessGiven) {
@@ -903,10 +900,9 @@ TEST_F(AccountTest, AQuestionThatFailsPassesTheErrorAndChangesNothing) {
     account->Name("x");
     return account;
   };
-  const std::string kOutcomes =
-      "1 fails: id 5 {FAccountID: 5, FName: \"x\"} modified flagged\n"
-      "2 fails: id 5 {FAccountID: 5, FName: \"x\"} modified flagged\n"
-      "3 no error: id 5 {FAccountID: 5, FName: \"x\"} modified flagged\n";
+  const std::string kOutcomes = "1 fails: id 5 {FAccountID: 5, FName: \"x\"} modified flagged\n"
+                                "2 fails: id 5 {FAccountID: 5, FName: \"x\"} modified flagged\n"
+                                "3 no error: id 5 {FAccountID: 5, FName: \"x\"} modified flagged\n";
   EXPECT_EQ(AtEachFailure(
                 server, saved, [](Account& a) { a.CheckAccountInVoucher(); }, State),
             kOutcomes);

@@ -1,4 +1,4 @@
-#include "accounts/currency.h"
+#include "qdclgl/accounts/currency.h"
 
 #include <gtest/gtest.h>
 
@@ -489,12 +489,11 @@ TEST_F(CurrencyxTest, AWriteStraightIntoTheDictionaryIsSavedThoughNoFlagTellsOfI
   EXPECT_EQ(State(*currency), "id 5 {FCurrencyID: 5, FName: \"Direct\"} modified");
   server.Answer(kInfo, "GetDetail", Nothing);
   currency->SaveChanges();
-  EXPECT_EQ(server.TakeLog(),
-            "create QDSVGLCurrency.CurrencyUpdate\n"
-            "call Update(\"props\", ref 5, {FCurrencyID: 5, FName: \"Direct\", "
-            "MachineName: \"HOST\", IPAddress: \"10.0.0.1\"})\n"
-            "create QDSVGLCurrency.CurrencyInfo\n"
-            "call GetDetail(\"props\", ref 5) -> Nothing\n");
+  EXPECT_EQ(server.TakeLog(), "create QDSVGLCurrency.CurrencyUpdate\n"
+                              "call Update(\"props\", ref 5, {FCurrencyID: 5, FName: \"Direct\", "
+                              "MachineName: \"HOST\", IPAddress: \"10.0.0.1\"})\n"
+                              "create QDSVGLCurrency.CurrencyInfo\n"
+                              "call GetDetail(\"props\", ref 5) -> Nothing\n");
 }
 
 TEST_F(CurrencyxTest, AFlagWithoutAnEditOfTheDictionaryIsNotSaved) {
@@ -532,9 +531,8 @@ TEST_F(CurrencyxTest, AServerFailureAtAnyEventOfAnUpdatingSaveLeavesTheEdits) {
     currency->ExchangeRate();
     return currency;
   };
-  const std::string kStamped =
-      "id 5 {FCurrencyID: 5, FExchangeRate: 1#, MachineName: \"HOST\", "
-      "IPAddress: \"10.0.0.1\"} modified flagged\n";
+  const std::string kStamped = "id 5 {FCurrencyID: 5, FExchangeRate: 1#, MachineName: \"HOST\", "
+                               "IPAddress: \"10.0.0.1\"} modified flagged\n";
   EXPECT_EQ(AtEachFailure(
                 server, healed, [](Currencyx& c) { c.SaveChanges(); },
                 [](const Currencyx& c) { return State(c); }),
@@ -555,12 +553,11 @@ TEST_F(CurrencyxTest, AFailedSaveIsTriedAgain) {
   EXPECT_EQ(ErrorOf([&] { currency->SaveChanges(); }), "error 71");
   server.TakeLog();
   currency->SaveChanges();
-  EXPECT_EQ(server.TakeLog(),
-            "create QDSVGLCurrency.CurrencyUpdate\n"
-            "call Update(\"props\", ref 8, {FName: \"x\", MachineName: \"HOST\", "
-            "IPAddress: \"10.0.0.1\"})\n"
-            "create QDSVGLCurrency.CurrencyInfo\n"
-            "call GetDetail(\"props\", ref 8) -> {FCurrencyID: 8}\n");
+  EXPECT_EQ(server.TakeLog(), "create QDSVGLCurrency.CurrencyUpdate\n"
+                              "call Update(\"props\", ref 8, {FName: \"x\", MachineName: \"HOST\", "
+                              "IPAddress: \"10.0.0.1\"})\n"
+                              "create QDSVGLCurrency.CurrencyInfo\n"
+                              "call GetDetail(\"props\", ref 8) -> {FCurrencyID: 8}\n");
   EXPECT_EQ(State(*currency), "id 8 {FCurrencyID: 8}");
 }
 
@@ -724,8 +721,8 @@ TEST_F(CurrencySetTest, ItemOfATextReadsTheRowByItsNumberByReference) {
 }
 
 TEST_F(CurrencySetTest, ItemOfAnyOtherKeyRaisesFiveAndAsksForNothing) {
-  const Variant keys[] = {Variant(),   Null,    Missing, true,
-                          Currency(5), Date(5), Nothing, Variant(Row({}))};
+  const Variant keys[] = {Variant(),   Null,        Missing, true,
+                          Currency(5), DateTime(5), Nothing, Variant(Row({}))};
   for (const Variant& key : keys) {
     EXPECT_EQ(ErrorOf([&] { currencies->Item(key); }), "error 5") << StateText(key);
     EXPECT_EQ(server.TakeLog().find("call"), std::string::npos) << StateText(key);
@@ -750,30 +747,27 @@ TEST_F(CurrencySetTest, ExistenceCheckPassesTheIdByPositionAndReference) {
   server.Answer(kInfo, "ExistenceCheck", Long{5});
   EXPECT_EQ(currencies->ExistenceCheck(5), 5);
   EXPECT_EQ(currencies->ExistenceCheck("5"), 5);
-  EXPECT_EQ(server.TakeLog(),
-            "create QDSVGLCurrency.CurrencyInfo\n"
-            "call ExistenceCheck(\"props\", ref Variant 5) -> 5\n"
-            "create QDSVGLCurrency.CurrencyInfo\n"
-            "call ExistenceCheck(\"props\", ref Variant \"5\") -> 5\n");
+  EXPECT_EQ(server.TakeLog(), "create QDSVGLCurrency.CurrencyInfo\n"
+                              "call ExistenceCheck(\"props\", ref Variant 5) -> 5\n"
+                              "create QDSVGLCurrency.CurrencyInfo\n"
+                              "call ExistenceCheck(\"props\", ref Variant \"5\") -> 5\n");
 }
 
 TEST_F(CurrencySetTest, ExistenceCheckPassesTheNumberByName) {
   server.Answer(kInfo, "ExistenceCheck", Long{7});
   EXPECT_EQ(currencies->ExistenceCheck(Missing, "USD"), 7);
   EXPECT_EQ(StateText(currencies->Call("ExistenceCheck", Named("number", "USD"))), "7");
-  EXPECT_EQ(server.TakeLog(),
-            "create QDSVGLCurrency.CurrencyInfo\n"
-            "call ExistenceCheck(\"props\", Number:=ref Variant \"USD\") -> 7\n"
-            "create QDSVGLCurrency.CurrencyInfo\n"
-            "call ExistenceCheck(\"props\", Number:=ref Variant \"USD\") -> 7\n");
+  EXPECT_EQ(server.TakeLog(), "create QDSVGLCurrency.CurrencyInfo\n"
+                              "call ExistenceCheck(\"props\", Number:=ref Variant \"USD\") -> 7\n"
+                              "create QDSVGLCurrency.CurrencyInfo\n"
+                              "call ExistenceCheck(\"props\", Number:=ref Variant \"USD\") -> 7\n");
 }
 
 TEST_F(CurrencySetTest, ExistenceCheckWithBothUsesTheIdOnly) {
   server.Answer(kInfo, "ExistenceCheck", Long{0});
   EXPECT_EQ(currencies->ExistenceCheck(5, "USD"), 0);
-  EXPECT_EQ(server.TakeLog(),
-            "create QDSVGLCurrency.CurrencyInfo\n"
-            "call ExistenceCheck(\"props\", ref Variant 5) -> 0\n");
+  EXPECT_EQ(server.TakeLog(), "create QDSVGLCurrency.CurrencyInfo\n"
+                              "call ExistenceCheck(\"props\", ref Variant 5) -> 0\n");
 }
 
 TEST_F(CurrencySetTest, ExistenceCheckWithoutArgumentsMakesTheComponentAndAnswersZero) {
@@ -787,9 +781,8 @@ TEST_F(CurrencySetTest, RemoveByIdDeletesWithStampsAndKeepsTheRowInTheList) {
   const Variant keys[] = {Long{5}, Integer{5}, Byte{5}, 5.4, Single{5}, CDec(Variant("5"))};
   for (const Variant& key : keys) {
     currencies->Remove(key);
-    EXPECT_EQ(server.TakeLog(),
-              "create QDSVGLCurrency.CurrencyUpdate\n"
-              "call Delete(\"props\", ref 5, \"HOST\", \"10.0.0.1\")\n")
+    EXPECT_EQ(server.TakeLog(), "create QDSVGLCurrency.CurrencyUpdate\n"
+                                "call Delete(\"props\", ref 5, \"HOST\", \"10.0.0.1\")\n")
         << StateText(key);
   }
   EXPECT_EQ(currencies->Count(), 3);
@@ -798,11 +791,10 @@ TEST_F(CurrencySetTest, RemoveByIdDeletesWithStampsAndKeepsTheRowInTheList) {
 TEST_F(CurrencySetTest, RemoveByTextLooksTheNumberUpFirst) {
   server.Answer(kInfo, "ExistenceCheck", Long{7});
   currencies->Remove("USD");
-  EXPECT_EQ(server.TakeLog(),
-            "create QDSVGLCurrency.CurrencyInfo\n"
-            "call ExistenceCheck(\"props\", Number:=ref Variant \"USD\") -> 7\n"
-            "create QDSVGLCurrency.CurrencyUpdate\n"
-            "call Delete(\"props\", ref 7, \"HOST\", \"10.0.0.1\")\n");
+  EXPECT_EQ(server.TakeLog(), "create QDSVGLCurrency.CurrencyInfo\n"
+                              "call ExistenceCheck(\"props\", Number:=ref Variant \"USD\") -> 7\n"
+                              "create QDSVGLCurrency.CurrencyUpdate\n"
+                              "call Delete(\"props\", ref 7, \"HOST\", \"10.0.0.1\")\n");
 }
 
 TEST_F(CurrencySetTest, RemoveOfAnUnknownNumberRaisesFiveAndDeletesNothing) {
@@ -814,8 +806,8 @@ TEST_F(CurrencySetTest, RemoveOfAnUnknownNumberRaisesFiveAndDeletesNothing) {
 }
 
 TEST_F(CurrencySetTest, RemoveOfZeroOrOfAnyOtherKeyRaisesFiveWithoutAServerCall) {
-  const Variant keys[] = {Long{0}, 0.4,         Variant(), Null,    Missing,
-                          true,    Currency(5), Date(5),   Nothing, Variant(Row({}))};
+  const Variant keys[] = {Long{0}, 0.4,         Variant(),   Null,    Missing,
+                          true,    Currency(5), DateTime(5), Nothing, Variant(Row({}))};
   for (const Variant& key : keys) {
     EXPECT_EQ(ErrorOf([&] { currencies->Remove(key); }), "error 5") << StateText(key);
   }

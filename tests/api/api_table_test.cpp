@@ -1,5 +1,5 @@
 // The whole public surface: the committed table of it, and one walk over every row of every class.
-#include "api/api_table.h"
+#include "qdclgl/api/api_table.h"
 
 #include <gtest/gtest.h>
 
@@ -13,9 +13,9 @@
 #include <string>
 #include <vector>
 
-#include "api/class_list.h"
-#include "api/qdclgl.h"
-#include "frame/text.h"
+#include "qdclgl/api/class_list.h"
+#include "qdclgl/frame/vocabulary/text.h"
+#include "qdclgl/qdclgl.h"
 
 namespace qdclgl {
 namespace {
@@ -51,7 +51,7 @@ TEST(ApiTable, HasALineForEachWayOfUsingAMember) {
   std::size_t ways = 1;  // the header
   for (const ClassTable* table : PublicClasses()) {
     if (table->takes_context()) ++ways;
-    for (const Member& member : table->members()) {
+    for (const ClassMember& member : table->members()) {
       for (const Invoker way :
            {member.row.method, member.row.get, member.row.let, member.row.set}) {
         if (way != nullptr) ++ways;
@@ -79,18 +79,18 @@ std::vector<const ClassTable*> AllTables() {
   return tables;
 }
 
-void ForEachMember(const std::function<void(const Member&)>& check) {
+void ForEachMember(const std::function<void(const ClassMember&)>& check) {
   for (const ClassTable* table : AllTables()) {
-    for (const Member& member : table->members()) {
+    for (const ClassMember& member : table->members()) {
       SCOPED_TRACE(std::string(table->name()) + "." + std::string(member.row.name));
       check(member);
     }
   }
 }
 
-void ForEachParameter(const std::function<void(const Parameter&)>& check) {
-  ForEachMember([&](const Member& member) {
-    for (const Parameter& parameter : member.parameters) {
+void ForEachParameter(const std::function<void(const MemberParameter&)>& check) {
+  ForEachMember([&](const ClassMember& member) {
+    for (const MemberParameter& parameter : member.parameters) {
       SCOPED_TRACE("argument " + parameter.name);
       check(parameter);
     }
@@ -138,7 +138,7 @@ TEST(ClassList, EachClassHasMembersWithOrdinalsFromOneOn) {
   for (const ClassTable* table : AllTables()) {
     EXPECT_FALSE(table->members().empty()) << table->name();
     int ordinal = 0;
-    for (const Member& member : table->members()) {
+    for (const ClassMember& member : table->members()) {
       EXPECT_EQ(member.ordinal, ++ordinal) << table->name() << "." << member.row.name;
     }
   }
@@ -147,7 +147,7 @@ TEST(ClassList, EachClassHasMembersWithOrdinalsFromOneOn) {
 TEST(ClassList, EachClassNamesAMemberOnceCaseIgnored) {
   for (const ClassTable* table : AllTables()) {
     std::set<std::string> names;
-    for (const Member& member : table->members()) {
+    for (const ClassMember& member : table->members()) {
       EXPECT_TRUE(IsName(member.row.name)) << table->name() << "." << member.row.name;
       EXPECT_TRUE(names.insert(FoldAsciiCase(member.row.name)).second)
           << table->name() << "." << member.row.name;
@@ -158,13 +158,13 @@ TEST(ClassList, EachClassNamesAMemberOnceCaseIgnored) {
 }
 
 TEST(ClassList, DescribesEachMemberInASentence) {
-  ForEachMember([](const Member& member) {
+  ForEachMember([](const ClassMember& member) {
     EXPECT_TRUE(IsSentence(member.row.help)) << '"' << member.row.help << '"';
   });
 }
 
 TEST(ClassList, EachMemberIsEitherAMethodOrAProperty) {
-  ForEachMember([](const Member& member) {
+  ForEachMember([](const ClassMember& member) {
     const MemberRow& row = member.row;
     const bool is_property = row.get != nullptr || row.let != nullptr || row.set != nullptr;
     EXPECT_NE(row.method != nullptr, is_property);
@@ -176,8 +176,8 @@ TEST(ClassList, EachMemberIsEitherAMethodOrAProperty) {
 
 TEST(ClassList, TheDefaultMemberIsTheOneWhoseRowSaysSo) {
   for (const ClassTable* table : AllTables()) {
-    const Member* marked = nullptr;
-    for (const Member& member : table->members()) {
+    const ClassMember* marked = nullptr;
+    for (const ClassMember& member : table->members()) {
       if (member.row.options.is_default_member) marked = &member;
     }
     EXPECT_EQ(table->default_member(), marked) << table->name();
@@ -189,19 +189,19 @@ TEST(ClassList, EachTypeIsAKnownWord) {
                                       "Currency", "Date",    "String",      "Boolean",
                                       "Variant",  "Object",  "IEnumVARIANT"};
   for (const ClassTable* table : AllTables()) words.insert(table->name());
-  ForEachMember([&](const Member& member) {
+  ForEachMember([&](const ClassMember& member) {
     const bool returns_nothing = member.row.type == "none" && member.row.method != nullptr;
     EXPECT_TRUE(returns_nothing || words.contains(member.row.type)) << member.row.type;
   });
-  ForEachParameter([&](const Parameter& parameter) {
+  ForEachParameter([&](const MemberParameter& parameter) {
     EXPECT_TRUE(words.contains(parameter.type)) << parameter.type;
   });
 }
 
 TEST(ClassList, EachArgumentHasANameOfItsOwnCaseIgnored) {
-  ForEachMember([](const Member& member) {
+  ForEachMember([](const ClassMember& member) {
     std::set<std::string> names;
-    for (const Parameter& parameter : member.parameters) {
+    for (const MemberParameter& parameter : member.parameters) {
       EXPECT_TRUE(IsName(parameter.name)) << '"' << parameter.name << '"';
       EXPECT_TRUE(names.insert(FoldAsciiCase(parameter.name)).second) << parameter.name;
     }
@@ -209,10 +209,10 @@ TEST(ClassList, EachArgumentHasANameOfItsOwnCaseIgnored) {
 }
 
 TEST(ClassList, OptionalArgumentsStandBehindTheNeededOnes) {
-  ForEachMember([](const Member& member) {
+  ForEachMember([](const ClassMember& member) {
     EXPECT_TRUE(
         std::is_partitioned(member.parameters.begin(), member.parameters.end(),
-                            [](const Parameter& parameter) { return !parameter.optional; }));
+                            [](const MemberParameter& parameter) { return !parameter.optional; }));
   });
 }
 
@@ -222,7 +222,7 @@ TEST(ClassList, EachDefaultFitsItsArgumentsType) {
       {"Double", VariantType::kDouble},     {"Single", VariantType::kSingle},
       {"Currency", VariantType::kCurrency}, {"Date", VariantType::kDate},
       {"Boolean", VariantType::kBoolean},   {"String", VariantType::kString}};
-  ForEachParameter([](const Parameter& parameter) {
+  ForEachParameter([](const MemberParameter& parameter) {
     const std::string& text = parameter.default_text;
     if (!parameter.optional) {
       EXPECT_EQ(text, "");

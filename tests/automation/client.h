@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-#include "automation/com.h"
+#include "qdclgl/automation/com.h"
 
 namespace qdclgl::automation::testing {
 

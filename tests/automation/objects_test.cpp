@@ -6,8 +6,8 @@
 #include <fstream>
 #include <set>
 
-#include "automation/context_interface.h"
-#include "automation/identity.h"
+#include "qdclgl/automation/context_interface.h"
+#include "qdclgl/automation/identity.h"
 #include "tests/automation/client.h"
 
 using namespace qdclgl::automation;

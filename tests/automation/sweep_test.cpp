@@ -6,8 +6,8 @@
 #include <cmath>
 #include <random>
 
-#include "automation/values.h"
-#include "frame/conversions.h"
+#include "qdclgl/automation/values.h"
+#include "qdclgl/frame/objects/conversions.h"
 #include "tests/automation/client.h"
 
 using namespace qdclgl;
@@ -177,7 +177,7 @@ std::vector<Variant> Values() {
     if (std::abs(number) < 9e14) {
       values.emplace_back(Currency::FromUnits(static_cast<std::int64_t>(number * 10000)));
     }
-    if (number > -657434 && number < 2958466) values.emplace_back(Date(number));
+    if (number > -657434 && number < 2958466) values.emplace_back(DateTime(number));
     if (std::abs(number) < 7.9e28) values.emplace_back(Decimal::FromDouble(number));
   }
   for (const std::string& text : Texts()) values.emplace_back(text);
@@ -219,7 +219,7 @@ std::string Exact(const Variant& value) {
   }
   if (value.Is(VariantType::kDate)) {
     char text[40];
-    std::snprintf(text, sizeof text, "%.17g", value.Held<Date>().days);
+    std::snprintf(text, sizeof text, "%.17g", value.Held<DateTime>().days);
     return text;
   }
   if (value.Is(VariantType::kNull)) return "Null";
@@ -429,7 +429,7 @@ void Comparisons() {
     values.emplace_back(number);
     values.emplace_back(static_cast<float>(number));
     values.emplace_back(Currency(number));
-    values.emplace_back(Date(number));
+    values.emplace_back(DateTime(number));
     values.emplace_back(Decimal::FromDouble(number));
   }
   for (const char* text : {"", "a", "b", "ab", "1", "10", "9", "-1", "abc"}) {

@@ -1,7 +1,7 @@
 // The server's life: what keeps it loaded, that it unloads cleanly, and that nothing grows.
 #include <thread>
 
-#include "automation/identity.h"
+#include "qdclgl/automation/identity.h"
 #include "tests/automation/client.h"
 
 using namespace qdclgl::automation;

@@ -1,4 +1,4 @@
-#include "cli/cell_values.h"
+#include "qdclgl/cli/cell_values.h"
 
 #include <gtest/gtest.h>
 
@@ -55,7 +55,7 @@ TEST(CellValues, RatesAreAboveZero) {
 }
 
 TEST(CellValues, DatesAreDaysOfTheCalendar) {
-  EXPECT_EQ(ReadDate("2024-02-29"), Date::FromYmd(2024, 2, 29));
+  EXPECT_EQ(ReadDate("2024-02-29"), DateTime::FromYmd(2024, 2, 29));
   EXPECT_EQ(ReasonOf(ReadDate, "2023-02-29"), "\"2023-02-29\" is not a day of the calendar");
   for (const char* text :
        {"2024-2-29", "29.02.2024", "2024-02-29 ", "20240229", "2024-02-2x", ""}) {

@@ -9,8 +9,8 @@
 #include <fstream>
 #include <sstream>
 
-#include "cli/program.h"
-#include "server/login.h"
+#include "qdclgl/cli/program.h"
+#include "qdclgl/server/access/login.h"
 
 namespace qdclgl::cli::testing {
 
@@ -91,10 +91,9 @@ RunResult CliTest::Run(std::vector<std::string> arguments) const {
 
 void CliTest::Init(const std::string& year) const {
   ASSERT_EQ(Run({"init", "--year", year}).code, 0);
-  const std::string chart = folder.Write("accounts.csv",
-                                         "number,name,dc\n"
-                                         "1000,Cash,1\n1001,Bank,1\n1002,Goods,1\n"
-                                         "2000,Equity,-1\n2000.01,Capital,-1\n");
+  const std::string chart = folder.Write("accounts.csv", "number,name,dc\n"
+                                                         "1000,Cash,1\n1001,Bank,1\n1002,Goods,1\n"
+                                                         "2000,Equity,-1\n2000.01,Capital,-1\n");
   ASSERT_EQ(Run({"import", "--accounts", chart}).code, 0);
 }
 

@@ -2,9 +2,9 @@
 
 #include <nlohmann/json.hpp>
 
-#include "api/api_table.h"
-#include "frame/server_gateway.h"
-#include "server/database.h"
+#include "qdclgl/api/api_table.h"
+#include "qdclgl/frame/session/server_gateway.h"
+#include "qdclgl/server/db/database.h"
 #include "tests/cli/cli_fixture.h"
 
 namespace qdclgl::cli::testing {
@@ -57,17 +57,16 @@ TEST_P(Commands, ABadFilterIsOneLineWithItsNumber) {
 
 TEST_P(Commands, AVoucherShowsItsLines) {
   InitWithVouchers();
-  EXPECT_EQ(Run({"voucher", "1"}).out,
-            "Voucher    1\n"
-            "Number     2024/1 General 1\n"
-            "Date       2024-01-05\n"
-            "Reference  v1\n"
-            "Prepared   administrator\n"
-            "State      open\n"
-            "\n"
-            "Line  Account  Name       Debit   Credit\n"
-            "   1  1000     Cash     10.5000\n"
-            "   2  2000.01  Capital           10.5000\n");
+  EXPECT_EQ(Run({"voucher", "1"}).out, "Voucher    1\n"
+                                       "Number     2024/1 General 1\n"
+                                       "Date       2024-01-05\n"
+                                       "Reference  v1\n"
+                                       "Prepared   administrator\n"
+                                       "State      open\n"
+                                       "\n"
+                                       "Line  Account  Name       Debit   Credit\n"
+                                       "   1  1000     Cash     10.5000\n"
+                                       "   2  2000.01  Capital           10.5000\n");
   const RunResult none = Run({"voucher", "99"});
   EXPECT_EQ(none.code, 1);
   EXPECT_EQ(none.err, "qdclgl: 80044213: There is no voucher with the id 99.\n");
@@ -86,9 +85,8 @@ TEST_P(Commands, StepsGoForthAndBack) {
       {"check", "checked by administrator"},
       {"approve", "checked by administrator, approved by administrator"},
       {"cash", "checked by administrator, approved by administrator, cashed by administrator"},
-      {"post",
-       "checked by administrator, approved by administrator, cashed by administrator, "
-       "posted by administrator"},
+      {"post", "checked by administrator, approved by administrator, cashed by administrator, "
+               "posted by administrator"},
       {"unpost", "checked by administrator, approved by administrator, cashed by administrator"},
       {"uncash", "checked by administrator, approved by administrator"},
       {"unapprove", "checked by administrator"},
@@ -144,11 +142,10 @@ TEST_P(Commands, AllMeansThoseThatAreReady) {
 TEST_P(Commands, BalancesCoverWhatIsAskedFor) {
   InitWithVouchers();
   ASSERT_EQ(Run({"post", "--all"}).code, 0);
-  EXPECT_EQ(Run({"balance", "--csv"}).out,
-            "account,debit,credit,balance\n"
-            "1000,10.5000,3.0000,7.5000\n"
-            "1001,3.0000,0.0000,3.0000\n"
-            "2000.01,0.0000,10.5000,-10.5000\n");
+  EXPECT_EQ(Run({"balance", "--csv"}).out, "account,debit,credit,balance\n"
+                                           "1000,10.5000,3.0000,7.5000\n"
+                                           "1001,3.0000,0.0000,3.0000\n"
+                                           "2000.01,0.0000,10.5000,-10.5000\n");
   EXPECT_EQ(Run({"balance", "--year", "2024", "--from", "2", "--to", "02", "--csv"}).out,
             "account,debit,credit,balance\n"
             "1000,0.0000,3.0000,7.5000\n"
@@ -199,9 +196,8 @@ TEST_P(Commands, TheDoctorTellsWhatIsWrongAndWhere) {
   EXPECT_EQ(Run({"doctor", "--json"}).out, "[]\n");
   {
     server::Database db(server::ConnectionText::Parse(book), server::Database::Opening::kExisting);
-    db.ExecuteScript(
-        "UPDATE t_VoucherEntry SET FAmount = FAmount + 1 WHERE FVoucherID = 1"
-        " AND FEntryID = 1;");
+    db.ExecuteScript("UPDATE t_VoucherEntry SET FAmount = FAmount + 1 WHERE FVoucherID = 1"
+                     " AND FEntryID = 1;");
   }
   const RunResult sick = Run({"doctor"});
   EXPECT_EQ(sick.code, 4);

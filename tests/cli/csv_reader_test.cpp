@@ -1,4 +1,4 @@
-#include "cli/csv_reader.h"
+#include "qdclgl/cli/csv_reader.h"
 
 #include <gtest/gtest.h>
 

@@ -6,8 +6,8 @@
 #include <fstream>
 #include <sstream>
 
-#include "cli/cell_values.h"
-#include "cli/csv_reader.h"
+#include "qdclgl/cli/cell_values.h"
+#include "qdclgl/cli/csv_reader.h"
 #include "tests/cli/cli_fixture.h"
 
 namespace qdclgl::cli::testing {
@@ -46,11 +46,10 @@ TEST_P(Household, TheImportReproducesTheBalances) {
   const RunResult result = Run({"import", "--accounts", data + "/accounts.csv", "--journal",
                                 data + "/journal.csv", "--check-all", "--post-all"});
   EXPECT_EQ(result.err, "");
-  EXPECT_EQ(result.out,
-            "accounts: 98 stored, 0 there already, 0 left out\n"
-            "vouchers: 1142 stored, 0 passed over, 0 left out\n"
-            "1142 vouchers checked.\n"
-            "1142 vouchers posted.\n");
+  EXPECT_EQ(result.out, "accounts: 98 stored, 0 there already, 0 left out\n"
+                        "vouchers: 1142 stored, 0 passed over, 0 left out\n"
+                        "1142 vouchers checked.\n"
+                        "1142 vouchers posted.\n");
   ASSERT_EQ(result.code, 0);
   const std::vector<std::string> expected = BalancesIn(ReadFile(data + "/balances.csv"));
   EXPECT_EQ(expected.size(), 61u);

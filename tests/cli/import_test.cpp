@@ -34,9 +34,9 @@ class Import : public CliTest {
 
 TEST_P(Import, StoresWhatTheJournalSays) {
   Init();
-  const std::string chart = folder.Write("chart.csv",
-                                         "quantities,unit,currency,dc,name,number\n"
-                                         "yes,kg,,1,\"Tea, green\",1100\n,,usd,1,Dollars,1200\n");
+  const std::string chart =
+      folder.Write("chart.csv", "quantities,unit,currency,dc,name,number\n"
+                                "yes,kg,,1,\"Tea, green\",1100\n,,usd,1,Dollars,1200\n");
   const std::string journal = folder.Write(
       "full.csv",
       "\xEF\xBB\xBF"
@@ -48,9 +48,8 @@ TEST_P(Import, StoresWhatTheJournalSays) {
       ",,,,,,,eur,0.0001,,1000,,7,Buys,2024-02-03,A/1\r\n");
   const RunResult result = Run({"import", "--accounts", chart, "--journal", journal});
   EXPECT_EQ(result.err, "");
-  EXPECT_EQ(result.out,
-            "accounts: 2 stored, 0 there already, 0 left out\n"
-            "vouchers: 1 stored, 0 passed over, 0 left out\n");
+  EXPECT_EQ(result.out, "accounts: 2 stored, 0 there already, 0 left out\n"
+                        "vouchers: 1 stored, 0 passed over, 0 left out\n");
   EXPECT_EQ(result.code, 0);
 
   const auto id = nlohmann::json::parse(Run({"vouchers", "--json"}).out).at(0).at("FVoucherID");
@@ -239,12 +238,11 @@ TEST_P(Import, LinesOnAnAccountWithOthersBelowItGetAnAccountOfTheirOwn) {
 TEST_P(Import, CurrenciesThatCanNotBeAreReportedAtTheirCells) {
   Init();
   const std::string journal =
-      folder.Write("currencies.csv",
-                   "voucher,date,account,debit,credit,currency,amount_for,rate\n"
-                   "a,2024-01-05,1000,5,,US-D,5,\na,2024-01-05,1001,,5,,,\n"
-                   "b,2024-01-05,1000,5,,USD,,0.9\nb,2024-01-05,1001,,5,,,\n"
-                   "c,2024-01-05,1000,5,,EUR,6,\nc,2024-01-05,1001,,5,,,\n"
-                   "d,2024-01-05,1000,5,,GBP,,\nd,2024-01-05,1001,,5,,,\n");
+      folder.Write("currencies.csv", "voucher,date,account,debit,credit,currency,amount_for,rate\n"
+                                     "a,2024-01-05,1000,5,,US-D,5,\na,2024-01-05,1001,,5,,,\n"
+                                     "b,2024-01-05,1000,5,,USD,,0.9\nb,2024-01-05,1001,,5,,,\n"
+                                     "c,2024-01-05,1000,5,,EUR,6,\nc,2024-01-05,1001,,5,,,\n"
+                                     "d,2024-01-05,1000,5,,GBP,,\nd,2024-01-05,1001,,5,,,\n");
   const RunResult result = Run({"import", "--journal", journal});
   EXPECT_EQ(result.err,
             journal + ":2:22: \"US-D\" can't be a currency: up to 8 letters, digits and " +
@@ -256,9 +254,9 @@ TEST_P(Import, CurrenciesThatCanNotBeAreReportedAtTheirCells) {
 
 TEST_P(Import, ARateThatIsNotGivenComesFromTheTwoAmounts) {
   Init();
-  const std::string journal = folder.Write("currencies.csv",
-                                           "voucher,date,account,debit,credit,currency,amount_for\n"
-                                           "a,2024-01-05,1000,5,,USD,10\na,2024-01-05,1001,,5,,\n");
+  const std::string journal =
+      folder.Write("currencies.csv", "voucher,date,account,debit,credit,currency,amount_for\n"
+                                     "a,2024-01-05,1000,5,,USD,10\na,2024-01-05,1001,,5,,\n");
   ASSERT_EQ(Run({"import", "--journal", journal}).code, 0);
   const auto currencies = nlohmann::json::parse(Run({"currencies", "--json"}).out);
   ASSERT_EQ(currencies.size(), 2u);
@@ -291,12 +289,12 @@ TEST_P(Import, AFileThatIsNotThereIsAnErrorOfItsOwn) {
 
 TEST_P(Import, AccountsThatCanNotBeAreReportedAndTheOthersStored) {
   Init();
-  const std::string chart = folder.Write("chart.csv",
-                                         "number,name,dc,currency,quantities\n"
-                                         "3000.01,Child first,1,,\n3000,Parent later,1,,\n"
-                                         "3001,,1,,\n3002,Side,2,,\n3003,Money,1,TOOLONGCODE,\n"
-                                         "3004,Truth,1,,maybe\n4000.01,Orphan,1,,\n3000,Twice,1,,\n"
-                                         "1000,There already,1,,\n30 05,Number,1,,\n");
+  const std::string chart =
+      folder.Write("chart.csv", "number,name,dc,currency,quantities\n"
+                                "3000.01,Child first,1,,\n3000,Parent later,1,,\n"
+                                "3001,,1,,\n3002,Side,2,,\n3003,Money,1,TOOLONGCODE,\n"
+                                "3004,Truth,1,,maybe\n4000.01,Orphan,1,,\n3000,Twice,1,,\n"
+                                "1000,There already,1,,\n30 05,Number,1,,\n");
   const RunResult result = Run({"import", "--accounts", chart});
   EXPECT_EQ(result.code, 3);
   EXPECT_EQ(result.out, "accounts: 2 stored, 1 there already, 7 left out\n");

@@ -75,7 +75,8 @@ TEST_P(Kill, AKilledImportContinuesAndEndsInTheSameBooks) {
             0);
   EXPECT_TRUE(VouchersOf(book) == VouchersOf(other));
   for (const std::string& books : {book, other}) {
-    EXPECT_EQ(RunInProcess({"post", books, "--all"}).out, std::to_string(kVouchers) + " vouchers posted.\n");
+    EXPECT_EQ(RunInProcess({"post", books, "--all"}).out,
+              std::to_string(kVouchers) + " vouchers posted.\n");
   }
   EXPECT_EQ(RunInProcess({"balance", book, "--csv"}).out,
             RunInProcess({"balance", other, "--csv"}).out);

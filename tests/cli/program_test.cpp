@@ -1,5 +1,5 @@
 // The built program: what it prints and how it ends; its man page and its completion.
-#include "cli/program.h"
+#include "qdclgl/cli/program.h"
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -105,11 +105,10 @@ TEST(Program, TheExampleBooksComeInWhole) {
       RunProgram({"import", book, "--accounts", examples + "accounts.csv", "--journal",
                   examples + "journal.csv", "--check-all", "--post-all"});
   EXPECT_EQ(result.err, "");
-  EXPECT_EQ(result.out,
-            "accounts: 36 stored, 0 there already, 0 left out\n"
-            "vouchers: 75 stored, 0 passed over, 0 left out\n"
-            "75 vouchers checked.\n"
-            "75 vouchers posted.\n");
+  EXPECT_EQ(result.out, "accounts: 36 stored, 0 there already, 0 left out\n"
+                        "vouchers: 75 stored, 0 passed over, 0 left out\n"
+                        "75 vouchers checked.\n"
+                        "75 vouchers posted.\n");
   EXPECT_EQ(RunProgram({"doctor", book}).out, "The books are in order.\n");
   const std::string balances = RunProgram({"balance", book, "--csv"}).out;
   EXPECT_NE(balances.find("\n1000.02,104950.8700,47830.4500,57120.4200\n"), std::string::npos);
@@ -121,18 +120,17 @@ TEST(Program, TheExampleOpensEditsAndSaves) {
   setenv("QDCLGL_REGISTRY", folder.Path("registry").c_str(), 1);
   ASSERT_EQ(RunProgram({"init", book, "--year", "2024"}).code, 0);
   const std::string chart = folder.Write("a.csv", "number,name,dc\n1,Cash,1\n2,Capital,-1\n");
-  const std::string journal = folder.Write("j.csv",
-                                           "voucher,date,account,debit,credit,explanation\n"
-                                           "x,2024-01-05,1,10,,Tea\nx,2024-01-05,2,,10,Tea\n");
+  const std::string journal =
+      folder.Write("j.csv", "voucher,date,account,debit,credit,explanation\n"
+                            "x,2024-01-05,1,10,,Tea\nx,2024-01-05,2,,10,Tea\n");
   ASSERT_EQ(RunProgram({"import", book, "--accounts", chart, "--journal", journal}).code, 0);
   const RunResult result = RunProgram({book, "1"}, QDCLGL_EXAMPLE);
   EXPECT_EQ(result.err, "");
   EXPECT_EQ(result.code, 0);
-  EXPECT_EQ(result.out,
-            "opened      line 1: 1, debit 10, \"Tea\"; modified: no\n"
-            "changed     line 1: 1, debit 10, \"Tea, counted again\"; modified: yes\n"
-            "saved       line 1: 1, debit 10, \"Tea, counted again\"; modified: no\n"
-            "read again  line 1: 1, debit 10, \"Tea, counted again\"; modified: no\n");
+  EXPECT_EQ(result.out, "opened      line 1: 1, debit 10, \"Tea\"; modified: no\n"
+                        "changed     line 1: 1, debit 10, \"Tea, counted again\"; modified: yes\n"
+                        "saved       line 1: 1, debit 10, \"Tea, counted again\"; modified: no\n"
+                        "read again  line 1: 1, debit 10, \"Tea, counted again\"; modified: no\n");
 }
 
 TEST(Program, TheExampleIsShort) {

@@ -1,11 +1,11 @@
-#include "cli/table.h"
+#include "qdclgl/cli/table.h"
 
 #include <gtest/gtest.h>
 
 #include <nlohmann/json.hpp>
 #include <sstream>
 
-#include "frame/vector.h"
+#include "qdclgl/frame/containers/vector.h"
 
 namespace qdclgl::cli {
 namespace {
@@ -40,7 +40,7 @@ TEST(TableWriter, CsvQuotesWhatNeedsIt) {
 TEST(TableWriter, JsonHasAmountsAsTextAndIsValidWithoutRows) {
   const auto json = nlohmann::json::parse(
       Written(Format::kJson,
-              {{"a\"b\n", Currency(1)}, {Null, Long{3}}, {Date::FromYmd(2024, 1, 31), false}}));
+              {{"a\"b\n", Currency(1)}, {Null, Long{3}}, {DateTime::FromYmd(2024, 1, 31), false}}));
   EXPECT_EQ(json.dump(),
             "[{\"Amount\":\"1.0000\",\"Name\":\"a\\\"b\\n\"},{\"Amount\":3,\"Name\":null},"
             "{\"Amount\":false,\"Name\":\"2024-01-31\"}]");

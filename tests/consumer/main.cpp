@@ -2,7 +2,7 @@
 // component of its own, and an error.
 #include <cstdio>
 
-#include "api/qdclgl.h"
+#include "qdclgl/qdclgl.h"
 
 namespace {
 

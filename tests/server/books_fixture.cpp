@@ -6,11 +6,11 @@
 #include <cstdlib>
 #include <filesystem>
 
-#include "frame/dictionary.h"
-#include "frame/startup.h"
-#include "server/database.h"
-#include "server/login.h"
-#include "server/server.h"
+#include "qdclgl/frame/containers/dictionary.h"
+#include "qdclgl/frame/session/startup.h"
+#include "qdclgl/server/access/login.h"
+#include "qdclgl/server/db/database.h"
+#include "qdclgl/server/server.h"
 
 namespace qdclgl::server::testing {
 
@@ -44,7 +44,8 @@ std::string NewConnectionText(DatabaseKind kind) {
     return ConnectionText::Parse(PostgreSQLText()).With(connection_key::kSchema, name).ToText();
   }
   const auto file = std::filesystem::temp_directory_path() / (name + ".db");
-  return "Provider=SQLite;Data Source=" + file.string() + ";Synchronous=Normal;Initial catalog=TEST;";
+  return "Provider=SQLite;Data Source=" + file.string() +
+         ";Synchronous=Normal;Initial catalog=TEST;";
 }
 
 void RemoveBooks(const std::string& connection) {

@@ -1,5 +1,5 @@
-// Books for one test: empty ones in a file or a PostgreSQL schema of their own, with somebody logged
-// in. The suites run on every database; see Databases().
+// Books for one test: empty ones in a file or a PostgreSQL schema of their own, with somebody
+// logged in. The suites run on every database; see Databases().
 #pragma once
 
 #include <gtest/gtest.h>
@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "frame/late_bound.h"
-#include "frame/server_gateway.h"
+#include "qdclgl/frame/objects/late_bound.h"
+#include "qdclgl/frame/session/server_gateway.h"
 
 namespace qdclgl::server::testing {
 
@@ -50,8 +50,8 @@ class BooksTest : public ::testing::TestWithParam<DatabaseKind> {
 
 // For what one database alone can do; nothing runs where that one is not at hand.
 std::vector<DatabaseKind> DatabasesOf(DatabaseKind kind);
-#define QDCLGL_BOOKS_TEST_OF(Suite, kind)                   \
-  GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(Suite);     \
+#define QDCLGL_BOOKS_TEST_OF(Suite, kind)               \
+  GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(Suite); \
   INSTANTIATE_TEST_SUITE_P(, Suite, ::testing::ValuesIn(DatabasesOf(DatabaseKind::kind)), NameOf)
 
 }  // namespace qdclgl::server::testing

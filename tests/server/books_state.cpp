@@ -1,7 +1,7 @@
 #include "tests/server/books_state.h"
 
-#include "frame/vector.h"
-#include "server/refusals.h"
+#include "qdclgl/frame/containers/vector.h"
+#include "qdclgl/server/db/refusals.h"
 
 namespace qdclgl::server::testing {
 
@@ -78,7 +78,7 @@ Long RecordsTest::AddGroup(std::string_view name) {
       .As<Long>();
 }
 
-Long RecordsTest::AddVoucher(Long group, Long debit, Long credit, Currency amount, Date date) {
+Long RecordsTest::AddVoucher(Long group, Long debit, Long credit, Currency amount, DateTime date) {
   auto lines = Make<Vector>();
   for (const Long side : {1, 0}) {
     lines->Append(Row({{"FAccountID", side == 1 ? debit : credit},

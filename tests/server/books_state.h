@@ -6,8 +6,8 @@
 #include <string>
 #include <string_view>
 
-#include "frame/recordset.h"
-#include "server/database.h"
+#include "qdclgl/frame/containers/recordset.h"
+#include "qdclgl/server/db/database.h"
 #include "tests/server/books_fixture.h"
 #include "tests/support/test_objects.h"
 
@@ -35,7 +35,7 @@ class RecordsTest : public BooksTest {
   Long AddGroup(std::string_view name);
   // A voucher that moves an amount from one account to another.
   Long AddVoucher(Long group, Long debit, Long credit, Currency amount,
-                  Date date = Date::FromYmd(2024, 1, 31));
+                  DateTime date = DateTime::FromYmd(2024, 1, 31));
   void CheckAndPost(Long voucher);
 
   // `operation` is refused for everybody but administrators and changes nothing.

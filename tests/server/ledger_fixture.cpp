@@ -7,7 +7,7 @@ namespace qdclgl::server::testing {
 LedgerTest::LedgerTest() {
   const auto create = [&](std::string_view component, Cells cells) {
     auto row = Make<Dictionary>();
-    for (const auto& [key, value] : cells) row->Put(Key(key), value);
+    for (const auto& [key, value] : cells) row->Put(RowKey(key), value);
     Call(component, "Create", props, row);
   };
   for (const char* name : {"Receipts", "Payments"}) {
@@ -15,13 +15,13 @@ LedgerTest::LedgerTest() {
   }
   create("QDSVGLCurrency.CurrencyUpdate",
          {{"FNumber", "USD"}, {"FName", "Dollar"}, {"FExchangeRate", 1.1}, {"FOperator", "*"}});
-  for (const auto& [number, name] : std::initializer_list<std::pair<const char*, const char*>>{
-           {"1000", "Cash"},
-           {"2000", "Bank"},
-           {"3000", "Sales"},
-           {"4000", "Costs"},
-           {"4000.01", "Rent"},
-           {"4000.02", "Wages"}}) {
+  for (const auto& [number, name] :
+       std::initializer_list<std::pair<const char*, const char*>>{{"1000", "Cash"},
+                                                                  {"2000", "Bank"},
+                                                                  {"3000", "Sales"},
+                                                                  {"4000", "Costs"},
+                                                                  {"4000.01", "Rent"},
+                                                                  {"4000.02", "Wages"}}) {
     create("QDSVGLAccount.AccountUpdate", {{"FNumber", number}, {"FName", name}});
   }
 }
@@ -32,7 +32,7 @@ Ref<Dictionary> LedgerTest::Line(std::string_view account, Currency debit, Curre
   line->Value("FAccountNumber", account);
   line->Value("FDC", Long{debit != 0 ? 1 : 0});
   line->Value("FAmount", debit != 0 ? debit : credit);
-  for (const auto& [key, value] : more) line->Put(Key(key), value);
+  for (const auto& [key, value] : more) line->Put(RowKey(key), value);
   return line;
 }
 
@@ -44,7 +44,7 @@ Ref<Dictionary> LedgerTest::Voucher(std::string_view date, std::vector<Ref<Dicti
   auto entries = Make<Vector>();
   for (const Ref<Dictionary>& line : lines) entries->Append(Variant(line));
   voucher->Value("_Entries", Variant(entries));
-  for (const auto& [key, value] : more) voucher->Put(Key(key), value);
+  for (const auto& [key, value] : more) voucher->Put(RowKey(key), value);
   return voucher;
 }
 
@@ -82,8 +82,8 @@ std::string LedgerTest::Describe(const Error& error) {
 namespace {
 
 std::string Balances(const Ref<Recordset>& list) {
-  return TextOf(list, {"FAccountNumber", "FCurrencyID", "FBeginBalance", "FDebit", "FCredit",
-                       "FEndBalance"});
+  return TextOf(
+      list, {"FAccountNumber", "FCurrencyID", "FBeginBalance", "FDebit", "FCredit", "FEndBalance"});
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
-// Books with something to work on: a small chart, two currencies, two groups, and vouchers made with
-// few words.
+// Books with something to work on: a small chart, two currencies, two groups, and vouchers made
+// with few words.
 #pragma once
 
 #include <initializer_list>
@@ -8,9 +8,9 @@
 #include <utility>
 #include <vector>
 
-#include "frame/dictionary.h"
-#include "frame/recordset.h"
-#include "frame/vector.h"
+#include "qdclgl/frame/containers/dictionary.h"
+#include "qdclgl/frame/containers/recordset.h"
+#include "qdclgl/frame/containers/vector.h"
 #include "tests/server/books_state.h"
 
 namespace qdclgl::server::testing {

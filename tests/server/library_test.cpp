@@ -1,7 +1,7 @@
 // The library's own classes at work on real books: what callers see from end to end.
-#include "api/qdclgl.h"
-#include "frame/session.h"
-#include "frame/startup.h"
+#include "qdclgl/frame/session/session.h"
+#include "qdclgl/frame/session/startup.h"
+#include "qdclgl/qdclgl.h"
 #include "tests/server/ledger_fixture.h"
 #include "tests/support/test_platform.h"
 
@@ -21,7 +21,7 @@ class LibraryOnBooks : public LedgerTest {
   }
   static Ref<qdclgl::Voucher> NewSale(const Ref<VoucherSet>& vouchers, Currency amount) {
     auto voucher = vouchers->CreateNew();
-    voucher->VoucherDate(Date::FromYmd(2024, 1, 15));
+    voucher->VoucherDate(DateTime::FromYmd(2024, 1, 15));
     voucher->GroupID(1);
     AddLine(voucher, "1000", amount, 0);
     AddLine(voucher, "3000", 0, amount);
@@ -206,7 +206,7 @@ TEST_P(LibraryOnBooks, SettingsAndCalendarComeFromTheBooks) {
   profile->Item("General", "CompanyName", "Trading Ltd");
   EXPECT_EQ(Make<SystemProfile>()->CompanyName(), "Trading Ltd");
   Long year = 0;
-  EXPECT_EQ(profile->GLGetPeriodByDate(Date::FromYmd(2024, 5, 31), year), 5);
+  EXPECT_EQ(profile->GLGetPeriodByDate(DateTime::FromYmd(2024, 5, 31), year), 5);
   EXPECT_EQ(year, 2024);
   EXPECT_EQ(CStr(Variant(profile->GLGetPeriodDate(2024, 14))), "2025-02-01");
   EXPECT_FALSE(profile->IsNeedOffline());

@@ -1,9 +1,10 @@
 // Clients in processes of their own: killed at any moment, and many at once.
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include <csignal>
 #include <cstdio>
-#include <sys/wait.h>
 #include <thread>
-#include <unistd.h>
 
 #include "tests/server/ledger_fixture.h"
 #include "tests/support/random_seed.h"
@@ -59,9 +60,9 @@ class ManyClients : public LedgerTest {
     const auto zero = Books().QueryRow<std::int64_t, std::int64_t>(
         "SELECT COALESCE(SUM(FDebit), 0), COALESCE(SUM(FCredit), 0) FROM t_Balance");
     EXPECT_EQ(std::get<0>(*zero), std::get<1>(*zero)) << "the trial balance is zero";
-    EXPECT_FALSE(Books().QueryRow<Long>(
-        "SELECT FYear FROM t_Voucher GROUP BY FYear, FPeriod, FGroupID"
-        " HAVING MIN(FNumber) <> 1 OR MAX(FNumber) <> COUNT(*)"))
+    EXPECT_FALSE(
+        Books().QueryRow<Long>("SELECT FYear FROM t_Voucher GROUP BY FYear, FPeriod, FGroupID"
+                               " HAVING MIN(FNumber) <> 1 OR MAX(FNumber) <> COUNT(*)"))
         << "numbers have no gaps";
   }
 };

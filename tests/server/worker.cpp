@@ -12,10 +12,10 @@
 #include <random>
 #include <vector>
 
-#include "api/qdclgl.h"
-#include "frame/startup.h"
-#include "server/refusals.h"
-#include "server/server.h"
+#include "qdclgl/frame/session/startup.h"
+#include "qdclgl/qdclgl.h"
+#include "qdclgl/server/db/refusals.h"
+#include "qdclgl/server/server.h"
 
 namespace {
 
@@ -67,7 +67,7 @@ class Worker {
 
   void SaveNew() {
     Ref<Voucher> voucher = vouchers_->CreateNew();
-    voucher->VoucherDate(Date::FromYmd(2024, 1 + Draw(2), 1 + Draw(28)));
+    voucher->VoucherDate(DateTime::FromYmd(2024, 1 + Draw(2), 1 + Draw(28)));
     voucher->GroupID(1 + Draw(2));
     const auto entries = voucher->Entries();
     const int pairs = 1 + Draw(3);

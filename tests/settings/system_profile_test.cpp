@@ -1,4 +1,4 @@
-#include "settings/system_profile.h"
+#include "qdclgl/settings/system_profile.h"
 
 #include <gtest/gtest.h>
 
@@ -9,8 +9,8 @@
 #include <utility>
 #include <vector>
 
-#include "frame/class_table.h"
-#include "frame/vector.h"
+#include "qdclgl/frame/containers/vector.h"
+#include "qdclgl/frame/objects/class_table.h"
 #include "tests/support/recording_server.h"
 #include "tests/support/state_text.h"
 #include "tests/support/test_objects.h"
@@ -35,7 +35,7 @@ const std::vector<std::string> kCategories = {"Base", "General", "GL", "SC", "MG
 
 // How the call for a period's days ends: two dates that the server is to fill in.
 const std::string kTwoUnsetDates =
-    ", ref " + StateText(Variant(Date())) + ", ref " + StateText(Variant(Date())) + ")\n";
+    ", ref " + StateText(Variant(DateTime())) + ", ref " + StateText(Variant(DateTime())) + ")\n";
 
 // A server that keeps the settings in `stored`, and an object that has read nothing yet.
 class ProfileTest : public ::testing::Test {
@@ -99,8 +99,8 @@ class AccountingCalendarTest : public ProfileTest {
     Store("GL", "CurrentYear", "2004");
     Store("GL", "PeriodCount", "12");
     server.AnswerWith(kCalendar, "GetPeriodStartEnd", [](std::span<Argument> arguments) {
-      arguments[3].Put(Variant(Date::FromYmd(2004, 2, 26)));
-      arguments[4].Put(Variant(Date::FromYmd(2004, 3, 25)));
+      arguments[3].Put(Variant(DateTime::FromYmd(2004, 2, 26)));
+      arguments[4].Put(Variant(DateTime::FromYmd(2004, 3, 25)));
       return Variant();
     });
   }
@@ -113,7 +113,7 @@ class AccountingCalendarTest : public ProfileTest {
   }
 
   // The result and the year: "3 of 2004".
-  std::string PeriodOf(Date day) {
+  std::string PeriodOf(DateTime day) {
     Long year = 77;
     const Long period = profile->GLGetPeriodByDate(day, year);
     return std::to_string(period) + " of " + std::to_string(year);
@@ -128,9 +128,8 @@ class AccountingCalendarTest : public ProfileTest {
     const std::string error = ErrorOf([&] { fresh->GLGetPeriodDate(year, period); });
     const std::string log = server.TakeLog();
     if (error != "no error") return error + (log.empty() ? ", nobody asked" : ", asked");
-    const std::string before =
-        "create QDCPeriodDate.clsPeriodDate\n"
-        "call GetPeriodStartEnd(\"props\", ref ";
+    const std::string before = "create QDCPeriodDate.clsPeriodDate\n"
+                               "call GetPeriodStartEnd(\"props\", ref ";
     const std::string after = kTwoUnsetDates;
     if (!log.starts_with(before) || !log.ends_with(after)) return log;
     std::string asked = log.substr(before.size(), log.size() - before.size() - after.size());
@@ -145,7 +144,7 @@ class SettlementOptionsTest : public ProfileTest {};
 
 TEST_F(SystemProfileTest, HasItsMembersInInterfaceOrder) {
   std::string names;
-  for (const Member& member : SystemProfile::Table().members()) {
+  for (const ClassMember& member : SystemProfile::Table().members()) {
     names += std::string(member.row.name) + " ";
   }
   EXPECT_EQ(names,
@@ -184,23 +183,22 @@ TEST_F(SystemProfileTest, RefreshFetchesFifteenCategoriesEachWithAFreshConnectio
   });
   server.session_values["PropsString"] = Variant("props0");
   profile->Refresh();
-  EXPECT_EQ(server.TakeLog(),
-            "create QDSVBase.SystemProfile\n"
-            "call ListProfiles(\"props0\", \"Base\") -> {Number: 1}\n"
-            "call ListProfiles(\"props1\", \"General\") -> {Number: 2}\n"
-            "call ListProfiles(\"props2\", \"GL\") -> {Number: 3}\n"
-            "call ListProfiles(\"props3\", \"SC\") -> {Number: 4}\n"
-            "call ListProfiles(\"props4\", \"MG\") -> {Number: 5}\n"
-            "call ListProfiles(\"props5\", \"GB\") -> {Number: 6}\n"
-            "call ListProfiles(\"props6\", \"GR\") -> {Number: 7}\n"
-            "call ListProfiles(\"props7\", \"PM\") -> {Number: 8}\n"
-            "call ListProfiles(\"props8\", \"BM\") -> {Number: 9}\n"
-            "call ListProfiles(\"props9\", \"CM\") -> {Number: 10}\n"
-            "call ListProfiles(\"props10\", \"Bank\") -> {Number: 11}\n"
-            "call ListProfiles(\"props11\", \"CN\") -> {Number: 12}\n"
-            "call ListProfiles(\"props12\", \"IC\") -> {Number: 13}\n"
-            "call ListProfiles(\"props13\", \"FA\") -> {Number: 14}\n"
-            "call ListProfiles(\"props14\", \"PA\") -> {Number: 15}\n");
+  EXPECT_EQ(server.TakeLog(), "create QDSVBase.SystemProfile\n"
+                              "call ListProfiles(\"props0\", \"Base\") -> {Number: 1}\n"
+                              "call ListProfiles(\"props1\", \"General\") -> {Number: 2}\n"
+                              "call ListProfiles(\"props2\", \"GL\") -> {Number: 3}\n"
+                              "call ListProfiles(\"props3\", \"SC\") -> {Number: 4}\n"
+                              "call ListProfiles(\"props4\", \"MG\") -> {Number: 5}\n"
+                              "call ListProfiles(\"props5\", \"GB\") -> {Number: 6}\n"
+                              "call ListProfiles(\"props6\", \"GR\") -> {Number: 7}\n"
+                              "call ListProfiles(\"props7\", \"PM\") -> {Number: 8}\n"
+                              "call ListProfiles(\"props8\", \"BM\") -> {Number: 9}\n"
+                              "call ListProfiles(\"props9\", \"CM\") -> {Number: 10}\n"
+                              "call ListProfiles(\"props10\", \"Bank\") -> {Number: 11}\n"
+                              "call ListProfiles(\"props11\", \"CN\") -> {Number: 12}\n"
+                              "call ListProfiles(\"props12\", \"IC\") -> {Number: 13}\n"
+                              "call ListProfiles(\"props13\", \"FA\") -> {Number: 14}\n"
+                              "call ListProfiles(\"props14\", \"PA\") -> {Number: 15}\n");
   EXPECT_EQ(StateText(Variant(profile->ProfileList(""))),
             "{Base: {Number: 1}, General: {Number: 2}, GL: {Number: 3}, SC: {Number: 4}, "
             "MG: {Number: 5}, GB: {Number: 6}, GR: {Number: 7}, PM: {Number: 8}, BM: {Number: 9}, "
@@ -213,13 +211,12 @@ TEST_F(SystemProfileTest, RefreshReadsTheSessionBehindTheCreationAndBeforeEachCa
   profile->Refresh();
   std::string log = "create QDSVBase.SystemProfile\n";
   for (const std::string& category : kCategories) {
-    log +=
-        "create-object QDCMtsCacheService.CacheFacade\n"
-        "call GetItem(ref 4711, \"IsOuterLogin\") -> 1\n"
-        "call GetItem(ref 4711, \"PropsString\") -> \"props\"\n"
-        "call GetItem(ref 4711, \"PropsString\") -> \"props\"\n"
-        "call ListProfiles(\"props\", \"" +
-        category + "\") -> {}\n";
+    log += "create-object QDCMtsCacheService.CacheFacade\n"
+           "call GetItem(ref 4711, \"IsOuterLogin\") -> 1\n"
+           "call GetItem(ref 4711, \"PropsString\") -> \"props\"\n"
+           "call GetItem(ref 4711, \"PropsString\") -> \"props\"\n"
+           "call ListProfiles(\"props\", \"" +
+           category + "\") -> {}\n";
   }
   EXPECT_EQ(server.TakeLog(), log);
 }
@@ -420,9 +417,8 @@ TEST_F(SystemProfileTest, ItemWritesAChangeToTheServerAndTheCache) {
   Store("GL", "K", "old");
   profile->Item("GL", "K", "new");
   EXPECT_EQ(server.TakeLog(),
-            LoadLog() +
-                "create QDSVBase.SystemProfile\n"
-                "call SetProfile(\"props\", ref \"GL\", ref \"K\", ref \"new\")\n");
+            LoadLog() + "create QDSVBase.SystemProfile\n"
+                        "call SetProfile(\"props\", ref \"GL\", ref \"K\", ref \"new\")\n");
   EXPECT_EQ(profile->Item("GL", "K"), "new");
   EXPECT_EQ(StateText(Variant(profile->ProfileList("GL"))), "{K: \"new\"}");
   EXPECT_EQ(server.TakeLog(), "");
@@ -437,18 +433,16 @@ TEST_F(SystemProfileTest, ItemIsWrittenByNameToo) {
     return Variant();
   });
   profile->Let("Item", ByRef(category), ByRef(key), ByRef(value));
-  EXPECT_EQ(server.TakeLog(),
-            "create QDSVBase.SystemProfile\n"
-            "call SetProfile(\"props\", ref \"GL\", ref \"K\", ref \"v\")\n");
+  EXPECT_EQ(server.TakeLog(), "create QDSVBase.SystemProfile\n"
+                              "call SetProfile(\"props\", ref \"GL\", ref \"K\", ref \"v\")\n");
   EXPECT_EQ(category + key + value, "GLKv") << "the caller's variables stay";
 }
 
 TEST_F(SystemProfileTest, ItemWritesAKeyThatIsNotThereYet) {
   profile->Item("Bank", "New", "1");
   EXPECT_EQ(server.TakeLog(),
-            LoadLog() +
-                "create QDSVBase.SystemProfile\n"
-                "call SetProfile(\"props\", ref \"Bank\", ref \"New\", ref \"1\")\n");
+            LoadLog() + "create QDSVBase.SystemProfile\n"
+                        "call SetProfile(\"props\", ref \"Bank\", ref \"New\", ref \"1\")\n");
   EXPECT_EQ(StateText(Variant(profile->ProfileList("Bank"))), "{New: \"1\"}");
 }
 
@@ -474,10 +468,9 @@ TEST_F(SystemProfileTest, ItemWritesEveryOtherDifference) {
   server.TakeLog();
   for (const char* value : {"abc ", "", "ab", "1", "1.0"}) {
     profile->Item("GL", "K", value);
-    EXPECT_EQ(server.TakeLog(),
-              "create QDSVBase.SystemProfile\n"
-              "call SetProfile(\"props\", ref \"GL\", ref \"K\", ref \"" +
-                  std::string(value) + "\")\n");
+    EXPECT_EQ(server.TakeLog(), "create QDSVBase.SystemProfile\n"
+                                "call SetProfile(\"props\", ref \"GL\", ref \"K\", ref \"" +
+                                    std::string(value) + "\")\n");
     EXPECT_EQ(profile->Item("GL", "K"), value);
   }
 }
@@ -487,13 +480,12 @@ TEST_F(SystemProfileTest, ItemTakesAFreshConnectionTextBehindTheCreation) {
   server.TakeLog();
   server.LogSession();
   profile->Item("GL", "K", "v");
-  EXPECT_EQ(server.TakeLog(),
-            "create QDSVBase.SystemProfile\n"
-            "create-object QDCMtsCacheService.CacheFacade\n"
-            "call GetItem(ref 4711, \"IsOuterLogin\") -> 1\n"
-            "call GetItem(ref 4711, \"PropsString\") -> \"props\"\n"
-            "call GetItem(ref 4711, \"PropsString\") -> \"props\"\n"
-            "call SetProfile(\"props\", ref \"GL\", ref \"K\", ref \"v\")\n");
+  EXPECT_EQ(server.TakeLog(), "create QDSVBase.SystemProfile\n"
+                              "create-object QDCMtsCacheService.CacheFacade\n"
+                              "call GetItem(ref 4711, \"IsOuterLogin\") -> 1\n"
+                              "call GetItem(ref 4711, \"PropsString\") -> \"props\"\n"
+                              "call GetItem(ref 4711, \"PropsString\") -> \"props\"\n"
+                              "call SetProfile(\"props\", ref \"GL\", ref \"K\", ref \"v\")\n");
 }
 
 TEST_F(SystemProfileTest, TheCacheFollowsWhatTheServerWritesBack) {
@@ -518,11 +510,10 @@ TEST_F(SystemProfileTest, AFailedWriteLeavesTheCacheAlone) {
     EXPECT_EQ(ErrorOf([&] { profile->Item("GL", "K", "new"); }), "error 1234 (server): words");
     EXPECT_EQ(profile->Item("GL", "K"), "old");
   }
-  EXPECT_EQ(server.TakeLog(),
-            "create QDSVBase.SystemProfile -> error 1234 (server): words\n"
-            "create QDSVBase.SystemProfile\n"
-            "call SetProfile(\"props\", ref \"GL\", ref \"K\", ref \"new\") -> "
-            "error 1234 (server): words\n");
+  EXPECT_EQ(server.TakeLog(), "create QDSVBase.SystemProfile -> error 1234 (server): words\n"
+                              "create QDSVBase.SystemProfile\n"
+                              "call SetProfile(\"props\", ref \"GL\", ref \"K\", ref \"new\") -> "
+                              "error 1234 (server): words\n");
 }
 
 TEST_F(SystemProfileTest, OtherObjectsSeeAWriteOnlyBehindTheirOwnRefresh) {
@@ -919,9 +910,8 @@ TEST_F(SystemProfileTest, EachForcedSettingHasItsOwnKeyInTheOverrideFile) {
 
 TEST_F(SystemProfileTest, IsNeedOfflineAsksTheServerEachTime) {
   server.Answer(kBase, "IsNeedOffline", Variant(true));
-  const std::string log =
-      "create QDSVBase.BaseInfo\n"
-      "call IsNeedOffline(\"props\", -1%, ref \"HOST\") -> True\n";
+  const std::string log = "create QDSVBase.BaseInfo\n"
+                          "call IsNeedOffline(\"props\", -1%, ref \"HOST\") -> True\n";
   EXPECT_TRUE(profile->IsNeedOffline());
   EXPECT_EQ(server.TakeLog(), log);
   EXPECT_EQ(StateText(profile->Call("IsNeedOffline")), "True");
@@ -946,11 +936,10 @@ TEST_F(SystemProfileTest, IsNeedOfflineNamesTheComputerAsTheSystemDoes) {
   profile->IsNeedOffline();
   server.platform().fail_computer_name = true;
   profile->IsNeedOffline();
-  EXPECT_EQ(server.TakeLog(),
-            "create QDSVBase.BaseInfo\n"
-            "call IsNeedOffline(\"props\", -1%, ref \"Front Desk\")\n"
-            "create QDSVBase.BaseInfo\n"
-            "call IsNeedOffline(\"props\", -1%, ref \"NoName\")\n");
+  EXPECT_EQ(server.TakeLog(), "create QDSVBase.BaseInfo\n"
+                              "call IsNeedOffline(\"props\", -1%, ref \"Front Desk\")\n"
+                              "create QDSVBase.BaseInfo\n"
+                              "call IsNeedOffline(\"props\", -1%, ref \"NoName\")\n");
 }
 
 TEST_F(SystemProfileTest, IsNeedOfflinePassesAFailureOn) {
@@ -1004,10 +993,9 @@ TEST_F(SystemProfileTest, TheTransactionContextIsKeptAndGivenToNobody) {
   EXPECT_EQ(context->holders(), 2);
   profile->Refresh();
   Long year = 0;
-  profile->GLGetPeriodByDate(Date::FromYmd(2004, 3, 15), year);
-  EXPECT_EQ(server.TakeLog(), LoadLog() +
-                                  "create QDCPeriodDate.clsPeriodDate\n"
-                                  "call GetPeriod(\"props\", ref #2004-03-15#, ref 0)\n");
+  profile->GLGetPeriodByDate(DateTime::FromYmd(2004, 3, 15), year);
+  EXPECT_EQ(server.TakeLog(), LoadLog() + "create QDCPeriodDate.clsPeriodDate\n"
+                                          "call GetPeriod(\"props\", ref #2004-03-15#, ref 0)\n");
   EXPECT_EQ(context->holders(), 2);
 
   const auto other = Make<Opaque>();
@@ -1022,16 +1010,15 @@ TEST_F(SystemProfileTest, TheTransactionContextIsKeptAndGivenToNobody) {
 
 TEST_F(AccountingCalendarTest, ThePeriodOfADateIsTheServers) {
   AnswerPeriod(Variant(Long{2005}), 13);
-  EXPECT_EQ(PeriodOf(Date::FromYmd(2004, 3, 15)), "13 of 2005");
-  EXPECT_EQ(server.TakeLog(),
-            "create QDCPeriodDate.clsPeriodDate\n"
-            "call GetPeriod(\"props\", ref #2004-03-15#, ref 0) -> 2005\n");
+  EXPECT_EQ(PeriodOf(DateTime::FromYmd(2004, 3, 15)), "13 of 2005");
+  EXPECT_EQ(server.TakeLog(), "create QDCPeriodDate.clsPeriodDate\n"
+                              "call GetPeriod(\"props\", ref #2004-03-15#, ref 0) -> 2005\n");
 }
 
 TEST_F(AccountingCalendarTest, ThePeriodOfADateIsAskedAnewEachTimeWithoutTheSettings) {
   AnswerPeriod(Variant("2004"), 3);
   for (int i = 0; i < 2; ++i) {
-    EXPECT_EQ(PeriodOf(Date(Date::FromYmd(2004, 3, 15).days + 0.5)), "3 of 2004");
+    EXPECT_EQ(PeriodOf(DateTime(DateTime::FromYmd(2004, 3, 15).days + 0.5)), "3 of 2004");
     EXPECT_EQ(server.TakeLog(),
               "create QDCPeriodDate.clsPeriodDate\n"
               "call GetPeriod(\"props\", ref #2004-03-15 12:00:00#, ref 0) -> \"2004\"\n");
@@ -1040,32 +1027,31 @@ TEST_F(AccountingCalendarTest, ThePeriodOfADateIsAskedAnewEachTimeWithoutTheSett
 
 TEST_F(AccountingCalendarTest, ThePeriodOfADateIsAskedForWithAFreshConnectionText) {
   server.LogSession();
-  PeriodOf(Date::FromYmd(2004, 3, 15));
-  EXPECT_EQ(server.TakeLog(),
-            "create QDCPeriodDate.clsPeriodDate\n"
-            "create-object QDCMtsCacheService.CacheFacade\n"
-            "call GetItem(ref 4711, \"IsOuterLogin\") -> 1\n"
-            "call GetItem(ref 4711, \"PropsString\") -> \"props\"\n"
-            "call GetItem(ref 4711, \"PropsString\") -> \"props\"\n"
-            "call GetPeriod(\"props\", ref #2004-03-15#, ref 0)\n");
+  PeriodOf(DateTime::FromYmd(2004, 3, 15));
+  EXPECT_EQ(server.TakeLog(), "create QDCPeriodDate.clsPeriodDate\n"
+                              "create-object QDCMtsCacheService.CacheFacade\n"
+                              "call GetItem(ref 4711, \"IsOuterLogin\") -> 1\n"
+                              "call GetItem(ref 4711, \"PropsString\") -> \"props\"\n"
+                              "call GetItem(ref 4711, \"PropsString\") -> \"props\"\n"
+                              "call GetPeriod(\"props\", ref #2004-03-15#, ref 0)\n");
 }
 
 TEST_F(AccountingCalendarTest, APeriodThatTheServerDoesNotWriteIsZero) {
   server.Answer(kCalendar, "GetPeriod", Variant(Long{2004}));
-  EXPECT_EQ(PeriodOf(Date::FromYmd(2004, 3, 15)), "0 of 2004");
+  EXPECT_EQ(PeriodOf(DateTime::FromYmd(2004, 3, 15)), "0 of 2004");
 }
 
 TEST_F(AccountingCalendarTest, TheYearOfADateComesBackIntoTheCallersVariableByName) {
   server.AnswerWith(kCalendar, "GetPeriod", [](std::span<Argument> arguments) {
-    arguments[1].Put(Variant(Date::FromYmd(1999, 1, 1)));
+    arguments[1].Put(Variant(DateTime::FromYmd(1999, 1, 1)));
     arguments[2].Put(Variant(Long{4}));
     return Variant(Long{2006});
   });
-  Date day = Date::FromYmd(2004, 3, 15);
+  DateTime day = DateTime::FromYmd(2004, 3, 15);
   Long year = 77;
   EXPECT_EQ(StateText(profile->Call("GLGetPeriodByDate", ByRef(day), ByRef(year))), "4");
   EXPECT_EQ(year, 2006);
-  EXPECT_EQ(day, Date::FromYmd(2004, 3, 15)) << "the caller's date stays";
+  EXPECT_EQ(day, DateTime::FromYmd(2004, 3, 15)) << "the caller's date stays";
 
   Variant any = Variant("text");
   EXPECT_EQ(ErrorOf([&] { profile->Call("GLGetPeriodByDate", day, ByRef(any)); }), "error 13");
@@ -1076,20 +1062,19 @@ TEST_F(AccountingCalendarTest, TheYearOfADateComesBackIntoTheCallersVariableByNa
 
 TEST_F(AccountingCalendarTest, DatesFromTheYear9999AreNotAskedFor) {
   AnswerPeriod(Variant(Long{1}), 1);
-  EXPECT_EQ(PeriodOf(Date::FromYmd(9999, 1, 1)), "1 of 9999");
-  EXPECT_EQ(PeriodOf(Date::FromYmd(9999, 12, 31)), "12 of 9999");
+  EXPECT_EQ(PeriodOf(DateTime::FromYmd(9999, 1, 1)), "1 of 9999");
+  EXPECT_EQ(PeriodOf(DateTime::FromYmd(9999, 12, 31)), "12 of 9999");
   EXPECT_EQ(server.TakeLog(), "");
-  EXPECT_EQ(PeriodOf(Date::FromYmd(9998, 12, 31)), "1 of 1");
-  EXPECT_EQ(server.TakeLog(),
-            "create QDCPeriodDate.clsPeriodDate\n"
-            "call GetPeriod(\"props\", ref #9998-12-31#, ref 0) -> 1\n");
+  EXPECT_EQ(PeriodOf(DateTime::FromYmd(9998, 12, 31)), "1 of 1");
+  EXPECT_EQ(server.TakeLog(), "create QDCPeriodDate.clsPeriodDate\n"
+                              "call GetPeriod(\"props\", ref #9998-12-31#, ref 0) -> 1\n");
 }
 
 TEST_F(AccountingCalendarTest, ThePeriodOfADateIsTheCalendarsWhenTheServerFails) {
   AnswerPeriod(Variant(Long{2005}), 13);
   for (const int event : {1, 2}) {
     server.FailAt(event, Error(1234, "server", "words"));
-    EXPECT_EQ(PeriodOf(Date::FromYmd(2004, 3, 15)), "3 of 2004");
+    EXPECT_EQ(PeriodOf(DateTime::FromYmd(2004, 3, 15)), "3 of 2004");
   }
   EXPECT_EQ(server.TakeLog(),
             "create QDCPeriodDate.clsPeriodDate -> error 1234 (server): words\n"
@@ -1100,8 +1085,8 @@ TEST_F(AccountingCalendarTest, ThePeriodOfADateIsTheCalendarsWhenTheServerFails)
 TEST_F(AccountingCalendarTest, ThePeriodOfADateIsTheCalendarsWithoutAServer) {
   server.missing_components = {kCalendar, "QDCMtsCacheService.CacheFacade",
                                "QDCPropsMgr.ShareProps"};
-  EXPECT_EQ(PeriodOf(Date::FromYmd(2004, 3, 15)), "3 of 2004");
-  EXPECT_EQ(PeriodOf(Date::FromYmd(1899, 12, 29)), "12 of 1899");
+  EXPECT_EQ(PeriodOf(DateTime::FromYmd(2004, 3, 15)), "3 of 2004");
+  EXPECT_EQ(PeriodOf(DateTime::FromYmd(1899, 12, 29)), "12 of 1899");
 }
 
 TEST_F(AccountingCalendarTest, AFailureBehindAWrittenPeriodGivesTheCalendarsPeriod) {
@@ -1109,30 +1094,29 @@ TEST_F(AccountingCalendarTest, AFailureBehindAWrittenPeriodGivesTheCalendarsPeri
     arguments[2].Put(Variant(Long{13}));
     throw Error(1234);
   });
-  EXPECT_EQ(PeriodOf(Date::FromYmd(2004, 3, 15)), "3 of 2004");
+  EXPECT_EQ(PeriodOf(DateTime::FromYmd(2004, 3, 15)), "3 of 2004");
 }
 
 TEST_F(AccountingCalendarTest, AYearThatIsNoLongGivesTheCalendarsPeriod) {
   for (const Variant& answer :
        {Variant("soon"), Variant(Null), Variant(1e10), Variant(Make<Vector>())}) {
     AnswerPeriod(answer, 13);
-    EXPECT_EQ(PeriodOf(Date::FromYmd(2004, 3, 15)), "3 of 2004") << StateText(answer);
+    EXPECT_EQ(PeriodOf(DateTime::FromYmd(2004, 3, 15)), "3 of 2004") << StateText(answer);
   }
 }
 
 // ---- The first day of a period ----
 
 TEST_F(AccountingCalendarTest, TheFirstDayOfAPeriodIsTheServers) {
-  EXPECT_EQ(profile->GLGetPeriodDate(2004, 3), Date::FromYmd(2004, 2, 26));
+  EXPECT_EQ(profile->GLGetPeriodDate(2004, 3), DateTime::FromYmd(2004, 2, 26));
   EXPECT_EQ(server.TakeLog(), LoadLog() +
                                   "create QDCPeriodDate.clsPeriodDate\n"
                                   "call GetPeriodStartEnd(\"props\", ref 3, ref 2004" +
                                   kTwoUnsetDates);
   EXPECT_EQ(StateText(profile->Call("GLGetPeriodDate", 2004, 3)), "#2004-02-26#");
-  EXPECT_EQ(server.TakeLog(),
-            "create QDCPeriodDate.clsPeriodDate\n"
-            "call GetPeriodStartEnd(\"props\", ref 3, ref 2004" +
-                kTwoUnsetDates);
+  EXPECT_EQ(server.TakeLog(), "create QDCPeriodDate.clsPeriodDate\n"
+                              "call GetPeriodStartEnd(\"props\", ref 3, ref 2004" +
+                                  kTwoUnsetDates);
 }
 
 TEST_F(AccountingCalendarTest, TheFirstDayIsAskedForWithAFreshConnectionText) {
@@ -1140,19 +1124,18 @@ TEST_F(AccountingCalendarTest, TheFirstDayIsAskedForWithAFreshConnectionText) {
   server.TakeLog();
   server.LogSession();
   profile->GLGetPeriodDate(2004, 3);
-  EXPECT_EQ(server.TakeLog(),
-            "create QDCPeriodDate.clsPeriodDate\n"
-            "create-object QDCMtsCacheService.CacheFacade\n"
-            "call GetItem(ref 4711, \"IsOuterLogin\") -> 1\n"
-            "call GetItem(ref 4711, \"PropsString\") -> \"props\"\n"
-            "call GetItem(ref 4711, \"PropsString\") -> \"props\"\n"
-            "call GetPeriodStartEnd(\"props\", ref 3, ref 2004" +
-                kTwoUnsetDates);
+  EXPECT_EQ(server.TakeLog(), "create QDCPeriodDate.clsPeriodDate\n"
+                              "create-object QDCMtsCacheService.CacheFacade\n"
+                              "call GetItem(ref 4711, \"IsOuterLogin\") -> 1\n"
+                              "call GetItem(ref 4711, \"PropsString\") -> \"props\"\n"
+                              "call GetItem(ref 4711, \"PropsString\") -> \"props\"\n"
+                              "call GetPeriodStartEnd(\"props\", ref 3, ref 2004" +
+                                  kTwoUnsetDates);
 }
 
 TEST_F(AccountingCalendarTest, AFirstDayThatTheServerDoesNotWriteIsDayZero) {
-  server.Answer(kCalendar, "GetPeriodStartEnd", Variant(Date::FromYmd(2004, 1, 1)));
-  EXPECT_EQ(profile->GLGetPeriodDate(2004, 3), Date(0));
+  server.Answer(kCalendar, "GetPeriodStartEnd", Variant(DateTime::FromYmd(2004, 1, 1)));
+  EXPECT_EQ(profile->GLGetPeriodDate(2004, 3), DateTime(0));
 }
 
 TEST_F(AccountingCalendarTest, ZeroStandsForTheCurrentPeriodAndYear) {
@@ -1282,29 +1265,30 @@ TEST_F(SettlementOptionsTest, TheDaysOfAnOverdueBillPassAFailureOn) {
 struct DayOption {
   const char* name;
   const char* key;
-  Date (SystemProfile::*read)();
-  Date fallback;
+  DateTime (SystemProfile::*read)();
+  DateTime fallback;
 };
 
 const DayOption kDays[] = {
-    {"SCGetDateToday", "SCDateToday", &SystemProfile::SCGetDateToday, Date::FromYmd(2026, 1, 31)},
+    {"SCGetDateToday", "SCDateToday", &SystemProfile::SCGetDateToday,
+     DateTime::FromYmd(2026, 1, 31)},
     {"SCGetYearRateStartDate", "SCYearRateStartDate", &SystemProfile::SCGetYearRateStartDate,
-     Date::FromYmd(1995, 10, 25)},
+     DateTime::FromYmd(1995, 10, 25)},
 };
 
 TEST_F(SettlementOptionsTest, ADayIsReadFromItsText) {
-  const std::pair<Variant, Date> cases[] = {
-      {"2004-03-15", Date::FromYmd(2004, 3, 15)},
-      {"2004/03/15", Date::FromYmd(2004, 3, 15)},
-      {"2004-3-5", Date::FromYmd(2004, 3, 5)},
-      {"2004-02-29", Date::FromYmd(2004, 2, 29)},
-      {"2004-03-15 13:05:09", Date::FromYmd(2004, 3, 15)},
-      {"2004-03-15 23:59:59", Date::FromYmd(2004, 3, 15)},
-      {"38061", Date::FromYmd(2004, 3, 15)},
-      {"38061.75", Date::FromYmd(2004, 3, 15)},
-      {"-1.75", Date::FromYmd(1899, 12, 29)},
-      {"13:05:09", Date(0)},
-      {Date(38061.75), Date::FromYmd(2004, 3, 15)},
+  const std::pair<Variant, DateTime> cases[] = {
+      {"2004-03-15", DateTime::FromYmd(2004, 3, 15)},
+      {"2004/03/15", DateTime::FromYmd(2004, 3, 15)},
+      {"2004-3-5", DateTime::FromYmd(2004, 3, 5)},
+      {"2004-02-29", DateTime::FromYmd(2004, 2, 29)},
+      {"2004-03-15 13:05:09", DateTime::FromYmd(2004, 3, 15)},
+      {"2004-03-15 23:59:59", DateTime::FromYmd(2004, 3, 15)},
+      {"38061", DateTime::FromYmd(2004, 3, 15)},
+      {"38061.75", DateTime::FromYmd(2004, 3, 15)},
+      {"-1.75", DateTime::FromYmd(1899, 12, 29)},
+      {"13:05:09", DateTime(0)},
+      {DateTime(38061.75), DateTime::FromYmd(2004, 3, 15)},
   };
   for (const DayOption& option : kDays) {
     for (const auto& [text, day] : cases) {
@@ -1334,18 +1318,18 @@ TEST_F(SettlementOptionsTest, ADayThatIsNotSetOrCannotBeReadIsTheFallback) {
 
 TEST_F(SettlementOptionsTest, TodayIsTheMachinesDayOfTheCall) {
   profile->Refresh();
-  server.platform().today = Date::FromYmd(2026, 2, 28);
-  EXPECT_EQ(profile->SCGetDateToday(), Date::FromYmd(2026, 2, 28));
-  server.platform().today = Date::FromYmd(2026, 3, 1);
-  EXPECT_EQ(profile->SCGetDateToday(), Date::FromYmd(2026, 3, 1));
+  server.platform().today = DateTime::FromYmd(2026, 2, 28);
+  EXPECT_EQ(profile->SCGetDateToday(), DateTime::FromYmd(2026, 2, 28));
+  server.platform().today = DateTime::FromYmd(2026, 3, 1);
+  EXPECT_EQ(profile->SCGetDateToday(), DateTime::FromYmd(2026, 3, 1));
 }
 
 TEST_F(SettlementOptionsTest, EachDayHasItsOwnKey) {
   Store("SC", "SCDateToday", "2004-03-15");
-  EXPECT_EQ(profile->SCGetYearRateStartDate(), Date::FromYmd(1995, 10, 25));
+  EXPECT_EQ(profile->SCGetYearRateStartDate(), DateTime::FromYmd(1995, 10, 25));
   stored.clear();
   Store("SC", "SCYearRateStartDate", "2004-03-15");
-  EXPECT_EQ(Fresh()->SCGetDateToday(), Date::FromYmd(2026, 1, 31));
+  EXPECT_EQ(Fresh()->SCGetDateToday(), DateTime::FromYmd(2026, 1, 31));
 }
 
 TEST_F(SettlementOptionsTest, ADaySwallowsTheServersFailure) {
@@ -1360,7 +1344,7 @@ TEST_F(SettlementOptionsTest, ADaySwallowsTheServersFailure) {
       // The next read finds what was fetched: nothing before the settlement centre's category, and
       // everything after a creation that failed.
       const bool read = event == 1 || event > 5;
-      EXPECT_EQ(((*fresh).*option.read)(), read ? Date::FromYmd(2004, 3, 15) : option.fallback)
+      EXPECT_EQ(((*fresh).*option.read)(), read ? DateTime::FromYmd(2004, 3, 15) : option.fallback)
           << event;
       EXPECT_EQ(server.TakeLog(), event == 1 ? LoadLog() : "") << event;
     }

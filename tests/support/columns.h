@@ -8,10 +8,10 @@
 #include <type_traits>
 #include <vector>
 
-#include "frame/class_table.h"
-#include "frame/entity.h"
-#include "frame/late_bound.h"
-#include "frame/line_view.h"
+#include "qdclgl/frame/entities/entity.h"
+#include "qdclgl/frame/entities/line_view.h"
+#include "qdclgl/frame/objects/class_table.h"
+#include "qdclgl/frame/objects/late_bound.h"
 #include "tests/support/test_objects.h"
 #include "tests/support/view_state.h"
 
@@ -214,7 +214,7 @@ void ExpectUnusable(const std::vector<Column<View>>& columns) {
 template <class View>
 std::string MemberNames() {
   std::string names;
-  for (const Member& member : View::Table().members()) {
+  for (const ClassMember& member : View::Table().members()) {
     names += (names.empty() ? "" : " ") + std::string(member.row.name);
   }
   return names;

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "frame/text.h"
+#include "qdclgl/frame/vocabulary/text.h"
 #include "tests/support/state_text.h"
 
 namespace qdclgl::testing {
@@ -49,9 +49,8 @@ RecordingServer::RecordingServer()
     : session_values{{"PropsString", Variant("props")}, {"UserName", Variant("user")}},
       gateway_(std::make_unique<RecordingGateway>(*this)),
       former_gateway_(SetServerGateway(gateway_.get())),
-      former_creator_(SetForeignComponentCreator([this](std::string_view prog_id) {
-        return Create("create-object", prog_id);
-      })) {}
+      former_creator_(SetForeignComponentCreator(
+          [this](std::string_view prog_id) { return Create("create-object", prog_id); })) {}
 
 RecordingServer::~RecordingServer() {
   SetForeignComponentCreator(std::move(former_creator_));
@@ -60,7 +59,8 @@ RecordingServer::~RecordingServer() {
 }
 
 void RecordingServer::Answer(std::string_view component, std::string_view method, Variant answer) {
-  AnswerWith(component, method, [answer = std::move(answer)](std::span<Argument>) { return answer; });
+  AnswerWith(component, method,
+             [answer = std::move(answer)](std::span<Argument>) { return answer; });
 }
 
 void RecordingServer::AnswerOnce(std::string_view component, std::string_view method,
@@ -96,9 +96,9 @@ Ref<Object> RecordingServer::Create(std::string_view verb, std::string_view prog
   const bool session = IsSessionStore(prog_id);
   const bool shown = !session || log_session_;
   if (Log(session, std::string(verb) + " " + std::string(prog_id))) Fail();
-  const bool missing = std::any_of(
-      missing_components.begin(), missing_components.end(),
-      [&](const std::string& name) { return EqualsIgnoringAsciiCase(name, prog_id); });
+  const bool missing =
+      std::any_of(missing_components.begin(), missing_components.end(),
+                  [&](const std::string& name) { return EqualsIgnoringAsciiCase(name, prog_id); });
   if (shown) log_ += missing ? " -> error 429\n" : "\n";
   if (missing) RaiseError(error_number::kCannotCreateObject);
   return Make<Component>(*this, prog_id);

@@ -10,14 +10,15 @@
 #include <string>
 #include <string_view>
 
-#include "frame/server_gateway.h"
-#include "frame/startup.h"
+#include "qdclgl/frame/session/server_gateway.h"
+#include "qdclgl/frame/session/startup.h"
 #include "tests/support/test_platform.h"
 
 namespace qdclgl::testing {
 
 // While one lives, this thread's gateway and all unregistered components are its own, and the
-// machine is a TestPlatform; the apartment counts as started. The session is an outer login with the connection text "props".
+// machine is a TestPlatform; the apartment counts as started. The session is an outer login with
+// the connection text "props".
 class RecordingServer {
  public:
   using Handler = std::function<Variant(std::span<Argument> arguments)>;

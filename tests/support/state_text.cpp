@@ -1,8 +1,8 @@
 #include "tests/support/state_text.h"
 
-#include "frame/dictionary.h"
-#include "frame/recordset.h"
-#include "frame/vector.h"
+#include "qdclgl/frame/containers/dictionary.h"
+#include "qdclgl/frame/containers/recordset.h"
+#include "qdclgl/frame/containers/vector.h"
 
 namespace qdclgl::testing {
 
@@ -79,8 +79,7 @@ std::string StateText(const Variant& value) {
     case VariantType::kDate: return "#" + CStr(value) + "#";
     case VariantType::kString: return "\"" + CStr(value) + "\"";
     case VariantType::kByteArray: return "bytes(" + Hex(value.BytesView()) + ")";
-    case VariantType::kObject:
-      return value.IsNothing() ? "Nothing" : Text(value.ObjectPointer());
+    case VariantType::kObject: return value.IsNothing() ? "Nothing" : Text(value.ObjectPointer());
   }
   return "?";
 }

@@ -4,7 +4,7 @@
 #include <span>
 #include <string>
 
-#include "frame/late_bound.h"
+#include "qdclgl/frame/objects/late_bound.h"
 
 namespace qdclgl::testing {
 

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <utility>
 
-#include "frame/dictionary.h"
+#include "qdclgl/frame/containers/dictionary.h"
 
 namespace qdclgl::testing {
 

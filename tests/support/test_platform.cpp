@@ -20,9 +20,7 @@ TestPlatform::TestPlatform()
   SetPlatform(this);
 }
 
-TestPlatform::~TestPlatform() {
-  SetPlatform(&former_);
-}
+TestPlatform::~TestPlatform() { SetPlatform(&former_); }
 
 void TestPlatform::SetProfileInt(const std::string& file, const std::string& section,
                                  const std::string& key, Long value) {

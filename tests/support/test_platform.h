@@ -6,8 +6,8 @@
 #include <tuple>
 #include <vector>
 
-#include "frame/platform.h"
-#include "frame/text.h"
+#include "qdclgl/frame/platform/platform.h"
+#include "qdclgl/frame/vocabulary/text.h"
 
 namespace qdclgl {
 
@@ -29,7 +29,7 @@ class TestPlatform final : public Platform {
 
   std::string computer_name = "HOST";
   Long process_id = 4711;
-  Date today = Date::FromYmd(2026, 1, 31);
+  DateTime today = DateTime::FromYmd(2026, 1, 31);
   std::string system_directory = "C:\\SYS";
   std::string address = "10.0.0.1";
   // By path. Profiles need an entry here to count as existing.
@@ -51,7 +51,7 @@ class TestPlatform final : public Platform {
 
   std::optional<std::string> ComputerName(std::size_t buffer_size) override;
   Long ProcessId() override { return process_id; }
-  Date Today() override { return today; }
+  DateTime Today() override { return today; }
   std::optional<std::string> SystemDirectory(std::size_t buffer_size) override;
   std::optional<std::string> AddressText(std::size_t buffer_size) override;
   Long PrivateProfileInt(const std::string& section, const std::string& key, Long default_value,

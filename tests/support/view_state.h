@@ -4,8 +4,8 @@
 
 #include <string>
 
-#include "frame/row_view.h"
-#include "frame/walkers.h"
+#include "qdclgl/frame/entities/row_view.h"
+#include "qdclgl/frame/entities/walkers.h"
 #include "tests/support/state_text.h"
 
 namespace qdclgl::testing {

@@ -4,9 +4,9 @@
 #include <initializer_list>
 #include <string>
 
+#include "qdclgl/vouchers/voucher.h"
 #include "tests/support/test_objects.h"
 #include "tests/support/view_state.h"
-#include "vouchers/voucher.h"
 
 namespace qdclgl::testing {
 

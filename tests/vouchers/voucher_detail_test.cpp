@@ -1,9 +1,9 @@
-#include "vouchers/voucher_detail.h"
+#include "qdclgl/vouchers/voucher_detail.h"
 
 #include <gtest/gtest.h>
 
+#include "qdclgl/vouchers/voucher_entry.h"
 #include "tests/support/columns.h"
-#include "vouchers/voucher_entry.h"
 
 namespace qdclgl {
 namespace {
@@ -155,9 +155,9 @@ TEST_F(VoucherDetailSetTest, AddAtAPositionMovesTheLaterDetailsUp) {
 
 TEST_F(VoucherDetailSetTest, AddRefusesAPositionThatIsNoWholeNumber) {
   Fill({1, 2});
-  const Variant indexes[] = {1.0,           1.5,  Single{1}, Byte{1}, Currency(1), "1",
-                             Variant(),     Null, true,      Date(1), Nothing,     Variant(Row({})),
-                             Make<Opaque>()};
+  const Variant indexes[] = {
+      1.0,  1.5,  Single{1},   Byte{1}, Currency(1),      "1",           Variant(),
+      Null, true, DateTime(1), Nothing, Variant(Row({})), Make<Opaque>()};
   for (const Variant& index : indexes) {
     EXPECT_EQ(ErrorOf([&] { details->Add(index); }), "error 13") << StateText(index);
     EXPECT_EQ(ErrorOf([&] { details->Call("Add", index); }), "error 13") << StateText(index);
@@ -365,8 +365,8 @@ TEST_F(VoucherDetailSetFindTest, FindItemOfATextComparesTheNumberWithCase) {
 }
 
 TEST_F(VoucherDetailSetFindTest, FindItemOfAnyOtherTypeFindsNothing) {
-  const Variant keys[] = {Variant(), Null,    Missing,         true, false, Currency(3),
-                          Date(3),   Nothing, Variant(Row({}))};
+  const Variant keys[] = {Variant(),   Null,    Missing,         true, false, Currency(3),
+                          DateTime(3), Nothing, Variant(Row({}))};
   for (const Variant& key : keys) EXPECT_EQ(Found(key), 0) << StateText(key);
 }
 

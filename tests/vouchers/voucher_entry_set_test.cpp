@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
+#include "qdclgl/vouchers/voucher_entry.h"
 #include "tests/support/columns.h"
-#include "vouchers/voucher_entry.h"
 
 namespace qdclgl {
 namespace {
@@ -107,9 +107,9 @@ TEST_F(VoucherEntrySetTest, AddRoundsADecimalPosition) {
 
 TEST_F(VoucherEntrySetTest, AddRefusesAPositionThatIsNoWholeNumber) {
   Fill({1, 2, 3});
-  const Variant indexes[] = {1.5,     1.0,     Single{1},        Byte{1},       Currency(1),
-                             "1",     "text",  Variant(),        Null,          true,
-                             Date(1), Nothing, Variant(Row({})), Make<Opaque>()};
+  const Variant indexes[] = {1.5,         1.0,     Single{1},        Byte{1},       Currency(1),
+                             "1",         "text",  Variant(),        Null,          true,
+                             DateTime(1), Nothing, Variant(Row({})), Make<Opaque>()};
   for (const Variant& index : indexes) {
     EXPECT_EQ(ErrorOf([&] { entries->Add(index); }), "error 13") << StateText(index);
     EXPECT_EQ(ErrorOf([&] { entries->Call("Add", index); }), "error 13") << StateText(index);

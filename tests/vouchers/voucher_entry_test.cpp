@@ -1,4 +1,4 @@
-#include "vouchers/voucher_entry.h"
+#include "qdclgl/vouchers/voucher_entry.h"
 
 #include <gtest/gtest.h>
 
@@ -507,9 +507,8 @@ TEST(VoucherEntry, CloneIsADeepCopyThatReachesNobody) {
   const auto line = Line(Row(
       {{"FAmount", Currency(5)}, {"_Details", details}, {"FMgBill", Row({{"FNumber", "B1"}})}}));
   line->Explanation("edited");
-  const std::string row =
-      "{FAmount: 5@, _Details: [{FItemID: 1}], FMgBill: {FNumber: \"B1\"}, "
-      "FExplanation: \"edited\"}";
+  const std::string row = "{FAmount: 5@, _Details: [{FItemID: 1}], FMgBill: {FNumber: \"B1\"}, "
+                          "FExplanation: \"edited\"}";
   const auto clone = line->Clone();
   EXPECT_EQ(State(*clone), row);
   EXPECT_EQ(FlagText(*clone->Properties()->ChangeFlag()), "-");
@@ -522,9 +521,8 @@ TEST(VoucherEntry, CloneIsADeepCopyThatReachesNobody) {
   line->Properties()->ChangeFlag()->Reset();
   line->Details()->Item(1)->ItemID(3);
   line->Explanation("again");
-  EXPECT_EQ(State(*clone),
-            "{FAmount: 9@, _Details: [{FItemID: 2}], FMgBill: {FNumber: \"B2\"}, "
-            "FExplanation: \"edited\", FDC: 1} modified flagged");
+  EXPECT_EQ(State(*clone), "{FAmount: 9@, _Details: [{FItemID: 2}], FMgBill: {FNumber: \"B2\"}, "
+                           "FExplanation: \"edited\", FDC: 1} modified flagged");
 }
 
 TEST(VoucherEntry, CloneOfAnUnwrittenLineLeavesBothUnmodified) {

@@ -1,8 +1,8 @@
-#include "vouchers/voucher_group.h"
+#include "qdclgl/vouchers/voucher_group.h"
 
 #include <gtest/gtest.h>
 
-#include "frame/class_table.h"
+#include "qdclgl/frame/objects/class_table.h"
 #include "tests/support/recording_server.h"
 #include "tests/support/state_text.h"
 #include "tests/support/test_objects.h"
@@ -113,13 +113,12 @@ TEST_F(VoucherGroupTest, StoresZeroAndEmptyTextSinceNoMemberHasAClearValue) {
   group->Name("");
   group->Standard(0);
   group->LimitMulti(0);
-  EXPECT_EQ(State(*group),
-            "id 0 {FName: \"\", FStandard: 0%, FLimitMulti: 0%} modified flagged");
+  EXPECT_EQ(State(*group), "id 0 {FName: \"\", FStandard: 0%, FLimitMulti: 0%} modified flagged");
 }
 
 TEST_F(VoucherGroupTest, NullReadsAsTheDefault) {
-  const auto group = Group(
-      Row({{"FName", Null}, {"FStandard", Null}, {"FLimitMulti", Null}, {"UUID", Null}}));
+  const auto group =
+      Group(Row({{"FName", Null}, {"FStandard", Null}, {"FLimitMulti", Null}, {"UUID", Null}}));
   EXPECT_EQ(group->Name(), "");
   EXPECT_EQ(group->Standard(), 0);
   EXPECT_EQ(group->LimitMulti(), 0);
@@ -128,8 +127,8 @@ TEST_F(VoucherGroupTest, NullReadsAsTheDefault) {
 
 TEST_F(VoucherGroupTest, LimitMultiReadsOneForWhateverIsTrue) {
   const std::pair<Variant, Integer> cases[] = {
-      {Long{5}, 1}, {Long{0}, 0},   {Integer{-1}, 1}, {true, 1}, {false, 0},
-      {0.25, 1},    {"True", 1},    {"0", 0},         {"", 0},   {Null, 0},
+      {Long{5}, 1}, {Long{0}, 0}, {Integer{-1}, 1}, {true, 1}, {false, 0},
+      {0.25, 1},    {"True", 1},  {"0", 0},         {"", 0},   {Null, 0},
   };
   for (const auto& [stored, read] : cases) {
     EXPECT_EQ(Group(Row({{"FLimitMulti", stored}}))->LimitMulti(), read) << StateText(stored);
@@ -139,7 +138,8 @@ TEST_F(VoucherGroupTest, LimitMultiReadsOneForWhateverIsTrue) {
 
 TEST_F(VoucherGroupTest, LimitMultiOfFiveSavedReadsBackAsOneWithoutAnotherChange) {
   const auto group = Group(Row({{"FGroupID", Long{3}}}));
-  server.Answer(kInfo, "GetDetail", Variant(Row({{"FGroupID", Long{3}}, {"FLimitMulti", Long{5}}})));
+  server.Answer(kInfo, "GetDetail",
+                Variant(Row({{"FGroupID", Long{3}}, {"FLimitMulti", Long{5}}})));
   group->LimitMulti(5);
   group->SaveChanges();
   EXPECT_EQ(group->LimitMulti(), 1);
@@ -306,12 +306,11 @@ TEST_F(VoucherGroupTest, AChangeMadeInTheLiveDictionaryIsSavedThoughNoFlagTellsO
   EXPECT_EQ(State(*group), "id 5 {FGroupID: 5, FName: \"Direct\"} modified");
   server.Answer(kInfo, "GetDetail", Nothing);
   group->SaveChanges();
-  EXPECT_EQ(server.TakeLog(),
-            "create QDSVGLVoucherGroup.VoucherGroupUpdate\n"
-            "call Update(\"props\", ref 5, {FGroupID: 5, FName: \"Direct\", "
-            "MachineName: \"HOST\", IPAddress: \"10.0.0.1\"})\n"
-            "create QDSVGLVoucherGroup.VoucherGroupInfo\n"
-            "call GetDetail(\"props\", ref 5) -> Nothing\n");
+  EXPECT_EQ(server.TakeLog(), "create QDSVGLVoucherGroup.VoucherGroupUpdate\n"
+                              "call Update(\"props\", ref 5, {FGroupID: 5, FName: \"Direct\", "
+                              "MachineName: \"HOST\", IPAddress: \"10.0.0.1\"})\n"
+                              "create QDSVGLVoucherGroup.VoucherGroupInfo\n"
+                              "call GetDetail(\"props\", ref 5) -> Nothing\n");
 }
 
 TEST_F(VoucherGroupTest, TheStampsSetNoChangeFlagOfTheirOwn) {
@@ -319,9 +318,8 @@ TEST_F(VoucherGroupTest, TheStampsSetNoChangeFlagOfTheirOwn) {
   group->Properties()->Dictionary()->Value("FName", "Direct");
   server.FailAt(2, Error(70, "server", "refused"));
   EXPECT_EQ(ErrorOf([&] { group->SaveChanges(); }), "error 70 (server): refused");
-  EXPECT_EQ(State(*group),
-            "id 5 {FGroupID: 5, FName: \"Direct\", MachineName: \"HOST\", "
-            "IPAddress: \"10.0.0.1\"} modified");
+  EXPECT_EQ(State(*group), "id 5 {FGroupID: 5, FName: \"Direct\", MachineName: \"HOST\", "
+                           "IPAddress: \"10.0.0.1\"} modified");
 }
 
 TEST_F(VoucherGroupTest, SaveChangesStampsEmptyTextsWhenTheMachineGivesNone) {
@@ -414,17 +412,15 @@ TEST_F(VoucherGroupTest, TheConnectionTextIsAskedForBehindTheComponentAndAfreshF
   server.Answer(kInfo, "GetDetail", Nothing);
   server.LogSession();
   group->SaveChanges();
-  const std::string kSession =
-      "create-object QDCMtsCacheService.CacheFacade\n"
-      "call GetItem(ref 4711, \"IsOuterLogin\") -> 1\n"
-      "call GetItem(ref 4711, \"PropsString\") -> \"props\"\n"
-      "call GetItem(ref 4711, \"PropsString\") -> \"props\"\n";
-  EXPECT_EQ(server.TakeLog(),
-            "create QDSVGLVoucherGroup.VoucherGroupUpdate\n" + kSession +
-                "call Create(\"props\", {FName: \"x\", MachineName: \"HOST\", "
-                "IPAddress: \"10.0.0.1\"}) -> 8\n"
-                "create QDSVGLVoucherGroup.VoucherGroupInfo\n" +
-                kSession + "call GetDetail(\"props\", ref 8) -> Nothing\n");
+  const std::string kSession = "create-object QDCMtsCacheService.CacheFacade\n"
+                               "call GetItem(ref 4711, \"IsOuterLogin\") -> 1\n"
+                               "call GetItem(ref 4711, \"PropsString\") -> \"props\"\n"
+                               "call GetItem(ref 4711, \"PropsString\") -> \"props\"\n";
+  EXPECT_EQ(server.TakeLog(), "create QDSVGLVoucherGroup.VoucherGroupUpdate\n" + kSession +
+                                  "call Create(\"props\", {FName: \"x\", MachineName: \"HOST\", "
+                                  "IPAddress: \"10.0.0.1\"}) -> 8\n"
+                                  "create QDSVGLVoucherGroup.VoucherGroupInfo\n" +
+                                  kSession + "call GetDetail(\"props\", ref 8) -> Nothing\n");
 }
 
 TEST_F(VoucherGroupTest, WithoutASessionTheServerIsHandedAnEmptyConnectionText) {
@@ -432,9 +428,8 @@ TEST_F(VoucherGroupTest, WithoutASessionTheServerIsHandedAnEmptyConnectionText) 
   const auto group = Group(Row({{"FGroupID", Long{5}}}));
   server.Answer(kInfo, "GetDetail", Nothing);
   group->Refresh();
-  EXPECT_EQ(server.TakeLog(),
-            "create QDSVGLVoucherGroup.VoucherGroupInfo\n"
-            "call GetDetail(\"\", ref 5) -> Nothing\n");
+  EXPECT_EQ(server.TakeLog(), "create QDSVGLVoucherGroup.VoucherGroupInfo\n"
+                              "call GetDetail(\"\", ref 5) -> Nothing\n");
 }
 
 TEST_F(VoucherGroupTest, AGroupThatWasNeverConstructedRaisesObjectNotSet) {
@@ -594,8 +589,8 @@ TEST_F(VoucherGroupSetTest, AWalkFetchesTheListOnceAndLeavesTheCursor) {
 TEST_F(VoucherGroupSetTest, ItemOfANumberReadsTheRowByItsIdByValue) {
   server.Answer(kInfo, "GetDetail", Variant(Row({{"FGroupID", Long{5}}, {"FName", "x"}})));
   const std::pair<Variant, const char*> keys[] = {
-      {Long{5}, "5"},   {Integer{5}, "5"},      {Byte{5}, "5"}, {5.4, "5"},
-      {Single{5}, "5"}, {CDec(Variant("5")), "5"}, {4.5, "4"},  {5.5, "6"},
+      {Long{5}, "5"},   {Integer{5}, "5"},         {Byte{5}, "5"}, {5.4, "5"},
+      {Single{5}, "5"}, {CDec(Variant("5")), "5"}, {4.5, "4"},     {5.5, "6"},
   };
   for (const auto& [key, id] : keys) {
     EXPECT_EQ(State(*groups->Item(key)), "id 5 {FGroupID: 5, FName: \"x\"}");
@@ -614,8 +609,8 @@ TEST_F(VoucherGroupSetTest, ItemOfATextReadsTheRowByItsNumberByReference) {
 }
 
 TEST_F(VoucherGroupSetTest, ItemOfAnyOtherKeyRaisesFiveWithoutAServerCall) {
-  const Variant keys[] = {Variant(), Null, Missing, true, Currency(5), Date(5), Nothing,
-                          Variant(Row({}))};
+  const Variant keys[] = {Variant(),   Null,        Missing, true,
+                          Currency(5), DateTime(5), Nothing, Variant(Row({}))};
   for (const Variant& key : keys) {
     EXPECT_EQ(ErrorOf([&] { groups->Item(key); }), "error 5") << StateText(key);
   }
@@ -694,11 +689,10 @@ TEST_F(VoucherGroupSetTest, RemoveByIdDeletesWithStampsAndTheSignByReference) {
   groups->RecordSet(ThreeGroups());
   groups->Remove(5);
   groups->Remove(5.5, 3);
-  EXPECT_EQ(server.TakeLog(),
-            "create QDSVGLVoucherGroup.VoucherGroupUpdate\n"
-            "call Delete(\"props\", ref 5, \"HOST\", \"10.0.0.1\", ref 0)\n"
-            "create QDSVGLVoucherGroup.VoucherGroupUpdate\n"
-            "call Delete(\"props\", ref 6, \"HOST\", \"10.0.0.1\", ref 3)\n");
+  EXPECT_EQ(server.TakeLog(), "create QDSVGLVoucherGroup.VoucherGroupUpdate\n"
+                              "call Delete(\"props\", ref 5, \"HOST\", \"10.0.0.1\", ref 0)\n"
+                              "create QDSVGLVoucherGroup.VoucherGroupUpdate\n"
+                              "call Delete(\"props\", ref 6, \"HOST\", \"10.0.0.1\", ref 3)\n");
   EXPECT_EQ(groups->Count(), 3) << "the list keeps showing the row";
 }
 
@@ -715,11 +709,10 @@ TEST_F(VoucherGroupSetTest, RemoveByTextLooksTheNameUpFirst) {
 TEST_F(VoucherGroupSetTest, RemoveOfACurrencyTakesTheTextPath) {
   server.Answer(kInfo, "ExistenceCheck", Long{7});
   groups->Remove(Currency(5));
-  EXPECT_EQ(server.TakeLog(),
-            "create QDSVGLVoucherGroup.VoucherGroupInfo\n"
-            "call ExistenceCheck(\"props\", Name:=ref Variant 5@) -> 7\n"
-            "create QDSVGLVoucherGroup.VoucherGroupUpdate\n"
-            "call Delete(\"props\", ref 7, \"HOST\", \"10.0.0.1\", ref 0)\n");
+  EXPECT_EQ(server.TakeLog(), "create QDSVGLVoucherGroup.VoucherGroupInfo\n"
+                              "call ExistenceCheck(\"props\", Name:=ref Variant 5@) -> 7\n"
+                              "create QDSVGLVoucherGroup.VoucherGroupUpdate\n"
+                              "call Delete(\"props\", ref 7, \"HOST\", \"10.0.0.1\", ref 0)\n");
 }
 
 TEST_F(VoucherGroupSetTest, RemoveOfWhatDoesNotExistRaisesFive) {
@@ -734,11 +727,16 @@ TEST_F(VoucherGroupSetTest, RemoveOfWhatDoesNotExistRaisesFive) {
 TEST_F(VoucherGroupSetTest, ServerFailuresOfEveryOperationPassUnchanged) {
   const Error failure(-2147217900, "database", "deadlock");
   const std::function<void()> operations[] = {
-      [&] { groups->Refresh(); },          [&] { groups->Count(); },
-      [&] { groups->GetCurrent(); },       [&] { groups->GetNext(); },
-      [&] { groups->NewEnum(); },          [&] { groups->Item(5); },
-      [&] { groups->Item("5"); },          [&] { groups->ExistenceCheck(5); },
-      [&] { groups->Remove(5); },          [&] { groups->Remove("x"); },
+      [&] { groups->Refresh(); },
+      [&] { groups->Count(); },
+      [&] { groups->GetCurrent(); },
+      [&] { groups->GetNext(); },
+      [&] { groups->NewEnum(); },
+      [&] { groups->Item(5); },
+      [&] { groups->Item("5"); },
+      [&] { groups->ExistenceCheck(5); },
+      [&] { groups->Remove(5); },
+      [&] { groups->Remove("x"); },
       [&] { groups->ExistenceCheck(Missing, "x"); },
   };
   for (const auto& operation : operations) {

@@ -245,11 +245,10 @@ TEST_F(VoucherSave, AnAnswerAboutTheCashFlowThatIsNoNumberStopsTheSave) {
     const auto voucher = ExistingVoucher();
     server.Answer(kInfo, "CheckExistCashProfit", answer);
     EXPECT_EQ(ErrorOf([&] { voucher->SaveChanges1(); }), "error 13") << StateText(answer);
-    EXPECT_EQ(server.TakeLog(),
-              "create QDSVGLVoucher.VoucherUpdate\n"
-              "create QDSVGLVoucher.Voucherinfo\n"
-              "call CheckExistCashProfit(\"props\", ref 5) -> " +
-                  StateText(answer) + "\n");
+    EXPECT_EQ(server.TakeLog(), "create QDSVGLVoucher.VoucherUpdate\n"
+                                "create QDSVGLVoucher.Voucherinfo\n"
+                                "call CheckExistCashProfit(\"props\", ref 5) -> " +
+                                    StateText(answer) + "\n");
     EXPECT_EQ(WholeState(*voucher), Edited("5", kExistingData + kStamps, kExistingBaseline));
   }
 }
@@ -373,13 +372,12 @@ TEST_F(VoucherSave, AnIdThatTheServerWritesBackIsGoodForTheRestOfTheSave) {
   });
   const auto voucher = ExistingVoucher();
   voucher->SaveChanges1();
-  EXPECT_EQ(server.TakeLog(),
-            "create QDSVGLVoucher.VoucherUpdate\n"
-            "create QDSVGLVoucher.Voucherinfo\n"
-            "call CheckExistCashProfit(\"props\", ref 5) -> 3\n"
-            "call ClearCashFlow(\"props\", ref 6)\n"
-            "call Update(\"props\", ref 7, {" +
-                kExistingData + kStamps + "})\n");
+  EXPECT_EQ(server.TakeLog(), "create QDSVGLVoucher.VoucherUpdate\n"
+                              "create QDSVGLVoucher.Voucherinfo\n"
+                              "call CheckExistCashProfit(\"props\", ref 5) -> 3\n"
+                              "call ClearCashFlow(\"props\", ref 6)\n"
+                              "call Update(\"props\", ref 7, {" +
+                                  kExistingData + kStamps + "})\n");
   EXPECT_EQ(voucher->VoucherID(), 9);
   const auto reloaded = ExistingVoucher();
   reloaded->SaveChanges();
@@ -405,18 +403,16 @@ TEST_F(VoucherSave, TheConnectionTextIsAskedForBehindEachComponentAndAfreshForEa
   const auto voucher = ExistingVoucher();
   server.LogSession();
   voucher->SaveChanges2();
-  const std::string kSession =
-      "create-object QDCMtsCacheService.CacheFacade\n"
-      "call GetItem(ref 4711, \"IsOuterLogin\") -> 1\n"
-      "call GetItem(ref 4711, \"PropsString\") -> \"props\"\n"
-      "call GetItem(ref 4711, \"PropsString\") -> \"props\"\n";
-  EXPECT_EQ(server.TakeLog(),
-            "create QDSVGLVoucher.VoucherUpdate\n"
-            "create QDSVGLVoucher.Voucherinfo\n" +
-                kSession + "call CheckExistCashProfit(\"props\", ref 5) -> 3\n" + kSession +
-                "call ClearCashFlow(\"props\", ref 5)\n" + kSession +
-                "call Update(ref \"<>1props\", ref 5, {" + kExistingData + kStamps + kBlankNote +
-                "})\n");
+  const std::string kSession = "create-object QDCMtsCacheService.CacheFacade\n"
+                               "call GetItem(ref 4711, \"IsOuterLogin\") -> 1\n"
+                               "call GetItem(ref 4711, \"PropsString\") -> \"props\"\n"
+                               "call GetItem(ref 4711, \"PropsString\") -> \"props\"\n";
+  EXPECT_EQ(server.TakeLog(), "create QDSVGLVoucher.VoucherUpdate\n"
+                              "create QDSVGLVoucher.Voucherinfo\n" +
+                                  kSession + "call CheckExistCashProfit(\"props\", ref 5) -> 3\n" +
+                                  kSession + "call ClearCashFlow(\"props\", ref 5)\n" + kSession +
+                                  "call Update(ref \"<>1props\", ref 5, {" + kExistingData +
+                                  kStamps + kBlankNote + "})\n");
 }
 
 TEST_F(VoucherSave, WithoutASessionTheMarkerStandsAlone) {
@@ -438,13 +434,12 @@ TEST_F(VoucherSave, TheReloadBehindACreateAsksForDeletedVouchersAsTheVoucherWasT
   server.Answer(kUpdate, "Create", Long{8});
   server.Answer(kInfo, "GetDetail", Nothing);
   voucher->SaveChanges2();
-  EXPECT_EQ(server.TakeLog(),
-            "create QDSVGLVoucher.VoucherUpdate\n"
-            "call Create(\"props\", {" +
-                kNewData + kStamps + kBlankNote +
-                "}, 2%) -> 8\n"
-                "create QDSVGLVoucher.VoucherInfo\n"
-                "call GetDetail(\"props\", ref 8, ref True) -> Nothing\n");
+  EXPECT_EQ(server.TakeLog(), "create QDSVGLVoucher.VoucherUpdate\n"
+                              "call Create(\"props\", {" +
+                                  kNewData + kStamps + kBlankNote +
+                                  "}, 2%) -> 8\n"
+                                  "create QDSVGLVoucher.VoucherInfo\n"
+                                  "call GetDetail(\"props\", ref 8, ref True) -> Nothing\n");
   EXPECT_EQ(WholeState(*voucher), "id 8 {} from Nothing");
 }
 
@@ -486,12 +481,11 @@ TEST_F(VoucherSave, ASecondSaveChanges1OfANewVoucherUpdatesIt) {
   EXPECT_TRUE(voucher->Modified());
   server.TakeLog();
   voucher->SaveChanges1();
-  EXPECT_EQ(server.TakeLog(),
-            "create QDSVGLVoucher.VoucherUpdate\n"
-            "create QDSVGLVoucher.Voucherinfo\n"
-            "call CheckExistCashProfit(\"props\", ref 8)\n"
-            "call Update(\"props\", ref 8, {" +
-                kNewData + kStamps + "})\n");
+  EXPECT_EQ(server.TakeLog(), "create QDSVGLVoucher.VoucherUpdate\n"
+                              "create QDSVGLVoucher.Voucherinfo\n"
+                              "call CheckExistCashProfit(\"props\", ref 8)\n"
+                              "call Update(\"props\", ref 8, {" +
+                                  kNewData + kStamps + "})\n");
   EXPECT_EQ(WholeState(*voucher), Edited("8", kNewData + kStamps, "Nothing"));
 }
 
@@ -528,12 +522,11 @@ TEST_F(VoucherSave, AFailedUpdateCanBeTriedAgainAndAsksAboutTheCashFlowAfresh) {
   server.TakeLog();
   voucher->SaveChanges();
   const std::string data = kExistingData + kStamps + kBlankNote;
-  EXPECT_EQ(server.TakeLog(),
-            "create QDSVGLVoucher.VoucherUpdate\n"
-            "create QDSVGLVoucher.Voucherinfo\n"
-            "call CheckExistCashProfit(\"props\", ref 5)\n"
-            "call Update(\"props\", ref 5, {" +
-                data + "})\n");
+  EXPECT_EQ(server.TakeLog(), "create QDSVGLVoucher.VoucherUpdate\n"
+                              "create QDSVGLVoucher.Voucherinfo\n"
+                              "call CheckExistCashProfit(\"props\", ref 5)\n"
+                              "call Update(\"props\", ref 5, {" +
+                                  data + "})\n");
   EXPECT_EQ(WholeState(*voucher), Clean("5", data));
 }
 
@@ -544,12 +537,11 @@ TEST_F(VoucherSave, ASaveBehindAFailedReloadUpdatesTheCreatedVoucher) {
   EXPECT_EQ(ErrorOf([&] { voucher->SaveChanges(); }), "error 70");
   server.TakeLog();
   voucher->SaveChanges1();
-  EXPECT_EQ(server.TakeLog(),
-            "create QDSVGLVoucher.VoucherUpdate\n"
-            "create QDSVGLVoucher.Voucherinfo\n"
-            "call CheckExistCashProfit(\"props\", ref 8)\n"
-            "call Update(\"props\", ref 8, {" +
-                kNewData + kStamps + kBlankNote + "})\n");
+  EXPECT_EQ(server.TakeLog(), "create QDSVGLVoucher.VoucherUpdate\n"
+                              "create QDSVGLVoucher.Voucherinfo\n"
+                              "call CheckExistCashProfit(\"props\", ref 8)\n"
+                              "call Update(\"props\", ref 8, {" +
+                                  kNewData + kStamps + kBlankNote + "})\n");
 }
 
 // ---- The workflow ----
@@ -622,11 +614,10 @@ TEST_F(VoucherSave, TheGuardsReadTheMembersAsTheyStandUnsavedEditsIncluded) {
   EXPECT_EQ(server.TakeLog(), "");
   voucher->Properties()->Item("FPosted")->Value(0);
   voucher->UnCheck();
-  EXPECT_EQ(server.TakeLog(),
-            "create QDSVGLVoucher.VoucherUpdate\n"
-            "call Check(\"props\", ref 5, False)\n"
-            "create QDSVGLVoucher.VoucherInfo\n"
-            "call GetDetail(\"props\", ref 5, ref False) -> Nothing\n");
+  EXPECT_EQ(server.TakeLog(), "create QDSVGLVoucher.VoucherUpdate\n"
+                              "call Check(\"props\", ref 5, False)\n"
+                              "create QDSVGLVoucher.VoucherInfo\n"
+                              "call GetDetail(\"props\", ref 5, ref False) -> Nothing\n");
 }
 
 TEST_F(VoucherSave, AStepThatIsRefusedLeavesTheEdits) {
@@ -713,11 +704,10 @@ TEST_F(VoucherSave, UnCashSendsTheEditsAndReadsTheVoucherAgain) {
 TEST_F(VoucherSave, CashSendsAVoucherWithoutEditsTooAndWritesNoStamps) {
   server.Answer(kInfo, "GetDetail", Nothing);
   VoucherOf(Row({{"FVoucherID", Long{5}}, {"FCashierID", Integer{3}}}))->Cash();
-  EXPECT_EQ(server.TakeLog(),
-            "create QDSVGLVoucher.VoucherUpdate\n"
-            "call Cash(\"props\", ref 5, True, {FVoucherID: 5, FCashierID: 3%})\n"
-            "create QDSVGLVoucher.VoucherInfo\n"
-            "call GetDetail(\"props\", ref 5, ref False) -> Nothing\n");
+  EXPECT_EQ(server.TakeLog(), "create QDSVGLVoucher.VoucherUpdate\n"
+                              "call Cash(\"props\", ref 5, True, {FVoucherID: 5, FCashierID: 3%})\n"
+                              "create QDSVGLVoucher.VoucherInfo\n"
+                              "call GetDetail(\"props\", ref 5, ref False) -> Nothing\n");
 }
 
 TEST_F(VoucherSave, AStepReadsTheVoucherUnderTheIdThatTheServerWroteBack) {
@@ -777,26 +767,23 @@ TEST_F(VoucherSave, TheSavesAndStepsWorkThroughLateBoundCallsToo) {
     voucher->Call(step);
   }
   const std::string data = "FVoucherID: 8, FFootNote: \"n\"";
-  const std::string save =
-      "create QDSVGLVoucher.VoucherUpdate\n"
-      "create QDSVGLVoucher.Voucherinfo\n"
-      "call CheckExistCashProfit(\"props\", ref 8)\n"
-      "call Update(\"props\", ref 8, {" +
-      data + kStamps + "})\n";
-  const std::string reload =
-      "create QDSVGLVoucher.VoucherInfo\n"
-      "call GetDetail(\"props\", ref 8, ref False) -> {" +
-      data + "}\n";
+  const std::string save = "create QDSVGLVoucher.VoucherUpdate\n"
+                           "create QDSVGLVoucher.Voucherinfo\n"
+                           "call CheckExistCashProfit(\"props\", ref 8)\n"
+                           "call Update(\"props\", ref 8, {" +
+                           data + kStamps + "})\n";
+  const std::string reload = "create QDSVGLVoucher.VoucherInfo\n"
+                             "call GetDetail(\"props\", ref 8, ref False) -> {" +
+                             data + "}\n";
   const auto step = [&](const std::string& call) {
     return "create QDSVGLVoucher.VoucherUpdate\ncall " + call + "\n" + reload;
   };
-  EXPECT_EQ(server.TakeLog(),
-            "create QDSVGLVoucher.VoucherUpdate\n"
-            "call Create(\"props\", {FFootNote: \"n\"" +
-                kStamps + "}, 2%) -> 8\n" + reload + save + save +
-                step("Check(\"props\", ref 8, True)") +
-                step("Cash(\"props\", ref 8, True, {" + data + "})") +
-                step("Cash(\"props\", ref 8, False, {" + data + "})"));
+  EXPECT_EQ(server.TakeLog(), "create QDSVGLVoucher.VoucherUpdate\n"
+                              "call Create(\"props\", {FFootNote: \"n\"" +
+                                  kStamps + "}, 2%) -> 8\n" + reload + save + save +
+                                  step("Check(\"props\", ref 8, True)") +
+                                  step("Cash(\"props\", ref 8, True, {" + data + "})") +
+                                  step("Cash(\"props\", ref 8, False, {" + data + "})"));
 }
 
 }  // namespace

@@ -5,9 +5,9 @@
 #include <chrono>
 #include <iostream>
 
+#include "qdclgl/vouchers/voucher.h"
 #include "tests/support/recording_server.h"
 #include "tests/support/voucher_state.h"
-#include "vouchers/voucher.h"
 
 namespace qdclgl {
 namespace {

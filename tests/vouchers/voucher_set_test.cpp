@@ -1,10 +1,10 @@
-#include "vouchers/voucher_set.h"
+#include "qdclgl/vouchers/voucher_set.h"
 
 #include <gtest/gtest.h>
 
 #include <functional>
 
-#include "frame/class_table.h"
+#include "qdclgl/frame/objects/class_table.h"
 #include "tests/support/recording_server.h"
 #include "tests/support/voucher_state.h"
 
@@ -49,9 +49,9 @@ class VoucherSetTest : public ::testing::Test {
 
 TEST_F(VoucherSetTest, HasItsMembersInInterfaceOrder) {
   std::string text;
-  for (const Member& member : VoucherSet::Table().members()) {
+  for (const ClassMember& member : VoucherSet::Table().members()) {
     text += std::string(member.row.name) + "(";
-    for (const Parameter& parameter : member.parameters) {
+    for (const MemberParameter& parameter : member.parameters) {
       text += (&parameter == &member.parameters.front() ? "" : ", ") +
               std::string(parameter.optional ? "[" : "") + parameter.name +
               (parameter.type == "Variant" ? "" : " As " + std::string(parameter.type)) +
@@ -181,9 +181,8 @@ TEST_F(VoucherSetTest, AWalkFetchesTheListOnceAndLeavesTheCursorOfTheSet) {
   server.Answer(kInfo, "GetList", Variant(ThreeVouchers()));
   std::string ids;
   for (auto& voucher : *vouchers) ids += State(voucher) + "; ";
-  EXPECT_EQ(ids,
-            "id 1 {FVoucherID: 1, FNumber: 11}; id 2 {FVoucherID: 2, FNumber: 12}; "
-            "id 3 {FVoucherID: 3, FNumber: Null}; ");
+  EXPECT_EQ(ids, "id 1 {FVoucherID: 1, FNumber: 11}; id 2 {FVoucherID: 2, FNumber: 12}; "
+                 "id 3 {FVoucherID: 3, FNumber: Null}; ");
   EXPECT_EQ(vouchers->GetNext()->VoucherID(), 1);
   std::string again;
   for (auto& voucher : *vouchers) again += std::to_string(voucher.VoucherID());
@@ -239,8 +238,8 @@ TEST_F(VoucherSetTest, ItemOfANumberReadsTheVoucherByItsIdByValue) {
 
 TEST_F(VoucherSetTest, ItemOfAnyOtherKeyReadsTheVoucherByItsPartsByReference) {
   server.Answer(kInfo, "GetDetailByNumber", Variant(Row({{"FVoucherID", Long{5}}})));
-  const Variant keys[] = {Missing, "5",         "",      Variant(), Null,
-                          true,    Currency(5), Date(5), Nothing,   Variant(Row({}))};
+  const Variant keys[] = {Missing, "5",         "",          Variant(), Null,
+                          true,    Currency(5), DateTime(5), Nothing,   Variant(Row({}))};
   for (const Variant& key : keys) {
     EXPECT_EQ(State(*vouchers->Item(key)), "id 5 {FVoucherID: 5}") << StateText(key);
     EXPECT_EQ(server.TakeLog(), Read("GetDetailByNumber(\"props\", ref 0, ref 0, ref \"\", ref 0, "
@@ -397,9 +396,9 @@ TEST_F(VoucherSetTest, ExistenceCheckTakesNamedAndLeftOutArgumentsLateBound) {
             "7");
   EXPECT_EQ(StateText(late->Call("ExistenceCheck", Named("voucherid", 7))), "7");
   EXPECT_EQ(StateText(late->Call("ExistenceCheck")), "0");
-  const std::string by_parts = Read(
-      "ExistenceCheck(\"props\", nYear:=ref Variant Missing, Period:=ref Variant 3, "
-      "Group:=ref Variant \"J\", Number:=ref Variant 17) -> 7");
+  const std::string by_parts =
+      Read("ExistenceCheck(\"props\", nYear:=ref Variant Missing, Period:=ref Variant 3, "
+           "Group:=ref Variant \"J\", Number:=ref Variant 17) -> 7");
   EXPECT_EQ(server.TakeLog(), by_parts + by_parts +
                                   Read("ExistenceCheck(\"props\", ref Variant 7) -> 7") +
                                   "create QDSVGLVoucher.VoucherInfo\n");
@@ -481,7 +480,8 @@ TEST_F(VoucherSetTest, RemoveByPartsOfAnUnknownVoucherRaisesFive) {
 
 TEST_F(VoucherSetTest, RemoveWithoutAUsableKeyRaisesFiveWithoutAServerCall) {
   server.Answer(kInfo, "ExistenceCheck", Long{7});
-  const Variant keys[] = {"17", "", Variant(), Null, true, Currency(5), Date(5), Nothing, 0, 0.5};
+  const Variant keys[] = {"17",        "",          Variant(), Null, true,
+                          Currency(5), DateTime(5), Nothing,   0,    0.5};
   for (const Variant& key : keys) {
     EXPECT_EQ(ErrorOf([&] { vouchers->Remove(key, 2024, 3, "J", 17); }), "error 5")
         << StateText(key);

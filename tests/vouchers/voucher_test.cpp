@@ -1,11 +1,11 @@
-#include "vouchers/voucher.h"
+#include "qdclgl/vouchers/voucher.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <functional>
 
-#include "frame/class_table.h"
+#include "qdclgl/frame/objects/class_table.h"
 #include "tests/support/recording_server.h"
 #include "tests/support/voucher_state.h"
 
@@ -76,7 +76,7 @@ Sample SampleOf(std::string_view type) {
   if (type == "Integer") return {Integer{7}, "7%", Integer{0}, "0%"};
   if (type == "Boolean") return {true, "True", false, "False"};
   if (type == "Currency") return {Currency(7.25), "7.25@", Currency(), "0@"};
-  if (type == "Date") return {Date(45000), "#2023-03-15#", Date(), "#1899-12-30#"};
+  if (type == "Date") return {DateTime(45000), "#2023-03-15#", DateTime(), "#1899-12-30#"};
   return {"a text", "\"a text\"", "", "\"\""};
 }
 
@@ -138,10 +138,10 @@ const std::vector<KeyMember>& KeyMembers() {
       {"Reference", "String", GetLet<String>(&V::Reference, &V::Reference), "FReference", "\"\""},
       {"SerialNum", "Long", GetLet<Long>(&V::SerialNum, &V::SerialNum), "FSerialNum", "0"},
       {"Summarized", "Boolean", Get<Boolean>(&V::Summarized), "FSummarized", "False"},
-      {"TransDate", "Date", GetLet<Date>(&V::TransDate, &V::TransDate), "FTransDate",
+      {"TransDate", "Date", GetLet<DateTime>(&V::TransDate, &V::TransDate), "FTransDate",
        "#1899-12-30#"},
       {"TranType", "Long", GetLet<Long>(&V::TranType, &V::TranType), "FTranType", "0"},
-      {"VoucherDate", "Date", GetLet<Date>(&V::VoucherDate, &V::VoucherDate), "FDate",
+      {"VoucherDate", "Date", GetLet<DateTime>(&V::VoucherDate, &V::VoucherDate), "FDate",
        "#1899-12-30#"},
       {"Year", "Long", GetLet<Long>(&V::Year, &V::Year), "FYear", "0"},
   };
@@ -154,7 +154,7 @@ std::string NotThisWay(const std::string& member) {
 
 TEST_F(VoucherTest, HasItsMembersInInterfaceOrder) {
   std::string text;
-  for (const Member& member : Voucher::Table().members()) {
+  for (const ClassMember& member : Voucher::Table().members()) {
     text += std::string(member.row.name) + (member.row.method != nullptr ? "()" : "") +
             (member.row.get != nullptr ? " get" : "") + (member.row.let != nullptr ? " let" : "") +
             (member.row.set != nullptr ? " set" : "") + "; ";
@@ -322,7 +322,7 @@ TEST_F(VoucherTest, BlankOutFlagIsTrueExactlyForTheNumberOne) {
       {Single{1}, true},
       {Currency(1), true},
       {CDec("1.0"), true},
-      {Date(1), true},
+      {DateTime(1), true},
       {Long{0}, false},
       {Long{2}, false},
       {Long{-1}, false},
@@ -369,15 +369,17 @@ TEST_F(VoucherTest, ObjectNameAndParameterKeepNullForEmptyTextAndReadItAsEmptyTe
 }
 
 TEST_F(VoucherTest, AnUnsetTransDateReadsAsDayZeroBesideAVoucherDate) {
-  EXPECT_EQ(VoucherOf(Row({{"FDate", Date(45000)}}))->TransDate(), Date(0));
-  EXPECT_EQ(VoucherOf(Row({{"FDate", Date(45000)}, {"FTransDate", Null}}))->TransDate(), Date(0));
-  EXPECT_EQ(VoucherOf(Row({{"FDate", Date(45000)}, {"FTransDate", Date(44000)}}))->TransDate(),
-            Date(44000));
-  EXPECT_EQ(VoucherOf(Row({{"FTransDate", Long{44000}}}))->TransDate(), Date(44000));
+  EXPECT_EQ(VoucherOf(Row({{"FDate", DateTime(45000)}}))->TransDate(), DateTime(0));
+  EXPECT_EQ(VoucherOf(Row({{"FDate", DateTime(45000)}, {"FTransDate", Null}}))->TransDate(),
+            DateTime(0));
+  EXPECT_EQ(
+      VoucherOf(Row({{"FDate", DateTime(45000)}, {"FTransDate", DateTime(44000)}}))->TransDate(),
+      DateTime(44000));
+  EXPECT_EQ(VoucherOf(Row({{"FTransDate", Long{44000}}}))->TransDate(), DateTime(44000));
 }
 
 TEST_F(VoucherTest, TransDateReadsTheVoucherDateToo) {
-  const auto voucher = VoucherOf(Row({{"FDate", "someday"}, {"FTransDate", Date(44000)}}));
+  const auto voucher = VoucherOf(Row({{"FDate", "someday"}, {"FTransDate", DateTime(44000)}}));
   EXPECT_EQ(ErrorOf([&] { voucher->TransDate(); }), "error 13");
 }
 
@@ -566,11 +568,10 @@ TEST_F(VoucherTest, TheServerMayWriteTheIdAndShowDeletedBackThroughTheirReferenc
   voucher->Refresh();
   EXPECT_EQ(State(*voucher), "id 6 {}");
   voucher->Refresh();
-  EXPECT_EQ(server.TakeLog(),
-            "create QDSVGLVoucher.VoucherInfo\n"
-            "call GetDetail(\"props\", ref 5, ref False) -> Nothing\n"
-            "create QDSVGLVoucher.VoucherInfo\n"
-            "call GetDetail(\"props\", ref 6, ref True) -> Nothing\n");
+  EXPECT_EQ(server.TakeLog(), "create QDSVGLVoucher.VoucherInfo\n"
+                              "call GetDetail(\"props\", ref 5, ref False) -> Nothing\n"
+                              "create QDSVGLVoucher.VoucherInfo\n"
+                              "call GetDetail(\"props\", ref 6, ref True) -> Nothing\n");
 }
 
 TEST_F(VoucherTest, AFailedRefreshPassesTheErrorAndKeepsTheState) {
@@ -605,9 +606,8 @@ TEST_F(VoucherTest, ShowDeletedIsPassedByRefreshAndCannotBeRead) {
   }
   voucher->Let("showdeleted", true);
   voucher->Refresh();
-  EXPECT_EQ(server.TakeLog(),
-            "create QDSVGLVoucher.VoucherInfo\n"
-            "call GetDetail(\"props\", ref 5, ref True) -> {FVoucherID: 5}\n");
+  EXPECT_EQ(server.TakeLog(), "create QDSVGLVoucher.VoucherInfo\n"
+                              "call GetDetail(\"props\", ref 5, ref True) -> {FVoucherID: 5}\n");
   EXPECT_EQ(ErrorOf([&] { voucher->Get("ShowDeleted"); }), NotThisWay("ShowDeleted"));
 }
 
@@ -826,7 +826,7 @@ TEST_F(VoucherTest, TheStampsOfASaveAndWhatGoesPastTheBagCountForTheDictionaryAl
 
 TEST_F(VoucherTest, ReadingDoesNotCount) {
   EXPECT_EQ(RecordsBehind([](Voucher& v) {
-              for (const Member& member : Voucher::Table().members()) {
+              for (const ClassMember& member : Voucher::Table().members()) {
                 if (member.row.get != nullptr) v.Get(member.row.name);
               }
               const auto lines = v.Entries();
@@ -1065,9 +1065,8 @@ TEST_F(VoucherTest, ACloneHasNeitherTheTransactionContextNorShowDeleted) {
   EXPECT_EQ(context->holders(), 2);
   server.Answer(kInfo, "GetDetail", Variant(Row({{"FVoucherID", Long{5}}})));
   clone->Refresh();
-  EXPECT_EQ(server.TakeLog(),
-            "create QDSVGLVoucher.VoucherInfo\n"
-            "call GetDetail(\"props\", ref 5, ref False) -> {FVoucherID: 5}\n");
+  EXPECT_EQ(server.TakeLog(), "create QDSVGLVoucher.VoucherInfo\n"
+                              "call GetDetail(\"props\", ref 5, ref False) -> {FVoucherID: 5}\n");
 }
 
 // ---- ValueDifferent, ValueChanged ----
@@ -1090,7 +1089,7 @@ const std::vector<Step>& Steps() {
   static const double kDay = 45000.25;
   static const std::vector<Step> steps = {
       {"VoucherID", Level::kHeader, "FVoucherID", Long{5}, Long{6}},
-      {"VoucherDate", Level::kHeader, "FDate", Date(kDay), Date(std::nextafter(kDay, 0))},
+      {"VoucherDate", Level::kHeader, "FDate", DateTime(kDay), DateTime(std::nextafter(kDay, 0))},
       {"Number", Level::kHeader, "FNumber", Long{1}, Long{2}},
       {"GroupID", Level::kHeader, "FGroupID", Long{1}, Long{2}},
       {"Attachments", Level::kHeader, "FAttachments", Long{1}, Long{2}},

@@ -12,10 +12,10 @@
 #include <string>
 #include <vector>
 
+#include "qdclgl/vouchers/voucher.h"
 #include "tests/support/random_seed.h"
 #include "tests/support/test_objects.h"
 #include "tests/support/view_state.h"
-#include "vouchers/voucher.h"
 
 namespace qdclgl {
 namespace {

@@ -1,7 +1,0 @@
-#include "frame/key.h"
-
-namespace qdclgl {
-
-void Key::DigestAtRunTime() { Digest(); }
-
-}  // namespace qdclgl

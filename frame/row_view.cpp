@@ -1,7 +1,0 @@
-#include "frame/row_view.h"
-
-namespace qdclgl {
-
-Ref<Properties> RowView::Properties() const { return m_Props; }
-
-}  // namespace qdclgl

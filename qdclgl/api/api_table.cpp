@@ -1,0 +1,68 @@
+#include "qdclgl/api/api_table.h"
+
+#include "qdclgl/api/class_list.h"
+
+namespace qdclgl {
+
+namespace {
+
+std::string ArgumentText(const ClassMember& member) {
+  std::string text;
+  for (const MemberParameter& parameter : member.parameters) {
+    if (!text.empty()) text += ',';
+    if (parameter.by_ref) text += "ref ";
+    text += parameter.name;
+    if (parameter.optional) text += '?';
+    text += ':';
+    text += parameter.type;
+    if (!parameter.default_text.empty()) text += "=" + parameter.default_text;
+  }
+  return text;
+}
+
+}  // namespace
+
+std::vector<ApiRow> ApiRows() {
+  std::vector<ApiRow> rows;
+  for (const ClassTable* public_class : PublicClasses()) {
+    if (public_class->takes_context()) {
+      rows.push_back({.class_name = public_class->name(),
+                      .member = "ISetXactContext_SetTransactionContext",
+                      .kind = "method",
+                      .type = "none",
+                      .arguments = "xa:Object",
+                      .help = "Hands over the transaction context."});
+    }
+    for (const ClassMember& member : public_class->members()) {
+      const auto add = [&](std::string_view kind, Invoker invoker) {
+        if (invoker == nullptr) return;
+        rows.push_back({public_class->name(), member.ordinal, member.row.name, kind,
+                        member.row.type, ArgumentText(member), member.row.options.is_default_member,
+                        member.row.help});
+      };
+      add("method", member.row.method);
+      add("get", member.row.get);
+      add("let", member.row.let);
+      add("set", member.row.set);
+    }
+  }
+  return rows;
+}
+
+std::string ApiTable(const std::vector<ApiRow>& rows) {
+  std::string table = "class\tordinal\tmember\tkind\ttype\targs\tdefault\n";
+  for (const ApiRow& row : rows) {
+    const std::string place = std::to_string(row.ordinal);
+    table += row.class_name;
+    for (const std::string_view cell :
+         {std::string_view(place), row.member, row.kind, row.type, std::string_view(row.arguments),
+          std::string_view(row.is_default ? "default" : "")}) {
+      table += '\t';
+      table += cell;
+    }
+    table += '\n';
+  }
+  return table;
+}
+
+}  // namespace qdclgl

@@ -1,0 +1,37 @@
+#include "qdclgl/api/class_list.h"
+
+#include <array>
+
+#include "qdclgl/frame/vocabulary/text.h"
+#include "qdclgl/qdclgl.h"
+
+namespace qdclgl {
+
+std::span<const ClassTable* const> PublicClasses() {
+  static const std::array kClasses = {
+      &Property::Table(),         &Properties::Table(),      &VoucherGroup::Table(),
+      &VoucherGroupSet::Table(),  &VoucherSet::Table(),      &Voucher::Table(),
+      &VoucherEntry::Table(),     &VoucherEntrySet::Table(), &VoucherDetail::Table(),
+      &VoucherDetailSet::Table(), &SystemProfile::Table(),   &Account::Table(),
+      &AccountSet::Table(),       &Currencyx::Table(),       &CurrencySet::Table(),
+  };
+  return kClasses;
+}
+
+const ClassTable* FindPublicClass(std::string_view name) {
+  for (const ClassTable* table : PublicClasses()) {
+    if (EqualsIgnoringAsciiCase(table->name(), name)) return table;
+  }
+  return nullptr;
+}
+
+Ref<Object> CreatePublicObject(std::string_view name) {
+  const ClassTable* table = FindPublicClass(name);
+  if (table == nullptr) {
+    throw Error(error_number::kCannotCreateObject, "QDCLGL",
+                "There is no class " + std::string(name) + ".");
+  }
+  return table->Create();
+}
+
+}  // namespace qdclgl

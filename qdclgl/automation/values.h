@@ -1,0 +1,32 @@
+// Values across the edge: VARIANT outside, Variant inside.
+#pragma once
+
+#include <string_view>
+
+#include "qdclgl/automation/com.h"
+#include "qdclgl/frame/objects/variant.h"
+
+namespace qdclgl::automation {
+
+// The VARTYPE for the word by which a row names a type; VT_DISPATCH for a class.
+VARTYPE TypeOfWord(std::string_view word);
+
+// The value in `source`, references followed to the end. Objects arrive as crossing.h tells. Whole
+// numbers of types that we don't have become the narrowest type of ours that holds them. Error 13
+// for what has no counterpart: arrays of anything but bytes, records, error codes.
+Variant FromVariant(const VARIANT& source);
+
+// Puts `value` into an empty VARIANT.
+void ToVariant(const Variant& value, VARIANT* destination);
+
+// `value` as a variable of the type that a row's word names takes it. Errors 13 and 6.
+Variant ConvertedTo(const Variant& value, std::string_view word);
+
+// Overwrites the variable behind a by-reference VARIANT, releasing what it held; a typed variable
+// takes the value converted (errors 13 and 6).
+void WriteThrough(const VARIANT& reference, const Variant& value);
+
+// An owned BSTR, for the caller to free.
+BSTR NewText(std::string_view text);
+
+}  // namespace qdclgl::automation

@@ -1,0 +1,118 @@
+// The class reference, from the member rows of the library.
+#include <nlohmann/json.hpp>
+
+#include "qdclgl/api/api_table.h"
+#include "qdclgl/api/class_list.h"
+#include "qdclgl/cli/program.h"
+
+namespace qdclgl::cli {
+
+namespace {
+
+enum class ApiForm { kPlain, kTsv, kJson, kMarkdown };
+
+struct ApiOptions {
+  std::string class_name;
+  ApiForm form = ApiForm::kPlain;
+};
+
+using Classes = std::span<const ClassTable* const>;
+
+std::vector<ApiRow> RowsOf(const ClassTable& table) {
+  std::vector<ApiRow> rows = ApiRows();
+  std::erase_if(rows, [&](const ApiRow& row) { return row.class_name != table.name(); });
+  return rows;
+}
+
+void PrintJson(std::ostream& out, Classes classes) {
+  using Json = nlohmann::ordered_json;
+  Json reference = Json::array();
+  for (const ClassTable* table : classes) {
+    Json members = Json::array();
+    for (const ApiRow& row : RowsOf(*table)) {
+      members.push_back({{"ordinal", row.ordinal},
+                         {"name", row.member},
+                         {"kind", row.kind},
+                         {"type", row.type},
+                         {"arguments", row.arguments},
+                         {"default", row.is_default},
+                         {"help", row.help}});
+    }
+    reference.push_back({{"class", table->name()},
+                         {"help", table->help()},
+                         {"creatable", table->creatable()},
+                         {"members", members}});
+  }
+  out << reference.dump(2) << '\n';
+}
+
+void PrintMarkdown(std::ostream& out, Classes classes) {
+  const auto cell = [](std::string_view text) {
+    std::string escaped;
+    for (const char c : text) {
+      if (c == '|') escaped += '\\';
+      escaped += c;
+    }
+    return escaped;
+  };
+  for (const ClassTable* table : classes) {
+    out << "## " << table->name() << "\n\n"
+        << table->help() << "\n\n"
+        << "| Member | Kind | Type | Arguments | What it does |\n"
+        << "| --- | --- | --- | --- | --- |\n";
+    for (const ApiRow& row : RowsOf(*table)) {
+      out << "| " << row.member << (row.is_default ? " (default)" : "") << " | " << row.kind
+          << " | " << row.type << " | " << cell(row.arguments) << " | " << cell(row.help) << " |\n";
+    }
+    out << '\n';
+  }
+}
+
+void PrintPlain(std::ostream& out, Classes classes) {
+  for (const ClassTable* table : classes) {
+    out << table->name() << (table->creatable() ? "" : " (made by other objects)") << ": "
+        << table->help() << '\n';
+    for (const ApiRow& row : RowsOf(*table)) {
+      out << "  " << row.kind << ' ' << row.member << '(' << row.arguments << ')';
+      if (row.type != "none") out << " As " << row.type;
+      out << (row.is_default ? " [default]" : "") << "\n      " << row.help << '\n';
+    }
+    out << '\n';
+  }
+}
+
+int PrintApi(const ApiOptions& options, std::ostream& out) {
+  Classes classes = PublicClasses();
+  const ClassTable* one = nullptr;
+  if (!options.class_name.empty()) {
+    one = FindPublicClass(options.class_name);
+    if (one == nullptr) throw UsageError("there is no class " + OneLine(options.class_name));
+    classes = std::span(&one, 1);
+  }
+  switch (options.form) {
+    case ApiForm::kPlain: PrintPlain(out, classes); break;
+    case ApiForm::kTsv: out << (one != nullptr ? ApiTable(RowsOf(*one)) : ApiTable()); break;
+    case ApiForm::kJson: PrintJson(out, classes); break;
+    case ApiForm::kMarkdown: PrintMarkdown(out, classes); break;
+  }
+  return kDone;
+}
+
+}  // namespace
+
+void AddApiCommand(Program& program) {
+  const auto options = std::make_shared<ApiOptions>();
+  CLI::App* command =
+      program.Add("api", "Prints the class reference of the library",
+                  [options, &program] { return PrintApi(*options, program.console().out); });
+  command->add_option("CLASS", options->class_name, "One class alone");
+  const auto form = [&](const char* name, ApiForm value, const char* help) {
+    return command->add_flag_callback(
+        name, [options, value] { options->form = value; }, help);
+  };
+  auto* tsv = form("--tsv", ApiForm::kTsv, "Prints tab-separated lines, as docs/api.tsv has them");
+  auto* json = form("--json", ApiForm::kJson, "Prints JSON")->excludes(tsv);
+  form("--markdown", ApiForm::kMarkdown, "Prints Markdown")->excludes(tsv)->excludes(json);
+}
+
+}  // namespace qdclgl::cli

@@ -1,0 +1,162 @@
+#include "qdclgl/cli/cell_values.h"
+
+#include <algorithm>
+#include <charconv>
+#include <optional>
+
+#include "qdclgl/cli/console.h"
+#include "qdclgl/frame/vocabulary/errors.h"
+#include "qdclgl/frame/vocabulary/text.h"
+
+namespace qdclgl::cli {
+
+namespace {
+
+[[noreturn]] void Refuse(std::string_view text, const std::string& reason) {
+  throw BadCell(Quoted(text) + " " + reason);
+}
+
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+bool AreDigits(std::string_view text) {
+  return !text.empty() && std::all_of(text.begin(), text.end(), IsDigit);
+}
+
+// The parts of a plain number: "-12.50" is {true, "12", "50"}.
+struct Number {
+  bool negative = false;
+  std::string_view whole;
+  std::string_view decimals;
+};
+
+Number Split(std::string_view text, const char* kind) {
+  Number number;
+  std::string_view rest = text;
+  if (rest.starts_with('-')) {
+    number.negative = true;
+    rest.remove_prefix(1);
+  }
+  const std::size_t point = rest.find('.');
+  number.whole = rest.substr(0, point);
+  if (point != rest.npos) number.decimals = rest.substr(point + 1);
+  if (!AreDigits(number.whole) || (point != rest.npos && !AreDigits(number.decimals))) {
+    Refuse(text, std::string("is not ") + kind);
+  }
+  return number;
+}
+
+void LimitDecimals(std::string_view text, const Number& number, std::size_t most) {
+  if (number.decimals.size() > most) {
+    Refuse(text, "has more than " + std::to_string(most) + " decimals");
+  }
+}
+
+Double ReadDouble(std::string_view text) {
+  Double value = 0;
+  const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (result.ec != std::errc()) Refuse(text, "is too large");
+  return value;
+}
+
+}  // namespace
+
+Currency ReadAmount(std::string_view text) {
+  constexpr std::size_t kDecimals = 4;
+  const Number number = Split(text, "an amount");
+  LimitDecimals(text, number, kDecimals);
+  std::string digits(number.negative ? "-" : "");
+  digits.append(number.whole).append(number.decimals);
+  digits.append(kDecimals - number.decimals.size(), '0');
+  std::int64_t units = 0;
+  const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), units);
+  if (result.ec != std::errc()) Refuse(text, "is too large");
+  return Currency::FromUnits(units);
+}
+
+Double ReadQuantity(std::string_view text) {
+  LimitDecimals(text, Split(text, "a quantity"), 6);
+  return ReadDouble(text);
+}
+
+Double ReadPrice(std::string_view text) {
+  Split(text, "a price");
+  return ReadDouble(text);
+}
+
+Double ReadRate(std::string_view text) {
+  Split(text, "a rate");
+  const Double rate = ReadDouble(text);
+  if (!(rate > 0)) Refuse(text, "is not a rate above 0");
+  return rate;
+}
+
+DateTime ReadDate(std::string_view text) {
+  const bool has_form = text.size() == 10 && text[4] == '-' && text[7] == '-' &&
+                        AreDigits(text.substr(0, 4)) && AreDigits(text.substr(5, 2)) &&
+                        AreDigits(text.substr(8, 2));
+  if (!has_form) Refuse(text, "is not a date; dates are written as yyyy-mm-dd");
+  try {
+    return DateTime::FromYmd(ReadWhole(text.substr(0, 4)), ReadWhole(text.substr(5, 2)),
+                             ReadWhole(text.substr(8, 2)));
+  } catch (const Error&) {
+    Refuse(text, "is not a day of the calendar");
+  }
+}
+
+Long ReadWhole(std::string_view text) {
+  Long value = 0;
+  if (!AreDigits(text)) Refuse(text, "is not a whole number");
+  const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (result.ec != std::errc()) Refuse(text, "is too large");
+  return value;
+}
+
+Boolean ReadTruth(std::string_view text) {
+  for (const std::string_view word : {"1", "yes", "true"}) {
+    if (EqualsIgnoringAsciiCase(text, word)) return true;
+  }
+  for (const std::string_view word : {"0", "no", "false"}) {
+    if (EqualsIgnoringAsciiCase(text, word)) return false;
+  }
+  Refuse(text, "is neither yes nor no");
+}
+
+std::string AmountText(Currency amount) {
+  const std::int64_t units = amount.units();
+  // Digits of the unsigned value, so that the least amount has a text as well.
+  const auto size =
+      units < 0 ? 0 - static_cast<std::uint64_t>(units) : static_cast<std::uint64_t>(units);
+  std::string digits = std::to_string(size);
+  if (digits.size() < 5) digits.insert(0, 5 - digits.size(), '0');
+  digits.insert(digits.size() - 4, ".");
+  return (units < 0 ? "-" : "") + digits;
+}
+
+std::string Quoted(std::string_view text) { return "\"" + OneLine(text) + "\""; }
+
+bool IsUtf8(std::string_view text) {
+  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+  for (std::size_t i = 0; i < text.size();) {
+    if (byte(i) < 0x80) {
+      ++i;
+      continue;
+    }
+    std::size_t length = 0;
+    if (byte(i) >= 0xC2 && byte(i) <= 0xDF) length = 2;
+    else if (byte(i) >= 0xE0 && byte(i) <= 0xEF) length = 3;
+    else if (byte(i) >= 0xF0 && byte(i) <= 0xF4) length = 4;
+    if (length == 0 || i + length > text.size()) return false;
+    for (std::size_t k = 1; k < length; ++k) {
+      if ((byte(i + k) & 0xC0) != 0x80) return false;
+    }
+    // Overlong forms, surrogates, and what lies behind U+10FFFF.
+    const unsigned second = byte(i + 1);
+    if ((byte(i) == 0xE0 && second < 0xA0) || (byte(i) == 0xED && second > 0x9F) ||
+        (byte(i) == 0xF0 && second < 0x90) || (byte(i) == 0xF4 && second > 0x8F)) {
+      return false;
+    }
+    i += length;
+  }
+  return true;
+}
+
+}  // namespace qdclgl::cli

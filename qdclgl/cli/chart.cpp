@@ -1,0 +1,220 @@
+#include "qdclgl/cli/chart.h"
+
+#include <algorithm>
+#include <array>
+#include <unordered_set>
+#include <vector>
+
+#include "qdclgl/accounts/account_set.h"
+#include "qdclgl/accounts/currency.h"
+#include "qdclgl/cli/batch.h"
+#include "qdclgl/cli/cell_values.h"
+#include "qdclgl/cli/sheet.h"
+#include "qdclgl/frame/vocabulary/text.h"
+#include "qdclgl/vouchers/voucher_group.h"
+
+namespace qdclgl::cli {
+
+namespace {
+
+template <class Set>
+std::unordered_map<std::string, Long> IdsBy(std::string_view name, std::string_view id) {
+  const auto set = Make<Set>();
+  set->Refresh();
+  const Ref<Recordset> rows = set->RecordSet();
+  const Long name_at = rows->FieldPosition(name), id_at = rows->FieldPosition(id);
+  std::unordered_map<std::string, Long> ids;
+  for (; !rows->Eof(); rows->MoveNext()) {
+    ids[rows->FieldValue(name_at).As<String>()] = rows->FieldValue(id_at).As<Long>();
+  }
+  return ids;
+}
+
+Long IdIn(const std::unordered_map<std::string, Long>& ids, const std::string& name) {
+  const auto found = ids.find(name);
+  return found == ids.end() ? 0 : found->second;
+}
+
+constexpr std::string_view kOwnLines = "._";
+
+// "1000" for "1000.01", "" at the first level.
+std::string NumberAbove(const std::string& number) {
+  const std::size_t dot = number.rfind('.');
+  return dot == number.npos ? "" : number.substr(0, dot);
+}
+
+// ---- The chart ----
+
+enum Column : std::size_t { kNumber, kName, kSide, kCurrency, kUnit, kQuantities };
+
+constexpr std::array kColumns = {
+    SheetColumn{"number", true}, SheetColumn{"name", true}, SheetColumn{"dc", true},
+    SheetColumn{"currency"},     SheetColumn{"unit"},       SheetColumn{"quantities"},
+};
+
+struct ChartRow {
+  Position at;
+  std::string number;
+  std::string name;
+  Long side = 0;
+  CsvCell currency;
+  std::string unit;
+  bool has_quantities = false;
+};
+
+Long ReadSide(std::string_view text) {
+  if (text == "1") return 1;
+  if (text == "-1") return -1;
+  if (text == "0") return 0;
+  throw BadCell(Quoted(text) + " is no side; 1 is debit, -1 credit, 0 either");
+}
+
+// BadCell for the first thing that is wrong, told with its place by `at`.
+ChartRow ReadRow(const Sheet& sheet, const CsvRow& row, Position& at) {
+  const auto cell = [&](Column column) -> const CsvCell& {
+    static const CsvCell kNone;
+    const CsvCell* found = sheet.Cell(row, column);
+    if (found != nullptr) at = found->at;
+    return found != nullptr ? *found : kNone;
+  };
+  if (row.problem) {
+    at = row.problem->at;
+    throw BadCell(row.problem->reason);
+  }
+  ChartRow result;
+  result.at = row.at;
+  result.number = ToUpper(cell(kNumber).text);
+  if (result.number.empty()) throw BadCell("the account has no number");
+  result.name = cell(kName).text;
+  if (result.name.empty()) throw BadCell("the account has no name");
+  result.side = ReadSide(cell(kSide).text);
+  result.currency = cell(kCurrency);
+  result.unit = cell(kUnit).text;
+  const std::string& quantities = cell(kQuantities).text;
+  result.has_quantities = !quantities.empty() && ReadTruth(quantities);
+  return result;
+}
+
+void Store(const ChartRow& row, Names& names) {
+  const auto account = Make<AccountSet>()->CreateNew(row.number, row.name);
+  account->DC(row.side);
+  account->CurrencyID(names.Currency(row.currency.text, 1));
+  if (!row.unit.empty()) account->MeasureUnit(row.unit);
+  if (row.has_quantities) account->Quantities(true);
+  account->SaveChanges();
+  names.AddAccount(row.number, account->AccountID());
+}
+
+}  // namespace
+
+Names::Names()
+    : accounts_(IdsBy<AccountSet>("FNumber", "FAccountID")),
+      currencies_(IdsBy<CurrencySet>("FNumber", "FCurrencyID")),
+      groups_(IdsBy<VoucherGroupSet>("FName", "FGroupID")) {
+  for (const auto& [number, id] : accounts_) above_.insert(NumberAbove(number));
+}
+
+Long Names::Account(const std::string& number) const { return IdIn(accounts_, ToUpper(number)); }
+
+void Names::AddAccount(const std::string& number, Long id) {
+  accounts_[number] = id;
+  above_.insert(NumberAbove(number));
+}
+
+Long Names::AccountForLines(const std::string& number) {
+  const std::string known_as = ToUpper(number);
+  const Long id = IdIn(accounts_, known_as);
+  if (id == 0 || !above_.contains(known_as)) return id;
+  const std::string own = OwnLinesOf(known_as);
+  if (const Long own_id = IdIn(accounts_, own)) return own_id;
+  const Ref<qdclgl::Account> above = Make<AccountSet>()->Item(id);
+  const Ref<qdclgl::Account> account = above->Clone();
+  account->Number(own);
+  account->Name(above->Name() + " (own lines)");
+  account->SaveChanges();
+  AddAccount(own, account->AccountID());
+  return account->AccountID();
+}
+
+Long Names::Currency(const std::string& number, Double rate) {
+  if (number.empty()) return kBaseCurrency;
+  const std::string known_as = ToUpper(number);
+  Long id = IdIn(currencies_, known_as);
+  if (id != 0) return id;
+  Ref<Currencyx> currency;
+  try {
+    currency = Make<CurrencySet>()->CreateNew(known_as, known_as);
+  } catch (const Error&) {
+    throw BadCell(Quoted(number) + " can't be a currency: up to 8 letters, digits and underscores");
+  }
+  currency->ExchangeRate(rate);
+  currency->SaveChanges();
+  return currencies_[known_as] = currency->CurrencyID();
+}
+
+Long Names::Group(const std::string& name) {
+  Long& id = groups_[name];
+  if (id != 0) return id;
+  const auto group = Make<VoucherGroupSet>()->CreateNew(name);
+  group->SaveChanges();
+  return id = group->VoucherGroupID();
+}
+
+std::string OwnLinesOf(const std::string& number) { return number + std::string(kOwnLines); }
+
+std::string WithoutOwnLines(const std::string& number) {
+  const bool is_own = number.ends_with(kOwnLines);
+  return is_own ? number.substr(0, number.size() - kOwnLines.size()) : number;
+}
+
+ChartResult ImportChart(const std::string& path, const std::string& props, Names& names,
+                        const Console& console) {
+  Progress progress(console);
+  Reports reports(path, console, progress);
+  Sheet sheet(path, kColumns, reports);
+  ChartResult result;
+  std::vector<ChartRow> rows;
+  std::unordered_set<std::string> numbers;
+  const auto leave_out = [&](Position at, const std::string& reason) {
+    ++result.left_out;
+    reports.Add(at, reason);
+  };
+  if (!sheet.IsUsable()) ++result.left_out;
+  for (CsvRow row; sheet.IsUsable() && sheet.Next(row);) {
+    Position at = row.at;
+    try {
+      ChartRow account = ReadRow(sheet, row, at);
+      if (!numbers.insert(account.number).second) {
+        at = row.at;
+        throw BadCell("account " + account.number + " stands further up already");
+      }
+      rows.push_back(std::move(account));
+    } catch (const BadCell& bad) {
+      leave_out(at, bad.what());
+    }
+  }
+  // The number of an account above begins the numbers of those below.
+  std::ranges::sort(rows, {}, &ChartRow::number);
+
+  Batch batch(props);
+  for (const ChartRow& row : rows) {
+    progress.Show("accounts", result.stored, sheet.Share());
+    if (names.Account(row.number) != 0) {
+      ++result.passed;
+      continue;
+    }
+    try {
+      Store(row, names);
+      ++result.stored;
+    } catch (const BadCell& bad) {
+      leave_out(row.currency.at, bad.what());
+    } catch (const Error& error) {
+      if (!IsAboutRecord(error)) throw;
+      leave_out(row.at, ErrorText(error));
+    }
+  }
+  batch.Commit();
+  return result;
+}
+
+}  // namespace qdclgl::cli

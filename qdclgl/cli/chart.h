@@ -1,0 +1,57 @@
+// The chart of accounts as a file, and the records that an import finds or makes by their names.
+#pragma once
+
+#include <string>
+#include <unordered_map>
+#include <unordered_set>
+
+#include "qdclgl/cli/progress.h"
+#include "qdclgl/frame/values/values.h"
+
+namespace qdclgl::cli {
+
+// Ids by what a file calls the records. What it names and is not there is made.
+class Names {
+ public:
+  static constexpr Long kBaseCurrency = 1;
+
+  // Reads accounts, currencies and groups of the books. The library's session must be there.
+  Names();
+
+  // 0 when there is none.
+  Long Account(const std::string& number) const;
+  void AddAccount(const std::string& number, Long id);
+  // The account that takes lines on `number`; 0 when there is none. Books have no lines on an
+  // account with others below it. Other programs' journals may, so such an account gets one more
+  // below it, for its own lines; see OwnLinesOf.
+  Long AccountForLines(const std::string& number);
+
+  // The id of a currency, kBaseCurrency for an empty text. A missing one is made, with this rate.
+  // BadCell for a text that can't be a currency's number.
+  Long Currency(const std::string& number, Double rate);
+  Long Group(const std::string& name);
+
+ private:
+  std::unordered_map<std::string, Long> accounts_;
+  std::unordered_set<std::string> above_;  // numbers of accounts with others below them
+  std::unordered_map<std::string, Long> currencies_;
+  std::unordered_map<std::string, Long> groups_;
+};
+
+// "1000._" for "1000": the account that has the own lines of an account with others below it; and
+// back, for who asks for the lines on an account. Any other number stays as it is.
+std::string OwnLinesOf(const std::string& number);
+std::string WithoutOwnLines(const std::string& number);
+
+struct ChartResult {
+  long stored = 0;
+  long passed = 0;  // in the books already
+  long left_out = 0;
+};
+
+// Stores the accounts of a file that the books don't have yet, those above before those below.
+// `props` is the session's PropsString.
+ChartResult ImportChart(const std::string& path, const std::string& props, Names& names,
+                        const Console& console);
+
+}  // namespace qdclgl::cli

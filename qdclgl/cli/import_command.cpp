@@ -1,0 +1,247 @@
+// The main job: a chart of accounts and a journal from files into the books.
+#include <unordered_set>
+
+#include "qdclgl/cli/batch.h"
+#include "qdclgl/cli/cell_values.h"
+#include "qdclgl/cli/chart.h"
+#include "qdclgl/cli/journal.h"
+#include "qdclgl/cli/program.h"
+#include "qdclgl/cli/steps.h"
+
+namespace qdclgl::cli {
+
+namespace {
+
+constexpr const char* kUsualGroup = "General";
+// Departments are details of a line under this item class.
+constexpr const char* kDepartmentClass = "DEP";
+constexpr const char* kDepartmentName = "Department";
+
+struct ImportOptions {
+  Login login;
+  std::string accounts;
+  std::string journal;
+  bool check_all = false;
+  bool post_all = false;
+  bool resume = false;
+};
+
+struct JournalResult {
+  long stored = 0;
+  long passed = 0;  // in the books already
+  long left_out = 0;
+};
+
+class JournalImport {
+ public:
+  JournalImport(const ImportOptions& options, std::string props, Names& names,
+                const Console& console)
+      : options_(options),
+        props_(std::move(props)),
+        names_(names),
+        progress_(console),
+        reports_(options.journal, console, progress_),
+        reader_(options.journal, reports_) {}
+
+  // The vouchers of the journal, as many in a transaction as a batch has: books that a killed
+  // import leaves hold each voucher wholly or not at all.
+  JournalResult Run() {
+    if (!reader_.IsUsable()) ++result_.left_out;
+    std::vector<JournalVoucher> vouchers;
+    for (JournalVoucher voucher; reader_.IsUsable() && reader_.Next(voucher);) {
+      if (voucher.is_whole) vouchers.push_back(std::move(voucher));
+      else ++result_.left_out;
+      if (vouchers.size() == Batch::kSize) StoreAll(vouchers);
+    }
+    StoreAll(vouchers);
+    return result_;
+  }
+
+ private:
+  void StoreAll(std::vector<JournalVoucher>& vouchers) {
+    if (vouchers.empty()) return;
+    const std::unordered_set<std::string> known = KnownOf(vouchers);
+    Batch batch(props_);
+    for (const JournalVoucher& voucher : vouchers) {
+      if (known.contains(voucher.key)) {
+        PassOver(voucher);
+      } else if (Store(voucher)) {
+        ++result_.stored;
+      } else {
+        ++result_.left_out;
+      }
+      progress_.Show("vouchers", result_.stored, reader_.Share());
+    }
+    batch.Commit();
+    vouchers.clear();
+  }
+
+  // Those of the vouchers that the books have already.
+  std::unordered_set<std::string> KnownOf(const std::vector<JournalVoucher>& vouchers) {
+    std::string filter;
+    for (const JournalVoucher& voucher : vouchers) {
+      filter += (filter.empty() ? "FReference IN (" : ", ") + FilterText(voucher.key);
+    }
+    const auto set = Make<VoucherSet>();
+    set->Filter(filter + ")");
+    set->Refresh();
+    const Ref<Recordset> rows = set->RecordSet();
+    const Long reference_at = rows->FieldPosition("FReference");
+    std::unordered_set<std::string> known;
+    for (; !rows->Eof(); rows->MoveNext()) {
+      known.insert(rows->FieldValue(reference_at).As<String>());
+    }
+    return known;
+  }
+
+  void PassOver(const JournalVoucher& voucher) {
+    if (options_.resume) {
+      ++result_.passed;
+      return;
+    }
+    ++result_.left_out;
+    reports_.Add(voucher.at, "voucher " + Quoted(voucher.key) + " is in the books already");
+  }
+
+  // False when the voucher can't be stored; then why is reported.
+  bool Store(const JournalVoucher& journal) {
+    try {
+      const Ref<Voucher> voucher = Build(journal);
+      if (!voucher) return false;
+      voucher->SaveChanges1();
+      return true;
+    } catch (const Error& error) {
+      if (!IsAboutRecord(error)) throw;
+      reports_.Add(journal.at, ErrorText(error));
+      return false;
+    }
+  }
+
+  // The voucher as the library has it, Nothing when a cell names what can't be had.
+  Ref<Voucher> Build(const JournalVoucher& journal) {
+    const Ref<Voucher> voucher = Make<VoucherSet>()->CreateNew();
+    voucher->VoucherDate(journal.date);
+    voucher->GroupID(names_.Group(journal.group.empty() ? kUsualGroup : journal.group));
+    voucher->Number(journal.number);
+    voucher->Reference(journal.key);
+    voucher->Explanation(journal.lines.front().explanation);
+    const Ref<VoucherEntrySet> entries = voucher->Entries();
+    bool is_complete = true;
+    for (const JournalLine& line : journal.lines) {
+      entries->Add();
+      if (!Fill(*entries->Item(entries->Count()), line)) is_complete = false;
+    }
+    return is_complete ? voucher : nullptr;
+  }
+
+  bool Fill(VoucherEntry& entry, const JournalLine& line) {
+    const Long account = names_.AccountForLines(line.account.text);
+    if (account == 0) {
+      reports_.Add(line.account.at, "there is no account " + Quoted(line.account.text));
+    }
+    entry.AccountID(account);
+    entry.DC(line.is_debit ? 1 : 0);
+    entry.Amount(line.amount);
+    entry.Explanation(line.explanation);
+    entry.Quantity(line.quantity);
+    entry.MeasureUnit(line.unit);
+    entry.UnitPrice(line.unit_price);
+    entry.TransNo(line.reference);
+    if (!line.department.empty()) {
+      const Ref<VoucherDetailSet> details = entry.Details();
+      details->Add();
+      const Ref<VoucherDetail> detail = details->Item(details->Count());
+      detail->ItemClassNumber(kDepartmentClass);
+      detail->ItemClassName(kDepartmentName);
+      detail->ItemNumber(line.department);
+      detail->ItemName(line.department);
+    }
+    return FillCurrency(entry, line) && account != 0;
+  }
+
+  bool FillCurrency(VoucherEntry& entry, const JournalLine& line) {
+    const bool has_amount_for = !line.amount_for_cell.text.empty();
+    // Without an amount of its own a line counts one to one in its currency.
+    const Currency amount_for = has_amount_for ? line.amount_for : line.amount;
+    Double rate = line.rate;
+    if (rate == 0) {
+      rate = amount_for == Currency() ? 1 : line.amount.ToDouble() / amount_for.ToDouble();
+    }
+    Long currency = 0;
+    try {
+      // A currency is worth something, whatever sides and signs its first line has.
+      currency = names_.Currency(line.currency.text, rate > 0 ? rate : 1);
+    } catch (const BadCell& bad) {
+      reports_.Add(line.currency.at, bad.what());
+      return false;
+    }
+    entry.CurrencyID(currency);
+    if (currency == Names::kBaseCurrency) {
+      entry.AmountFor(line.amount);
+      entry.ExchangeRate(1);
+      if (amount_for == line.amount) return true;
+      reports_.Add(line.amount_for_cell.at,
+                   "a line in the base currency has the same amount in both");
+      return false;
+    }
+    entry.AmountFor(amount_for);
+    entry.ExchangeRate(rate);
+    if (has_amount_for || rate == 1) return true;
+    reports_.Add(line.currency.at, "a line in another currency at a rate needs its amount_for");
+    return false;
+  }
+
+  const ImportOptions& options_;
+  std::string props_;
+  Names& names_;
+  Progress progress_;
+  Reports reports_;
+  JournalReader reader_;
+  JournalResult result_;
+};
+
+int Import(const ImportOptions& options, const Console& console) {
+  if (options.accounts.empty() && options.journal.empty() && !options.check_all &&
+      !options.post_all) {
+    throw UsageError("import needs --accounts or --journal");
+  }
+  const std::string props = options.login.Open();
+  Names names;
+  bool is_whole = true;
+  if (!options.accounts.empty()) {
+    const ChartResult chart = ImportChart(options.accounts, props, names, console);
+    console.out << "accounts: " << chart.stored << " stored, " << chart.passed << " there already, "
+                << chart.left_out << " left out\n"
+                << std::flush;
+    is_whole = chart.left_out == 0;
+  }
+  if (!options.journal.empty()) {
+    const JournalResult journal = JournalImport(options, props, names, console).Run();
+    console.out << "vouchers: " << journal.stored << " stored, " << journal.passed
+                << " passed over, " << journal.left_out << " left out\n"
+                << std::flush;
+    is_whole = is_whole && journal.left_out == 0;
+  }
+  for (const auto& [wanted, name] :
+       {std::pair(options.check_all, "check"), std::pair(options.post_all, "post")}) {
+    if (wanted && TakeStepOnAll(StepNamed(name), props, console) != kDone) is_whole = false;
+  }
+  return is_whole ? kDone : kLeftOut;
+}
+
+}  // namespace
+
+void AddImportCommand(Program& program) {
+  const auto options = std::make_shared<ImportOptions>();
+  CLI::App* command =
+      program.AddForBooks("import", "Stores accounts and vouchers from CSV files", options->login,
+                          [options, &program] { return Import(*options, program.console()); });
+  command->add_option("--accounts", options->accounts, "The chart of accounts")->type_name("FILE");
+  command->add_option("--journal", options->journal, "The vouchers")->type_name("FILE");
+  command->add_flag("--check-all", options->check_all, "Checks all vouchers behind the import");
+  command->add_flag("--post-all", options->post_all, "Posts all vouchers behind the import");
+  command->add_flag("--resume", options->resume,
+                    "Passes over vouchers that are in the books already");
+}
+
+}  // namespace qdclgl::cli

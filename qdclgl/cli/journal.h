@@ -1,0 +1,75 @@
+// The journal file: rows that name a voucher each, read as vouchers one after the other.
+#pragma once
+
+#include <string>
+#include <unordered_set>
+#include <vector>
+
+#include "qdclgl/cli/sheet.h"
+#include "qdclgl/frame/values/values.h"
+
+namespace qdclgl::cli {
+
+struct JournalLine {
+  CsvCell account;
+  bool is_debit = false;
+  Currency amount;
+  CsvCell currency;  // an empty text: the base currency
+  CsvCell amount_for_cell;
+  Currency amount_for;
+  Double rate = 0;  // 0: what the two amounts give
+  Double quantity = 0;
+  std::string unit;
+  Double unit_price = 0;
+  std::string explanation;
+  std::string reference;
+  std::string department;
+};
+
+struct JournalVoucher {
+  std::string key;  // what its rows share
+  Position at;      // its first row
+  DateTime date;
+  std::string group;
+  Long number = 0;  // 0: the next one
+  std::vector<JournalLine> lines;
+  bool is_whole = true;  // false once something of it was reported
+};
+
+class JournalReader {
+ public:
+  // FileError as Sheet raises it.
+  JournalReader(const std::string& path, Reports& reports);
+
+  bool IsUsable() const { return sheet_.IsUsable(); }
+  double Share() const { return sheet_.Share(); }
+
+  // The next voucher with all its rows; what is wrong in them is reported. False behind the last.
+  // A row whose voucher can't be told makes the vouchers on both its sides incomplete: it may
+  // belong to either.
+  bool Next(JournalVoucher& voucher);
+
+ private:
+  // The voucher that the current row names, null when that can't be told.
+  const CsvCell* KeyCell() const;
+  void BeginVoucher(JournalVoucher& voucher, const CsvCell& key);
+  void AddRow(JournalVoucher& voucher);
+  void AddLine(JournalVoucher& voucher);
+  void Report(JournalVoucher& voucher, Position at, const std::string& reason);
+  // The value of a cell, reported when it is none; `fallback` for an empty cell.
+  template <class T>
+  T Value(JournalVoucher& voucher, std::size_t column, T (*read)(std::string_view), T fallback);
+  const CsvCell& CellOf(std::size_t column) const;
+  const std::string& TextOf(std::size_t column) const { return CellOf(column).text; }
+
+  Reports& reports_;
+  Sheet sheet_;
+  CsvRow row_;
+  bool has_row_ = false;
+  bool is_row_used_ = true;          // row_ belongs to a voucher that is out already
+  bool spoils_next_ = false;         // the row before could have been the next voucher's
+  std::vector<std::string> shared_;  // what the rows of the voucher agree in, as the first has it
+  std::unordered_set<std::string> keys_;  // of the vouchers so far
+};
+
+}  // namespace qdclgl::cli

@@ -1,0 +1,163 @@
+#include "qdclgl/cli/program.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "qdclgl/cli/cell_values.h"
+#include "qdclgl/frame/session/server_gateway.h"
+#include "qdclgl/frame/session/startup.h"
+#include "qdclgl/server/server.h"
+#include "qdclgl/version.h"
+
+namespace qdclgl::cli {
+
+namespace {
+
+constexpr const char* kBookVariable = "QDCLGL_BOOK";
+constexpr const char* kUserVariable = "QDCLGL_USER";
+constexpr const char* kPasswordVariable = "QDCLGL_PASSWORD";
+
+constexpr const char* kFooter =
+    R"(BOOK is a SQLite file or a connection text; without it QDCLGL_BOOK is taken. The
+password comes from QDCLGL_PASSWORD. `qdclgl COMMAND --help` tells a command's options.
+
+Exit codes: 0 done; 1 refused or failed; 2 wrong usage; 3 a part of the input was left out;
+4 the books are damaged; 5 the books can't be opened; 6 a file can't be read or written.)";
+
+std::string FromEnvironment(const char* variable) {
+  const char* value = std::getenv(variable);
+  return value == nullptr ? "" : value;
+}
+
+// As an option's text is read: what is wrong with it is wrong usage.
+Long WholeOption(const std::string& name, const std::string& text) {
+  try {
+    return ReadWhole(text);
+  } catch (const BadCell& bad) {
+    throw CLI::ValidationError(name, bad.what());
+  }
+}
+
+}  // namespace
+
+void Login::StartServer() const {
+  // The program is a client of its own server, so there is nobody to ask about working offline.
+  SetApartmentStarted(true);
+  server::RegisterServerComponents();
+}
+
+std::string Login::Open() const {
+  StartServer();
+  return CreateObject("QDSVGLSession.SessionUpdate")
+      ->Call("Login", book, user, Password())
+      .As<String>();
+}
+
+std::string Login::Password() { return FromEnvironment(kPasswordVariable); }
+
+Program::Program(const Console& console)
+    : console_(console), app_("The command line of a general ledger.", "qdclgl") {
+  app_.require_subcommand(1);
+  app_.set_version_flag("--version", "qdclgl " + std::string(Version()));
+  app_.footer(kFooter);
+  AddBooksCommands(*this);
+  AddImportCommand(*this);
+  AddListCommands(*this);
+  AddVoucherCommands(*this);
+  AddBalanceCommand(*this);
+  AddUserCommand(*this);
+  AddApiCommand(*this);
+}
+
+CLI::App* Program::Add(const std::string& name, const std::string& help, std::function<int()> run) {
+  CLI::App* command = app_.add_subcommand(name, help);
+  command->callback([this, run = std::move(run)] { chosen_ = run; });
+  return command;
+}
+
+CLI::App* Program::AddForBooks(const std::string& name, const std::string& help, Login& login,
+                               std::function<int()> run) {
+  CLI::App* command = Add(name, help, [&login, run = std::move(run)] {
+    if (login.book.empty()) {
+      throw UsageError(std::string("no BOOK is given, and ") + kBookVariable + " is not set");
+    }
+    return run();
+  });
+  command->add_option("BOOK", login.book, "The books: a SQLite file or a connection text")
+      ->envname(kBookVariable);
+  login.user = "administrator";
+  command->add_option("--user", login.user, "Who works on the books")->envname(kUserVariable);
+  return command;
+}
+
+CLI::App* Program::AddForVouchers(const std::string& name, const std::string& help, Login& login,
+                                  std::vector<Long>& ids, std::function<int()> run) {
+  CLI::App* command = AddForBooks(name, help, login, std::move(run));
+  const auto words = std::make_shared<std::vector<std::string>>();
+  command->add_option("ID", *words, "Ids of vouchers");
+  command->parse_complete_callback([&login, &ids, words] {
+    const auto is_digit = [](char c) { return c >= '0' && c <= '9'; };
+    if (!login.book.empty() && std::ranges::all_of(login.book, is_digit)) {
+      words->insert(words->begin(), login.book);
+      login.book = BookFromEnvironment();
+    }
+    for (const std::string& word : *words) ids.push_back(WholeOption("ID", word));
+  });
+  return command;
+}
+
+std::string BookFromEnvironment() { return FromEnvironment(kBookVariable); }
+
+std::string FilterText(std::string_view text) {
+  std::string quoted = "'";
+  for (const char c : text) quoted.append(c == '\'' ? 2 : 1, c);
+  return quoted + "'";
+}
+
+int Program::RunChosen() { return chosen_(); }
+
+void AddFormat(CLI::App& command, Format& format) {
+  auto* csv = command.add_flag_callback(
+      "--csv", [&] { format = Format::kCsv; }, "Prints CSV");
+  command
+      .add_flag_callback(
+          "--json", [&] { format = Format::kJson; }, "Prints JSON")
+      ->excludes(csv);
+}
+
+CLI::Option* AddWhole(CLI::App& command, const std::string& name, Long& value,
+                      const std::string& help) {
+  return command
+      .add_option_function<std::string>(
+          name, [&value, name](const std::string& text) { value = WholeOption(name, text); }, help)
+      ->type_name("NUMBER");
+}
+
+int Run(const std::vector<std::string>& arguments, const Console& console) {
+  const auto fail = [&](const std::string& reason, ExitCode code) {
+    console.err << "qdclgl: " << reason << '\n';
+    return code;
+  };
+  Program program(console);
+  try {
+    program.app().parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
+    const int code = program.RunChosen();
+    console.out.flush();
+    if (!console.out) throw FileError("the output can't be written");
+    return code;
+  } catch (const CLI::Success& wanted) {  // --help and --version
+    return program.app().exit(wanted, console.out, console.err);
+  } catch (const CLI::ParseError& error) {
+    return fail(OneLine(error.what()) + "; see qdclgl --help", kWrongUsage);
+  } catch (const UsageError& error) {
+    return fail(std::string(error.what()) + "; see qdclgl --help", kWrongUsage);
+  } catch (const Error& error) {
+    return fail(ErrorText(error), ExitCodeOf(error));
+  } catch (const FileError& error) {
+    return fail(OneLine(error.what()), kBadFile);
+  } catch (const std::exception& error) {
+    return fail(OneLine(error.what()), kRefused);
+  }
+}
+
+}  // namespace qdclgl::cli

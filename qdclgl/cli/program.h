@@ -1,0 +1,82 @@
+// The program's command line: its commands, what they share, and a run.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "qdclgl/cli/console.h"
+#include "qdclgl/cli/table.h"
+#include "qdclgl/frame/objects/variant.h"
+
+namespace qdclgl::cli {
+
+// One run, `arguments` without the program's name. Everything that can go wrong ends in one line on
+// console.err and an exit code.
+int Run(const std::vector<std::string>& arguments, const Console& console);
+
+// Which books, and who works on them.
+struct Login {
+  std::string book;
+  std::string user;
+
+  // Makes the server's components known and logs in, with the password from QDCLGL_PASSWORD.
+  // Returns the PropsString.
+  std::string Open() const;
+  // Without the login, for what is done to the books as a whole.
+  void StartServer() const;
+  static std::string Password();
+};
+
+// What a command of any family is made with.
+class Program {
+ public:
+  explicit Program(const Console& console);
+
+  const Console& console() const { return console_; }
+  CLI::App& app() { return app_; }
+
+  // A command. `run` gives the exit code; it runs once the whole command line is understood.
+  CLI::App* Add(const std::string& name, const std::string& help, std::function<int()> run);
+  // A command that works on books: with BOOK and --user, which come into `login`.
+  CLI::App* AddForBooks(const std::string& name, const std::string& help, Login& login,
+                        std::function<int()> run);
+  // A command that works on vouchers of books: with ID... as well. A first word that is a whole
+  // number is an id already, of the books that QDCLGL_BOOK names.
+  CLI::App* AddForVouchers(const std::string& name, const std::string& help, Login& login,
+                           std::vector<Long>& ids, std::function<int()> run);
+
+  // The command that the command line asks for. UsageError when BOOK is missing.
+  int RunChosen();
+
+ private:
+  const Console& console_;
+  CLI::App app_;
+  std::function<int()> chosen_;
+};
+
+// The books that QDCLGL_BOOK names, "" for none.
+std::string BookFromEnvironment();
+
+// A text as a filter holds it: in quotes, a quote inside doubled.
+std::string FilterText(std::string_view text);
+
+// --csv and --json.
+void AddFormat(CLI::App& command, Format& format);
+// An option with a whole number.
+CLI::Option* AddWhole(CLI::App& command, const std::string& name, Long& value,
+                      const std::string& help);
+
+// The families of commands, each in the file of that name.
+void AddBooksCommands(Program& program);    // init, upgrade, close, reopen, doctor
+void AddImportCommand(Program& program);    // import
+void AddListCommands(Program& program);     // accounts, currencies, groups, vouchers, users, audit
+void AddVoucherCommands(Program& program);  // voucher, and the steps from check to remove
+void AddBalanceCommand(Program& program);   // balance
+void AddUserCommand(Program& program);      // user
+void AddApiCommand(Program& program);       // api
+
+}  // namespace qdclgl::cli

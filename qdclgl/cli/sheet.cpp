@@ -1,0 +1,78 @@
+#include "qdclgl/cli/sheet.h"
+
+#include <algorithm>
+#include <filesystem>
+
+#include "qdclgl/cli/cell_values.h"
+#include "qdclgl/frame/vocabulary/text.h"
+
+namespace qdclgl::cli {
+
+namespace {
+
+std::ifstream Opened(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  if (!file) throw FileError(path + " can't be read");
+  return file;
+}
+
+}  // namespace
+
+Sheet::Sheet(const std::string& path, std::span<const SheetColumn> columns, Reports& reports)
+    : path_(path), file_(Opened(path)), reader_(file_), places_(columns.size()) {
+  std::error_code no_size;  // of a pipe, say; then the share stays unknown
+  const auto size = std::filesystem::file_size(path, no_size);
+  if (!no_size) size_ = static_cast<double>(size);
+  ReadHeadings(columns, reports);
+}
+
+void Sheet::ReadHeadings(std::span<const SheetColumn> columns, Reports& reports) {
+  const auto fail = [&](Position at, const std::string& reason) {
+    reports.Add(at, reason);
+    is_usable_ = false;
+  };
+  CsvRow row;
+  if (!reader_.Next(row)) row.cells.clear();
+  if (file_.bad()) throw FileError(path_ + " can't be read");
+  if (row.problem) return fail(row.problem->at, row.problem->reason);
+  width_ = row.cells.size();
+  for (std::size_t i = 0; i < width_; ++i) {
+    const CsvCell& cell = row.cells[i];
+    const auto known = std::find_if(columns.begin(), columns.end(), [&](const SheetColumn& column) {
+      return EqualsIgnoringAsciiCase(column.heading, cell.text);
+    });
+    if (known == columns.end()) {
+      fail(cell.at, "there is no column " + Quoted(cell.text));
+      continue;
+    }
+    auto& place = places_[static_cast<std::size_t>(known - columns.begin())];
+    if (place) fail(cell.at, "the column " + Quoted(cell.text) + " stands here a second time");
+    place = i;
+  }
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    if (columns[i].is_needed && !places_[i]) {
+      fail({}, "the column " + Quoted(columns[i].heading) + " is missing");
+    }
+  }
+}
+
+bool Sheet::Next(CsvRow& row) {
+  const bool is_there = reader_.Next(row);
+  if (file_.bad()) throw FileError(path_ + " can't be read to its end");
+  if (is_there && !row.problem && row.cells.size() != width_) {
+    row.problem = {row.at, "the row has " + std::to_string(row.cells.size()) + " cells under " +
+                               std::to_string(width_) + " headings"};
+    // Where it is amiss nobody knows; only the first cell stands where it stands in any case.
+    row.cells.resize(1);
+  }
+  return is_there;
+}
+
+const CsvCell* Sheet::Cell(const CsvRow& row, std::size_t column) const {
+  const auto place = places_[column];
+  return place && *place < row.cells.size() ? &row.cells[*place] : nullptr;
+}
+
+double Sheet::Share() const { return size_ > 0 ? static_cast<double>(reader_.bytes()) / size_ : 0; }
+
+}  // namespace qdclgl::cli

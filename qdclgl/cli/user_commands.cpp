@@ -1,0 +1,106 @@
+// The users of the books: making them, and changing what they may do.
+#include <cstdlib>
+#include <utility>
+
+#include "qdclgl/cli/program.h"
+#include "qdclgl/frame/containers/dictionary.h"
+#include "qdclgl/frame/containers/recordset.h"
+#include "qdclgl/frame/objects/late_bound.h"
+#include "qdclgl/frame/session/server_gateway.h"
+
+namespace qdclgl::cli {
+
+namespace {
+
+constexpr const char* kNewPasswordVariable = "QDCLGL_NEW_PASSWORD";
+
+struct UserOptions {
+  Login login;
+  std::string name;
+  std::string roles;
+  bool set_password = false;
+  bool disable = false;
+  bool enable = false;
+  bool remove = false;
+};
+
+// The user's row, Nothing when the books have no such user.
+Ref<Dictionary> Find(const std::string& props, const std::string& name) {
+  const auto users = CreateObject("QDSVGLUser.UserInfo")
+                         ->Call("GetList", props, "FName = " + FilterText(name))
+                         .As<Recordset>();
+  return users->Eof() ? nullptr : RowToDictionary(users);
+}
+
+std::string NewPassword() {
+  const char* password = std::getenv(kNewPasswordVariable);
+  if (password == nullptr) {
+    throw UsageError(std::string("the password is taken from ") + kNewPasswordVariable +
+                     ", which is not set");
+  }
+  return password;
+}
+
+int ChangeUser(const UserOptions& options, const Console& console) {
+  const std::string password = options.set_password ? NewPassword() : "";
+  const std::string props = options.login.Open();
+  const auto update = CreateObject("QDSVGLUser.UserUpdate");
+  Ref<Dictionary> user = Find(props, options.name);
+  if (options.remove) {
+    Long id = user ? user->Value("FUserID").As<Long>() : 0;
+    update->Call("Delete", props, ByRef(id));
+    console.out << "User " << options.name << " is removed.\n";
+    return kDone;
+  }
+  const bool is_new = !user;
+  if (is_new) {
+    user = Make<Dictionary>();
+    user->Value("FName", options.name);
+  }
+  if (!options.roles.empty()) user->Value("FRoles", options.roles);
+  if (options.disable || options.enable) user->Value("FDisabled", options.disable);
+  if (is_new) {
+    if (options.set_password) user->Value("FPassword", password);
+    update->Call("Create", props, user);
+  } else {
+    Long id = user->Value("FUserID").As<Long>();
+    if (!options.roles.empty() || options.disable || options.enable) {
+      update->Call("Update", props, ByRef(id), user);
+    }
+    if (options.set_password) update->Call("SetPassword", props, ByRef(id), password);
+  }
+  console.out << "User " << options.name << (is_new ? " is made.\n" : " is changed.\n");
+  return kDone;
+}
+
+}  // namespace
+
+void AddUserCommand(Program& program) {
+  const auto options = std::make_shared<UserOptions>();
+  CLI::App* command =
+      program.AddForBooks("user", "Makes or changes a user of the books", options->login,
+                          [options, &program] { return ChangeUser(*options, program.console()); });
+  command->add_option("NAME", options->name, "The user");
+  // With books from the environment the only word is the user.
+  command->parse_complete_callback([options] {
+    if (options->name.empty() && !BookFromEnvironment().empty()) {
+      options->name = std::exchange(options->login.book, BookFromEnvironment());
+    }
+    if (options->name.empty()) throw CLI::RequiredError("NAME");
+  });
+  command
+      ->add_option(
+          "--roles", options->roles,
+          "What the user may do: reader, preparer, checker, cashier, poster, administrator")
+      ->type_name("ROLES");
+  command->add_flag("--set-password", options->set_password,
+                    "Gives the password in QDCLGL_NEW_PASSWORD");
+  auto* remove = command->add_flag("--remove", options->remove, "Removes the user");
+  auto* disable =
+      command->add_flag("--disable", options->disable, "Keeps the user from logging in");
+  auto* enable = command->add_flag("--enable", options->enable, "Lets the user log in again");
+  disable->excludes(enable);
+  remove->excludes(disable)->excludes(enable);
+}
+
+}  // namespace qdclgl::cli

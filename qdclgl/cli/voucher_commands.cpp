@@ -1,0 +1,144 @@
+// One voucher to read, and the steps of the workflow for one, many or all.
+#include <nlohmann/json.hpp>
+
+#include "qdclgl/cli/cell_values.h"
+#include "qdclgl/cli/program.h"
+#include "qdclgl/cli/steps.h"
+#include "qdclgl/server/db/refusals.h"
+
+namespace qdclgl::cli {
+
+namespace {
+
+struct VoucherOptions {
+  Login login;
+  std::vector<Long> ids;
+  bool all = false;
+  bool json = false;
+};
+
+// ---- voucher ----
+
+// A value that has no member of its own in the class, or one that hides it.
+std::string Stored(const Ref<Properties>& bag, std::string_view key) {
+  return CellText(bag->Dictionary()->Value(key));
+}
+
+std::string StateOf(Voucher& voucher) {
+  std::string state;
+  const auto add = [&](bool is_so, const std::string& what, const std::string& who) {
+    if (is_so) state += (state.empty() ? "" : ", ") + what + " by " + who;
+  };
+  add(voucher.Checked(), "checked", voucher.Checker());
+  add(voucher.ApproveID() > 0, "approved", voucher.Approver());
+  add(voucher.CashierID() > 0, "cashed", voucher.Cashier());
+  add(voucher.Posted(), "posted", voucher.Poster());
+  return state.empty() ? "open" : state;
+}
+
+std::string DetailsOf(VoucherEntry& line) {
+  std::string text;
+  for (auto& detail : line.Details()) {
+    if (!text.empty()) text += ", ";
+    text += detail.ItemClassNumber() + " " + detail.ItemNumber();
+  }
+  return text;
+}
+
+void PrintPlain(Voucher& voucher, std::ostream& out) {
+  const auto field = [&](const char* name, const std::string& value) {
+    if (!value.empty()) out << name << OneLine(value) << '\n';
+  };
+  field("Voucher    ", std::to_string(voucher.VoucherID()));
+  field("Number     ", std::to_string(voucher.Year()) + "/" + std::to_string(voucher.Period()) +
+                           " " + voucher.Group() + " " + std::to_string(voucher.Number()));
+  field("Date       ", voucher.VoucherDate().ToText());
+  field("Reference  ", voucher.Reference());
+  field("Prepared   ", voucher.Preparer());
+  field("State      ", StateOf(voucher));
+  out << '\n';
+
+  // Columns that no line fills are left out.
+  std::vector<std::string> headings = {"Line",   "Account",  "Name",      "Explanation", "Debit",
+                                       "Credit", "Currency", "Amount",    "Rate",        "Quantity",
+                                       "Unit",   "Price",    "Reference", "Details"};
+  std::vector<std::vector<Variant>> lines;
+  const Variant none("");
+  const auto number = [&](double value) { return value != 0 ? Variant(value) : none; };
+  Long index = 0;
+  for (auto& line : voucher.Entries()) {
+    const bool is_foreign = line.CurrencyID() > 1;
+    lines.push_back({++index, line.AccountNumber(), line.AccountName(), line.Explanation(),
+                     line.DC() == 1 ? Variant(line.Debit()) : none,
+                     line.DC() == 1 ? none : Variant(line.Credit()),
+                     is_foreign ? Variant(line.CurrencyNumber()) : none,
+                     is_foreign ? Variant(line.AmountFor()) : none,
+                     is_foreign ? Variant(line.ExchangeRate()) : none, number(line.Quantity()),
+                     Stored(line.Properties(), "FMeasureUnit"), number(line.UnitPrice()),
+                     line.TransNo(), DetailsOf(line)});
+  }
+  for (std::size_t column = headings.size(); column-- > 0;) {
+    const auto is_empty = [&](const std::vector<Variant>& cells) {
+      return CellText(cells[column]).empty();
+    };
+    if (!std::ranges::all_of(lines, is_empty)) continue;
+    const auto place = static_cast<std::ptrdiff_t>(column);
+    headings.erase(headings.begin() + place);
+    for (auto& cells : lines) cells.erase(cells.begin() + place);
+  }
+  TableWriter table(out, Format::kPlain, headings);
+  for (const auto& cells : lines) table.Row(cells);
+  table.Finish();
+}
+
+int PrintVoucher(const VoucherOptions& options, const Console& console) {
+  if (options.ids.size() != 1) throw UsageError("voucher takes one ID");
+  const Long id = options.ids.front();
+  options.login.Open();
+  const Ref<Voucher> voucher = Make<VoucherSet>()->Item(id);
+  if (voucher->VoucherID() == 0) {
+    throw Error(server::refusal::kNotFound, "qdclgl",
+                "There is no voucher with the id " + std::to_string(id) + ".");
+  }
+  if (options.json) {
+    console.out << ToJson(Variant(voucher->Properties()->Dictionary()))
+                       .dump(2, ' ', false, nlohmann::json::error_handler_t::replace)
+                << '\n';
+  } else {
+    PrintPlain(*voucher, console.out);
+  }
+  return kDone;
+}
+
+// ---- The steps ----
+
+int RunStep(const Step& step, const VoucherOptions& options, const Console& console) {
+  if (options.all == !options.ids.empty()) {
+    throw UsageError(std::string(step.name) + " takes IDs or --all");
+  }
+  const std::string props = options.login.Open();
+  return options.all ? TakeStepOnAll(step, props, console)
+                     : TakeStep(step, options.ids, props, console);
+}
+
+}  // namespace
+
+void AddVoucherCommands(Program& program) {
+  const auto options = std::make_shared<VoucherOptions>();
+  CLI::App* command = program.AddForVouchers(
+      "voucher", "Prints a voucher with its lines", options->login, options->ids,
+      [options, &program] { return PrintVoucher(*options, program.console()); });
+  command->add_flag("--json", options->json, "Prints JSON");
+
+  for (const Step& step : Steps()) {
+    const auto step_options = std::make_shared<VoucherOptions>();
+    CLI::App* step_command =
+        program.AddForVouchers(step.name, step.help, step_options->login, step_options->ids,
+                               [step_options, &program, &step] {
+                                 return RunStep(step, *step_options, program.console());
+                               });
+    step_command->add_flag("--all", step_options->all, "All vouchers that are ready for it");
+  }
+}
+
+}  // namespace qdclgl::cli

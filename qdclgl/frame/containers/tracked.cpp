@@ -1,0 +1,55 @@
+#include "qdclgl/frame/containers/tracked.h"
+
+#include <algorithm>
+
+#include "qdclgl/frame/objects/variant.h"
+
+namespace qdclgl {
+
+namespace {
+
+constexpr int kDeepestNesting = 500;
+thread_local int nesting = 0;
+
+Tracked* TrackedIn(const Variant& value) {
+  Object* object = value.IsObject() ? value.ObjectPointer() : nullptr;
+  const bool tracked = object != nullptr && object->container() != Object::Container::kNone;
+  return tracked ? static_cast<Tracked*>(object) : nullptr;
+}
+
+}  // namespace
+
+NestingLevel::NestingLevel() {
+  if (nesting == kDeepestNesting) RaiseError(error_number::kOutOfStackSpace);
+  ++nesting;
+}
+
+NestingLevel::~NestingLevel() { --nesting; }
+
+bool Tracked::TouchedWithin() const { return touched_ || AnyElementTouched(); }
+
+void Tracked::ClearTouched() {
+  touched_ = false;
+  ClearElements();
+}
+
+bool Tracked::AnyElementTouched() const {
+  const std::span<const Variant> elements = Elements();
+  if (elements.empty()) return false;
+  const NestingLevel level;
+  return std::any_of(elements.begin(), elements.end(), [](const Variant& element) {
+    const Tracked* tracked = TrackedIn(element);
+    return tracked != nullptr && tracked->TouchedWithin();
+  });
+}
+
+void Tracked::ClearElements() {
+  const std::span<const Variant> elements = Elements();
+  if (elements.empty()) return;
+  const NestingLevel level;
+  for (const Variant& element : elements) {
+    if (Tracked* tracked = TrackedIn(element)) tracked->ClearTouched();
+  }
+}
+
+}  // namespace qdclgl

@@ -1,0 +1,75 @@
+#include "qdclgl/frame/containers/vector.h"
+
+#include <limits>
+
+#include "qdclgl/frame/objects/class_table.h"
+
+namespace qdclgl {
+
+QD_DEFINE_MEMBERS(Vector)
+
+std::size_t Vector::Offset(Long index, std::size_t end) const {
+  const std::int64_t offset = std::int64_t{index} - lower_bound_;
+  if (offset < 0 || offset >= static_cast<std::int64_t>(end)) {
+    RaiseError(error_number::kSubscriptOutOfRange);
+  }
+  return static_cast<std::size_t>(offset);
+}
+
+Long Vector::Count() const { return static_cast<Long>(elements_.size()); }
+
+Long Vector::LowerBound() const { return lower_bound_; }
+
+void Vector::LowerBound(Long value) { lower_bound_ = value; }
+
+Long Vector::UpperBound() const {
+  const std::int64_t bound = std::int64_t{lower_bound_} + Count() - 1;
+  if (bound < std::numeric_limits<Long>::min() || bound > std::numeric_limits<Long>::max()) {
+    RaiseError(error_number::kOverflow);
+  }
+  return static_cast<Long>(bound);
+}
+
+void Vector::Append(Variant Item) {
+  elements_.push_back(std::move(Item));
+  MarkEdited();
+}
+
+void Vector::Insert(Long Index, Variant Item) {
+  const std::size_t offset = Offset(Index, elements_.size() + 1);
+  elements_.insert(elements_.begin() + static_cast<std::ptrdiff_t>(offset), std::move(Item));
+  MarkEdited();
+}
+
+void Vector::Remove(Long Index, Long Count) {
+  if (Count == 0) return;
+  const std::size_t first = Offset(Index, elements_.size());
+  if (Count < 0 || static_cast<std::size_t>(Count) > elements_.size() - first) {
+    RaiseError(error_number::kSubscriptOutOfRange);
+  }
+  const auto from = elements_.begin() + static_cast<std::ptrdiff_t>(first);
+  elements_.erase(from, from + Count);
+  MarkEdited();
+}
+
+Variant Vector::Item(Long Index) const { return elements_[Offset(Index, elements_.size())]; }
+
+void Vector::Item(Long Index, Variant value) {
+  elements_[Offset(Index, elements_.size())] = std::move(value);
+  MarkEdited();
+}
+
+Ref<Vector> Vector::Clone() { return CopyWith(nullptr); }
+
+Ref<Vector> Vector::CopyWith(Variant (*copy_object)(const Variant&)) const {
+  auto copy = Make<Vector>();
+  copy->lower_bound_ = lower_bound_;
+  copy->elements_.reserve(elements_.size());
+  for (const Variant& element : elements_) {
+    const bool by_copier = copy_object != nullptr && element.IsObject() && !element.IsNothing();
+    copy->elements_.push_back(by_copier ? copy_object(element) : element);
+  }
+  return copy;
+}
+
+}  // namespace qdclgl

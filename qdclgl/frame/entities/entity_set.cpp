@@ -1,0 +1,56 @@
+#include "qdclgl/frame/entities/entity_set.h"
+
+#include "qdclgl/frame/objects/variant_kind.h"
+
+namespace qdclgl {
+
+void EntityListBase::Refresh() {
+  m_Rs = nullptr;  // first, so that a list that can't be fetched is not mistaken for the old one
+  const Ref<Object> info = ServerGateway().CreateInstance(Protocol().info_component);
+  m_Rs = FetchList(*info);
+}
+
+Long EntityListBase::Count() const { return List()->RecordCount(); }
+
+Ref<Recordset> EntityListBase::RecordSet() const { return m_Rs; }
+
+void EntityListBase::RecordSet(Ref<Recordset> value) { m_Rs = std::move(value); }
+
+Ref<Recordset> EntityListBase::FetchList(Object& info) {
+  return info
+      .Call("GetList", GetPropsString(), ByRef(m_ListOptions), ByRef(m_Filter), ByRef(m_Sort))
+      .As<Recordset>();
+}
+
+Ref<Dictionary> EntityListBase::FetchRow(Variant Key) const {
+  const bool by_id = IsVariantKind(Key, variant_kind::kNumber);
+  if (!by_id && !IsVariantKind(Key, variant_kind::kText)) RaiseError(error_number::kInvalidCall);
+  const Ref<Object> info = ServerGateway().CreateInstance(Protocol().info_component);
+  const String props = GetPropsString();
+  const Variant row = by_id ? info->Call("GetDetail", props, CLng(Key))
+                            : info->Call(Protocol().text_key_method, props, ByRef(Key));
+  return row.As<Dictionary>();
+}
+
+const Ref<Recordset>& EntityListBase::List() const {
+  if (!m_Rs) const_cast<EntityListBase*>(this)->Refresh();
+  if (!m_Rs) RaiseError(error_number::kObjectNotSet);  // the server answered with Nothing
+  return m_Rs;
+}
+
+Ref<Dictionary> EntityListBase::CurrentRow() {
+  if (List()->Eof()) RaiseError(error_number::kInvalidCall);
+  return RowToDictionary(m_Rs);
+}
+
+Long EntityListBase::CheckExistence(std::initializer_list<Argument> keys) {
+  const Ref<Object> info = ServerGateway().CreateInstance(Protocol().info_component);
+  for (const Argument& key : keys) {
+    if (!key.IsMissing()) {
+      return info->Call("ExistenceCheck", GetPropsString(), Argument(key)).As<Long>();
+    }
+  }
+  return 0;
+}
+
+}  // namespace qdclgl

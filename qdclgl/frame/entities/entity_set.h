@@ -1,0 +1,141 @@
+// A list of the server's rows: a recordset fetched on first use and kept until Refresh, and the
+// operations that make entities of its rows or of a key. A class adds its own operations and says
+// in a SetProtocol what is its own.
+#pragma once
+
+#include "qdclgl/frame/entities/walkers.h"
+#include "qdclgl/frame/objects/variant_kind.h"
+#include "qdclgl/frame/session/server_gateway.h"
+#include "qdclgl/frame/session/session.h"
+#include "qdclgl/frame/session/startup.h"
+#include "qdclgl/frame/session/transaction_context.h"
+
+namespace qdclgl {
+
+// What differs between the sets of the family.
+struct SetProtocol {
+  const char* info_component;    // reads
+  const char* update_component;  // writes
+  const char* text_key_method;   // reads one row by its number or name
+};
+
+// What does not depend on the kind of entity.
+class EntityListBase : public Object, public ISetXactContext, private ApartmentMember {
+  QD_BASE_MEMBERS(Object)
+
+ public:
+  QD_VARIABLE(Long, ListOptions, 0, "Options for the next Refresh.")
+  QD_VARIABLE(String, Filter, "", "Filter for the next Refresh.")
+  QD_VARIABLE(String, Sort, "", "Sort order for the next Refresh.")
+  QD_METHOD(void, Refresh, (), "Drops the list and fetches it again. Calls GetList.")
+  QD_PROPERTY(Get, Long, Count, "The number of rows. Fetches the list on first use.")
+  QD_PROPERTY(GetSet, Ref<Recordset>, RecordSet,
+              "The list as it stands, Nothing before the first use; a recordset put here takes its "
+              "place.")
+
+  void SetTransactionContext(const Ref<Object>& xa) override { m_Xa = xa; }
+
+ protected:
+  virtual const SetProtocol& Protocol() const = 0;
+
+  // GetList(PropsString, ListOptions, Filter, Sort), the three by reference.
+  virtual Ref<Recordset> FetchList(Object& info);
+  // GetDetail(PropsString, id) for a number, the text key method (PropsString, Key by reference)
+  // for a text; error 5 for any other key.
+  virtual Ref<Dictionary> FetchRow(Variant Key) const;
+
+  // The list, fetched unless there is one: what a reader sees does not change by it.
+  const Ref<Recordset>& List() const;
+  // The row under the cursor. Error 5 behind the last one.
+  Ref<Dictionary> CurrentRow();
+
+  // ExistenceCheck(PropsString, key) with the first of `keys` that is given, each as it is to be
+  // passed; 0 without a call when none is. The component is made in any case.
+  Long CheckExistence(std::initializer_list<Argument> keys);
+
+  // The id of a key: a number as it is, a text looked up by `find`; 0 for a key of any other kind.
+  template <class Find>
+  static Long IdOf(const Variant& key, Find find) {
+    if (IsVariantKind(key, variant_kind::kNumber)) return CLng(key);
+    return IsVariantKind(key, variant_kind::kText) ? find() : 0;
+  }
+
+  // Delete(PropsString, id by reference, and what follows it). Error 5 for id 0, which is no row.
+  template <class... Args>
+  void DeleteRow(Long id, Args&&... args) {
+    if (id == 0) RaiseError(error_number::kInvalidCall);
+    CallUpdate("Delete", id, std::forward<Args>(args)...);
+  }
+  // method(PropsString, id by reference, and what follows it) on the writing component.
+  template <class... Args>
+  void CallUpdate(const char* method, Long id, Args&&... args) {
+    const Ref<Object> update = ServerGateway().CreateInstance(Protocol().update_component);
+    update->Call(method, GetPropsString(), ByRef(id), std::forward<Args>(args)...);
+  }
+
+  Ref<Recordset> m_Rs;
+  Ref<Object> m_Xa;
+};
+
+template <class Entity>
+class EntitySet : public EntityListBase {
+  QD_BASE_MEMBERS(EntityListBase)
+
+ public:
+  QD_INHERITED(ListOptions)
+  QD_INHERITED(Filter)
+  QD_INHERITED(Sort)
+  QD_METHOD(Ref<Entity>, GetCurrent, (),
+            "The entity of the row under the cursor. Error 5 behind the last row.")
+  QD_METHOD(Ref<Entity>, GetNext, (),
+            "The entity of the row under the cursor; then the cursor moves on. Error 5 behind the "
+            "last row.")
+  QD_METHOD(Ref<Enumerator>, NewEnum, (), "The entities of all rows; the set's cursor stays.")
+  QD_INHERITED(Refresh)
+  QD_INHERITED(Count)
+  QD_INDEXED(Get, Ref<Entity>, Item, (Variant Key),
+             "The entity of an id (a number) or of a number or name (a text), read from the "
+             "server; an empty one when the server knows no such row. Error 5 for any other key. "
+             "Calls GetDetail or the text key's method.",
+             DefaultMember)
+  QD_INHERITED(RecordSet)
+
+  // The entities in order, for C++ callers: `for (auto& entity : set)`.
+  typename EnumeratorRange<Entity>::Iterator begin() {
+    return typename EnumeratorRange<Entity>::Iterator(NewEnum());
+  }
+  std::default_sentinel_t end() const { return {}; }
+
+ protected:
+  Ref<Entity> MakeEntity(const Ref<Dictionary>& row) const {
+    auto entity = Make<Entity>();
+    entity->Construct(row, m_Xa);
+    return entity;
+  }
+};
+
+template <class Entity>
+Ref<Entity> EntitySet<Entity>::GetCurrent() {
+  return MakeEntity(CurrentRow());
+}
+
+template <class Entity>
+Ref<Entity> EntitySet<Entity>::GetNext() {
+  Ref<Entity> entity = GetCurrent();
+  m_Rs->MoveNext();
+  return entity;
+}
+
+template <class Entity>
+Ref<Enumerator> EntitySet<Entity>::NewEnum() {
+  auto walker = Make<EntityWalker<Entity>>();
+  walker->Attach(List(), m_Xa);
+  return EnumFactory().CreateEnum(walker);
+}
+
+template <class Entity>
+Ref<Entity> EntitySet<Entity>::Item(Variant Key) const {
+  return MakeEntity(FetchRow(std::move(Key)));
+}
+
+}  // namespace qdclgl

@@ -1,0 +1,58 @@
+#include "qdclgl/frame/entities/line_view.h"
+
+#include "qdclgl/frame/containers/deep_copy.h"
+#include "qdclgl/frame/objects/variant_kind.h"
+
+namespace qdclgl {
+
+// ---- LineView ----
+
+Boolean LineView::Modified() const { return Bag().ChangeFlag()->Modified(); }
+
+void LineView::Attach(const Ref<Dictionary>& dict, const Ref<ChangeFlag>& flag) {
+  m_Props = Make<qdclgl::Properties>();
+  m_Props->Attach(dict, true, flag, 0);
+}
+
+// ---- LineListBase ----
+
+void LineListBase::Attach(const Ref<Vector>& vector, const Ref<ChangeFlag>& flag) {
+  m_Vector = vector;
+  m_Flag = flag;
+}
+
+const Ref<Vector>& LineListBase::Lines() const {
+  if (!m_Vector) RaiseError(error_number::kObjectNotSet);
+  return m_Vector;
+}
+
+void LineListBase::Add(Variant index) {
+  if (index.IsMissing()) {
+    Lines()->Append(Variant(Make<Dictionary>()));
+  } else {
+    if (!IsVariantKind(index, variant_kind::kWholeNumber)) RaiseError(error_number::kTypeMismatch);
+    VectorInsertAt(Lines(), CLng(index), Make<Dictionary>());
+  }
+  m_Flag->Modified(true);
+}
+
+void LineListBase::Remove(Long index) {
+  Lines()->Remove(index, 1);
+  m_Flag->Remove(index);
+}
+
+Long LineListBase::Count() const { return Lines()->Count(); }
+
+void LineListBase::Count(Long value) {
+  while (Count() < value) Lines()->Append(Variant(Make<Dictionary>()));
+  // The flags of the lines that are cut off stay behind: the list's own flag speaks for them.
+  if (Count() > value) Lines()->Remove(value + 1, Count() - value);
+  m_Flag->Modified(true);
+}
+
+Boolean LineListBase::Modified() const {
+  Lines();
+  return m_Flag->Modified();
+}
+
+}  // namespace qdclgl

@@ -1,0 +1,53 @@
+// The base of every class whose data is a row: typed members over a bag.
+#pragma once
+
+#include "qdclgl/frame/entities/properties.h"
+
+namespace qdclgl {
+
+class RowView : public Object {
+  QD_BASE_MEMBERS(Object)
+
+ public:
+  QD_PROPERTY(Get, Ref<qdclgl::Properties>, Properties,
+              "All keys and values of the object, those without a member of their own included.")
+
+ protected:
+  // The bag. Error 91 for an object that was never given a row.
+  qdclgl::Properties& Bag() const {
+    if (!m_Props) RaiseError(error_number::kObjectNotSet);
+    return *m_Props;
+  }
+
+  // What a FIELD row reads: the stored value as T, or the default where the key is absent, Null or
+  // empty. Error 13 or 6 when the stored value does not convert.
+  template <class T>
+  T ReadField(const RowKey& key, const RowOptions& options) const {
+    return FieldOf<T>(Bag().Find(key), options);
+  }
+  // The same of a value in place, null when the key is absent.
+  template <class T>
+  static T FieldOf(const Variant* stored, const RowOptions& options) {
+    if constexpr (!detail::IsRef<T>::value && !std::is_same_v<T, String>) {
+      if (stored != nullptr && stored->Holds<T>()) return stored->template Held<T>();
+    }
+    if (stored == nullptr || (!stored->IsObject() && HasEmptyText(*stored))) {
+      return options.default_value.To<T>();
+    }
+    return ConvertTo<T>(*stored);
+  }
+
+  // What a FIELD row writes; the row's clear value removes the key.
+  template <class T>
+  void WriteField(const RowKey& key, T value, const RowOptions& options) {
+    if (options.clear_value.given() && value == options.clear_value.To<T>()) {
+      Bag().ClearValue(key);
+    } else {
+      Bag().SetValue(key, Variant(std::move(value)));
+    }
+  }
+
+  Ref<qdclgl::Properties> m_Props;
+};
+
+}  // namespace qdclgl

@@ -1,0 +1,94 @@
+// The walkers behind NewEnum. A recordset walker runs over a clone of a set's recordset and makes
+// an entity of each row; a vector walker runs over a list of the data tree and makes a child that
+// shares its row with the list.
+#pragma once
+
+#include "qdclgl/frame/containers/recordset.h"
+#include "qdclgl/frame/containers/vector.h"
+#include "qdclgl/frame/entities/properties.h"
+
+namespace qdclgl {
+
+// Runs over the rows of a recordset with a cursor of its own, from the first row on, wherever the
+// given cursor stands. What is made of a row is the heir's.
+class WalkRecordset : public IWalkVariant {
+ public:
+  void Attach(const Ref<Recordset>& Rs);
+
+  void Next(Variant& Item, Boolean& Done) override;
+  void Skip(Boolean& Done) override;
+  void Reset() override;
+
+ protected:
+  virtual Ref<Object> OnCreateObject(const Ref<Dictionary>& Dict) = 0;
+
+ private:
+  Ref<Recordset> m_Rs;
+};
+
+// Makes an `Entity` of each row with Construct(row, transaction context).
+template <class Entity>
+class EntityWalker final : public WalkRecordset {
+ public:
+  std::string_view ClassName() const override { return "EntityWalker"; }
+
+  void Attach(const Ref<Recordset>& Rs, const Ref<Object>& xa) {
+    WalkRecordset::Attach(Rs);
+    m_Xa = xa;
+  }
+
+ protected:
+  Ref<Object> OnCreateObject(const Ref<Dictionary>& Dict) override {
+    auto entity = Make<Entity>();
+    entity->Construct(Dict, m_Xa);
+    return entity;
+  }
+
+ private:
+  Ref<Object> m_Xa;
+};
+
+// The row at `index` of a list; a hole becomes an empty row that stays in the list.
+Ref<Dictionary> RowAt(const Ref<Vector>& vector, Long index);
+
+// Attaches a `Child` to each row of a list and to the child flag of its position. The position has
+// 16 bits: error 6 behind the 32,767th element.
+template <class Child>
+class VectorWalker final : public IWalkVariant {
+ public:
+  std::string_view ClassName() const override { return "VectorWalker"; }
+
+  void Init(const Ref<Vector>& vector, const Ref<ChangeFlag>& flag) {
+    m_Vector = vector;
+    m_ChangeFlag = flag;
+    m_Pos = 0;
+  }
+
+  void Next(Variant& Item, Boolean& Done) override {
+    if (m_Pos >= m_Vector->Count()) return;
+    m_Pos = NextPosition(m_Pos);
+    const Ref<Dictionary> row = RowAt(m_Vector, m_Pos);
+    const Ref<ChangeFlag> flag = m_ChangeFlag->At(m_Pos);
+    auto child = Make<Child>();
+    child->Attach(row, flag);
+    Item = Variant(child);
+    Done = true;
+  }
+  void Skip(Boolean& Done) override {
+    if (m_Pos >= m_Vector->Count()) return;
+    m_Pos = NextPosition(m_Pos);
+    Done = true;
+  }
+  void Reset() override { m_Pos = 0; }
+
+ private:
+  Ref<Vector> m_Vector;
+  Integer m_Pos = 0;
+  Ref<ChangeFlag> m_ChangeFlag;
+};
+
+// The rows from the cursor on as a new Vector of Dictionaries; leaves the cursor behind the last
+// row.
+Ref<Vector> RecordsetToVector(const Ref<Recordset>& rs);
+
+}  // namespace qdclgl

@@ -1,0 +1,7 @@
+#include "qdclgl/frame/values/row_key.h"
+
+namespace qdclgl {
+
+void RowKey::DigestAtRunTime() { Digest(); }
+
+}  // namespace qdclgl

@@ -1,0 +1,39 @@
+// The audit trail: who did what, and when, written in the transaction of the deed itself.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "qdclgl/frame/containers/recordset.h"
+#include "qdclgl/frame/objects/members.h"
+#include "qdclgl/server/access/login.h"
+
+namespace qdclgl::server {
+
+struct Deed {
+  std::string_view subject;  // "Voucher", "Account", "Currency", ...
+  Long record_id = 0;
+  std::string_view record;        // the record as people call it: "2024/1 Receipts 5"
+  std::string_view action;        // "Create", "Update", "Delete", "Check", ...
+  std::string_view changes = {};  // for an update what changed, key by key
+  // Where the deed came from, when the caller says so; otherwise the session's.
+  std::string_view machine_name = {};
+  std::string_view address = {};
+  int origin = 1;  // 2: an automatic save
+};
+
+void WriteAudit(const Caller& caller, const Deed& deed);
+
+// "QDSVGLAudit.AuditInfo": reads the trail.
+class AuditInfo final : public Object {
+  QD_MEMBERS(AuditInfo, Object, Creatable, "The audit trail.")
+
+ public:
+  QD_METHOD(Ref<Recordset>, GetList,
+            (std::string_view PropsString, const String& Filter = {}, const String& Sort = {}),
+            "The deeds, the oldest first unless Sort says otherwise: FAuditID, FTime (UTC), "
+            "FUserID, FUserName, FMachineName, FIPAddress, FSubject, FRecordID, FRecord, FAction, "
+            "FOrigin, FChanges. BadFilter, BadSort.")
+};
+
+}  // namespace qdclgl::server

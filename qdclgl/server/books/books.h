@@ -1,0 +1,39 @@
+// The books as a whole: making them, upgrading them, and checking that everything in them agrees.
+#pragma once
+
+#include "qdclgl/frame/containers/recordset.h"
+#include "qdclgl/frame/objects/members.h"
+
+namespace qdclgl::server {
+
+// "QDSVGLBooks.BooksUpdate": a component of this server.
+class BooksUpdate final : public Object {
+  QD_MEMBERS(BooksUpdate, Object, Creatable, "Makes and upgrades books.")
+
+ public:
+  QD_METHOD(void, Create,
+            (std::string_view ConnectionText, std::string_view CurrencyNumber, Long nYear = {},
+             Long PeriodCount = 12, Long StartMonth = 1,
+             std::string_view UserName = "administrator", std::string_view Password = ""),
+            "Makes empty books with a base currency (id 1) and an administrator; a SQLite file is "
+            "made, a PostgreSQL database must be there. They begin with the first period of the "
+            "year, this year for 0. A count of periods that does not divide 12 is counted in "
+            "weeks. Errors: BooksExist, BadSetting, BadNumber, Required.")
+  QD_METHOD(Long, Upgrade, (std::string_view ConnectionText),
+            "Brings books of an older version to this program's version, all or nothing, and "
+            "returns the version they had. WrongSchema for books of a newer one.")
+};
+
+// "QDSVGLBooks.BooksInfo": a component of this server.
+class BooksInfo final : public Object {
+  QD_MEMBERS(BooksInfo, Object, Creatable, "Looks at the books as a whole.")
+
+ public:
+  QD_METHOD(Long, Version, (std::string_view ConnectionText),
+            "The version of the books' schema, 0 when there are none in the database.")
+  QD_METHOD(Ref<Recordset>, Check, (std::string_view PropsString),
+            "Tests every rule that the books must keep, and lists what breaks one: FRule, "
+            "FSubject, FRecordID, FRecord, FProblem. No row: all is well.")
+};
+
+}  // namespace qdclgl::server

@@ -1,0 +1,315 @@
+#include "qdclgl/server/books/books_check.h"
+
+#include <array>
+#include <cmath>
+#include <map>
+#include <set>
+
+#include "qdclgl/server/access/login.h"
+#include "qdclgl/server/db/columns.h"
+#include "qdclgl/server/periods/calendar.h"
+#include "qdclgl/server/periods/settings.h"
+#include "qdclgl/server/records/currency.h"
+#include "qdclgl/server/vouchers/posting.h"
+
+namespace qdclgl::server {
+
+namespace {
+
+constexpr Long kNobody = -1;
+
+// The list of breaches as it grows.
+class Findings {
+ public:
+  void Add(std::string_view rule, std::string_view subject, Long id, std::string_view record,
+           std::string_view problem) {
+    list_->AddRow({rule, subject, id, record, problem});
+  }
+
+  // A breach for each row (id, record) of a query.
+  template <class... Values>
+  void AddRows(Database& db, std::string_view rule, std::string_view subject,
+               std::string_view problem, std::string_view sql, const Values&... values) {
+    for (const auto& [id, record] : db.Query<Long, std::string>(sql, values...)) {
+      Add(rule, subject, id, record, problem);
+    }
+  }
+
+  Ref<Recordset> list() const { return list_; }
+
+ private:
+  Ref<Recordset> list_ =
+      Recordset::Create({"FRule", "FSubject", "FRecordID", "FRecord", "FProblem"});
+};
+
+// Totals of books that keep the rules stay far inside 64 bits. Others may not, and are compared
+// modulo 2^64.
+using Total = std::uint64_t;
+
+Total TotalOf(std::int64_t units) { return static_cast<Total>(units); }
+
+// Debit, credit, both in the currency, both quantities, as t_Balance has them.
+using Balance = std::array<Total, 6>;
+using BalanceKey = std::array<Long, 4>;  // account, currency, year, period
+
+struct Voucher {
+  std::string name;
+  Long year = 0, period = 0, entry_count = 0;
+  Total debit_total = 0, credit_total = 0;
+  bool posted = false;
+  Long lines = 0;
+  Total debit = 0, credit = 0;  // of its lines
+};
+
+// The text of a voucher's name, in SQL, for the tables v and g.
+constexpr std::string_view kVoucherName =
+    "CAST(v.FYear AS TEXT) || '/' || CAST(v.FPeriod AS TEXT) || ' ' || COALESCE(g.FName, '?') ||"
+    " ' ' || CAST(v.FNumber AS TEXT)";
+constexpr std::string_view kFromVouchers =
+    " FROM t_Voucher v LEFT JOIN t_VoucherGroup g ON g.FGroupID = v.FGroupID";
+
+std::string VouchersWhere(std::string_view condition) {
+  return "SELECT v.FVoucherID, " + std::string(kVoucherName) + std::string(kFromVouchers) +
+         " WHERE " + std::string(condition) + " ORDER BY v.FVoucherID";
+}
+
+// ---- Vouchers and balances ----
+
+std::map<Long, Voucher> VouchersOf(Database& db) {
+  std::map<Long, Voucher> vouchers;
+  for (const auto& [id, name, year, period, count, debit, credit, posted] :
+       db.Query<Long, std::string, Long, Long, Long, std::int64_t, std::int64_t, bool>(
+           "SELECT v.FVoucherID, " + std::string(kVoucherName) +
+           ", v.FYear, v.FPeriod, v.FEntryCount, v.FDebitTotal, v.FCreditTotal, v.FPosted" +
+           std::string(kFromVouchers))) {
+    vouchers[id] = {.name = name,
+                    .year = year,
+                    .period = period,
+                    .entry_count = count,
+                    .debit_total = TotalOf(debit),
+                    .credit_total = TotalOf(credit),
+                    .posted = posted};
+  }
+  return vouchers;
+}
+
+void CheckLinesAndBalances(Database& db, Findings& findings) {
+  std::map<Long, Voucher> vouchers = VouchersOf(db);
+  std::map<BalanceKey, Balance> balances;
+  for (const auto& [id, account, currency, side, amount, amount_for, quantity] :
+       db.Query<Long, Long, Long, Long, std::int64_t, std::int64_t, double>(
+           "SELECT FVoucherID, FAccountID, FCurrencyID, FDC, FAmount, FAmountFor, FQuantity"
+           " FROM t_VoucherEntry")) {
+    const auto found = vouchers.find(id);
+    if (found == vouchers.end()) continue;  // the foreign keys are another rule
+    Voucher& voucher = found->second;
+    ++voucher.lines;
+    (side == 1 ? voucher.debit : voucher.credit) += TotalOf(amount);
+    if (!voucher.posted) continue;
+    Balance& balance = balances[{account, currency, voucher.year, voucher.period}];
+    const std::size_t credit = side == 1 ? 0 : 1;
+    balance[credit] += TotalOf(amount);
+    balance[2 + credit] += TotalOf(currency == kBaseCurrency ? amount : amount_for);
+    balance[4 + credit] += TotalOf(std::llround(quantity * kQuantityScale));
+  }
+  for (const auto& [id, voucher] : vouchers) {
+    if (voucher.lines == 0) {
+      findings.Add("VoucherLines", "Voucher", id, voucher.name, "It has no lines.");
+    }
+    if (voucher.lines != voucher.entry_count || voucher.debit != voucher.debit_total ||
+        voucher.credit != voucher.credit_total) {
+      findings.Add("VoucherTotals", "Voucher", id, voucher.name,
+                   "Its totals or its number of lines are not those of its lines.");
+    }
+    if (voucher.debit != voucher.credit) {
+      findings.Add("VoucherBalance", "Voucher", id, voucher.name, "Debits and credits differ.");
+    }
+  }
+  for (const auto& [account, currency, year, period, debit, credit, debit_for, credit_for,
+                    debit_quantity, credit_quantity] :
+       db.Query<Long, Long, Long, Long, std::int64_t, std::int64_t, std::int64_t, std::int64_t,
+                std::int64_t, std::int64_t>(
+           "SELECT FAccountID, FCurrencyID, FYear, FPeriod, FDebit, FCredit, FDebitFor,"
+           " FCreditFor, FDebitQty, FCreditQty FROM t_Balance")) {
+    // What is left when the stored balance is taken away should be nothing.
+    Balance& rest = balances[{account, currency, year, period}];
+    const std::array stored = {debit,      credit,         debit_for,
+                               credit_for, debit_quantity, credit_quantity};
+    for (std::size_t i = 0; i < rest.size(); ++i) rest[i] -= TotalOf(stored[i]);
+  }
+  for (const auto& [key, rest] : balances) {
+    if (rest == Balance()) continue;
+    const auto number =
+        db.QueryValue<std::string>("SELECT FNumber FROM t_Account WHERE FAccountID = ?", key[0]);
+    findings.Add("Balance", "Account", key[0], number.value_or("?"),
+                 "Its balance in currency " + std::to_string(key[1]) + ", period " +
+                     AccountingPeriod{key[2], key[3]}.ToText() +
+                     " is not the sum of its posted lines.");
+  }
+}
+
+void CheckPeriods(Database& db, const Calendar& calendar, AccountingPeriod current,
+                  Findings& findings) {
+  for (const auto& [id, name, year, period, date, open] :
+       db.Query<Long, std::string, Long, Long, std::string, bool>(
+           "SELECT v.FVoucherID, " + std::string(kVoucherName) +
+           ", v.FYear, v.FPeriod, v.FDate,"
+           " CASE WHEN v.FPosted = 0 AND v.FDeleted = 0 THEN 1 ELSE 0 END" +
+           std::string(kFromVouchers) + " ORDER BY v.FVoucherID")) {
+    const AccountingPeriod stored{year, period};
+    bool fits = false;
+    try {
+      fits = calendar.PeriodOf(DateFrom(date)) == stored;
+    } catch (const Error&) {
+      // A date that is none fits no period.
+    }
+    if (!fits) {
+      findings.Add("VoucherPeriod", "Voucher", id, name,
+                   "Its date " + date + " is not in its year and period.");
+    }
+    if (open && stored < current) {
+      findings.Add("ClosedPeriod", "Voucher", id, name,
+                   "Its period is closed, and it is not posted.");
+    }
+  }
+}
+
+void CheckVouchers(Database& db, Findings& findings) {
+  findings.AddRows(
+      db, "VoucherNumber", "Voucher", "The counter of its period and group is not above it.",
+      VouchersWhere("v.FNumber < 1 OR NOT EXISTS (SELECT 1 FROM t_Counter c WHERE"
+                    " c.FYear = v.FYear AND c.FPeriod = v.FPeriod AND c.FGroupID = v.FGroupID"
+                    " AND c.FNext > v.FNumber)"));
+  findings.AddRows(db, "VoucherFlags", "Voucher", "It is posted by nobody, or posted and deleted.",
+                   VouchersWhere("v.FPosted <> 0 AND (v.FPosterID = ? OR v.FDeleted <> 0)"),
+                   kNobody);
+  findings.AddRows(db, "VoucherFlags", "Voucher", "It has a poster and is not posted.",
+                   VouchersWhere("v.FPosted = 0 AND v.FPosterID <> ?"), kNobody);
+  findings.AddRows(db, "VoucherFlags", "Voucher", "It is approved and not checked.",
+                   VouchersWhere("v.FApproveID <> ? AND v.FChecked = 0"), kNobody);
+  findings.AddRows(db, "VoucherFlags", "Voucher",
+                   "It is checked by nobody, or has a checker and is not checked.",
+                   VouchersWhere("CASE WHEN v.FCheckerID = ? THEN 0 ELSE 1 END <> v.FChecked"),
+                   kNobody);
+  const auto lines_where = [](std::string_view condition) {
+    return "SELECT v.FVoucherID, " + std::string(kVoucherName) +
+           " || ', line ' || CAST(e.FEntryID AS TEXT)" + std::string(kFromVouchers) +
+           " JOIN t_VoucherEntry e ON e.FVoucherID = v.FVoucherID"
+           " LEFT JOIN t_Account a ON a.FAccountID = e.FAccountID WHERE " +
+           std::string(condition) + " ORDER BY v.FVoucherID, e.FEntryID";
+  };
+  findings.AddRows(db, "LineAccount", "Voucher", "Its account is none, or has sub-accounts.",
+                   lines_where("a.FAccountID IS NULL OR EXISTS (SELECT 1 FROM t_Account child"
+                               " WHERE child.FParentID = a.FAccountID)"));
+  findings.AddRows(db, "LineSide", "Voucher", "It is neither debit nor credit.",
+                   lines_where("e.FDC NOT IN (0, 1)"));
+}
+
+// ---- Accounts, currencies, users ----
+
+void CheckAccounts(Database& db, Findings& findings) {
+  struct Account {
+    std::string number, name, full_name;
+    Long level, parent, root;
+    bool detail;
+  };
+  std::map<Long, Account> accounts;
+  std::set<Long> parents;
+  for (const auto& [id, number, name, full_name, level, detail, parent, root] :
+       db.Query<Long, std::string, std::string, std::string, Long, bool, Long, Long>(
+           "SELECT FAccountID, FNumber, FName, FFullName, FLevel, FDetail, FParentID, FRootID"
+           " FROM t_Account")) {
+    accounts[id] = {number, name, full_name, level, parent, root, detail};
+    parents.insert(parent);
+  }
+  for (const auto& [id, account] : accounts) {
+    const auto report = [&, id = id, &number = account.number](std::string_view problem) {
+      findings.Add("AccountTree", "Account", id, number, problem);
+    };
+    const auto dot = account.number.rfind('.');
+    const auto above = accounts.find(account.parent);
+    if (account.detail == parents.contains(id)) {
+      report("Its detail flag does not tell whether it has sub-accounts.");
+    }
+    if (dot == account.number.npos) {
+      if (account.parent != 0 || account.level != 1 || account.root != id ||
+          account.full_name != account.name) {
+        report("Its number stands for level 1; its parent, root, level or full name does not.");
+      }
+    } else if (above == accounts.end() || above->second.number != account.number.substr(0, dot)) {
+      report("The account above it is not the one that its number names.");
+    } else if (account.level != above->second.level + 1 || account.root != above->second.root ||
+               account.full_name != above->second.full_name + "_" + account.name) {
+      report("Its level, root or full name does not go with the account above it.");
+    }
+  }
+}
+
+void CheckCurrencies(Database& db, Findings& findings) {
+  const auto rate = db.QueryRow<double, bool>(
+      "SELECT FExchangeRate, FDeleted FROM t_Currency WHERE FCurrencyID = ?", kBaseCurrency);
+  if (!rate || std::get<0>(*rate) != 1 || std::get<1>(*rate)) {
+    findings.Add("BaseCurrency", "Currency", kBaseCurrency, "",
+                 "The base currency is missing, marked deleted, or has another rate than 1.");
+  }
+}
+
+void CheckUsers(Database& db, Findings& findings) {
+  if (!db.QueryValue<int>("SELECT 1 FROM t_User WHERE FDisabled = 0 AND (FRoles & ?) <> 0 LIMIT 1",
+                          static_cast<Long>(Role::kAdministrator))) {
+    findings.Add("Administrator", "User", 0, "", "There is no administrator who can log in.");
+  }
+}
+
+// ---- Settings ----
+
+// Checks the settings, and the periods that rest on them where they make sense.
+void CheckSettings(Database& db, Findings& findings) {
+  try {
+    const Calendar calendar = Calendar::Of(db);
+    const AccountingPeriod current = CurrentPeriod(db);
+    const AccountingPeriod start{SettingNumber(GlSetting(db, setting::kStartYear)),
+                                 SettingNumber(GlSetting(db, setting::kStartPeriod))};
+    calendar.SpanOf(start);
+    calendar.SpanOf(current);
+    if (current < start) {
+      findings.Add("Settings", "Setting", 0, "GL.CurrentPeriod",
+                   "The books stand before the period that they begin with.");
+    }
+    CheckPeriods(db, calendar, current, findings);
+  } catch (const Error& error) {
+    findings.Add("Settings", "Setting", 0, "GL", error.description());
+  }
+}
+
+// ---- The database itself ----
+
+void CheckDatabase(Database& db, Findings& findings) {
+  if (!db.IsSQLite()) return;
+  for (const auto& [text] :
+       db.Query<std::string>("SELECT integrity_check FROM pragma_integrity_check")) {
+    if (text != "ok") findings.Add("Integrity", "Database", 0, "", text);
+  }
+  for (const auto& [table, row, parent] : db.Query<std::string, Long, std::string>(
+           "SELECT \"table\", rowid, parent FROM pragma_foreign_key_check")) {
+    findings.Add("ForeignKeys", "Database", row, table,
+                 "It refers to a row that is not in " + parent + ".");
+  }
+}
+
+}  // namespace
+
+Ref<Recordset> CheckBooks(Database& db) {
+  const Transaction transaction(db, Transaction::Kind::kRead);
+  Findings findings;
+  CheckLinesAndBalances(db, findings);
+  CheckVouchers(db, findings);
+  CheckAccounts(db, findings);
+  CheckCurrencies(db, findings);
+  CheckUsers(db, findings);
+  CheckSettings(db, findings);
+  CheckDatabase(db, findings);
+  return findings.list();
+}
+
+}  // namespace qdclgl::server

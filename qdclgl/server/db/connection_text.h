@@ -1,0 +1,51 @@
+// Connection texts: `Key=Value;` pairs that say which books a caller means.
+//
+//   Provider=SQLite;Data Source=books.db;Initial catalog=ACC1;
+//   Provider=PostgreSQL;Host=ledger;Port=5432;Initial catalog=books;User ID=gl;Password=...;
+#pragma once
+
+#include <map>
+#include <string>
+#include <string_view>
+
+namespace qdclgl::server {
+
+// The keys, in the spelling in which a text is written back.
+namespace connection_key {
+inline constexpr std::string_view kProvider = "Provider";        // SQLite or PostgreSQL
+inline constexpr std::string_view kDataSource = "Data Source";   // SQLite: the file
+inline constexpr std::string_view kSynchronous = "Synchronous";  // Full (the default) or Normal
+inline constexpr std::string_view kHost = "Host";  // PostgreSQL: name, address or socket folder
+inline constexpr std::string_view kPort = "Port";
+inline constexpr std::string_view kCatalog = "Initial catalog";  // PostgreSQL: the database
+inline constexpr std::string_view kSchema = "Schema";  // PostgreSQL: one of many books in it
+inline constexpr std::string_view kUser = "User ID";   // PostgreSQL: the database's user
+inline constexpr std::string_view kPassword = "Password";
+inline constexpr std::string_view kSession = "Session";  // put in by the login
+}  // namespace connection_key
+
+class ConnectionText {
+ public:
+  // Keys match without regard to case; blanks around keys and values don't count. A value with ";"
+  // or with blanks at its ends stands in braces, "{a;b}", a "}" in it doubled. A text without any
+  // "=" is the path of a SQLite file. BadConnectionText for a key that is unknown or stands twice,
+  // for an unknown provider, and for values that the provider needs and does not get.
+  static ConnectionText Parse(std::string_view text);
+
+  // "" for a key that is not there.
+  std::string_view operator[](std::string_view key) const;
+  bool IsSQLite() const;
+
+  // The text without this key, with this one, and in the one spelling that tells equal texts.
+  ConnectionText Without(std::string_view key) const;
+  ConnectionText With(std::string_view key, std::string_view value) const;
+  std::string ToText() const;
+
+  // The text as an error may show it: no password, no session.
+  std::string ForMessage() const;
+
+ private:
+  std::map<std::string, std::string, std::less<>> values_;  // by key in its own spelling
+};
+
+}  // namespace qdclgl::server

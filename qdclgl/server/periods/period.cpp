@@ -1,0 +1,72 @@
+#include "qdclgl/server/periods/period.h"
+
+#include "qdclgl/frame/objects/class_table.h"
+#include "qdclgl/server/access/audit.h"
+#include "qdclgl/server/access/login.h"
+#include "qdclgl/server/db/refusals.h"
+#include "qdclgl/server/periods/settings.h"
+
+namespace qdclgl::server {
+
+QD_DEFINE_MEMBERS(PeriodUpdate)
+
+namespace {
+
+void MoveTo(const Caller& caller, AccountingPeriod period, AccountingPeriod closed,
+            std::string_view action) {
+  PutGlSetting(caller.db, setting::kCurrentYear, std::to_string(period.year));
+  PutGlSetting(caller.db, setting::kCurrentPeriod, std::to_string(period.period));
+  const std::string record = closed.ToText();
+  WriteAudit(caller, {.subject = "Period", .record = record, .action = action});
+}
+
+}  // namespace
+
+void PeriodUpdate::Close(std::string_view PropsString) {
+  const Caller caller = Enter(PropsString, Role::kPoster, "close periods");
+  Transaction transaction(caller.db, Transaction::Kind::kChangeRules);
+  const LedgerRules rules = LedgerRules::Of(caller.db);
+  const AccountingPeriod current = rules.current;
+  const auto open = caller.db.Query<std::string, Long>(
+      "SELECT g.FName, v.FNumber FROM t_Voucher v"
+      " JOIN t_VoucherGroup g ON g.FGroupID = v.FGroupID"
+      " WHERE v.FYear = ? AND v.FPeriod = ? AND v.FPosted = 0 AND v.FDeleted = 0"
+      " ORDER BY g.FName, v.FNumber",
+      current.year, current.period);
+  if (!open.empty()) {
+    const auto& [group, number] = open.front();
+    Refuse(refusal::kNotAllPosted, "Period " + current.ToText() + " has " +
+                                       std::to_string(open.size()) +
+                                       " voucher(s) that are not posted, the first is " + group +
+                                       " " + std::to_string(number) + ".");
+  }
+  MoveTo(caller, rules.calendar.After(current), current, "Close");
+  transaction.Commit();
+}
+
+void PeriodUpdate::Reopen(std::string_view PropsString) {
+  const Caller caller = Enter(PropsString, Role::kPoster, "reopen periods");
+  Transaction transaction(caller.db, Transaction::Kind::kChangeRules);
+  const LedgerRules rules = LedgerRules::Of(caller.db);
+  const AccountingPeriod current = rules.current;
+  const AccountingPeriod start{SettingNumber(GlSetting(caller.db, setting::kStartYear)),
+                               SettingNumber(GlSetting(caller.db, setting::kStartPeriod))};
+  if (current <= start) {
+    Refuse(refusal::kFirstPeriod, "The books begin with period " + start.ToText() + ".");
+  }
+  const auto posted = caller.db.QueryRow<Long, Long>(
+      "SELECT FYear, FPeriod FROM t_Voucher WHERE FPosted = 1 AND FYear * 1000 + FPeriod >= ?"
+      " ORDER BY FYear, FPeriod LIMIT 1",
+      std::int64_t{current.year} * 1000 + current.period);
+  if (posted) {
+    const AccountingPeriod period{std::get<0>(*posted), std::get<1>(*posted)};
+    Refuse(refusal::kLaterPostings, "Period " + rules.calendar.Before(current).ToText() +
+                                        " can't be reopened: vouchers are posted in period " +
+                                        period.ToText() + ".");
+  }
+  const AccountingPeriod reopened = rules.calendar.Before(current);
+  MoveTo(caller, reopened, reopened, "Reopen");
+  transaction.Commit();
+}
+
+}  // namespace qdclgl::server

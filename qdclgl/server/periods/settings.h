@@ -1,0 +1,76 @@
+// The settings of the books, texts under a category and a key.
+#pragma once
+
+#include <map>
+#include <string>
+
+#include "qdclgl/frame/containers/dictionary.h"
+#include "qdclgl/frame/objects/members.h"
+#include "qdclgl/server/db/database.h"
+#include "qdclgl/server/periods/calendar.h"
+
+namespace qdclgl::server {
+
+// The settings of category GL that the server itself goes by.
+namespace setting {
+inline constexpr std::string_view kCurrentYear = "CurrentYear";      // written by closing alone
+inline constexpr std::string_view kCurrentPeriod = "CurrentPeriod";  // likewise
+inline constexpr std::string_view kStartYear = "StartYear";          // where the books begin
+inline constexpr std::string_view kStartPeriod = "StartPeriod";
+inline constexpr std::string_view kPeriodCount = "PeriodCount";          // 12
+inline constexpr std::string_view kPeriodByMonth = "PeriodByMonth";      // 1; 0: by weeks
+inline constexpr std::string_view kYearStartMonth = "YearStartMonth";    // 1
+inline constexpr std::string_view kCheckBeforePost = "CheckBeforePost";  // 1: post needs check
+inline constexpr std::string_view kCheckerNotPreparer = "CheckerNotPreparer";  // 1: two people
+}  // namespace setting
+
+// The number at the beginning of a setting's text, rounded; 0 when there is none.
+Long SettingNumber(std::string_view text);
+
+// A setting of category GL, "" when it is not set.
+std::string GlSetting(Database& db, std::string_view key);
+void PutGlSetting(Database& db, std::string_view key, std::string_view value);
+
+// The settings that every save goes by, read at once.
+struct LedgerRules {
+  Calendar calendar;
+  AccountingPeriod current;  // the books stand here: it and all behind it are open
+  bool check_before_post;
+  bool checker_not_preparer;
+
+  static LedgerRules Of(Database& db);
+  // From the settings of category GL, key to text.
+  static LedgerRules From(const std::map<std::string, std::string, std::less<>>& settings);
+};
+
+AccountingPeriod CurrentPeriod(Database& db);
+
+// "QDSVBase.SystemProfile": reads and writes the settings.
+class ServerProfile final : public Object {
+  QD_MEMBERS(ServerProfile, Object, Creatable, "The settings of the books.")
+
+ public:
+  QD_METHOD(Ref<Dictionary>, ListProfiles,
+            (std::string_view PropsString, std::string_view Category),
+            "The settings of a category, key to text. UnknownCategory for one that is not of the "
+            "fifteen.")
+  QD_METHOD(void, SetProfile,
+            (std::string_view PropsString, const String& Category, const String& ProfileID,
+             const String& Value),
+            "Writes a setting; administrators only. UnknownCategory; SettingFixed for a setting "
+            "that closing keeps, or that dates and periods of present vouchers rest on; BadSetting "
+            "for a calendar or a switch that can't be.")
+};
+
+// "QDSVBase.BaseInfo": questions about the server itself.
+class BaseInfo final : public Object {
+  QD_MEMBERS(BaseInfo, Object, Creatable, "Questions about the server itself.")
+
+ public:
+  QD_METHOD(Boolean, IsNeedOffline,
+            (std::string_view PropsString, Integer AtLogin, const String& ComputerName),
+            "Whether a client must work off line: True when setting Offline of category Base is "
+            "on, or names this computer.")
+};
+
+}  // namespace qdclgl::server

@@ -1,0 +1,27 @@
+// Server components of our own over SQLite or PostgreSQL: once registered, the library's classes
+// work on real books.
+//
+//   server::RegisterServerComponents();
+//   CreateObject("QDSVGLBooks.BooksUpdate")->Call("Create", "books.db", "EUR");
+//   CreateObject("QDSVGLSession.SessionUpdate")->Call("Login", "books.db", "administrator", "");
+#pragma once
+
+#include <span>
+#include <string_view>
+
+#include "qdclgl/frame/objects/class_table.h"
+
+namespace qdclgl::server {
+
+struct ServerComponent {
+  std::string_view prog_id;
+  const ClassTable* table;
+};
+
+// Every component with the members that callers reach.
+std::span<const ServerComponent> ServerComponents();
+
+// Makes them known to this process under their ProgIDs.
+void RegisterServerComponents();
+
+}  // namespace qdclgl::server

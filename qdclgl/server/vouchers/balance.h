@@ -1,0 +1,32 @@
+// Balances of accounts over a span of periods.
+#pragma once
+
+#include "qdclgl/frame/containers/recordset.h"
+#include "qdclgl/frame/objects/members.h"
+
+namespace qdclgl::server {
+
+// "QDSVGLBalance.BalanceInfo": a component of this server.
+//
+// A row for each account with movement and all its currencies together (FCurrencyID 0), and one for
+// each of its currencies. An account that has others below it carries their sums (FDetail False).
+// FBeginBalance, FDebit, FCredit and FEndBalance are in base currency, debit minus credit; the
+// columns ending in For are in the row's currency (0 in the rows of all currencies), those ending
+// in Qty are quantities.
+class BalanceInfo final : public Object {
+  QD_MEMBERS(BalanceInfo, Object, Creatable, "Balances of accounts.")
+
+ public:
+  QD_METHOD(Ref<Recordset>, GetList,
+            (std::string_view PropsString, Long nYear = {}, Long PeriodFrom = {},
+             Long PeriodTo = {}, const String& Filter = {}, const String& Sort = {}),
+            "The balances over periods of a year, from what posting keeps: year 0 is everything "
+            "posted, period 0 the year's first or last. By account number and currency unless Sort "
+            "says otherwise. BadFilter, BadSort, BadValue for periods that the year does not have.")
+  QD_METHOD(Ref<Recordset>, GetListFromLines,
+            (std::string_view PropsString, Long nYear = {}, Long PeriodFrom = {},
+             Long PeriodTo = {}, const String& Filter = {}, const String& Sort = {}),
+            "The same, added up from the lines of the posted vouchers.")
+};
+
+}  // namespace qdclgl::server

@@ -1,0 +1,22 @@
+// Keys of a row that have no column of their own: kept together as one JSON text, so that whatever
+// a program puts into a row comes back with it.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "qdclgl/frame/containers/dictionary.h"
+
+namespace qdclgl::server {
+
+// The JSON text of all keys of `row` for which `is_known` is false; "" when there are none. Values
+// that are Empty or Nothing are left out. BadValue for an object that is neither Dictionary nor
+// Vector, for a byte array and for text that is no UTF-8.
+std::string ExtrasText(const Dictionary& row,
+                       const std::function<bool(std::string_view key)>& is_known);
+
+// Puts the keys of such a text into a row.
+void PutExtras(std::string_view text, Dictionary& row);
+
+}  // namespace qdclgl::server

@@ -1,0 +1,361 @@
+#include "qdclgl/server/vouchers/voucher.h"
+
+#include "qdclgl/frame/objects/class_table.h"
+#include "qdclgl/frame/objects/conversions.h"
+#include "qdclgl/frame/objects/variant_kind.h"
+#include "qdclgl/server/access/audit.h"
+#include "qdclgl/server/access/login.h"
+#include "qdclgl/server/db/list.h"
+#include "qdclgl/server/db/refusals.h"
+#include "qdclgl/server/vouchers/posting.h"
+#include "qdclgl/server/vouchers/voucher_rules.h"
+#include "qdclgl/server/vouchers/voucher_tree.h"
+
+namespace qdclgl::server {
+
+QD_DEFINE_MEMBERS(VoucherInfo)
+QD_DEFINE_MEMBERS(VoucherUpdate)
+
+namespace {
+
+constexpr std::string_view kSubject = "Voucher";
+constexpr Integer kNobody = -1;
+
+// ---- Reading ----
+
+Ref<Dictionary> DetailOf(Database& db, Long id, bool show_deleted) {
+  const std::optional<VoucherTree> tree = VoucherTree::Read(db, id);
+  if (!tree || (tree->state.Get<"FDeleted">() && !show_deleted)) return nullptr;
+  return tree->ToRow();
+}
+
+// The voucher with that number, group being a name or an id; 0 when there is none.
+Long FindByNumber(Database& db, Long year, Long period, const Variant& group, Long number,
+                  bool show_deleted) {
+  const auto id =
+      IsVariantKind(group, variant_kind::kNumber)
+          ? db.QueryValue<Long>(
+                "SELECT FVoucherID FROM t_Voucher WHERE FYear = ? AND FPeriod = ? AND FGroupID = ?"
+                " AND FNumber = ? AND FDeleted <= ?",
+                year, period, CLng(group), number, show_deleted)
+          : db.QueryValue<Long>(
+                "SELECT v.FVoucherID FROM t_Voucher v JOIN t_VoucherGroup g"
+                " ON g.FGroupID = v.FGroupID WHERE v.FYear = ? AND v.FPeriod = ? AND g.FName = ?"
+                " AND v.FNumber = ? AND v.FDeleted <= ?",
+                year, period, ConcatenatedText(group), number, show_deleted);
+  return id.value_or(0);
+}
+
+// ---- Changing ----
+
+// Reads a voucher's header for a change. NotFound when there is none.
+VoucherTree Held(Database& db, Long id) {
+  std::optional<VoucherTree> tree = VoucherTree::Hold(db, id);
+  if (!tree) {
+    Refuse(refusal::kNotFound, "There is no voucher with the id " + std::to_string(id) + ".");
+  }
+  return *std::move(tree);
+}
+
+// Refuses a row that was read before somebody else saved the voucher.
+void RequireVersion(const VoucherTree& stored, const Dictionary& row) {
+  const Variant* given = row.Find(RowKey("FVersion"));
+  if (given == nullptr || given->IsEmpty()) {
+    Refuse(refusal::kNoVersion, "Voucher " + stored.Name() +
+                                    ": the row does not say which version it changes; read the "
+                                    "voucher again.");
+  }
+  const Long version = stored.state.Get<"FVersion">();
+  const Long sent = Normalized({"FVersion", ColumnType::kLong}, *given).Held<Long>();
+  if (sent == version) return;
+  Refuse(refusal::kChanged, "Voucher " + stored.Name() +
+                                ": somebody else has saved it in the meantime; it has version " +
+                                std::to_string(version) + ", the row sent is version " +
+                                std::to_string(sent) + ".");
+}
+
+std::string TextIn(const Dictionary& row, const Column& column) {
+  const Variant* value = row.Find(RowKey(column.name));
+  return value != nullptr ? Normalized(column, *value).Held<String>() : String();
+}
+
+void AuditSave(const Caller& caller, const VoucherTree& tree, const Dictionary& row,
+               std::string_view action, const std::string& changes, int origin) {
+  const std::string machine = TextIn(row, {"MachineName", ColumnType::kText});
+  const std::string address = TextIn(row, {"IPAddress", ColumnType::kText});
+  WriteAudit(caller, {.subject = kSubject,
+                      .record_id = tree.state.Get<"FVoucherID">(),
+                      .record = tree.Name(),
+                      .action = action,
+                      .changes = changes,
+                      .machine_name = machine,
+                      .address = address,
+                      .origin = origin});
+}
+
+// Tells the caller's row what the server has given the voucher, once that is sure.
+void WriteBack(const VoucherTree& tree, Dictionary& row) {
+  row.Put(RowKey("FVoucherID"), tree.state.Get<"FVoucherID">());
+  row.Put(RowKey("FVersion"), tree.state.Get<"FVersion">());
+  row.Put(RowKey("FYear"), tree.header.Get<"FYear">());
+  row.Put(RowKey("FPeriod"), tree.header.Get<"FPeriod">());
+  row.Put(RowKey("FGroupID"), tree.header.Get<"FGroupID">());
+  row.Put(RowKey("FNumber"), tree.header.Get<"FNumber">());
+}
+
+void SetPreparer(const Caller& caller, VoucherTree& tree) {
+  tree.state.Put<"FPreparerID">(static_cast<Integer>(caller.session->user_id));
+  tree.state.Put<"FPreparer">(caller.session->user_name);
+}
+
+const Dictionary& RequireRow(const Ref<Dictionary>& row) {
+  if (!row) Refuse(refusal::kRequired, "There is no row to save.");
+  return *row;
+}
+
+// A step of the workflow: what it asks of the voucher, and what it does to it.
+template <class Step>
+void TakeStep(std::string_view props, Role role, std::string_view what, Long id,
+              std::string_view action, Step step) {
+  const Caller caller = Enter(props, role, what);
+  Transaction transaction(caller.db, Transaction::Kind::kSave);
+  const LedgerRules rules = LedgerRules::Of(caller.db);
+  const VoucherTree tree = Held(caller.db, id);
+  if (tree.state.Get<"FDeleted">()) {
+    Refuse(refusal::kVoucherDeleted, "Voucher " + tree.Name() + ": it is deleted.");
+  }
+  RequireOpenPeriod(rules, tree);
+  step(caller, rules, tree);
+  WriteAudit(caller,
+             {.subject = kSubject, .record_id = id, .record = tree.Name(), .action = action});
+  transaction.Commit();
+}
+
+// Puts the caller's name to a step, or takes it off again: the columns of id and name, and those
+// that a step has besides.
+void Sign(const Caller& caller, Long id, bool signs, const std::string& id_column,
+          const std::string& name_column, const std::string& flag = "") {
+  const std::string flag_text = flag.empty() ? "" : ", " + flag + (signs ? " = 1" : " = 0");
+  caller.db.Execute("UPDATE t_Voucher SET " + id_column + " = ?, " + name_column + " = ?" +
+                        flag_text + ", FVersion = FVersion + 1 WHERE FVoucherID = ?",
+                    signs ? caller.session->user_id : kNobody,
+                    signs ? std::string_view(caller.session->user_name) : "", id);
+}
+
+// WrongStep unless the condition holds.
+void RequireStep(bool condition, const VoucherTree& tree, const char* reason) {
+  if (!condition) Refuse(refusal::kWrongStep, "Voucher " + tree.Name() + ": " + reason);
+}
+
+}  // namespace
+
+// ---- VoucherInfo ----
+
+Ref<Dictionary> VoucherInfo::GetDetail(std::string_view PropsString, Long VoucherID,
+                                       Boolean ShowDeleted) {
+  const Caller caller = Enter(PropsString, Role::kReader, "read vouchers");
+  return DetailOf(caller.db, VoucherID, ShowDeleted);
+}
+
+Ref<Dictionary> VoucherInfo::GetDetailByNumber(std::string_view PropsString, Long nYear,
+                                               Long Period, const Variant& Group, Long Number,
+                                               Boolean ShowDeleted) {
+  const Caller caller = Enter(PropsString, Role::kReader, "read vouchers");
+  const Long id = FindByNumber(caller.db, nYear, Period, Group, Number, ShowDeleted);
+  return id != 0 ? DetailOf(caller.db, id, ShowDeleted) : nullptr;
+}
+
+Ref<Recordset> VoucherInfo::GetList(std::string_view PropsString, Long& ListOptions, String& Filter,
+                                    String& Sort) {
+  const Caller caller = Enter(PropsString, Role::kReader, "list vouchers");
+  return FetchList(caller.db,
+                   (ListOptions & kWithDeleted) != 0 ? kVoucherListWithDeleted : kVoucherList,
+                   Filter, Sort);
+}
+
+Long VoucherInfo::ExistenceCheck(std::string_view PropsString, const Variant& VoucherID,
+                                 const Variant& nYear, const Variant& Period, const Variant& Group,
+                                 const Variant& Number) {
+  const Caller caller = Enter(PropsString, Role::kReader, "read vouchers");
+  if (!VoucherID.IsMissing()) {
+    return caller.db
+        .QueryValue<Long>("SELECT FVoucherID FROM t_Voucher WHERE FVoucherID = ? AND FDeleted = 0",
+                          CLng(VoucherID))
+        .value_or(0);
+  }
+  if (Period.IsMissing() || Group.IsMissing() || Number.IsMissing()) return 0;
+  const Long year = nYear.IsMissing() ? CurrentPeriod(caller.db).year : CLng(nYear);
+  return FindByNumber(caller.db, year, CLng(Period), Group, CLng(Number), false);
+}
+
+Long VoucherInfo::CheckExistCashProfit(std::string_view PropsString, const Long& VoucherID) {
+  const Caller caller = Enter(PropsString, Role::kReader, "read vouchers");
+  const auto assigned = caller.db.QueryValue<int>(
+      "SELECT 1 FROM t_VoucherEntry WHERE FVoucherID = ? AND FCashFlowItem <> 0 LIMIT 1",
+      VoucherID);
+  return assigned ? 1 : 0;
+}
+
+// ---- VoucherUpdate ----
+
+Long VoucherUpdate::Create(std::string_view PropsString, const Ref<Dictionary>& Voucher,
+                           const Variant& Kind) {
+  const Caller caller = Enter(PropsString, Role::kPreparer, "save vouchers");
+  VoucherTree tree = VoucherTree::FromRow(RequireRow(Voucher));
+  tree.state.Put<"FVersion">(1);
+  tree.state.Put<"FOwnerGroupID">(kNobody);
+  tree.state.Put<"FCheckerID">(kNobody);
+  tree.state.Put<"FApproveID">(kNobody);
+  tree.state.Put<"FCashierID">(kNobody);
+  tree.state.Put<"FPosterID">(kNobody);
+  SetPreparer(caller, tree);
+
+  Transaction transaction(caller.db, Transaction::Kind::kSave);
+  ApplyRules(caller.db, VoucherFacts::Of(caller.db, tree), tree);
+  GiveNumber(caller.db, tree);
+  tree.Insert(caller.db);
+  constexpr Long kAutomatic = 2;
+  const bool automatic = !Kind.IsMissing() && CLng(Kind) == kAutomatic;
+  AuditSave(caller, tree, *Voucher, "Create", "", automatic ? 2 : 1);
+  transaction.Commit();
+  WriteBack(tree, *Voucher);
+  return tree.state.Get<"FVoucherID">();
+}
+
+void VoucherUpdate::Update(std::string_view PropsString, const Long& VoucherID,
+                           const Ref<Dictionary>& Voucher) {
+  const Caller caller = Enter(PropsString, Role::kPreparer, "save vouchers");
+  VoucherTree tree = VoucherTree::FromRow(RequireRow(Voucher));
+
+  Transaction transaction(caller.db, Transaction::Kind::kSave);
+  VoucherTree stored = Held(caller.db, VoucherID);
+  RequireVersion(stored, *Voucher);
+  const VoucherFacts facts = VoucherFacts::Of(caller.db, tree);
+  RequireChangeable(facts.rules, stored);
+  stored.ReadLines(caller.db);
+  tree.state = stored.state;
+  tree.state.Put<"FVersion">(stored.state.Get<"FVersion">() + 1);
+  SetPreparer(caller, tree);
+  ApplyRules(caller.db, facts, tree);
+  GiveNumber(caller.db, tree);
+  tree.Update(caller.db);
+  AuditSave(caller, tree, *Voucher, "Update", ChangesBetween(stored, tree), caller.marked ? 2 : 1);
+  transaction.Commit();
+  WriteBack(tree, *Voucher);
+}
+
+void VoucherUpdate::Delete(std::string_view PropsString, const Long& VoucherID, Boolean Purge,
+                           std::string_view MachineName, std::string_view IPAddress) {
+  const Caller caller = Enter(PropsString, Role::kPreparer, "delete vouchers");
+  Database& db = caller.db;
+  Transaction transaction(db, Transaction::Kind::kSave);
+  const VoucherTree tree = Held(db, VoucherID);
+  const LedgerRules rules = LedgerRules::Of(db);
+  // A voucher that is marked already can still be removed for good.
+  if (Purge && tree.state.Get<"FDeleted">()) {
+    RequireOpenPeriod(rules, tree);
+  } else {
+    RequireChangeable(rules, tree);
+  }
+  if (Purge) {
+    db.Execute("DELETE FROM t_VoucherDetail WHERE FVoucherID = ?", VoucherID);
+    db.Execute("DELETE FROM t_VoucherEntry WHERE FVoucherID = ?", VoucherID);
+    db.Execute("DELETE FROM t_Voucher WHERE FVoucherID = ?", VoucherID);
+  } else {
+    db.Execute("UPDATE t_Voucher SET FDeleted = 1, FVersion = FVersion + 1 WHERE FVoucherID = ?",
+               VoucherID);
+  }
+  WriteAudit(caller, {.subject = kSubject,
+                      .record_id = VoucherID,
+                      .record = tree.Name(),
+                      .action = Purge ? "Purge" : "Delete",
+                      .machine_name = MachineName,
+                      .address = IPAddress});
+  transaction.Commit();
+}
+
+void VoucherUpdate::Check(std::string_view PropsString, const Long& VoucherID,
+                          const Boolean& Checked) {
+  TakeStep(PropsString, Role::kChecker, "check vouchers", VoucherID, Checked ? "Check" : "UnCheck",
+           [&](const Caller& caller, const LedgerRules& rules, const VoucherTree& tree) {
+             const Session& session = *caller.session;
+             RequireStep(!tree.state.Get<"FPosted">(), tree, "it is posted.");
+             RequireStep(tree.state.Get<"FChecked">() != Checked, tree,
+                         Checked ? "it is checked already." : "it is not checked.");
+             RequireStep(tree.state.Get<"FApproveID">() == kNobody, tree,
+                         "it is approved; take the approval back first.");
+             if (Checked && rules.checker_not_preparer &&
+                 tree.state.Get<"FPreparerID">() == session.user_id) {
+               Refuse(refusal::kOwnVoucher, "Voucher " + tree.Name() + ": " + session.user_name +
+                                                " prepared it; somebody else must check it.");
+             }
+             Sign(caller, VoucherID, Checked, "FCheckerID", "FChecker", "FChecked");
+           });
+}
+
+void VoucherUpdate::Approve(std::string_view PropsString, const Long& VoucherID,
+                            const Boolean& Approved) {
+  TakeStep(PropsString, Role::kChecker, "approve vouchers", VoucherID,
+           Approved ? "Approve" : "UnApprove",
+           [&](const Caller& caller, const LedgerRules&, const VoucherTree& tree) {
+             RequireStep(!tree.state.Get<"FPosted">(), tree, "it is posted.");
+             RequireStep(tree.state.Get<"FChecked">(), tree, "it is not checked.");
+             RequireStep((tree.state.Get<"FApproveID">() != kNobody) != Approved, tree,
+                         Approved ? "it is approved already." : "it is not approved.");
+             Sign(caller, VoucherID, Approved, "FApproveID", "FApprover");
+           });
+}
+
+void VoucherUpdate::Cash(std::string_view PropsString, const Long& VoucherID, const Boolean& Cashed,
+                         const Variant& Voucher) {
+  TakeStep(PropsString, Role::kCashier, "cash vouchers", VoucherID, Cashed ? "Cash" : "UnCash",
+           [&](const Caller& caller, const LedgerRules&, const VoucherTree& tree) {
+             if (!Voucher.IsMissing()) {
+               RequireVersion(tree, RequireRow(Voucher.As<Dictionary>()));
+             }
+             RequireStep((tree.state.Get<"FCashierID">() != kNobody) != Cashed, tree,
+                         Cashed ? "it is cashed already." : "it is not cashed.");
+             Sign(caller, VoucherID, Cashed, "FCashierID", "FCashier");
+           });
+}
+
+namespace {
+
+void MovePosting(std::string_view props, Long id, Direction direction) {
+  const bool posts = direction == Direction::kPost;
+  TakeStep(props, Role::kPoster, "post vouchers", id, posts ? "Post" : "UnPost",
+           [&](const Caller& caller, const LedgerRules& rules, const VoucherTree& tree) {
+             RequireStep(tree.state.Get<"FPosted">() != posts, tree,
+                         posts ? "it is posted already." : "it is not posted.");
+             RequireStep(!posts || !rules.check_before_post || tree.state.Get<"FChecked">(), tree,
+                         "it is not checked, as the books want it before posting.");
+             MoveBalances(caller.db, id, {tree.header.Get<"FYear">(), tree.header.Get<"FPeriod">()},
+                          direction);
+             Sign(caller, id, posts, "FPosterID", "FPoster", "FPosted");
+           });
+}
+
+}  // namespace
+
+void VoucherUpdate::Post(std::string_view PropsString, const Long& VoucherID) {
+  MovePosting(PropsString, VoucherID, Direction::kPost);
+}
+
+void VoucherUpdate::UnPost(std::string_view PropsString, const Long& VoucherID) {
+  MovePosting(PropsString, VoucherID, Direction::kUnPost);
+}
+
+void VoucherUpdate::ClearCashFlow(std::string_view PropsString, const Long& VoucherID) {
+  const Caller caller = Enter(PropsString, Role::kPreparer, "save vouchers");
+  Transaction transaction(caller.db, Transaction::Kind::kSave);
+  const VoucherTree tree = Held(caller.db, VoucherID);
+  RequireChangeable(LedgerRules::Of(caller.db), tree);
+  caller.db.Execute("UPDATE t_VoucherEntry SET FCashFlowItem = 0 WHERE FVoucherID = ?", VoucherID);
+  WriteAudit(caller, {.subject = kSubject,
+                      .record_id = VoucherID,
+                      .record = tree.Name(),
+                      .action = "ClearCashFlow"});
+  transaction.Commit();
+}
+
+}  // namespace qdclgl::server

@@ -1,0 +1,87 @@
+// Vouchers: reading them as one tree of header, lines and details, saving them under the rules of
+// the books, and the steps of their workflow.
+#pragma once
+
+#include "qdclgl/frame/containers/dictionary.h"
+#include "qdclgl/frame/containers/recordset.h"
+#include "qdclgl/frame/objects/members.h"
+
+namespace qdclgl::server {
+
+// "QDSVGLVoucher.VoucherInfo"
+class VoucherInfo final : public Object {
+  QD_MEMBERS(VoucherInfo, Object, Creatable, "Reads vouchers.")
+
+ public:
+  QD_METHOD(Ref<Dictionary>, GetDetail,
+            (std::string_view PropsString, Long VoucherID, Boolean ShowDeleted = {}),
+            "The voucher with its lines (_Entries) and their details (_Details). Nothing when "
+            "there is none, or only a deleted one and ShowDeleted is False.")
+  QD_METHOD(Ref<Dictionary>, GetDetailByNumber,
+            (std::string_view PropsString, Long nYear, Long Period, const Variant& Group,
+             Long Number, Boolean ShowDeleted = {}),
+            "The same by year, period, group (its name or id) and number.")
+  QD_METHOD(Ref<Recordset>, GetList,
+            (std::string_view PropsString, Long& ListOptions, String& Filter, String& Sort),
+            "The headers of the vouchers that meet the filter, by date and number unless Sort says "
+            "otherwise; with bit 1 of ListOptions the deleted ones too. BadFilter, BadSort.")
+  QD_METHOD(Long, ExistenceCheck,
+            (std::string_view PropsString, const Variant& VoucherID = Missing,
+             const Variant& nYear = Missing, const Variant& Period = Missing,
+             const Variant& Group = Missing, const Variant& Number = Missing),
+            "The id of the voucher with that id, or with that year (the current one when left "
+            "out), period, group (name or id) and number; 0 when there is none or it is deleted.")
+  QD_METHOD(Long, CheckExistCashProfit, (std::string_view PropsString, const Long& VoucherID),
+            "1 when lines of the stored voucher have a cash flow item, otherwise 0. Never 3, the "
+            "answer that makes a client clear them before a save: here a save replaces them with "
+            "the lines, so a refused save loses none.")
+};
+
+// "QDSVGLVoucher.VoucherUpdate"
+class VoucherUpdate final : public Object {
+  QD_MEMBERS(VoucherUpdate, Object, Creatable,
+             "Saves vouchers and takes them through their workflow.")
+
+ public:
+  QD_METHOD(Long, Create,
+            (std::string_view PropsString, const Ref<Dictionary>& Voucher,
+             const Variant& Kind = Missing),
+            "Saves a new voucher and returns its id; id, version, number, year and period are "
+            "written into the row as well. Number 0: the next one of year, period and group. Year "
+            "and period 0: those of the date. Kind 2 marks an automatic save in the audit trail. "
+            "Errors: all the rules of the books.")
+  QD_METHOD(void, Update,
+            (std::string_view PropsString, const Long& VoucherID, const Ref<Dictionary>& Voucher),
+            "Saves a changed voucher, its lines and details in place of the former ones; the new "
+            "version is written into the row. \"<>1\" before the connection text marks an "
+            "automatic save. Errors: Changed, NoVersion, VoucherChecked, VoucherPosted and all the "
+            "rules of the books.")
+  QD_METHOD(void, Delete,
+            (std::string_view PropsString, const Long& VoucherID, Boolean Purge = {},
+             std::string_view MachineName = "", std::string_view IPAddress = ""),
+            "Marks a voucher as deleted; its number stays taken. With Purge its rows are removed. "
+            "VoucherChecked, VoucherPosted, PeriodClosed.")
+  QD_METHOD(void, Check,
+            (std::string_view PropsString, const Long& VoucherID, const Boolean& Checked),
+            "Checks a voucher or takes the check back. WrongStep when it is in that state already "
+            "or approved; OwnVoucher when setting CheckerNotPreparer is on and the caller prepared "
+            "it.")
+  QD_METHOD(void, Approve,
+            (std::string_view PropsString, const Long& VoucherID, const Boolean& Approved),
+            "Approves a checked voucher or takes the approval back. WrongStep.")
+  QD_METHOD(void, Cash,
+            (std::string_view PropsString, const Long& VoucherID, const Boolean& Cashed,
+             const Variant& Voucher = Missing),
+            "Marks a voucher as cashed by the caller or takes that back. Of a row that comes along "
+            "only the version counts: Changed when it is an old one. WrongStep.")
+  QD_METHOD(void, Post, (std::string_view PropsString, const Long& VoucherID),
+            "Posts a voucher into the balances of its period. WrongStep when it is posted already, "
+            "or not checked and setting CheckBeforePost is on; PeriodClosed.")
+  QD_METHOD(void, UnPost, (std::string_view PropsString, const Long& VoucherID),
+            "Takes a posted voucher out of the balances again. WrongStep, PeriodClosed.")
+  QD_METHOD(void, ClearCashFlow, (std::string_view PropsString, const Long& VoucherID),
+            "Takes the cash flow items off the voucher's lines. VoucherChecked, VoucherPosted, "
+            "PeriodClosed.")
+};
+
+}  // namespace qdclgl::server

@@ -1,0 +1,288 @@
+#include "qdclgl/server/vouchers/voucher_rules.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <map>
+
+#include "qdclgl/frame/vocabulary/text.h"
+#include "qdclgl/server/db/refusals.h"
+#include "qdclgl/server/records/currency.h"
+#include "qdclgl/server/vouchers/posting.h"
+
+namespace qdclgl::server {
+
+namespace {
+
+// What an index of every database takes.
+constexpr std::size_t kLongestReference = 255;
+constexpr double kLargestQuantity = 1e12;
+
+// A voucher that may have no number yet, as a sentence begins with it.
+std::string Sentence(const VoucherTree& tree) {
+  if (tree.header.Get<"FNumber">() != 0) return "Voucher " + tree.Name() + ": ";
+  const std::string reference = tree.header.Get<"FReference">();
+  return "The new voucher of " + DateText(tree.header.Get<"FDate">()) +
+         (reference.empty() ? "" : " (" + reference + ")") + ": ";
+}
+
+std::string LineSentence(const VoucherTree& tree, std::size_t line) {
+  return Sentence(tree) + "line " + std::to_string(line + 1) + ": ";
+}
+
+void SettlePeriod(const LedgerRules& rules, VoucherTree& tree) {
+  const DateTime date = tree.header.Get<"FDate">();
+  if (date.days == 0) Refuse(refusal::kRequired, Sentence(tree) + "it has no date.");
+  const AccountingPeriod period = rules.calendar.PeriodOf(date);
+  AccountingPeriod given{tree.header.Get<"FYear">(), tree.header.Get<"FPeriod">()};
+  if (given.year == 0) given.year = period.year;
+  if (given.period == 0) given.period = period.period;
+  if (given != period) {
+    Refuse(refusal::kWrongPeriod, Sentence(tree) + DateText(date) + " belongs to period " +
+                                      period.ToText() + ", not to " + given.ToText() + ".");
+  }
+  tree.header.Put<"FYear">(period.year);
+  tree.header.Put<"FPeriod">(period.period);
+  RequireOpenPeriod(rules, tree);
+}
+
+void SettleGroup(const VoucherFacts& facts, VoucherTree& tree) {
+  const Long id = tree.header.Get<"FGroupID">();
+  if (id == 0 && tree.group.empty()) {
+    Refuse(refusal::kBadGroup, Sentence(tree) + "it has no voucher group.");
+  }
+  if (!facts.group || facts.group->is_deleted) {
+    Refuse(refusal::kBadGroup, Sentence(tree) + "there is no voucher group " +
+                                   (id != 0 ? std::to_string(id) : "\"" + tree.group + "\"") + ".");
+  }
+  tree.header.Put<"FGroupID">(facts.group->id);
+  tree.group = facts.group->name;
+}
+
+std::string AccountNumber(const VoucherLine& line) {
+  return line.names[PlaceOf(kLineNames, "FAccountNumber")].Held<String>();
+}
+
+void SettleAccounts(const VoucherFacts& facts, VoucherTree& tree) {
+  for (std::size_t i = 0; i < tree.lines.size(); ++i) {
+    VoucherLine& line = tree.lines[i];
+    const Long id = line.cells.Get<"FAccountID">();
+    const std::string number = AccountNumber(line);
+    if (id == 0 && number.empty()) {
+      Refuse(refusal::kBadAccount, LineSentence(tree, i) + "it has no account.");
+    }
+    const auto account = std::ranges::find_if(facts.accounts, [&](const auto& known) {
+      return id != 0 ? known.id == id : known.number == number;
+    });
+    if (account == facts.accounts.end()) {
+      Refuse(refusal::kBadAccount, LineSentence(tree, i) + "there is no account " +
+                                       (id != 0 ? "with the id " + std::to_string(id) : number) +
+                                       ".");
+    }
+    if (!account->is_detail || account->is_deleted) {
+      Refuse(refusal::kBadAccount,
+             LineSentence(tree, i) + "account " + account->number +
+                 (account->is_deleted ? " is out of use." : " has accounts below it."));
+    }
+    line.cells.Put<"FAccountID">(account->id);
+  }
+}
+
+void SettleCurrencies(Database& db, VoucherTree& tree) {
+  std::vector<Long> known = {kBaseCurrency};
+  for (std::size_t i = 0; i < tree.lines.size(); ++i) {
+    VoucherLine& line = tree.lines[i];
+    const Long id = line.cells.Get<"FCurrencyID">();
+    const auto number = line.names[PlaceOf(kLineNames, "FCurrencyNumber")].Held<String>();
+    if (id == 0 && number.empty()) {
+      line.cells.Put<"FCurrencyID">(kBaseCurrency);
+      continue;
+    }
+    if (std::ranges::find(known, id) != known.end()) continue;
+    const auto currency =
+        id != 0 ? db.QueryRow<Long, bool>(
+                      "SELECT FCurrencyID, FDeleted FROM t_Currency WHERE FCurrencyID = ?", id)
+                : db.QueryRow<Long, bool>(
+                      "SELECT FCurrencyID, FDeleted FROM t_Currency WHERE FNumber = ?", number);
+    if (!currency || std::get<1>(*currency)) {
+      Refuse(refusal::kBadCurrency, LineSentence(tree, i) + "there is no currency " +
+                                        (id != 0 ? std::to_string(id) : number) + " in use.");
+    }
+    line.cells.Put<"FCurrencyID">(std::get<0>(*currency));
+    known.push_back(std::get<0>(*currency));
+  }
+}
+
+// Adds an amount of a line to a total. TooLarge beyond what balances can hold.
+void Add(std::int64_t& total, std::int64_t units, const VoucherTree& tree, std::size_t line) {
+  if (units > kLargestTotal || units < -kLargestTotal || total + units > kLargestTotal ||
+      total + units < -kLargestTotal) {
+    Refuse(refusal::kTooLarge, LineSentence(tree, line) + "the amount is too large.");
+  }
+  total += units;
+}
+
+void CheckBalance(VoucherTree& tree) {
+  if (tree.lines.empty()) Refuse(refusal::kNoLines, Sentence(tree) + "it has no lines.");
+  std::int64_t totals[2] = {0, 0}, totals_for[2] = {0, 0};
+  Long details = 0;
+  for (std::size_t i = 0; i < tree.lines.size(); ++i) {
+    const VoucherLine& line = tree.lines[i];
+    const Long side = line.cells.Get<"FDC">();
+    if (side != 0 && side != 1) {
+      Refuse(refusal::kBadSide, LineSentence(tree, i) + "it is neither debit (1) nor credit (0).");
+    }
+    Add(totals[side], line.cells.Get<"FAmount">().units(), tree, i);
+    Add(totals_for[side], line.cells.Get<"FAmountFor">().units(), tree, i);
+    if (!(std::abs(line.cells.Get<"FQuantity">()) <= kLargestQuantity)) {
+      Refuse(refusal::kTooLarge, LineSentence(tree, i) + "the quantity is too large.");
+    }
+    if (!std::isfinite(line.cells.Get<"FUnitPrice">()) ||
+        !std::isfinite(line.cells.Get<"FExchangeRate">())) {
+      Refuse(refusal::kBadValue, LineSentence(tree, i) + "price or rate is no number.");
+    }
+    details += static_cast<Long>(line.details.size());
+  }
+  const Currency credit = Currency::FromUnits(totals[0]), debit = Currency::FromUnits(totals[1]);
+  if (debit != credit) {
+    Refuse(refusal::kNotBalanced, Sentence(tree) + "debits " + debit.ToText() + " and credits " +
+                                      credit.ToText() + " differ by " + (debit - credit).ToText() +
+                                      ".");
+  }
+  tree.state.Put<"FDebitTotal">(debit);
+  tree.state.Put<"FCreditTotal">(credit);
+  tree.state.Put<"FEntryCount">(static_cast<Long>(tree.lines.size()));
+  tree.state.Put<"FDetailCount">(details);
+}
+
+}  // namespace
+
+VoucherFacts VoucherFacts::Of(Database& db, const VoucherTree& tree) {
+  std::vector<Long> ids;
+  std::vector<std::string> numbers;
+  for (const VoucherLine& line : tree.lines) {
+    const Long id = line.cells.Get<"FAccountID">();
+    if (id != 0) {
+      ids.push_back(id);
+    } else {
+      numbers.push_back(AccountNumber(line));
+    }
+  }
+  const auto sort = [](auto& values) {
+    std::ranges::sort(values);
+    values.erase(std::unique(values.begin(), values.end()), values.end());
+    // Filled up to a power of two with what is no account, so that few statements are ever
+    // prepared.
+    values.resize(std::bit_ceil(std::max<std::size_t>(values.size(), 1)));
+  };
+  sort(ids);
+  sort(numbers);
+
+  const auto places = [](std::size_t count) {
+    std::string text = "(?";
+    for (std::size_t i = 1; i < count; ++i) text += ", ?";
+    return text + ")";
+  };
+  enum Kind { kSetting, kGroup, kAccount };
+  const std::string sql =
+      "SELECT 0, 0, FKey, FValue, 0, 0 FROM t_SystemProfile WHERE FCategory = 'GL'"
+      " UNION ALL SELECT 1, FGroupID, FName, '', 0, FDeleted FROM t_VoucherGroup"
+      " WHERE FGroupID = ? OR FName = ?"
+      " UNION ALL SELECT 2, FAccountID, FNumber, '', FDetail, FDelete FROM t_Account"
+      " WHERE FAccountID IN " +
+      places(ids.size()) + " OR FNumber IN " + places(numbers.size());
+  std::vector<Storage> parameters = {Storage::kWhole, Storage::kText};
+  parameters.resize(2 + ids.size(), Storage::kWhole);
+  parameters.resize(2 + ids.size() + numbers.size(), Storage::kText);
+  static constexpr Storage kResults[] = {Storage::kWhole, Storage::kWhole, Storage::kText,
+                                         Storage::kText,  Storage::kWhole, Storage::kWhole};
+  Statement& statement = db.Prepared(sql, parameters, kResults);
+  const Long group_id = tree.header.Get<"FGroupID">();
+  std::size_t position = 0;
+  statement.Set(position++, std::int64_t{group_id});
+  statement.Set(position++, group_id != 0 ? std::string_view() : std::string_view(tree.group));
+  for (const Long id : ids) statement.Set(position++, std::int64_t{id});
+  for (const std::string& number : numbers) statement.Set(position++, std::string_view(number));
+
+  std::map<std::string, std::string, std::less<>> settings;
+  std::optional<Group> group;
+  std::vector<Account> accounts;
+  for (statement.Open(); statement.Fetch();) {
+    const auto id = static_cast<Long>(statement.Whole(1));
+    const std::string& name = statement.Text(2);
+    const bool is_deleted = statement.Whole(5) != 0;
+    switch (statement.Whole(0)) {
+      case kSetting: settings.emplace(name, statement.Text(3)); break;
+      case kGroup: group = {id, name, is_deleted}; break;
+      default: accounts.push_back({id, name, statement.Whole(4) != 0, is_deleted});
+    }
+  }
+  return {LedgerRules::From(settings), std::move(group), std::move(accounts)};
+}
+
+void ApplyRules(Database& db, const VoucherFacts& facts, VoucherTree& tree) {
+  if (tree.header.Get<"FNumber">() < 0) {
+    Refuse(refusal::kBadNumber, "The number of a voucher is not negative.");
+  }
+  if (Utf16Length(tree.header.Get<"FReference">()) > kLongestReference) {
+    Refuse(refusal::kBadValue, "The reference of a voucher has at most 255 characters.");
+  }
+  SettlePeriod(facts.rules, tree);
+  SettleGroup(facts, tree);
+  CheckBalance(tree);
+  SettleAccounts(facts, tree);
+  SettleCurrencies(db, tree);
+}
+
+void GiveNumber(Database& db, VoucherTree& tree) {
+  const Long year = tree.header.Get<"FYear">(), period = tree.header.Get<"FPeriod">(),
+             group = tree.header.Get<"FGroupID">(), wanted = tree.header.Get<"FNumber">();
+  // The counter's row makes those who number in the same place wait for each other.
+  if (wanted == 0) {
+    const auto next = db.QueryValue<std::int64_t>(
+        "INSERT INTO t_Counter (FYear, FPeriod, FGroupID, FNext) VALUES (?, ?, ?, 2)"
+        " ON CONFLICT (FYear, FPeriod, FGroupID) DO UPDATE SET FNext = t_Counter.FNext + 1"
+        " RETURNING FNext - 1",
+        year, period, group);
+    if (*next > INT32_MAX) {
+      Refuse(refusal::kBadNumber,
+             Sentence(tree) + "the numbers of its period and group are used up.");
+    }
+    tree.header.Put<"FNumber">(static_cast<Long>(*next));
+    return;
+  }
+  db.Execute(
+      "INSERT INTO t_Counter (FYear, FPeriod, FGroupID, FNext) VALUES (?, ?, ?, ?)"
+      " ON CONFLICT (FYear, FPeriod, FGroupID) DO UPDATE SET FNext ="
+      " CASE WHEN t_Counter.FNext > excluded.FNext THEN t_Counter.FNext ELSE excluded.FNext END",
+      year, period, group, std::int64_t{wanted} + 1);
+  const auto other = db.QueryValue<Long>(
+      "SELECT FVoucherID FROM t_Voucher WHERE FYear = ? AND FPeriod = ? AND FGroupID = ?"
+      " AND FNumber = ?",
+      year, period, group, wanted);
+  if (other && *other != tree.state.Get<"FVoucherID">()) {
+    Refuse(refusal::kNumberTaken,
+           Sentence(tree) + "another voucher has that number (id " + std::to_string(*other) + ").");
+  }
+}
+
+void RequireOpenPeriod(const LedgerRules& rules, const VoucherTree& tree) {
+  const AccountingPeriod period{tree.header.Get<"FYear">(), tree.header.Get<"FPeriod">()};
+  if (period < rules.current) {
+    Refuse(refusal::kPeriodClosed, Sentence(tree) + "period " + period.ToText() +
+                                       " is closed; the books stand at " + rules.current.ToText() +
+                                       ".");
+  }
+}
+
+void RequireChangeable(const LedgerRules& rules, const VoucherTree& tree) {
+  const auto refuse = [&](std::int32_t number, const char* reason) {
+    Refuse(number, Sentence(tree) + reason);
+  };
+  if (tree.state.Get<"FDeleted">()) refuse(refusal::kVoucherDeleted, "it is deleted.");
+  if (tree.state.Get<"FPosted">()) refuse(refusal::kVoucherPosted, "it is posted.");
+  if (tree.state.Get<"FChecked">()) refuse(refusal::kVoucherChecked, "it is checked.");
+  RequireOpenPeriod(rules, tree);
+}
+
+}  // namespace qdclgl::server

@@ -1,0 +1,48 @@
+// The rules that a voucher keeps whoever saves it and however.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "qdclgl/server/periods/settings.h"
+#include "qdclgl/server/vouchers/voucher_tree.h"
+
+namespace qdclgl::server {
+
+// What the books know of a voucher's surroundings, read at once.
+struct VoucherFacts {
+  struct Group {
+    Long id;
+    std::string name;
+    bool is_deleted;
+  };
+  struct Account {
+    Long id;
+    std::string number;
+    bool is_detail;
+    bool is_deleted;
+  };
+
+  LedgerRules rules;
+  std::optional<Group> group;
+  std::vector<Account> accounts;
+
+  static VoucherFacts Of(Database& db, const VoucherTree& tree);
+};
+
+// Completes what a caller left open (year, period, group, accounts and currencies given by number)
+// and holds the voucher against the rules of the books: NoLines, NotBalanced, BadAccount,
+// BadCurrency, BadSide, BadGroup, PeriodClosed, WrongPeriod, Required, BadNumber, BadValue,
+// TooLarge. The number is not given yet.
+void ApplyRules(Database& db, const VoucherFacts& facts, VoucherTree& tree);
+
+// Gives the voucher its number in year, period and group: the next one for 0, otherwise the one it
+// asks for. NumberTaken when another voucher has it.
+void GiveNumber(Database& db, VoucherTree& tree);
+
+// Refuses what is not open for change: PeriodClosed, VoucherDeleted, VoucherPosted, VoucherChecked.
+void RequireOpenPeriod(const LedgerRules& rules, const VoucherTree& tree);
+void RequireChangeable(const LedgerRules& rules, const VoucherTree& tree);
+
+}  // namespace qdclgl::server

@@ -1,0 +1,412 @@
+#include "qdclgl/server/vouchers/voucher_tree.h"
+
+#include "qdclgl/frame/containers/vector.h"
+#include "qdclgl/frame/objects/conversions.h"
+#include "qdclgl/frame/vocabulary/text.h"
+#include "qdclgl/server/db/refusals.h"
+#include "qdclgl/server/vouchers/extras.h"
+
+namespace qdclgl::server {
+
+namespace {
+
+constexpr std::string_view kEntries = "_Entries", kDetails = "_Details";
+
+// Lists of columns laid one behind the other, so that one statement serves them all.
+template <std::size_t... N>
+constexpr auto Joined(const Column (&... lists)[N]) {
+  std::array<Column, (N + ...)> all{};
+  std::size_t i = 0;
+  const auto add = [&](std::span<const Column> list) {
+    for (const Column& column : list) all[i++] = column;
+  };
+  (add(lists), ...);
+  return all;
+}
+
+constexpr Column kGroupName[] = {{"FGroup", ColumnType::kText}};
+constexpr Column kVersion[] = {{"FVersion", ColumnType::kLong}};
+constexpr Column kExtra[] = {{"FExtra", ColumnType::kText}};
+constexpr Column kLineKey[] = {{"FVoucherID", ColumnType::kLong}, {"FEntryID", ColumnType::kLong}};
+constexpr Column kDetailKey[] = {{"FVoucherID", ColumnType::kLong},
+                                 {"FEntryID", ColumnType::kLong},
+                                 {"FIndex", ColumnType::kLong}};
+
+// The header's columns in the database behind its id, which the database gives.
+constexpr auto kHeaderTable = [] {
+  constexpr auto kAll = Joined(kStateColumns, kHeaderColumns, kExtra);
+  std::array<Column, kAll.size() - 1> columns{};
+  std::copy(kAll.begin() + 1, kAll.end(), columns.begin());
+  return columns;
+}();
+constexpr auto kLineTable = Joined(kLineKey, kLineColumns, kExtra);
+constexpr auto kDetailTable = Joined(kDetailKey, kDetailColumns);
+// What a caller reads of a header.
+constexpr auto kRowColumns = Joined(kStateColumns, kHeaderColumns, kGroupName);
+
+template <std::size_t N>
+bool Has(const Column (&columns)[N], std::string_view key) {
+  return std::ranges::any_of(columns, [&](const Column& column) { return column.name == key; });
+}
+
+bool IsHeaderKey(std::string_view key) {
+  return Has(kHeaderColumns, key) || Has(kStateColumns, key) || key == "FGroup" ||
+         key == kEntries || key == "MachineName" || key == "IPAddress" || key == "EditMode";
+}
+
+bool IsLineKey(std::string_view key) {
+  return Has(kLineColumns, key) || Has(kLineKey, key) || Has(kLineNames, key) || key == kDetails;
+}
+
+void BindCells(Statement& statement, std::size_t& position, std::span<const Column> columns,
+               const std::vector<Variant>& cells, std::size_t skipped = 0) {
+  for (std::size_t i = skipped; i < columns.size(); ++i) {
+    BindHeld(statement, position++, columns[i].type, cells[i]);
+  }
+}
+
+// The list under `key`, null when there is none. BadValue for anything but a list of rows.
+Ref<Vector> ListIn(const Dictionary& row, std::string_view key) {
+  const Variant* value = row.Find(RowKey(key));
+  if (value == nullptr || value->IsEmpty() || value->IsNull() || value->IsNothing()) return nullptr;
+  auto list =
+      value->IsObject() ? Ref<Vector>(dynamic_cast<Vector*>(value->As<Object>().get())) : nullptr;
+  if (!list) Refuse(refusal::kBadValue, "The value of " + std::string(key) + " is no list.");
+  return list;
+}
+
+// An element of such a list; an empty slot is a row without keys.
+Ref<Dictionary> RowIn(const Vector& list, std::size_t position) {
+  const Variant& value = list.at(position);
+  if (value.IsEmpty() || value.IsNothing()) return Make<Dictionary>();
+  auto row = value.IsObject() ? Ref<Dictionary>(dynamic_cast<Dictionary*>(value.As<Object>().get()))
+                              : nullptr;
+  if (!row) Refuse(refusal::kBadValue, "An element of a list is no row.");
+  return row;
+}
+
+VoucherLine LineFromRow(const Dictionary& row) {
+  VoucherLine line;
+  line.cells = LineCells(NormalizedCells(kLineColumns, row));
+  line.names = NormalizedCells(kLineNames, row);
+  line.extras = ExtrasText(row, IsLineKey);
+  if (const Ref<Vector> details = ListIn(row, kDetails)) {
+    for (std::size_t i = 0; i < details->size(); ++i) {
+      const Ref<Dictionary> detail = RowIn(*details, i);
+      for (std::uint32_t k = 0; k < detail->size(); ++k) {
+        if (!Has(kDetailColumns, detail->key_at(k)) && !Has(kDetailKey, detail->key_at(k))) {
+          Refuse(refusal::kBadValue, "A detail has no column " + detail->key_at(k) + ".");
+        }
+      }
+      line.details.push_back(NormalizedCells(kDetailColumns, *detail));
+    }
+  }
+  return line;
+}
+
+// The keys of a row over these lists of columns, shared by all rows of the thread.
+template <const auto& kColumns>
+const Ref<KeyList>& SharedKeys() {
+  thread_local const Ref<KeyList> keys = KeysOf(kColumns);
+  return keys;
+}
+
+constexpr auto kLineRowColumns = Joined(kLineColumns, kLineNames);
+
+Ref<Dictionary> RowOf(const Ref<KeyList>& keys, std::vector<Variant> values,
+                      std::span<const Variant> more, const std::string& extras) {
+  values.insert(values.end(), more.begin(), more.end());
+  Ref<Dictionary> row = Dictionary::FromRow(keys, values.data());
+  PutExtras(extras, *row);
+  return row;
+}
+
+template <class Cells>
+Cells CellsFrom(const Statement& statement, std::span<const Column> columns, std::size_t first) {
+  return Cells(ReadCells(statement, columns, first));
+}
+
+const std::string kReadHeader = "SELECT " + NamesOf(kStateColumns, "v.") + ", " +
+                                NamesOf(kHeaderColumns, "v.") +
+                                ", g.FName, v.FExtra FROM t_Voucher v"
+                                " JOIN t_VoucherGroup g ON g.FGroupID = v.FGroupID"
+                                " WHERE v.FVoucherID = ?";
+
+}  // namespace
+
+std::string VoucherTree::Name() const {
+  return std::to_string(header.Get<"FYear">()) + "/" + std::to_string(header.Get<"FPeriod">()) +
+         " " + group + " " + std::to_string(header.Get<"FNumber">());
+}
+
+VoucherTree VoucherTree::FromRow(const Dictionary& row) {
+  VoucherTree tree;
+  tree.header = HeaderCells(NormalizedCells(kHeaderColumns, row));
+  const Variant* group = row.Find(RowKey("FGroup"));
+  tree.group = group != nullptr ? CStr(Normalized(kGroupName[0], *group)) : "";
+  tree.extras = ExtrasText(row, IsHeaderKey);
+  if (const Ref<Vector> entries = ListIn(row, kEntries)) {
+    for (std::size_t i = 0; i < entries->size(); ++i) {
+      try {
+        tree.lines.push_back(LineFromRow(*RowIn(*entries, i)));
+      } catch (const Error& error) {
+        if (error.number() != refusal::kBadValue) throw;
+        Refuse(refusal::kBadValue, "Line " + std::to_string(i + 1) + ": " + error.description());
+      }
+    }
+  }
+  return tree;
+}
+
+Ref<Dictionary> VoucherTree::ToRow() const {
+  std::vector<Variant> cells = state.values();
+  cells.insert(cells.end(), header.values().begin(), header.values().end());
+  const Variant group_name(group);
+  Ref<Dictionary> row =
+      RowOf(SharedKeys<kRowColumns>(), std::move(cells), std::span(&group_name, 1), extras);
+  auto entries = Make<Vector>();
+  for (const VoucherLine& line : lines) {
+    Ref<Dictionary> entry =
+        RowOf(SharedKeys<kLineRowColumns>(), line.cells.values(), line.names, line.extras);
+    // Always there, so that looking at the details of a line does not change it.
+    auto details = Make<Vector>();
+    for (const std::vector<Variant>& detail : line.details) {
+      details->Append(Variant(RowOf(SharedKeys<kDetailColumns>(), detail, {}, "")));
+    }
+    entry->Put(RowKey(kDetails), Variant(details));
+    entry->SetTrackState(0);
+    entries->Append(Variant(entry));
+  }
+  row->Put(RowKey(kEntries), Variant(entries));
+  row->SetTrackState(0);
+  return row;
+}
+
+namespace {
+
+std::optional<VoucherTree> ReadHeader(Database& db, const std::string& sql, Long id) {
+  static constexpr Storage kParameters[] = {Storage::kWhole};
+  static const std::vector<Storage> kResults = [] {
+    return StoragesOf(Joined(kStateColumns, kHeaderColumns, kGroupName, kExtra));
+  }();
+  Statement& statement = db.Prepared(sql, kParameters, kResults);
+  statement.Set(0, std::int64_t{id});
+  statement.Open();
+  if (!statement.Fetch()) return std::nullopt;
+  VoucherTree tree;
+  tree.state = CellsFrom<StateCells>(statement, kStateColumns, 0);
+  tree.header = CellsFrom<HeaderCells>(statement, kHeaderColumns, std::size(kStateColumns));
+  constexpr std::size_t kBehind = std::size(kStateColumns) + std::size(kHeaderColumns);
+  tree.group = statement.Text(kBehind);
+  tree.extras = statement.Text(kBehind + 1);
+  statement.Reset();
+  return tree;
+}
+
+}  // namespace
+
+std::optional<VoucherTree> VoucherTree::Hold(Database& db, Long id) {
+  static const std::string kHold = kReadHeader + " FOR UPDATE OF v";
+  return ReadHeader(db, db.IsSQLite() ? kReadHeader : kHold, id);
+}
+
+std::optional<VoucherTree> VoucherTree::Read(Database& db, Long id) {
+  // Without a transaction, which would cost PostgreSQL two more messages: every change of a voucher
+  // raises its version, so that lines tell which header they belong to.
+  constexpr int kMostAttempts = 100;
+  for (int attempt = 0; attempt < kMostAttempts; ++attempt) {
+    std::optional<VoucherTree> tree = ReadHeader(db, kReadHeader, id);
+    if (!tree || tree->ReadLines(db)) return tree;
+  }
+  Refuse(refusal::kDatabaseBusy,
+         "Others kept changing the voucher with the id " + std::to_string(id) + "; try again.");
+}
+
+bool VoucherTree::ReadLines(Database& db) {
+  static constexpr Storage kParameters[] = {Storage::kWhole};
+  static const std::string kLines =
+      "SELECT " + NamesOf(kLineColumns, "e.") +
+      ", a.FNumber, a.FName, c.FNumber, c.FName, e.FExtra, v.FVersion FROM t_VoucherEntry e"
+      " JOIN t_Voucher v ON v.FVoucherID = e.FVoucherID"
+      " JOIN t_Account a ON a.FAccountID = e.FAccountID"
+      " JOIN t_Currency c ON c.FCurrencyID = e.FCurrencyID"
+      " WHERE e.FVoucherID = ? ORDER BY e.FEntryID";
+  static const std::vector<Storage> kLineResults =
+      StoragesOf(Joined(kLineColumns, kLineNames, kExtra, kVersion));
+  const std::int64_t id = state.Get<"FVoucherID">();
+  bool is_same = true;
+  Statement& statement = db.Prepared(kLines, kParameters, kLineResults);
+  statement.Set(0, id);
+  for (statement.Open(); statement.Fetch();) {
+    VoucherLine& line = lines.emplace_back();
+    line.cells = CellsFrom<LineCells>(statement, kLineColumns, 0);
+    line.names = ReadCells(statement, kLineNames, std::size(kLineColumns));
+    line.extras = statement.Text(std::size(kLineColumns) + std::size(kLineNames));
+    is_same = is_same && statement.Whole(std::size(kLineColumns) + std::size(kLineNames) + 1) ==
+                             state.Get<"FVersion">();
+  }
+  is_same = is_same && !(lines.empty() && state.Get<"FEntryCount">() > 0);
+  if (!is_same || state.Get<"FDetailCount">() == 0) return is_same;
+
+  static const std::string kDetailQuery =
+      "SELECT d.FEntryID, " + NamesOf(kDetailColumns, "d.") +
+      ", v.FVersion FROM t_VoucherDetail d JOIN t_Voucher v ON v.FVoucherID = d.FVoucherID"
+      " WHERE d.FVoucherID = ? ORDER BY d.FEntryID, d.FIndex";
+  static constexpr Column kEntry[] = {{"FEntryID", ColumnType::kLong}};
+  static const std::vector<Storage> kDetailResults =
+      StoragesOf(Joined(kEntry, kDetailColumns, kVersion));
+  Statement& details = db.Prepared(kDetailQuery, kParameters, kDetailResults);
+  details.Set(0, id);
+  bool is_empty = true;
+  for (details.Open(); details.Fetch(); is_empty = false) {
+    const auto entry = static_cast<std::size_t>(details.Whole(0));
+    is_same = is_same && entry <= lines.size() &&
+              details.Whole(std::size(kDetailColumns) + 1) == state.Get<"FVersion">();
+    if (is_same) lines[entry - 1].details.push_back(ReadCells(details, kDetailColumns, 1));
+  }
+  return is_same && !is_empty;
+}
+
+namespace {
+
+void BindHeader(Statement& statement, const VoucherTree& tree) {
+  std::size_t position = 0;
+  BindCells(statement, position, kStateColumns, tree.state.values(), 1);
+  BindCells(statement, position, kHeaderColumns, tree.header.values());
+  statement.Set(position, std::string_view(tree.extras));
+}
+
+void InsertLines(Database& db, const VoucherTree& tree) {
+  const std::int64_t id = tree.state.Get<"FVoucherID">();
+  static const RowInsertion kLines("t_VoucherEntry", kLineTable);
+  static const RowInsertion kDetailRows("t_VoucherDetail", kDetailTable);
+  kLines.Run(db, tree.lines.size(),
+             [&](Statement& statement, std::size_t position, std::size_t row) {
+               const VoucherLine& line = tree.lines[row];
+               statement.Set(position++, id);
+               statement.Set(position++, static_cast<std::int64_t>(row + 1));
+               BindCells(statement, position, kLineColumns, line.cells.values());
+               statement.Set(position, std::string_view(line.extras));
+             });
+  struct Place {
+    std::size_t line, index;
+  };
+  std::vector<Place> places;
+  for (std::size_t line = 0; line < tree.lines.size(); ++line) {
+    for (std::size_t i = 0; i < tree.lines[line].details.size(); ++i) places.push_back({line, i});
+  }
+  kDetailRows.Run(
+      db, places.size(), [&](Statement& statement, std::size_t position, std::size_t row) {
+        const Place place = places[row];
+        statement.Set(position++, id);
+        statement.Set(position++, static_cast<std::int64_t>(place.line + 1));
+        statement.Set(position++, static_cast<std::int64_t>(place.index + 1));
+        BindCells(statement, position, kDetailColumns, tree.lines[place.line].details[place.index]);
+      });
+}
+
+}  // namespace
+
+void VoucherTree::Insert(Database& db) {
+  static const std::string kInsert = [] {
+    std::string places;
+    for (std::size_t i = 0; i < kHeaderTable.size(); ++i) places += i == 0 ? "?" : ", ?";
+    return "INSERT INTO t_Voucher (" + NamesOf(kHeaderTable) + ") VALUES (" + places +
+           ") RETURNING FVoucherID";
+  }();
+  static const std::vector<Storage> kParameters = StoragesOf(kHeaderTable);
+  static constexpr Storage kResults[] = {Storage::kWhole};
+  Statement& statement = db.Prepared(kInsert, kParameters, kResults);
+  BindHeader(statement, *this);
+  statement.Open();
+  statement.Fetch();
+  state.Put<"FVoucherID">(static_cast<Long>(statement.Whole(0)));
+  statement.Reset();
+  InsertLines(db, *this);
+}
+
+void VoucherTree::Update(Database& db) const {
+  static const std::string kUpdate = [] {
+    std::string sets;
+    for (const Column& column : kHeaderTable) {
+      if (!sets.empty()) sets += ", ";
+      sets.append(column.name).append(" = ?");
+    }
+    return "UPDATE t_Voucher SET " + sets + " WHERE FVoucherID = ?";
+  }();
+  static const std::vector<Storage> kParameters = [] {
+    std::vector<Storage> types = StoragesOf(kHeaderTable);
+    types.push_back(Storage::kWhole);
+    return types;
+  }();
+  const Long id = state.Get<"FVoucherID">();
+  Statement& statement = db.Prepared(kUpdate, kParameters, {});
+  BindHeader(statement, *this);
+  statement.Set(kHeaderTable.size(), std::int64_t{id});
+  statement.Execute();
+  db.Execute("DELETE FROM t_VoucherDetail WHERE FVoucherID = ?", id);
+  db.Execute("DELETE FROM t_VoucherEntry WHERE FVoucherID = ?", id);
+  InsertLines(db, *this);
+}
+
+// ---- What has changed ----
+
+namespace {
+
+void AddChange(std::string& changes, const std::string& change) {
+  if (!changes.empty()) changes += ", ";
+  changes += change;
+}
+
+void Compare(std::string& changes, const std::string& where, std::span<const Column> columns,
+             const std::vector<Variant>& before, const std::vector<Variant>& now) {
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    if (!Equals(before[i], now[i])) AddChange(changes, where + std::string(columns[i].name));
+  }
+}
+
+// Goes through two lists side by side.
+template <class T, class CompareBoth>
+void CompareLists(std::string& changes, const std::string& word, const std::vector<T>& before,
+                  const std::vector<T>& now, CompareBoth compare) {
+  for (std::size_t i = 0; i < std::max(before.size(), now.size()); ++i) {
+    const std::string where = word + " " + std::to_string(i + 1);
+    if (i >= before.size()) {
+      AddChange(changes, where + " added");
+    } else if (i >= now.size()) {
+      AddChange(changes, where + " removed");
+    } else {
+      compare(where + " ", before[i], now[i]);
+    }
+  }
+}
+
+}  // namespace
+
+std::string ChangesBetween(const VoucherTree& before, const VoucherTree& now) {
+  std::string changes;
+  Compare(changes, "", kHeaderColumns, before.header.values(), now.header.values());
+  if (before.extras != now.extras) AddChange(changes, "other keys");
+  CompareLists(changes, "line", before.lines, now.lines,
+               [&](const std::string& where, const VoucherLine& old_line, const VoucherLine& line) {
+                 Compare(changes, where, kLineColumns, old_line.cells.values(),
+                         line.cells.values());
+                 if (old_line.extras != line.extras) AddChange(changes, where + "other keys");
+                 CompareLists(changes, where + "detail", old_line.details, line.details,
+                              [&](const std::string& detail, const std::vector<Variant>& old_cells,
+                                  const std::vector<Variant>& cells) {
+                                Compare(changes, detail, kDetailColumns, old_cells, cells);
+                              });
+               });
+  return changes;
+}
+
+const ListSource kVoucherList{
+    "SELECT v.*, g.FName AS FGroup FROM t_Voucher v"
+    " JOIN t_VoucherGroup g ON g.FGroupID = v.FGroupID WHERE v.FDeleted = 0",
+    kRowColumns, "FDate, FYear, FPeriod, FGroupID, FNumber"};
+const ListSource kVoucherListWithDeleted{"SELECT v.*, g.FName AS FGroup FROM t_Voucher v"
+                                         " JOIN t_VoucherGroup g ON g.FGroupID = v.FGroupID",
+                                         kRowColumns, "FDate, FYear, FPeriod, FGroupID, FNumber"};
+
+}  // namespace qdclgl::server

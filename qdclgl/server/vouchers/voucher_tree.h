@@ -1,0 +1,172 @@
+// A voucher as the server handles it: header, lines and details in the types of their columns,
+// between the Dictionary of a caller and the rows of the database.
+#pragma once
+
+#include <algorithm>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "qdclgl/frame/containers/dictionary.h"
+#include "qdclgl/server/db/columns.h"
+#include "qdclgl/server/db/list.h"
+
+namespace qdclgl::server {
+
+// What a caller writes into a header.
+inline constexpr Column kHeaderColumns[] = {
+    {"FDate", ColumnType::kDate},
+    {"FYear", ColumnType::kLong},
+    {"FPeriod", ColumnType::kLong},
+    {"FGroupID", ColumnType::kLong},
+    {"FNumber", ColumnType::kLong},
+    {"FReference", ColumnType::kText},
+    {"FExplanation", ColumnType::kText},
+    {"FAttachments", ColumnType::kLong},
+    {"FTransDate", ColumnType::kDate},
+    {"FTranType", ColumnType::kLong},
+    {"FSerialNum", ColumnType::kLong},
+    {"FInternalInd", ColumnType::kText},
+    {"FHandler", ColumnType::kText},
+    {"FObjectName", ColumnType::kText},
+    {"FParameter", ColumnType::kText},
+    {"FFootNote", ColumnType::kText},
+    {"FLockDate", ColumnType::kBoolean},
+    {"FIsAmortize", ColumnType::kLong},
+    {"FAmortizeSchemeID", ColumnType::kLong},
+    {"FBlankOutFlag", ColumnType::kInteger},
+};
+
+// What the server keeps in a header; a caller reads it.
+inline constexpr Column kStateColumns[] = {
+    {"FVoucherID", ColumnType::kLong},       {"FVersion", ColumnType::kLong},
+    {"FEntryCount", ColumnType::kLong},      {"FDetailCount", ColumnType::kLong},
+    {"FDebitTotal", ColumnType::kCurrency},  {"FCreditTotal", ColumnType::kCurrency},
+    {"FOwnerGroupID", ColumnType::kInteger}, {"FPreparerID", ColumnType::kInteger},
+    {"FPreparer", ColumnType::kText},        {"FChecked", ColumnType::kBoolean},
+    {"FCheckerID", ColumnType::kInteger},    {"FChecker", ColumnType::kText},
+    {"FApproveID", ColumnType::kInteger},    {"FApprover", ColumnType::kText},
+    {"FCashierID", ColumnType::kInteger},    {"FCashier", ColumnType::kText},
+    {"FPosted", ColumnType::kBoolean},       {"FPosterID", ColumnType::kInteger},
+    {"FPoster", ColumnType::kText},          {"FSummarized", ColumnType::kBoolean},
+    {"FDeleted", ColumnType::kBoolean},
+};
+
+inline constexpr Column kLineColumns[] = {
+    {"FAccountID", ColumnType::kLong},         {"FDC", ColumnType::kLong},
+    {"FAmount", ColumnType::kCurrency},        {"FCurrencyID", ColumnType::kLong},
+    {"FAmountFor", ColumnType::kCurrency},     {"FExchangeRate", ColumnType::kDouble},
+    {"FQuantity", ColumnType::kDouble},        {"FUnitPrice", ColumnType::kDouble},
+    {"FMeasureUnitID", ColumnType::kLong},     {"FMeasureUnit", ColumnType::kText},
+    {"FMeasureUnitNumber", ColumnType::kText}, {"FExplanation", ColumnType::kText},
+    {"FCashFlowItem", ColumnType::kLong},      {"FSettleTypeID", ColumnType::kLong},
+    {"FSettleNo", ColumnType::kText},          {"FTransNo", ColumnType::kText},
+};
+
+// What other tables tell about a line.
+inline constexpr Column kLineNames[] = {
+    {"FAccountNumber", ColumnType::kText},
+    {"FAccountName", ColumnType::kText},
+    {"FCurrencyNumber", ColumnType::kText},
+    {"FCurrencyName", ColumnType::kText},
+};
+
+inline constexpr Column kDetailColumns[] = {
+    {"FDetail", ColumnType::kBoolean},       {"FItemClassID", ColumnType::kLong},
+    {"FItemClassNumber", ColumnType::kText}, {"FItemClassName", ColumnType::kText},
+    {"FItemID", ColumnType::kLong},          {"FItemNumber", ColumnType::kText},
+    {"FItemName", ColumnType::kText},        {"FItemFullName", ColumnType::kText},
+    {"FValue", ColumnType::kText},
+};
+
+// A column's name as a template argument.
+template <std::size_t N>
+struct ColumnName {
+  consteval ColumnName(const char (&name)[N]) { std::copy_n(name, N, text); }
+  constexpr std::string_view view() const { return {text, N - 1}; }
+  char text[N];
+};
+
+// Values in the order of a list of columns, reached by a column's name: `cells.Get<"FYear">()`. A
+// name that is not in the list does not compile.
+template <const auto& kColumns>
+class Cells {
+ public:
+  // The zero of every column.
+  Cells() : values_(Zeros()) {}
+  explicit Cells(std::vector<Variant> values) : values_(std::move(values)) {}
+
+  const std::vector<Variant>& values() const { return values_; }
+
+  template <ColumnName name>
+  auto Get() const {
+    return values_[PlaceOf(kColumns, name.view())]
+        .template Held<TypeOf<kColumns[PlaceOf(kColumns, name.view())].type>>();
+  }
+  template <ColumnName name>
+  void Put(TypeOf<kColumns[PlaceOf(kColumns, name.view())].type> value) {
+    values_[PlaceOf(kColumns, name.view())] = Variant(std::move(value));
+  }
+
+ private:
+  // A thread's own, as all values are.
+  static const std::vector<Variant>& Zeros() {
+    thread_local const std::vector<Variant> zeros = [] {
+      std::vector<Variant> values;
+      for (const Column& column : kColumns) values.push_back(Normalized(column, {}));
+      return values;
+    }();
+    return zeros;
+  }
+
+  std::vector<Variant> values_;
+};
+
+using HeaderCells = Cells<kHeaderColumns>;
+using StateCells = Cells<kStateColumns>;
+using LineCells = Cells<kLineColumns>;
+
+struct VoucherLine {
+  LineCells cells;
+  std::vector<Variant> names;                 // of kLineNames
+  std::vector<std::vector<Variant>> details;  // each of kDetailColumns
+  std::string extras;
+};
+
+struct VoucherTree {
+  HeaderCells header;
+  StateCells state;
+  std::string group;  // the group's name
+  std::string extras;
+  std::vector<VoucherLine> lines;
+
+  // The voucher as people call it: "2024/1 Receipts 5".
+  std::string Name() const;
+
+  // What a caller has sent. BadValue, naming key and line, for a value that doesn't fit.
+  static VoucherTree FromRow(const Dictionary& row);
+  // The whole tree for a caller.
+  Ref<Dictionary> ToRow() const;
+
+  // One state of the voucher, whoever saves it meanwhile. Nothing when there is no such voucher.
+  static std::optional<VoucherTree> Read(Database& db, Long id);
+  // Reads the header alone, and keeps others from changing the voucher before the transaction ends.
+  static std::optional<VoucherTree> Hold(Database& db, Long id);
+  // Reads lines and details. False when they are not those of the header's version.
+  bool ReadLines(Database& db);
+
+  // Writes a new voucher and gives it its id; or writes everything over what is there.
+  void Insert(Database& db);
+  void Update(Database& db) const;
+};
+
+// What is different in `now`, key by key, as the audit trail tells it: "FExplanation, line 2
+// FAmount, line 3 added".
+std::string ChangesBetween(const VoucherTree& before, const VoucherTree& now);
+
+// The list of headers.
+extern const ListSource kVoucherList;
+extern const ListSource kVoucherListWithDeleted;
+
+}  // namespace qdclgl::server

@@ -1,0 +1,523 @@
+#include "qdclgl/server/records/account.h"
+
+#include <limits>
+
+#include "qdclgl/frame/containers/vector.h"
+#include "tests/server/books_state.h"
+
+namespace qdclgl::server::testing {
+namespace {
+
+constexpr const char* kInfo = "QDSVGLAccount.AccountInfo";
+constexpr const char* kItemInfo = "QDSVGLAccount.AccountItemInfo";
+constexpr const char* kUpdate = "QDSVGLAccount.AccountUpdate";
+
+class AccountTest : public RecordsTest {
+ protected:
+  Long Create(const Ref<Dictionary>& row) { return Call(kUpdate, "Create", props, row).As<Long>(); }
+  void Update(Long id, const Ref<Dictionary>& row) {
+    Call(kUpdate, "Update", props, ByRef(id), row);
+  }
+  // Changes one column of a stored account.
+  void Change(Long id, std::string_view key, const Variant& value) {
+    const Ref<Dictionary> row = Detail(id);
+    row->Put(key, value);
+    Update(id, row);
+  }
+  void Delete(Long id) {
+    Call(kUpdate, "Delete", props, ByRef(id), std::string("HOST"), std::string("10.0.0.1"));
+  }
+  Ref<Dictionary> Detail(Long id) {
+    return Call(kInfo, "GetDetail", props, ByRef(id)).As<Dictionary>();
+  }
+  Ref<Recordset> List(Long options = 0, std::string filter = "", std::string sort = "") {
+    Long authority = 3;
+    return Call(kInfo, "GetList", props, ByRef(options), ByRef(filter), ByRef(sort), Missing,
+                ByRef(authority))
+        .As<Recordset>();
+  }
+  // The chart: number, level, parent's and root's ids, detail flag and full name.
+  std::string Chart() {
+    return TextOf(List(1), {"FNumber", "FLevel", "FParentID", "FRootID", "FDetail", "FFullName"});
+  }
+  std::string Items(Long id) {
+    return TextOf(Call(kItemInfo, "GetListByAccount", props, id).As<Recordset>(),
+                  {"FItemClassID", "FItemClassNumber", "FItemClassName"});
+  }
+  static Ref<Vector> ItemList(std::initializer_list<Ref<Dictionary>> items) {
+    auto list = Make<Vector>();
+    for (const auto& item : items) list->Append(item);
+    return list;
+  }
+  Long UseInVoucher(Long account) {
+    return AddVoucher(AddGroup("Receipts"), account, AddAccount("9999"), Currency(7));
+  }
+};
+
+TEST_P(AccountTest, TheTreeFollowsTheNumbers) {
+  const Long cash = AddAccount("1000", "Cash");
+  const Long till = AddAccount("1000.01", "Till");
+  const Long coins = AddAccount("1000.01.c-1", "Coins_");
+  const auto text = [](Long id) { return std::to_string(id); };
+  EXPECT_EQ(Chart(), "1000 1 0 " + text(cash) + " False Cash\n" + "1000.01 2 " + text(cash) + " " +
+                         text(cash) + " False Cash_Till\n" + "1000.01.C-1 3 " + text(till) + " " +
+                         text(cash) + " True Cash_Till_Coins_\n");
+  Delete(coins);
+  EXPECT_TRUE(Detail(till)->Value("FDetail").As<Boolean>());
+  EXPECT_EQ(Breaches(), "");
+}
+
+TEST_P(AccountTest, AccountsKeepAllTheirColumnsInTheirTypes) {
+  const Ref<Dictionary> row = Row({{"FNumber", "1000"},
+                                   {"FName", "Cash"},
+                                   {"FDC", Long{-1}},
+                                   {"FGroupID", Long{3}},
+                                   {"FHelperCode", "C"},
+                                   {"FQuantities", true},
+                                   {"FMeasureUnitID", Long{4}},
+                                   {"FMeasureUnit", "kg"},
+                                   {"FUnitGroupID", Long{5}},
+                                   {"FIsCash", true},
+                                   {"FIsBank", true},
+                                   {"FIsBudget", true},
+                                   {"FIsBusi", true},
+                                   {"FIsCashFlow", true},
+                                   {"FJournal", true},
+                                   {"FContact", true},
+                                   {"FAdjustRate", true},
+                                   {"FAcctint", true},
+                                   {"FintRate", Single{0.125}},
+                                   {"FInterest", true},
+                                   {"FLastIntDate", DateTime::FromYmd(2024, 2, 29)},
+                                   {"FAcnt", true},
+                                   {"FAcntType", Long{6}},
+                                   {"FControlSystem", Long{7}},
+                                   {"FEarnAccountID", Long{8}},
+                                   {"FSpecialType", Integer{9}},
+                                   {"FMessage", "careful"},
+                                   {"FViewMsg", true},
+                                   {"UUID", "u"}});
+  const Long id = Create(row);
+  const std::string ids = std::to_string(id);
+  EXPECT_EQ(TextOf(*Detail(id)),
+            "FAccountID=" + ids + ";FVersion=1;FNumber=1000;FName=Cash;FFullName=Cash;FLevel=1;" +
+                "FDetail=True;FParentID=0;FRootID=" + ids +
+                ";FDC=-1;FGroupID=3;FCurrencyID=1;FCurrencyNumber=EUR;FCurrencyName=EUR;"
+                "FHelperCode=C;FQuantities=True;FMeasureUnitID=4;FMeasureUnit=kg;FUnitGroupID=5;"
+                "FUnitGroup=;FIsCash=True;FIsBank=True;FIsBudget=True;FIsBusi=True;"
+                "FIsCashFlow=True;FJournal=True;FContact=True;FAdjustRate=True;FAcctint=True;"
+                "FintRate=0.125;FInterest=True;FLastIntDate=2024-02-29;FAcnt=True;FAcntID=0;"
+                "FAcntType=6;FIsAcnt=False;FControl=0;FControlSystem=7;FDetailID=0;"
+                "FEarnAccountID=8;FSpecialType=9;FMessage=careful;FViewMsg=True;FDelete=False;"
+                "UUID=u;");
+  for (const auto& [key, type] :
+       std::initializer_list<std::pair<const char*, const char*>>{{"FLevel", "Integer"},
+                                                                  {"FSpecialType", "Integer"},
+                                                                  {"FintRate", "Single"},
+                                                                  {"FLastIntDate", "Date"},
+                                                                  {"FDetail", "Boolean"},
+                                                                  {"FDC", "Long"},
+                                                                  {"FFullName", "String"},
+                                                                  {"FAccountID", "Long"}}) {
+    EXPECT_EQ(TypeName(Detail(id)->Value(key).Type()), type) << key;
+  }
+  // The list has the same columns, so that a row of it can be saved.
+  EXPECT_EQ(TextOf(*List()->Row()), TextOf(*Detail(id)));
+  Update(id, List()->Row());
+  Update(id, Row({{"FNumber", "1000"}, {"FName", "Cash"}, {"FVersion", Long{2}}}));
+  EXPECT_EQ(TextOf(*Detail(id)),
+            "FAccountID=" + ids + ";FVersion=3;FNumber=1000;FName=Cash;FFullName=Cash;FLevel=1;" +
+                "FDetail=True;FParentID=0;FRootID=" + ids +
+                ";FDC=0;FGroupID=0;FCurrencyID=1;FCurrencyNumber=EUR;FCurrencyName=EUR;"
+                "FHelperCode=;FQuantities=False;FMeasureUnitID=0;FMeasureUnit=;FUnitGroupID=0;"
+                "FUnitGroup=;FIsCash=False;FIsBank=False;FIsBudget=False;FIsBusi=False;"
+                "FIsCashFlow=False;FJournal=False;FContact=False;FAdjustRate=False;"
+                "FAcctint=False;FintRate=0;FInterest=False;FLastIntDate=1899-12-30;FAcnt=False;"
+                "FAcntID=0;FAcntType=0;FIsAcnt=False;FControl=0;FControlSystem=0;FDetailID=0;"
+                "FEarnAccountID=0;FSpecialType=0;FMessage=;FViewMsg=False;FDelete=False;UUID=;");
+}
+
+TEST_P(AccountTest, WhatTheServerKeepsIsNotTakenFromCallers) {
+  const Long id = Create(Row({{"FNumber", "1000"},
+                              {"FName", "Cash"},
+                              {"FAccountID", Long{77}},
+                              {"FVersion", Long{9}},
+                              {"FLevel", "deep"},
+                              {"FDetail", false},
+                              {"FParentID", Long{77}},
+                              {"FRootID", Long{77}},
+                              {"FFullName", "Bank"},
+                              {"FAcntID", Long{5}},
+                              {"FControl", Long{5}},
+                              {"FIsAcnt", true},
+                              {"FDetailID", Long{5}},
+                              {"FUnitGroup", "x"},
+                              {"FCurrencyNumber", "XXX"},
+                              {"FCurrencyName", "XXX"}}));
+  const Ref<Dictionary> row = Detail(id);
+  EXPECT_NE(id, 77);
+  EXPECT_EQ(Chart(), "1000 1 0 " + std::to_string(id) + " True Cash\n");
+  for (const char* key : {"FAcntID", "FControl", "FDetailID"}) {
+    EXPECT_EQ(row->Value(key).As<Long>(), 0) << key;
+  }
+  EXPECT_FALSE(row->Value("FIsAcnt").As<Boolean>());
+  EXPECT_EQ(row->Value("FUnitGroup").As<String>(), "");
+  EXPECT_EQ(row->Value("FVersion").As<Long>(), 1);
+}
+
+TEST_P(AccountTest, BadValuesAreRefusedAndChangeNothing) {
+  AddAccount("1000");
+  const std::string before = State();
+  const auto refusal = [&](std::initializer_list<std::pair<std::string_view, Variant>> cells) {
+    const Ref<Dictionary> row = Row(cells);
+    const std::string sent = TextOf(*row);
+    const std::string name = RefusalOf([&] { Create(row); });
+    EXPECT_EQ(TextOf(*row), sent);
+    return name;
+  };
+  const auto number_refusal = [&](std::string_view number) {
+    return refusal({{"FNumber", number}, {"FName", "x"}});
+  };
+  EXPECT_EQ(number_refusal(""), "Required");
+  EXPECT_EQ(refusal({{"FNumber", "2000"}}), "Required");
+  EXPECT_EQ(refusal({{"FNumber", "2000"}, {"FName", ""}}), "Required");
+  for (const char* number : {".", "1000.", ".1", "1000..1", "10 00", "1000.1;", "a'b", "a%", "1\n",
+                             "-.'", "a/b", "a\\b"}) {
+    EXPECT_EQ(number_refusal(number), "BadNumber") << number;
+  }
+  EXPECT_EQ(number_refusal(std::string(41, '1')), "BadNumber");
+  EXPECT_EQ(number_refusal(std::string("1\0", 2)), "BadValue");
+  EXPECT_EQ(number_refusal("1000"), "NumberTaken");
+  EXPECT_EQ(number_refusal("2000.1"), "NoParent");
+  EXPECT_EQ(number_refusal("1000.1.1"), "NoParent");
+  EXPECT_EQ(refusal({{"FNumber", "2000"}, {"FName", "x"}, {"FDC", Long{2}}}), "BadValue");
+  EXPECT_EQ(refusal({{"FNumber", "2000"}, {"FName", "x"}, {"FDC", Long{-2}}}), "BadValue");
+  EXPECT_EQ(refusal({{"FNumber", "2000"}, {"FName", "x"}, {"FDC", "debit"}}), "BadValue");
+  EXPECT_EQ(refusal({{"FNumber", "2000"}, {"FName", "x"}, {"FCurrencyID", Long{5}}}),
+            "BadCurrency");
+  EXPECT_EQ(refusal({{"FNumber", "2000"}, {"FName", "x"}, {"FCurrencyID", Long{0}}}),
+            "BadCurrency");
+  EXPECT_EQ(refusal({{"FNumber", "2000"}, {"FName", "x"}, {"FSpecialType", Long{70000}}}),
+            "BadValue");
+  for (const double days : {1e10, -1e10, std::numeric_limits<double>::quiet_NaN()}) {
+    EXPECT_EQ(
+        RefusalOf([&] {
+          Create(Row({{"FNumber", "2000"}, {"FName", "x"}, {"FLastIntDate", DateTime(days)}}));
+        }),
+        "BadValue")
+        << days;
+  }
+  EXPECT_EQ(refusal({{"FNumber", "2000"}, {"FName", "x"}, {"FIsCsah", true}}), "BadValue");
+  EXPECT_EQ(SentenceOf([&] {
+              Create(Row({{"FNumber", "2000"}, {"FName", "x"}, {"FIsCsah", true}}));
+            }),
+            "Account: there is no column \"FIsCsah\".");
+  EXPECT_EQ(SentenceOf([&] { AddAccount("2000.1", "Till"); }),
+            "Account 2000.1 (Till): there is no account 2000 above it.");
+  EXPECT_EQ(State(), before);
+}
+
+TEST_P(AccountTest, NumbersAreUpperCaseAndUpTo40Characters) {
+  const Long id = AddAccount("a_b-c");
+  EXPECT_EQ(Detail(id)->Value("FNumber").As<String>(), "A_B-C");
+  EXPECT_EQ(RefusalOf([&] { AddAccount("A_b-C"); }), "NumberTaken");
+  AddAccount(std::string(40, '1'));
+  Long deepest = AddAccount("1");
+  std::string number = "1";
+  for (int level = 2; level <= 20; ++level) deepest = AddAccount(number += ".1");
+  EXPECT_EQ(Detail(deepest)->Value("FLevel").As<Long>(), 20);
+  EXPECT_EQ(RefusalOf([&] { AddAccount(number + ".1"); }), "BadNumber");
+}
+
+TEST_P(AccountTest, AnAccountIsFoundByIdNumberOrHelperCode) {
+  const Long id = Create(Row({{"FNumber", "a1"}, {"FName", "Cash"}, {"FHelperCode", "C"}}));
+  AddAccount("2000");
+  EXPECT_EQ(Call(kInfo, "GetDetailByNumber", props, std::string("A1"))
+                .As<Dictionary>()
+                ->Value("FAccountID")
+                .As<Long>(),
+            id);
+  EXPECT_NE(Call(kInfo, "GetDetailByNumber", props, "a1").As<Dictionary>(), nullptr);
+  EXPECT_EQ(Call(kInfo, "GetDetailByNumber", props, "a1' --").As<Dictionary>(), nullptr);
+  Variant key = id;
+  EXPECT_EQ(Call(kInfo, "ExistenceCheck", props, ByRef(key)).As<Long>(), id);
+  EXPECT_EQ(Call(kInfo, "ExistenceCheck", props, Named("Number", "a1")).As<Long>(), id);
+  EXPECT_EQ(Call(kInfo, "ExistenceCheck", props, Named("HelperCode", "C")).As<Long>(), id);
+  EXPECT_EQ(Call(kInfo, "ExistenceCheck", props, Named("HelperCode", "")).As<Long>(), 0);
+  EXPECT_EQ(Call(kInfo, "ExistenceCheck", props, Named("HelperCode", "X")).As<Long>(), 0);
+  EXPECT_EQ(Call(kInfo, "ExistenceCheck", props, Named("Number", "X")).As<Long>(), 0);
+  EXPECT_EQ(Call(kInfo, "ExistenceCheck", props, Long{99}).As<Long>(), 0);
+  EXPECT_EQ(Call(kInfo, "ExistenceCheck", props).As<Long>(), 0);
+}
+
+TEST_P(AccountTest, RenamingRenamesBelow) {
+  const Long cash = AddAccount("1_0", "Cash");
+  AddAccount("1_0.1", "Till");
+  AddAccount("1_0.1.1", "Cash");
+  AddAccount("1X0", "Bank");
+  AddAccount("1X0.1", "Giro");
+  AddAccount("1_00", "Cash");
+  Change(cash, "FName", "Kasse 元 'x'");
+  EXPECT_EQ(TextOf(List(), {"FFullName"}),
+            "Bank\nBank_Giro\nKasse 元 'x'\nKasse 元 'x'_Till\nKasse 元 'x'_Till_Cash\nCash\n");
+  EXPECT_EQ(Breaches(), "");
+  const Ref<Dictionary> child = Call(kInfo, "GetDetailByNumber", props, "1_0.1").As<Dictionary>();
+  EXPECT_EQ(child->Value("FVersion").As<Long>(), 1)
+      << "who edits an account below is not disturbed";
+}
+
+TEST_P(AccountTest, FullNamesComeWithAnySeparator) {
+  AddAccount("1", "A_B");
+  const Long id = (AddAccount("1.1", "C"), AddAccount("1.1.1", "D"));
+  const auto full_name = [&](Long account, std::string separator) {
+    return Call(kInfo, "GetFullName", props, ByRef(account), ByRef(separator)).As<String>();
+  };
+  EXPECT_EQ(full_name(id, " / "), "A_B / C / D");
+  EXPECT_EQ(full_name(id, ""), "A_BCD");
+  EXPECT_EQ(Call(kInfo, "GetFullName", props, id).As<String>(), "A_B_C_D");
+  EXPECT_EQ(RefusalOf([&] { full_name(99, "_"); }), "NotFound");
+}
+
+TEST_P(AccountTest, AnAccountMovesWithItsNumber) {
+  const Long cash = AddAccount("1", "Cash"), bank = AddAccount("2", "Bank");
+  const Long till = AddAccount("1.1", "Till");
+  Change(till, "FNumber", "2.7");
+  EXPECT_EQ(Chart(), "1 1 0 " + std::to_string(cash) + " True Cash\n" + "2 1 0 " +
+                         std::to_string(bank) + " False Bank\n" + "2.7 2 " + std::to_string(bank) +
+                         " " + std::to_string(bank) + " True Bank_Till\n");
+  Change(till, "FNumber", "3");
+  EXPECT_EQ(Chart(), "1 1 0 " + std::to_string(cash) + " True Cash\n" + "2 1 0 " +
+                         std::to_string(bank) + " True Bank\n" + "3 1 0 " + std::to_string(till) +
+                         " True Till\n");
+  EXPECT_EQ(Breaches(), "");
+  const std::string before = State();
+  EXPECT_EQ(RefusalOf([&] { Change(till, "FNumber", "3.1"); }), "NoParent")
+      << "it would be its own parent";
+  EXPECT_EQ(RefusalOf([&] { Change(till, "FNumber", "2"); }), "NumberTaken");
+  EXPECT_EQ(RefusalOf([&] { Change(till, "FNumber", "9.1"); }), "NoParent");
+  EXPECT_EQ(State(), before);
+  Change(till, "FNumber", "2.1");
+  EXPECT_EQ(RefusalOf([&] { Change(bank, "FNumber", "4"); }), "HasChildren");
+}
+
+TEST_P(AccountTest, AnAccountInUseKeepsItsPlace) {
+  const Long cash = AddAccount("1000", "Cash");
+  const Long voucher = UseInVoucher(cash);
+  const std::string before = State();
+  EXPECT_EQ(RefusalOf([&] { Change(cash, "FNumber", "1001"); }), "InUse");
+  EXPECT_EQ(SentenceOf([&] { Change(cash, "FNumber", "1001"); }),
+            "Account 1000 (Cash): it can't get another number, vouchers use it.");
+  EXPECT_EQ(RefusalOf([&] { Delete(cash); }), "InUse");
+  EXPECT_EQ(RefusalOf([&] { AddAccount("1000.1"); }), "ParentInUse");
+  const Long other = AddAccount("2000");
+  EXPECT_EQ(RefusalOf([&] { Change(other, "FNumber", "1000.2"); }), "ParentInUse");
+  Delete(other);
+  EXPECT_TRUE(Call(kInfo, "CheckAccountInVoucher", props, cash).As<Boolean>());
+  Call("QDSVGLVoucher.VoucherUpdate", "Delete", props, voucher);
+  EXPECT_TRUE(Call(kInfo, "CheckAccountInVoucher", props, cash).As<Boolean>())
+      << "a deleted voucher keeps its lines";
+  EXPECT_EQ(RefusalOf([&] { Delete(cash); }), "InUse");
+  Call("QDSVGLVoucher.VoucherUpdate", "Delete", props, voucher, true);
+  EXPECT_FALSE(Call(kInfo, "CheckAccountInVoucher", props, cash).As<Boolean>());
+  Delete(cash);
+  EXPECT_EQ(Detail(cash), nullptr);
+  EXPECT_NE(State(), before);
+}
+
+TEST_P(AccountTest, AnAccountWhoseBalanceCameDownToNothingCanBeDeleted) {
+  const Long cash = AddAccount("1000");
+  const Long voucher = UseInVoucher(cash);
+  CheckAndPost(voucher);
+  EXPECT_EQ(RefusalOf([&] { Delete(cash); }), "InUse");
+  Call("QDSVGLVoucher.VoucherUpdate", "UnPost", props, voucher);
+  Call("QDSVGLVoucher.VoucherUpdate", "Check", props, voucher, false);
+  Call("QDSVGLVoucher.VoucherUpdate", "Delete", props, voucher, true);
+  Delete(cash);
+  EXPECT_EQ(Detail(cash), nullptr);
+  EXPECT_EQ(Breaches(), "");
+}
+
+TEST_P(AccountTest, DeletionMarksGoFromBelowToAbove) {
+  const Long cash = AddAccount("1", "Cash"), till = AddAccount("1.1", "Till");
+  EXPECT_EQ(RefusalOf([&] { Change(cash, "FDelete", true); }), "HasChildren");
+  Change(till, "FDelete", true);
+  Change(cash, "FDelete", true);
+  EXPECT_EQ(TextOf(List(), {"FNumber"}), "");
+  EXPECT_EQ(TextOf(List(1), {"FNumber"}), "1\n1.1\n");
+  EXPECT_EQ(TextOf(List(6), {"FNumber"}), "");
+  EXPECT_EQ(RefusalOf([&] { AddAccount("1.2"); }), "NoParent");
+  EXPECT_EQ(RefusalOf([&] { Change(till, "FDelete", false); }), "NoParent");
+  EXPECT_EQ(SentenceOf([&] { Change(till, "FDelete", false); }),
+            "Account 1.1 (Till): account 1 above it is deleted.");
+  EXPECT_EQ(RefusalOf([&] { Delete(cash); }), "HasChildren");
+  EXPECT_FALSE(Detail(cash)->Value("FDetail").As<Boolean>());
+  Change(cash, "FDelete", false);
+  Change(till, "FDelete", false);
+  EXPECT_EQ(TextOf(List(), {"FNumber"}), "1\n1.1\n");
+  EXPECT_EQ(Breaches(), "");
+}
+
+TEST_P(AccountTest, ADeletedCurrencyStaysWithTheAccountsThatHaveIt) {
+  const Long dollar = Call("QDSVGLCurrency.CurrencyUpdate", "Create", props,
+                           Row({{"FNumber", "USD"}, {"FName", "Dollar"}}))
+                          .As<Long>();
+  const Long id = AddAccount("1");
+  Change(id, "FCurrencyID", dollar);
+  EXPECT_EQ(Detail(id)->Value("FCurrencyName").As<String>(), "Dollar");
+  Call("QDSVGLCurrency.CurrencyUpdate", "Delete", props, dollar);
+  Change(id, "FName", "Dollars");
+  EXPECT_EQ(RefusalOf([&] { Change(AddAccount("2"), "FCurrencyID", dollar); }), "BadCurrency");
+  EXPECT_EQ(RefusalOf([&] {
+              Create(Row({{"FNumber", "3"}, {"FName", "x"}, {"FCurrencyID", dollar}}));
+            }),
+            "BadCurrency");
+}
+
+TEST_P(AccountTest, SpecialChildrenAreFoundAtAnyDepth) {
+  const Long cash = AddAccount("1");
+  AddAccount("1.1");
+  const Long special = AddAccount("1.1.1"), other = AddAccount("11");
+  const auto exists = [&](Long id) {
+    return Call(kInfo, "ExistsSpecialChild", props, ByRef(id)).As<Boolean>();
+  };
+  Change(other, "FSpecialType", Integer{1});
+  EXPECT_FALSE(exists(cash));
+  Change(special, "FSpecialType", Integer{2});
+  EXPECT_TRUE(exists(cash));
+  EXPECT_FALSE(exists(special)) << "an account is not below itself";
+  EXPECT_FALSE(exists(99));
+}
+
+TEST_P(AccountTest, ItemClassesAreReplacedWhenTheRowHasThem) {
+  const Ref<Vector> items = ItemList({Row({{"FItemClassID", Long{7}},
+                                           {"FItemClassNumber", "07"},
+                                           {"FItemClassName", "Customers"}}),
+                                      Row({{"FItemClassID", Long{3}}})});
+  const Long id = Create(Row({{"FNumber", "1"}, {"FName", "x"}, {"_Items", items}}));
+  EXPECT_EQ(Items(id), "3  \n7 07 Customers\n");
+  Change(id, "FName", "y");
+  EXPECT_EQ(Items(id), "3  \n7 07 Customers\n") << "a row without _Items leaves them";
+  const Ref<Dictionary> with_id = Row({{"FAccountID", id}, {"FItemClassID", Long{4}}});
+  Change(id, "_Items", ItemList({with_id}));
+  EXPECT_EQ(Items(id), "4  \n");
+  const std::string before = State();
+  for (const Variant& wrong :
+       {Variant("text"), Variant(Nothing), Variant(Make<Dictionary>()),
+        Variant(ItemList({nullptr})), Variant(ItemList({Make<Dictionary>()})),
+        Variant(ItemList({with_id, with_id})),
+        Variant(ItemList({Row({{"FItemClassID", Long{4}}, {"FName", "?"}})})),
+        Variant(ItemList({Row({{"FItemClassID", "many"}})}))}) {
+    EXPECT_EQ(RefusalOf([&] { Change(id, "_Items", wrong); }), "BadValue");
+  }
+  EXPECT_EQ(State(), before);
+  Change(id, "_Items", ItemList({}));
+  EXPECT_EQ(Items(id), "");
+  Change(id, "_Items", ItemList({with_id}));
+  Delete(id);
+  EXPECT_EQ(Items(id), "");
+}
+
+TEST_P(AccountTest, OldVersionsAreRefused) {
+  const Long id = AddAccount("1000", "Cash");
+  const Ref<Dictionary> old = Detail(id);
+  Change(id, "FHelperCode", "a");
+  Change(id, "FHelperCode", "b");
+  Change(id, "FHelperCode", "c");
+  old->Value("FVersion", Long{3});
+  const std::string before = State(), sent = TextOf(*old);
+  EXPECT_EQ(RefusalOf([&] { Update(id, old); }), "Changed");
+  EXPECT_EQ(SentenceOf([&] { Update(id, old); }),
+            "Account 1000 (Cash): saved by somebody else in the meantime; it has version 4, the "
+            "row sent is version 3.");
+  EXPECT_EQ(TextOf(*old), sent);
+  old->Value("FVersion", "four");
+  EXPECT_EQ(RefusalOf([&] { Update(id, old); }), "BadValue");
+  old->Value("FVersion", Null);
+  EXPECT_EQ(RefusalOf([&] { Update(id, old); }), "NoVersion");
+  EXPECT_EQ(State(), before);
+}
+
+TEST_P(AccountTest, ACloneOfARowMakesAnotherAccount) {
+  const Long id = AddAccount("1", "Cash");
+  const Ref<Dictionary> copy = Detail(id)->Clone();
+  copy->Value("FAccountID", Integer{0});
+  copy->Value("FNumber", "2");
+  const Long other = Create(copy);
+  EXPECT_NE(other, id);
+  EXPECT_EQ(copy->Value("FAccountID").As<Long>(), other);
+  EXPECT_EQ(Detail(other)->Value("FRootID").As<Long>(), other);
+  EXPECT_EQ(RefusalOf([&] { Create(copy); }), "NumberTaken") << "a second click";
+}
+
+TEST_P(AccountTest, ListsFilterAndSort) {
+  AddAccount("1", "Cash");
+  AddAccount("2", "O'Neill");
+  EXPECT_EQ(TextOf(List(0, "FName = 'O''Neill'"), {"FNumber"}), "2\n");
+  EXPECT_EQ(TextOf(List(0, "FDetail AND FCurrencyNumber = 'EUR'", "FNumber DESC"), {"FNumber"}),
+            "2\n1\n");
+  for (const char* filter :
+       {"FName = 'x' UNION SELECT * FROM t_User", "FNumber IN (SELECT FName FROM t_User)",
+        "FNumber = 1", "1 = 1", "FName = FLevel", "FName = 'x", "FName LIKE 'x\\'", "(FDetail",
+        "FLevel = 1.5", "FNumber = '1' --", "FDetail OR", "FName = \"1\""}) {
+    EXPECT_EQ(RefusalOf([&] { List(0, filter); }), "BadFilter") << filter;
+  }
+  for (const char* sort : {"1", "FNumber, ", "FNumber DESC DESC", "(SELECT 1)", "FNumber;"}) {
+    EXPECT_EQ(RefusalOf([&] { List(0, "", sort); }), "BadSort") << sort;
+  }
+  EXPECT_EQ(TextOf(Call(kInfo, "GetList", props).As<Recordset>(), {"FNumber"}), "1\n2\n");
+}
+
+TEST_P(AccountTest, DeedsAreOnTheAuditTrail) {
+  const Long id = AddAccount("1", "Cash");
+  Change(id, "FDC", Long{1});
+  Delete(id);
+  EXPECT_EQ(TextOf(Call("QDSVGLAudit.AuditInfo", "GetList", props).As<Recordset>(),
+                   {"FSubject", "FRecordID", "FRecord", "FAction", "FChanges"}),
+            "Account " + std::to_string(id) + " 1 (Cash) Create \n" + "Account " +
+                std::to_string(id) + " 1 (Cash) Update FDC: 0 -> 1\n" + "Account " +
+                std::to_string(id) + " 1 (Cash) Delete \n");
+}
+
+TEST_P(AccountTest, OnlyAdministratorsWrite) {
+  const Long id = AddAccount("1");
+  const Ref<Dictionary> row = Detail(id);
+  ExpectAdministratorsOnly([&](const std::string& who) {
+    Call(kUpdate, "Create", who, Row({{"FNumber", "2"}, {"FName", "x"}}));
+  });
+  ExpectAdministratorsOnly(
+      [&](const std::string& who) { Call(kUpdate, "Update", who, Long{id}, row); });
+  ExpectAdministratorsOnly([&](const std::string& who) { Call(kUpdate, "Delete", who, Long{id}); });
+}
+
+TEST_P(AccountTest, EveryReadNeedsASession) {
+  for (const char* method :
+       {"GetDetail", "CheckAccountInVoucher", "ExistsSpecialChild", "GetFullName"}) {
+    EXPECT_EQ(RefusalOf([&] { Call(kInfo, method, connection, Long{1}); }), "NotLoggedIn");
+  }
+  EXPECT_EQ(RefusalOf([&] { Call(kInfo, "GetList", connection); }), "NotLoggedIn");
+  EXPECT_EQ(RefusalOf([&] { Call(kInfo, "ExistenceCheck", connection); }), "NotLoggedIn");
+  EXPECT_EQ(RefusalOf([&] { Call(kInfo, "GetDetailByNumber", connection, "1"); }), "NotLoggedIn");
+  EXPECT_EQ(RefusalOf([&] { Call(kItemInfo, "GetListByAccount", connection, Long{1}); }),
+            "NotLoggedIn");
+}
+
+TEST_P(AccountTest, AFailureAtAnyStatementOfASaveLeavesNothingBehind) {
+  AddAccount("1", "Cash");
+  AddAccount("2", "Bank");
+  const Ref<Dictionary> row = Row({{"FNumber", "1.1"},
+                                   {"FName", "Till"},
+                                   {"_Items", ItemList({Row({{"FItemClassID", Long{7}}})})}});
+  FailEachStatement([&] { Create(row); }, [&] { return TextOf(*row); });
+  const auto id = row->Value("FAccountID").As<Long>();
+  row->Value("FNumber", "2.1");
+  row->Value("FName", "Vault");
+  FailEachStatement([&] { Update(id, row); }, [&] { return TextOf(*row); });
+  FailEachStatement([&] { Delete(id); });
+  EXPECT_EQ(Detail(id), nullptr);
+  EXPECT_EQ(Breaches(), "");
+}
+
+QDCLGL_BOOKS_TEST(AccountTest);
+
+}  // namespace
+}  // namespace qdclgl::server::testing

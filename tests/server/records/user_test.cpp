@@ -1,0 +1,224 @@
+#include "qdclgl/server/records/user.h"
+
+#include "qdclgl/frame/containers/recordset.h"
+#include "qdclgl/server/access/login.h"
+#include "tests/server/books_state.h"
+
+namespace qdclgl::server::testing {
+namespace {
+
+constexpr const char* kInfo = "QDSVGLUser.UserInfo";
+constexpr const char* kUpdate = "QDSVGLUser.UserUpdate";
+
+class UserTest : public RecordsTest {
+ protected:
+  Long Create(const Ref<Dictionary>& row) { return Call(kUpdate, "Create", props, row).As<Long>(); }
+  void Update(Long id, const Ref<Dictionary>& row) {
+    Call(kUpdate, "Update", props, ByRef(id), row);
+  }
+  void Change(Long id, std::string_view key, const Variant& value) {
+    const Ref<Dictionary> row = Detail(id);
+    row->Put(key, value);
+    Update(id, row);
+  }
+  void Delete(Long id) { Call(kUpdate, "Delete", props, ByRef(id), "HOST", "10.0.0.1"); }
+  Ref<Dictionary> Detail(Long id) { return Call(kInfo, "GetDetail", props, id).As<Dictionary>(); }
+  std::string Users(std::string filter = "", std::string sort = "") {
+    return TextOf(Call(kInfo, "GetList", props, ByRef(filter), ByRef(sort)).As<Recordset>(),
+                  {"FName", "FRoles", "FDisabled"});
+  }
+  Long IdOf(std::string_view name) {
+    return Books().QueryValue<Long>("SELECT FUserID FROM t_User WHERE FName = ?", name).value_or(0);
+  }
+};
+
+TEST_P(UserTest, AUserIsSavedAndLogsIn) {
+  const Ref<Dictionary> row =
+      Row({{"FName", "anna"}, {"FRoles", " Checker ,preparer,"}, {"FPassword", "sesame"}});
+  const Long id = Create(row);
+  EXPECT_EQ(row->Value("FUserID").As<Long>(), id);
+  EXPECT_EQ(row->Value("FVersion").As<Long>(), 1);
+  EXPECT_EQ(row->Value("FRoles").As<String>(), " Checker ,preparer,");
+  EXPECT_EQ(TextOf(*Detail(id)), "FUserID=" + std::to_string(id) +
+                                     ";FVersion=1;FName=anna;FRoles=preparer, checker;"
+                                     "FDisabled=False;");
+  EXPECT_EQ(RefusalOf([&] { Login("anna"); }), "LoginRefused");
+  EXPECT_EQ(RefusalOf([&] { Login("anna", "Sesame"); }), "LoginRefused");
+  Login("anna", "sesame");
+}
+
+TEST_P(UserTest, ListsShowRolesAsTextAndNoPasswords) {
+  AddUser("anna", "preparer, checker");
+  AddUser("bob", "");
+  EXPECT_EQ(Users(),
+            "administrator administrator False\nanna preparer, checker False\nbob  False\n");
+  EXPECT_EQ(Users("FRoles LIKE '%checker%'"), "anna preparer, checker False\n");
+  EXPECT_EQ(Users("NOT FDisabled", "FName DESC"),
+            "bob  False\nanna preparer, checker False\nadministrator administrator False\n");
+  EXPECT_EQ(RefusalOf([&] { Users("FPassword LIKE '$argon%'"); }), "BadFilter");
+  EXPECT_EQ(RefusalOf([&] { Users("", "FPassword"); }), "BadSort");
+  const auto list = Call(kInfo, "GetList", props).As<Recordset>();
+  EXPECT_EQ(list->FieldCount(), 5);
+  EXPECT_EQ(Detail(99), nullptr);
+}
+
+TEST_P(UserTest, PasswordsAreKeptAsSaltedHashesOnly) {
+  Create(Row({{"FName", "anna"}, {"FPassword", "sesame"}}));
+  Create(Row({{"FName", "bob"}, {"FPassword", "sesame"}}));
+  const auto hashes =
+      Books().Query<std::string>("SELECT FPassword FROM t_User WHERE FName <> 'administrator'");
+  ASSERT_EQ(hashes.size(), 2u);
+  EXPECT_NE(hashes[0], hashes[1]);
+  EXPECT_TRUE(std::get<0>(hashes[0]).starts_with("$argon2id$"));
+  EXPECT_EQ(State().find("sesame"), std::string::npos);
+}
+
+TEST_P(UserTest, BadValuesAreRefusedAndChangeNothing) {
+  AddUser("anna", "reader");
+  const std::string before = State();
+  const auto refusal = [&](std::initializer_list<std::pair<std::string_view, Variant>> cells) {
+    const Ref<Dictionary> row = Row(cells);
+    const std::string sent = TextOf(*row);
+    const std::string name = RefusalOf([&] { Create(row); });
+    EXPECT_EQ(TextOf(*row), sent);
+    return name;
+  };
+  EXPECT_EQ(refusal({{"FRoles", "reader"}}), "Required");
+  EXPECT_EQ(refusal({{"FName", "anna"}}), "NameTaken");
+  EXPECT_EQ(refusal({{"FName", "bob"}, {"FRoles", "king"}}), "BadValue");
+  EXPECT_EQ(refusal({{"FName", "bob"}, {"FRoles", Long{32}}}), "BadValue");
+  EXPECT_EQ(refusal({{"FName", "bob"}, {"FDisabled", "perhaps"}}), "BadValue");
+  EXPECT_EQ(refusal({{"FName", "bob"}, {"FPassword", std::string("a\0b", 3)}}), "BadValue");
+  EXPECT_EQ(refusal({{"FName", std::string("bob\0", 4)}}), "BadValue");
+  EXPECT_EQ(refusal({{"FName", std::string(256, 'b')}}), "BadValue");
+  EXPECT_EQ(refusal({{"FName", "bob"}, {"FRole", "reader"}}), "BadValue");
+  EXPECT_EQ(RefusalOf([&] { Call(kUpdate, "Create", props, Nothing); }), "error 91");
+  EXPECT_EQ(State(), before);
+}
+
+TEST_P(UserTest, AnUpdateKeepsThePassword) {
+  const Long id = Create(Row({{"FName", "anna"}, {"FRoles", "reader"}, {"FPassword", "sesame"}}));
+  Change(id, "FName", "anne");
+  Login("anne", "sesame");
+  Login("administrator");
+  const Ref<Dictionary> row = Detail(id);
+  row->Value("FPassword", "other");
+  EXPECT_EQ(RefusalOf([&] { Update(id, row); }), "BadValue");
+  Login("anne", "sesame");
+}
+
+TEST_P(UserTest, OldVersionsAreRefused) {
+  AddUser("anna", "reader");
+  const Long id = IdOf("anna");
+  const Ref<Dictionary> old = Detail(id), row = Detail(id);
+  row->Value("FRoles", "checker");
+  Update(id, row);
+  EXPECT_EQ(row->Value("FVersion").As<Long>(), 2);
+  const std::string before = State(), sent = TextOf(*old);
+  EXPECT_EQ(SentenceOf([&] { Update(id, old); }),
+            "User anna: saved by somebody else in the meantime; it has version 2, the row sent is "
+            "version 1.");
+  EXPECT_EQ(TextOf(*old), sent);
+  old->Remove("FVersion");
+  EXPECT_EQ(RefusalOf([&] { Update(id, old); }), "NoVersion");
+  EXPECT_EQ(RefusalOf([&] { Update(99, row); }), "NotFound");
+  EXPECT_EQ(State(), before);
+}
+
+TEST_P(UserTest, TheLastAdministratorStays) {
+  AddUser("anna", "preparer, administrator");
+  const Long administrator = IdOf("administrator"), anna = IdOf("anna");
+  Change(anna, "FDisabled", true);
+  const std::string before = State();
+  EXPECT_EQ(RefusalOf([&] { Change(administrator, "FDisabled", true); }), "InUse");
+  EXPECT_EQ(RefusalOf([&] { Change(administrator, "FRoles", "reader, poster"); }), "InUse");
+  EXPECT_EQ(RefusalOf([&] { Delete(administrator); }), "InUse");
+  EXPECT_EQ(SentenceOf([&] { Delete(administrator); }),
+            "User administrator: this is the last administrator.");
+  EXPECT_EQ(State(), before);
+  Change(anna, "FDisabled", false);
+  Delete(administrator);
+  EXPECT_EQ(Users(), "anna preparer, administrator False\n");
+  EXPECT_EQ(Breaches(), "");
+}
+
+TEST_P(UserTest, ADisabledUserDoesNotLogIn) {
+  AddUser("anna", "reader");
+  Change(IdOf("anna"), "FDisabled", true);
+  EXPECT_EQ(RefusalOf([&] { Login("anna"); }), "LoginRefused");
+}
+
+TEST_P(UserTest, IdsFitIntoVouchers) {
+  Books().Execute("INSERT INTO t_User (FUserID, FVersion, FName, FPassword, FRoles, FDisabled)"
+                  " VALUES (32767, 1, 'last', '', 0, 0)");
+  if (!Books().IsSQLite()) {
+    Books().QueryValue<Long>("SELECT setval(pg_get_serial_sequence('t_user', 'fuserid'), 32767)");
+  }
+  const std::string before = State();
+  EXPECT_EQ(RefusalOf([&] { AddUser("anna", "reader"); }), "BadValue");
+  EXPECT_EQ(State(), before);
+}
+
+TEST_P(UserTest, PeopleChangeTheirOwnPassword) {
+  AddUser("anna", "reader");
+  AddUser("bob", "reader, preparer, checker, cashier, poster");
+  const Long anna = IdOf("anna"), bob = IdOf("bob");
+  Login("anna");
+  Call(kUpdate, "SetPassword", props, anna, "one");
+  Login("anna", "one");
+  Call(kUpdate, "SetPassword", props, Long{0}, "two");
+  EXPECT_EQ(RefusalOf([&] { Login("anna", "one"); }), "LoginRefused");
+  Login("anna", "two");
+  const std::string before = State();
+  EXPECT_EQ(RefusalOf([&] { Call(kUpdate, "SetPassword", props, bob, "x"); }), "NotPermitted");
+  Login("bob");
+  EXPECT_EQ(RefusalOf([&] { Call(kUpdate, "SetPassword", props, anna, "x"); }), "NotPermitted");
+  EXPECT_EQ(State(), before);
+  Login("administrator");
+  Call(kUpdate, "SetPassword", props, anna, "three");
+  EXPECT_EQ(RefusalOf([&] { Call(kUpdate, "SetPassword", props, Long{99}, "x"); }), "NotFound");
+  EXPECT_EQ(RefusalOf([&] { Call(kUpdate, "SetPassword", connection, anna, "x"); }), "NotLoggedIn");
+  Login("anna", "three");
+}
+
+TEST_P(UserTest, DeedsAreOnTheAuditTrail) {
+  AddUser("anna", "reader");
+  const Long id = IdOf("anna");
+  Change(id, "FRoles", "reader, checker");
+  Call(kUpdate, "SetPassword", props, id, "sesame");
+  Delete(id);
+  EXPECT_EQ(RefusalOf([&] { Delete(id); }), "NotFound");
+  EXPECT_EQ(TextOf(Call("QDSVGLAudit.AuditInfo", "GetList", props).As<Recordset>(),
+                   {"FUserName", "FSubject", "FRecord", "FAction", "FChanges"}),
+            "administrator User anna Create \n"
+            "administrator User anna Update FRoles: reader -> reader, checker\n"
+            "administrator User anna SetPassword \n"
+            "administrator User anna Delete \n");
+}
+
+TEST_P(UserTest, OnlyAdministratorsWrite) {
+  AddUser("anna", "reader");
+  const Long id = IdOf("anna");
+  const Ref<Dictionary> row = Detail(id);
+  ExpectAdministratorsOnly([&](const std::string& who) {
+    Call(kUpdate, "Create", who, Row({{"FName", "king"}, {"FRoles", "administrator"}}));
+  });
+  ExpectAdministratorsOnly([&](const std::string& who) { Call(kUpdate, "Update", who, id, row); });
+  ExpectAdministratorsOnly([&](const std::string& who) { Call(kUpdate, "Delete", who, id); });
+}
+
+TEST_P(UserTest, AFailureAtAnyStatementOfASaveLeavesNothingBehind) {
+  const Ref<Dictionary> row = Row({{"FName", "anna"}, {"FRoles", "reader"}});
+  FailEachStatement([&] { Create(row); }, [&] { return TextOf(*row); });
+  const auto id = row->Value("FUserID").As<Long>();
+  row->Value("FDisabled", true);
+  FailEachStatement([&] { Update(id, row); }, [&] { return TextOf(*row); });
+  FailEachStatement([&] { Call(kUpdate, "SetPassword", props, id, "x"); });
+  FailEachStatement([&] { Delete(id); });
+  EXPECT_EQ(Detail(id), nullptr);
+}
+
+QDCLGL_BOOKS_TEST(UserTest);
+
+}  // namespace
+}  // namespace qdclgl::server::testing
