@@ -2,8 +2,12 @@
 
 #include <array>
 
+#include "qdclgl/accounts/account_set.h"
+#include "qdclgl/accounts/currency.h"
 #include "qdclgl/frame/vocabulary/text.h"
-#include "qdclgl/qdclgl.h"
+#include "qdclgl/settings/system_profile.h"
+#include "qdclgl/vouchers/voucher_group.h"
+#include "qdclgl/vouchers/voucher_set.h"
 
 namespace qdclgl {
 

@@ -266,7 +266,7 @@ void CheckUsers(Database& db, Findings& findings) {
 // Checks the settings, and the periods that rest on them where they make sense.
 void CheckSettings(Database& db, Findings& findings) {
   try {
-    const Calendar calendar = Calendar::Of(db);
+    const Calendar calendar = LedgerRules::Of(db).calendar;
     const AccountingPeriod current = CurrentPeriod(db);
     const AccountingPeriod start{SettingNumber(GlSetting(db, setting::kStartYear)),
                                  SettingNumber(GlSetting(db, setting::kStartPeriod))};

@@ -9,15 +9,6 @@
 
 namespace qdclgl::server {
 
-bool IsStorable(std::string_view text) {
-  bool is_ascii = true;
-  for (const char c : text) {
-    if (c == '\0') return false;
-    is_ascii = is_ascii && static_cast<unsigned char>(c) < 0x80;
-  }
-  return is_ascii || FromUtf16(ToUtf16(text)) == text;
-}
-
 const Column* FindColumn(std::span<const Column> columns, std::string_view name) {
   for (const Column& column : columns) {
     if (EqualsIgnoringAsciiCase(column.name, name)) return &column;

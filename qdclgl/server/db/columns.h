@@ -152,9 +152,6 @@ std::vector<Storage> StoragesOf(std::span<const Column> columns);
 // "FName, FNumber", with `prefix` before each name.
 std::string NamesOf(std::span<const Column> columns, std::string_view prefix = {});
 
-// Whether a text is UTF-8 without zero bytes: what every database holds alike.
-bool IsStorable(std::string_view text);
-
 // Dates as the database holds them, and back. Error 6 or 13 as the conversions raise them.
 std::string DateText(DateTime date);
 DateTime DateFrom(std::string_view text);

@@ -13,10 +13,18 @@
 #include <unordered_map>
 
 #include "qdclgl/frame/vocabulary/text.h"
-#include "qdclgl/server/db/columns.h"
 #include "qdclgl/server/db/refusals.h"
 
 namespace qdclgl::server {
+
+bool IsStorable(std::string_view text) {
+  bool is_ascii = true;
+  for (const char c : text) {
+    if (c == '\0') return false;
+    is_ascii = is_ascii && static_cast<unsigned char>(c) < 0x80;
+  }
+  return is_ascii || FromUtf16(ToUtf16(text)) == text;
+}
 
 namespace {
 

@@ -22,6 +22,9 @@
 
 namespace qdclgl::server {
 
+// Whether a text is UTF-8 without zero bytes: what every database holds alike.
+bool IsStorable(std::string_view text);
+
 // How the database holds a value: whole numbers (amounts are counted in ten-thousandths, truth
 // values are 0 and 1), real numbers, texts.
 enum class Storage : std::uint8_t { kWhole, kReal, kText };

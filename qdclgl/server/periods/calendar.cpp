@@ -1,13 +1,8 @@
 #include "qdclgl/server/periods/calendar.h"
 
-#include "qdclgl/frame/objects/class_table.h"
-#include "qdclgl/server/access/login.h"
 #include "qdclgl/server/db/refusals.h"
-#include "qdclgl/server/periods/settings.h"
 
 namespace qdclgl::server {
-
-QD_DEFINE_MEMBERS(PeriodDate)
 
 namespace {
 
@@ -26,8 +21,6 @@ Calendar::Calendar(Long period_count, bool by_month, Long start_month)
                                           : "A year of weeks has from 1 to 52 periods.");
   }
 }
-
-Calendar Calendar::Of(Database& db) { return LedgerRules::Of(db).calendar; }
 
 DateTime Calendar::YearStart(Long year) const { return DateTime::FromYmd(year, start_month_, 1); }
 
@@ -75,21 +68,6 @@ AccountingPeriod Calendar::After(AccountingPeriod period) const {
 AccountingPeriod Calendar::Before(AccountingPeriod period) const {
   if (period.period > 1) return {period.year, period.period - 1};
   return {period.year - 1, period_count_};
-}
-
-Long PeriodDate::GetPeriod(std::string_view PropsString, const DateTime& d, Long& Period) {
-  const Caller caller = Enter(PropsString, Role::kReader, "read the calendar");
-  const AccountingPeriod period = Calendar::Of(caller.db).PeriodOf(d);
-  Period = period.period;
-  return period.year;
-}
-
-void PeriodDate::GetPeriodStartEnd(std::string_view PropsString, const Long& Period,
-                                   const Long& nYear, DateTime& StartDate, DateTime& EndDate) {
-  const Caller caller = Enter(PropsString, Role::kReader, "read the calendar");
-  const Calendar::Span span = Calendar::Of(caller.db).SpanOf({nYear, Period});
-  StartDate = span.start;
-  EndDate = span.end;
 }
 
 }  // namespace qdclgl::server

@@ -1,8 +1,10 @@
 // The accounting calendar: which year and period a date falls into.
 #pragma once
 
-#include "qdclgl/frame/objects/members.h"
-#include "qdclgl/server/db/database.h"
+#include <compare>
+#include <string>
+
+#include "qdclgl/frame/values/values.h"
 
 namespace qdclgl::server {
 
@@ -24,9 +26,6 @@ class Calendar {
   // 4, 6 or 12 (by months) or between 1 and 52 (by weeks).
   Calendar(Long period_count, bool by_month, Long start_month);
 
-  // As the books' settings have it.
-  static Calendar Of(Database& db);
-
   Long period_count() const { return period_count_; }
 
   // BadValue for a date outside the years 100 to 9998.
@@ -47,21 +46,6 @@ class Calendar {
   Long period_count_;
   bool by_month_;
   Long start_month_;
-};
-
-// "QDCPeriodDate.clsPeriodDate": the calendar for callers.
-class PeriodDate final : public Object {
-  QD_MEMBERS(PeriodDate, Object, Creatable, "The accounting calendar of the books.")
-
- public:
-  QD_METHOD(Long, GetPeriod, (std::string_view PropsString, const DateTime& d, Long& Period),
-            "The accounting year of a date; its period comes back in Period. BadValue outside the "
-            "years 100 to 9998.")
-  QD_METHOD(void, GetPeriodStartEnd,
-            (std::string_view PropsString, const Long& Period, const Long& nYear,
-             DateTime& StartDate, DateTime& EndDate),
-            "The first and the last day of a period. BadValue for a period that the year does not "
-            "have.")
 };
 
 }  // namespace qdclgl::server

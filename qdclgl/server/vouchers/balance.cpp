@@ -5,6 +5,7 @@
 #include "qdclgl/server/db/list.h"
 #include "qdclgl/server/db/refusals.h"
 #include "qdclgl/server/periods/calendar.h"
+#include "qdclgl/server/periods/settings.h"
 
 namespace qdclgl::server {
 
@@ -109,7 +110,7 @@ Ref<Recordset> Balances(std::string_view props, std::string_view movements, Long
   Transaction transaction(caller.db, Transaction::Kind::kRead);
   std::int64_t first = INT64_MIN, last = INT64_MAX;
   if (year != 0) {
-    const Calendar calendar = Calendar::Of(caller.db);
+    const Calendar calendar = LedgerRules::Of(caller.db).calendar;
     const AccountingPeriod begin{year, from != 0 ? from : 1};
     const AccountingPeriod end{year, to != 0 ? to : calendar.period_count()};
     calendar.SpanOf(begin);
