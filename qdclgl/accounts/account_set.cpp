@@ -31,10 +31,10 @@ void AccountSet::DataAuthority(Long value) {
   m_DataAuthority = known ? value : kFallback;
 }
 
-Ref<Recordset> AccountSet::FetchList(Object& info) {
+Ref<Recordset> AccountSet::FetchList(Object& info, Query& query) const {
   return info
-      .Call("GetList", GetPropsString(), ByRef(m_ListOptions), ByRef(m_Filter), ByRef(m_Sort),
-            Missing, ByRef(m_DataAuthority))
+      .Call("GetList", GetPropsString(), ByRef(query.list_options), ByRef(query.filter),
+            ByRef(query.sort), Missing, ByRef(m_DataAuthority))
       .As<Recordset>();
 }
 
@@ -94,7 +94,7 @@ Ref<Account> AccountSet::Item(Variant Key) const {
   return MakeEntity(account);
 }
 
-Ref<Recordset> AccountSet::RecordSet() const { return m_Rs; }
+Ref<Recordset> AccountSet::RecordSet() const { return EntityListBase::RecordSet(); }
 
 void AccountSet::RecordSet(Ref<Recordset>) {
   // The list comes from the server alone: what is put here leaves the held one in place.

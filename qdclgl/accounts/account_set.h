@@ -52,12 +52,12 @@ class AccountSet final : public EntitySet<Account> {
  protected:
   const SetProtocol& Protocol() const override;
   // GetList with a left-out argument and the level of data authority behind the usual ones.
-  Ref<Recordset> FetchList(Object& info) override;
+  Ref<Recordset> FetchList(Object& info, Query& query) const override;
 
  private:
   Ref<Dictionary> FetchAccount(const Variant& key) const;
 
-  Long m_DataAuthority = 3;
+  mutable Long m_DataAuthority = 3;  // a server may write it when a reader fetches the list
 };
 
 using WalkAccountSet = EntityWalker<Account>;

@@ -49,7 +49,9 @@ template Double SystemProfile::ReadProfile<Double>(const char*, const char*) con
 
 // ---- The cache ----
 
-void SystemProfile::Refresh() {
+void SystemProfile::Refresh() { Fetch(); }
+
+void SystemProfile::Fetch() const {
   const Ref<Object> component = ServerGateway().CreateInstance(kProfileComponent);
   m_Lists = Make<Dictionary>();
   for (const std::string_view category : strings::kProfileCategories) {
@@ -59,8 +61,7 @@ void SystemProfile::Refresh() {
 }
 
 Ref<Dictionary> SystemProfile::ProfileList(String Category) const {
-  // Fetched on first use: what a reader sees does not change by it.
-  if (!m_Lists) const_cast<SystemProfile*>(this)->Refresh();
+  if (!m_Lists) Fetch();
   return Category.empty() ? m_Lists : m_Lists->Value(Category).As<Dictionary>();
 }
 

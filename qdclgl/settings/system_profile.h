@@ -175,10 +175,14 @@ class SystemProfile final : public Object, public ISetXactContext, private Apart
   // A setting that is a day, without a time; `fallback` when it can't be had.
   DateTime ReadDay(const char* profile_id, DateTime fallback) const;
 
-  Ref<Dictionary> m_Lists;  // the settings by category and key; Nothing before the first use
+  void Fetch() const;
+
+  // The settings by category and key, Nothing before the first use. A reader fetches them: what
+  // callers see of the object does not change by it.
+  mutable Ref<Dictionary> m_Lists;
   Ref<Object> m_Xa;
 };
 
-#undef READER
+#undef QD_IMPL_READER
 
 }  // namespace qdclgl

@@ -4,10 +4,21 @@
 
 namespace qdclgl {
 
-void EntityListBase::Refresh() {
+Long EntityListBase::ListOptions() const { return m_Query.list_options; }
+void EntityListBase::ListOptions(Long value) { m_Query.list_options = value; }
+
+String EntityListBase::Filter() const { return m_Query.filter; }
+void EntityListBase::Filter(String value) { m_Query.filter = std::move(value); }
+
+String EntityListBase::Sort() const { return m_Query.sort; }
+void EntityListBase::Sort(String value) { m_Query.sort = std::move(value); }
+
+void EntityListBase::Refresh() { Fetch(); }
+
+void EntityListBase::Fetch() const {
   m_Rs = nullptr;  // first, so that a list that can't be fetched is not mistaken for the old one
   const Ref<Object> info = ServerGateway().CreateInstance(Protocol().info_component);
-  m_Rs = FetchList(*info);
+  m_Rs = FetchList(*info, m_Query);
 }
 
 Long EntityListBase::Count() const { return List()->RecordCount(); }
@@ -16,9 +27,10 @@ Ref<Recordset> EntityListBase::RecordSet() const { return m_Rs; }
 
 void EntityListBase::RecordSet(Ref<Recordset> value) { m_Rs = std::move(value); }
 
-Ref<Recordset> EntityListBase::FetchList(Object& info) {
+Ref<Recordset> EntityListBase::FetchList(Object& info, Query& query) const {
   return info
-      .Call("GetList", GetPropsString(), ByRef(m_ListOptions), ByRef(m_Filter), ByRef(m_Sort))
+      .Call("GetList", GetPropsString(), ByRef(query.list_options), ByRef(query.filter),
+            ByRef(query.sort))
       .As<Recordset>();
 }
 
@@ -33,14 +45,14 @@ Ref<Dictionary> EntityListBase::FetchRow(Variant Key) const {
 }
 
 const Ref<Recordset>& EntityListBase::List() const {
-  if (!m_Rs) const_cast<EntityListBase*>(this)->Refresh();
+  if (!m_Rs) Fetch();
   if (!m_Rs) RaiseError(error_number::kObjectNotSet);  // the server answered with Nothing
   return m_Rs;
 }
 
 Ref<Dictionary> EntityListBase::CurrentRow() {
   if (List()->Eof()) RaiseError(error_number::kInvalidCall);
-  return RowToDictionary(m_Rs);
+  return RowToDictionary(List());
 }
 
 Long EntityListBase::CheckExistence(std::initializer_list<Argument> keys) {

@@ -24,9 +24,9 @@ class EntityListBase : public Object, public ISetXactContext, private ApartmentM
   QD_BASE_MEMBERS(Object)
 
  public:
-  QD_VARIABLE(Long, ListOptions, 0, "Options for the next Refresh.")
-  QD_VARIABLE(String, Filter, "", "Filter for the next Refresh.")
-  QD_VARIABLE(String, Sort, "", "Sort order for the next Refresh.")
+  QD_PROPERTY(GetLet, Long, ListOptions, "Options for the next Refresh.")
+  QD_PROPERTY(GetLet, String, Filter, "Filter for the next Refresh.")
+  QD_PROPERTY(GetLet, String, Sort, "Sort order for the next Refresh.")
   QD_METHOD(void, Refresh, (), "Drops the list and fetches it again. Calls GetList.")
   QD_PROPERTY(Get, Long, Count, "The number of rows. Fetches the list on first use.")
   QD_PROPERTY(GetSet, Ref<Recordset>, RecordSet,
@@ -38,8 +38,14 @@ class EntityListBase : public Object, public ISetXactContext, private ApartmentM
  protected:
   virtual const SetProtocol& Protocol() const = 0;
 
+  // What a list is asked for; a server may write it.
+  struct Query {
+    Long list_options = 0;
+    String filter;
+    String sort;
+  };
   // GetList(PropsString, ListOptions, Filter, Sort), the three by reference.
-  virtual Ref<Recordset> FetchList(Object& info);
+  virtual Ref<Recordset> FetchList(Object& info, Query& query) const;
   // GetDetail(PropsString, id) for a number, the text key method (PropsString, Key by reference)
   // for a text; error 5 for any other key.
   virtual Ref<Dictionary> FetchRow(Variant Key) const;
@@ -73,8 +79,15 @@ class EntityListBase : public Object, public ISetXactContext, private ApartmentM
     update->Call(method, GetPropsString(), ByRef(id), std::forward<Args>(args)...);
   }
 
-  Ref<Recordset> m_Rs;
   Ref<Object> m_Xa;
+
+ private:
+  // Drops the list and asks the server for it.
+  void Fetch() const;
+
+  // A reader fetches the list on first use: what callers see of the object does not change by it.
+  mutable Ref<Recordset> m_Rs;
+  mutable Query m_Query;
 };
 
 template <class Entity>
@@ -122,7 +135,7 @@ Ref<Entity> EntitySet<Entity>::GetCurrent() {
 template <class Entity>
 Ref<Entity> EntitySet<Entity>::GetNext() {
   Ref<Entity> entity = GetCurrent();
-  m_Rs->MoveNext();
+  List()->MoveNext();
   return entity;
 }
 
