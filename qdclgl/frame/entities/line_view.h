@@ -7,7 +7,8 @@
 namespace qdclgl {
 
 // A line. It holds no data of its own: what is written goes into the document's row and sets the
-// flag that the document sees.
+// flag that the document sees. A walk makes one for each line, so that a line is one object, and
+// what Properties gives out a second one only when someone asks for it.
 class LineView : public RowView {
   QD_BASE_MEMBERS(RowView)
 
@@ -16,7 +17,9 @@ class LineView : public RowView {
   QD_INHERITED(Properties)
 
   // Binds the view to `dict` itself and to `flag`.
-  void Attach(const Ref<Dictionary>& dict, const Ref<ChangeFlag>& flag);
+  void Attach(Ref<Dictionary> dict, Ref<ChangeFlag> flag) {
+    RowView::Attach(std::move(dict), true, std::move(flag), 0);
+  }
 };
 
 // A list of lines, as a view over a Vector of rows and the flag of the list. Indices run from 1.
@@ -56,10 +59,10 @@ class LineList : public LineListBase {
   QD_INHERITED(Count)
   QD_INHERITED(Modified)
 
-  // The lines in order, for C++ callers: `for (auto& line : lines)`.
-  typename EnumeratorRange<Line>::Iterator begin() {
-    return typename EnumeratorRange<Line>::Iterator(NewEnum());
-  }
+  // The lines in order, for C++ callers: `for (auto& line : lines)`. The line lives until the loop
+  // moves on; keep it with Ref<T>(&line).
+  using Iterator = ElementIterator<Line, VectorWalk<Line>>;
+  Iterator begin() { return Iterator(VectorWalk<Line>(Lines(), m_Flag)); }
   std::default_sentinel_t end() const { return {}; }
 };
 
