@@ -23,10 +23,7 @@ class Header final : public RowView {
   QD_FIELD(GetLet, Long, SerialNum, "FSerialNum", "A number.")
   QD_FIELD(GetLet, Long, VoucherID, "FVoucherID", "A number.")
 
-  explicit Header(const Ref<Dictionary>& row) {
-    m_Props = Make<qdclgl::Properties>();
-    m_Props->Attach(row, true, Nothing, 1);
-  }
+  explicit Header(const Ref<Dictionary>& row) { Attach(row, true, Nothing, 1); }
 };
 
 QD_DEFINE_MEMBERS(Header)

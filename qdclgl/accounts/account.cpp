@@ -39,7 +39,7 @@ Long Account::IdIn(const Dictionary& row) const {
 
 // ---- Methods ----
 
-void Account::SetProps(String Name, Variant value) { Bag().Item(Name)->Value(std::move(value)); }
+void Account::SetProps(String Name, Variant value) { Bag().SetValue(Name, std::move(value)); }
 
 template <class... Args>
 Variant Account::Ask(const char* method, Args&&... args) {

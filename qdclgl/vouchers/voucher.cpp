@@ -235,7 +235,7 @@ String Voucher::Checker() const { return NameOf("FChecker", CheckerID()); }
 String Voucher::Poster() const { return NameOf("FPoster", PosterID()); }
 
 Ref<Dictionary> Voucher::BillInfo() const {
-  if (!Bag().Lookup(kBillInfo.text())) return Nothing;
+  if (Bag().Find(kBillInfo) == nullptr) return Nothing;
   return Bag().GetValue(kBillInfo).As<Dictionary>();
 }
 

@@ -150,18 +150,8 @@ void Dictionary::Remove(std::string_view Key) {
 
 Ref<Dictionary> Dictionary::Clone() { return CopyWith(nullptr); }
 
-void Dictionary::SetTrackState(Long Flag) {
-  track_nested_ = Flag != 0;
-  ResetModified();
-}
-
 Boolean Dictionary::Modified() const {
   return own_modified() || (track_nested_ && AnyElementTouched());
-}
-
-void Dictionary::ResetModified() {
-  ClearOwnModified();
-  if (track_nested_) ClearElements();
 }
 
 void Dictionary::Append(const RowKey& key, Variant value) {

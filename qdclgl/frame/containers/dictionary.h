@@ -176,4 +176,14 @@ inline Variant Dictionary::Value(std::string_view Key) const {
 
 inline void Dictionary::Value(std::string_view Key, Variant value) { Put(Key, std::move(value)); }
 
+inline void Dictionary::SetTrackState(Long Flag) {
+  track_nested_ = Flag != 0;
+  ResetModified();
+}
+
+inline void Dictionary::ResetModified() {
+  ClearOwnModified();
+  if (track_nested_) ClearElements();
+}
+
 }  // namespace qdclgl

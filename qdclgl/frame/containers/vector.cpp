@@ -8,16 +8,6 @@ namespace qdclgl {
 
 QD_DEFINE_MEMBERS(Vector)
 
-std::size_t Vector::Offset(Long index, std::size_t end) const {
-  const std::int64_t offset = std::int64_t{index} - lower_bound_;
-  if (offset < 0 || offset >= static_cast<std::int64_t>(end)) {
-    RaiseError(error_number::kSubscriptOutOfRange);
-  }
-  return static_cast<std::size_t>(offset);
-}
-
-Long Vector::Count() const { return static_cast<Long>(elements_.size()); }
-
 Long Vector::LowerBound() const { return lower_bound_; }
 
 void Vector::LowerBound(Long value) { lower_bound_ = value; }
@@ -52,7 +42,7 @@ void Vector::Remove(Long Index, Long Count) {
   MarkEdited();
 }
 
-Variant Vector::Item(Long Index) const { return elements_[Offset(Index, elements_.size())]; }
+Variant Vector::Item(Long Index) const { return Find(Index); }
 
 void Vector::Item(Long Index, Variant value) {
   elements_[Offset(Index, elements_.size())] = std::move(value);

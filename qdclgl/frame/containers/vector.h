@@ -30,6 +30,8 @@ class Vector final : public Tracked {
 
   std::size_t size() const { return elements_.size(); }
   const Variant& at(std::size_t offset) const { return elements_[offset]; }
+  // The element at an index in place, valid until the next write. Error 9 outside.
+  const Variant& Find(Long index) const { return elements_[Offset(index, elements_.size())]; }
 
   // A copy in which each object is what `copy_object` makes of it; see Dictionary::CopyWith.
   Ref<Vector> CopyWith(Variant (*copy_object)(const Variant&)) const;
@@ -37,10 +39,18 @@ class Vector final : public Tracked {
  private:
   std::span<const Variant> Elements() const override { return elements_; }
   // The offset of an index. Error 9 unless it is below `end`.
-  std::size_t Offset(Long index, std::size_t end) const;
+  std::size_t Offset(Long index, std::size_t end) const {
+    const std::int64_t offset = std::int64_t{index} - lower_bound_;
+    if (offset < 0 || offset >= static_cast<std::int64_t>(end)) {
+      RaiseError(error_number::kSubscriptOutOfRange);
+    }
+    return static_cast<std::size_t>(offset);
+  }
 
   Long lower_bound_ = 1;
   std::vector<Variant> elements_;
 };
+
+inline Long Vector::Count() const { return static_cast<Long>(elements_.size()); }
 
 }  // namespace qdclgl

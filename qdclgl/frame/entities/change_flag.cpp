@@ -88,11 +88,9 @@ void ChangeFlag::Reset() {
   for (const Ref<ChangeFlag>& child : m_Children->flags) child->Reset();
 }
 
-Ref<ChangeFlag> ChangeFlag::At(Long Position) {
-  if (Position < 1) return Nothing;
+void ChangeFlag::AddUpTo(std::size_t place) {
   std::vector<Ref<ChangeFlag>>& flags = ChildrenToFill().flags;
-  while (static_cast<Long>(flags.size()) < Position) flags.push_back(Make<ChangeFlag>());
-  return flags[static_cast<std::size_t>(Position - 1)];
+  while (flags.size() <= place) flags.push_back(Make<ChangeFlag>());
 }
 
 Ref<ChangeFlag> ChangeFlag::Item(const Variant& Key) {

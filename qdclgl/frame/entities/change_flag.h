@@ -31,7 +31,13 @@ class ChangeFlag final : public Object {
   // The child at a position (children are added up to it) or under a key (made on first use).
   // Nothing for a position below 1.
   Ref<ChangeFlag> Item(const Variant& Key);
-  Ref<ChangeFlag> At(Long Position);  // the same for a position
+  // The same for a position.
+  Ref<ChangeFlag> At(Long Position) {
+    if (Position < 1) return Nothing;
+    const auto place = static_cast<std::size_t>(Position - 1);
+    if (place >= ChildCount()) AddUpTo(place);
+    return m_Children->flags[place];
+  }
   // Whether this node or any node below it is modified.
   Boolean Modified() const;
   // Sets this node alone: False leaves the children as they are.
@@ -53,6 +59,7 @@ class ChangeFlag final : public Object {
 
   static String MakeKey(const Variant& Key);
   Children& ChildrenToFill();
+  void AddUpTo(std::size_t place);
   std::size_t ChildCount() const { return m_Children ? m_Children->flags.size() : 0; }
 
   Boolean m_Modified = false;

@@ -8,21 +8,18 @@ namespace qdclgl {
 
 void Entity::Construct(const Ref<Dictionary>& dict, const Ref<Object>& xa) {
   m_DictOrig = dict;
-  m_Props = Make<qdclgl::Properties>();
-  m_Props->Attach(dict, false, Nothing, Protocol().construct_track_state);
+  Attach(dict, false, Nothing, Protocol().construct_track_state);
   if (dict) m_ID = IdIn(*dict);
   m_Xa = xa;
 }
 
-void Entity::CancelChanges() {
-  Bag().Attach(m_DictOrig, false, Nothing, Protocol().reload_track_state);
-}
+void Entity::CancelChanges() { Reattach(m_DictOrig, Protocol().reload_track_state); }
 
 void Entity::Refresh() {
   if (m_ID == 0) return;
   const Ref<Object> info = ServerGateway().CreateInstance(Protocol().info_component);
   m_DictOrig = FetchRow(*info);
-  Bag().Attach(m_DictOrig, false, Nothing, Protocol().reload_track_state);
+  Reattach(m_DictOrig, Protocol().reload_track_state);
 }
 
 void Entity::SaveChanges() {

@@ -9,11 +9,6 @@ namespace qdclgl {
 
 Boolean LineView::Modified() const { return Bag().ChangeFlag()->Modified(); }
 
-void LineView::Attach(const Ref<Dictionary>& dict, const Ref<ChangeFlag>& flag) {
-  m_Props = Make<qdclgl::Properties>();
-  m_Props->Attach(dict, true, flag, 0);
-}
-
 // ---- LineListBase ----
 
 void LineListBase::Attach(const Ref<Vector>& vector, const Ref<ChangeFlag>& flag) {

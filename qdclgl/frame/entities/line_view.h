@@ -7,7 +7,8 @@
 namespace qdclgl {
 
 // A line. It holds no data of its own: what is written goes into the document's row and sets the
-// flag that the document sees.
+// flag that the document sees. A walk makes one for each line, so that a line is one object, and
+// what Properties gives out a second one only when someone asks for it.
 class LineView : public RowView {
   QD_BASE_MEMBERS(RowView)
 
@@ -16,7 +17,9 @@ class LineView : public RowView {
   QD_INHERITED(Properties)
 
   // Binds the view to `dict` itself and to `flag`.
-  void Attach(const Ref<Dictionary>& dict, const Ref<ChangeFlag>& flag);
+  void Attach(Ref<Dictionary> dict, Ref<ChangeFlag> flag) {
+    RowView::Attach(std::move(dict), true, std::move(flag), 0);
+  }
 };
 
 // A list of lines, as a view over a Vector of rows and the flag of the list. Indices run from 1.
@@ -44,7 +47,7 @@ class LineListBase : public Object {
   Ref<ChangeFlag> m_Flag;
 };
 
-template <class Line>
+template <class View>
 class LineList : public LineListBase {
   QD_BASE_MEMBERS(LineListBase)
 
@@ -56,24 +59,24 @@ class LineList : public LineListBase {
   QD_INHERITED(Count)
   QD_INHERITED(Modified)
 
-  // The lines in order, for C++ callers: `for (auto& line : lines)`.
-  typename EnumeratorRange<Line>::Iterator begin() {
-    return typename EnumeratorRange<Line>::Iterator(NewEnum());
-  }
+  // The lines in order, for C++ callers: `for (auto& line : lines)`. The line lives until the loop
+  // moves on; keep it with Ref<T>(&line).
+  using Iterator = ElementIterator<View, VectorWalk<View>>;
+  Iterator begin() { return Iterator(VectorWalk<View>(Lines(), m_Flag)); }
   std::default_sentinel_t end() const { return {}; }
 };
 
-template <class Line>
-Ref<Enumerator> LineList<Line>::NewEnum() {
-  auto walker = Make<VectorWalker<Line>>();
+template <class View>
+Ref<Enumerator> LineList<View>::NewEnum() {
+  auto walker = Make<VectorWalker<View>>();
   walker->Init(Lines(), m_Flag);
   return EnumFactory().CreateEnum(walker);
 }
 
 // A view of the row `dict` that reports to `flag`.
-template <class Line>
-Ref<Line> ViewOf(const Ref<Dictionary>& dict, const Ref<ChangeFlag>& flag) {
-  auto line = Make<Line>();
+template <class View>
+Ref<View> ViewOf(const Ref<Dictionary>& dict, const Ref<ChangeFlag>& flag) {
+  auto line = Make<View>();
   line->Attach(dict, flag);
   return line;
 }

@@ -1,8 +1,9 @@
-// The bag through which an entity reads and writes its row, and what callers reach of it.
+// What callers reach of the bag of an object: its keys and their values.
 #pragma once
 
-#include "qdclgl/frame/containers/dictionary.h"
-#include "qdclgl/frame/entities/change_flag.h"
+#include <limits>
+
+#include "qdclgl/frame/entities/bag.h"
 #include "qdclgl/frame/objects/enumeration.h"
 
 namespace qdclgl {
@@ -27,8 +28,8 @@ class Property final : public Object {
   Ref<Properties> m_Parent;
 };
 
-// A Dictionary with the rules of reading and writing, and the flag that tells of writes.
-class Properties final : public Object {
+// A bag as an object.
+class Properties final : public Object, public Bag {
   QD_MEMBERS(Properties, Object, Internal, "The keys and values of one object.")
 
  public:
@@ -45,41 +46,13 @@ class Properties final : public Object {
 
   // ---- For the library's own classes ----
 
-  // Binds the bag to `Dict` itself (`Share`), to a deep copy of it, or to a new Dictionary when it
-  // is Nothing; and to `Flag`, or a new flag when it is Nothing. Sets the Dictionary's tracking.
-  void Attach(const Ref<qdclgl::Dictionary>& Dict, Boolean Share, const Ref<ChangeFlag>& Flag,
-              Long TrackState);
-
-  // Without a default: an object as it is, everything else as text, "" for Null, Empty and a
-  // missing key. With one: the stored value with its own type, or the default where the key is
-  // missing or its text is empty.
-  Variant GetValue(const RowKey& key) const;
-  Variant GetValue(const RowKey& key, const Variant& Default) const;
-
-  // Stores a value. With a default, a value equal to it removes the key instead. The change flag is
-  // set in any case.
-  void SetValue(const RowKey& key, Variant value) {
-    m_Dict->Put(key, std::move(value));
-    m_ChangeFlag->Modified(true);
-  }
-  void SetValue(const RowKey& key, Variant value, const Variant& Default);
-  // Removes the key where there is one, as the write of a default does.
-  void ClearValue(const RowKey& key);
-  // Stores an object; Nothing removes the key.
-  void SetObject(const RowKey& key, const Ref<Object>& value);
-
-  const Ref<qdclgl::ChangeFlag>& ChangeFlag() const { return m_ChangeFlag; }
-  // The Dictionary's own modified state, not the change flag.
-  Boolean Modified() const { return m_Dict->Modified(); }
-  // The stored value in place, null when the key is absent.
-  const Variant* Find(const RowKey& key) const { return m_Dict->Find(key); }
+  Properties() = default;
+  // Shares the row and the flag of `bag`.
+  explicit Properties(const Bag& bag) : Bag(bag) {}
+  void Share(const Bag& bag) { Bag::operator=(bag); }
 
   EnumeratorRange<Property>::Iterator begin();
   std::default_sentinel_t end() const { return {}; }
-
- private:
-  Ref<qdclgl::Dictionary> m_Dict;
-  Ref<qdclgl::ChangeFlag> m_ChangeFlag;
 };
 
 // Enumerates a bag. The position has 16 bits: error 6 behind the 32,767th key.
@@ -98,6 +71,9 @@ class WalkProperty final : public IWalkVariant {
 };
 
 // `position` + 1 in 16 bits. Error 6 at the end of their range.
-Integer NextPosition(Integer position);
+inline Integer NextPosition(Integer position) {
+  if (position == std::numeric_limits<Integer>::max()) RaiseError(error_number::kOverflow);
+  return static_cast<Integer>(position + 1);
+}
 
 }  // namespace qdclgl

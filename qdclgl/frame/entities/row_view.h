@@ -13,10 +13,19 @@ class RowView : public Object {
               "All keys and values of the object, those without a member of their own included.")
 
  protected:
+  // Gives the object a bag of its own, as Bag::Attach binds one. What Properties gave out before
+  // stays with the former row.
+  void Attach(Ref<Dictionary> row, Boolean share, Ref<ChangeFlag> flag, Long track_state) {
+    m_Bag.Attach(std::move(row), share, std::move(flag), track_state);
+    m_Props = nullptr;
+  }
+  // Gives the object a copy of another row and a new flag; what Properties gave out goes along.
+  void Reattach(const Ref<Dictionary>& row, Long track_state);
+
   // The bag. Error 91 for an object that was never given a row.
-  qdclgl::Properties& Bag() const {
-    if (!m_Props) RaiseError(error_number::kObjectNotSet);
-    return *m_Props;
+  qdclgl::Bag& Bag() const {
+    if (!m_Bag.IsAttached()) RaiseError(error_number::kObjectNotSet);
+    return m_Bag;
   }
 
   // What a FIELD row reads: the stored value as T, or the default where the key is absent, Null or
@@ -47,7 +56,10 @@ class RowView : public Object {
     }
   }
 
-  Ref<qdclgl::Properties> m_Props;
+ private:
+  mutable qdclgl::Bag m_Bag;
+  // The bag as an object, made when someone asks for it.
+  mutable Ref<qdclgl::Properties> m_Props;
 };
 
 }  // namespace qdclgl

@@ -26,12 +26,11 @@ void WalkRecordset::Reset() {
 }
 
 Ref<Dictionary> RowAt(const Ref<Vector>& vector, Long index) {
-  Variant element = vector->Item(index);
-  if (element.IsNothing()) {
-    element = Variant(Make<Dictionary>());
-    vector->Item(index, element);
-  }
-  return element.As<Dictionary>();
+  const Variant& element = vector->Find(index);
+  if (!element.IsNothing()) return element.As<Dictionary>();
+  auto row = Make<Dictionary>();
+  vector->Item(index, Variant(row));
+  return row;
 }
 
 Ref<Vector> RecordsetToVector(const Ref<Recordset>& rs) {

@@ -54,37 +54,56 @@ Ref<Dictionary> RowAt(const Ref<Vector>& vector, Long index);
 // Attaches a `Child` to each row of a list and to the child flag of its position. The position has
 // 16 bits: error 6 behind the 32,767th element.
 template <class Child>
+class VectorWalk {
+ public:
+  VectorWalk() = default;
+  VectorWalk(const Ref<Vector>& vector, const Ref<ChangeFlag>& flag)
+      : m_Vector(vector), m_ChangeFlag(flag) {}
+
+  // The next child; False at the end, and `child` is then left alone. A child that nobody else
+  // holds is not made anew, it moves on to the next row.
+  bool Next(Ref<Child>& child) {
+    if (!Skip()) return false;
+    Ref<Dictionary> row = RowAt(m_Vector, m_Pos);
+    Ref<ChangeFlag> flag = m_ChangeFlag->At(m_Pos);
+    if (!child || child->IsShared()) child = Make<Child>();
+    child->Attach(std::move(row), std::move(flag));
+    return true;
+  }
+  bool Skip() {
+    if (m_Pos >= m_Vector->Count()) return false;
+    m_Pos = NextPosition(m_Pos);
+    return true;
+  }
+  void Reset() { m_Pos = 0; }
+
+ private:
+  Ref<Vector> m_Vector;
+  Ref<ChangeFlag> m_ChangeFlag;
+  Integer m_Pos = 0;
+};
+
+// The same for an enumerator, whose elements are all made anew.
+template <class Child>
 class VectorWalker final : public IWalkVariant {
  public:
   std::string_view ClassName() const override { return "VectorWalker"; }
 
-  void Init(const Ref<Vector>& vector, const Ref<ChangeFlag>& flag) {
-    m_Vector = vector;
-    m_ChangeFlag = flag;
-    m_Pos = 0;
-  }
+  void Init(const Ref<Vector>& vector, const Ref<ChangeFlag>& flag) { m_Walk = {vector, flag}; }
 
   void Next(Variant& Item, Boolean& Done) override {
-    if (m_Pos >= m_Vector->Count()) return;
-    m_Pos = NextPosition(m_Pos);
-    const Ref<Dictionary> row = RowAt(m_Vector, m_Pos);
-    const Ref<ChangeFlag> flag = m_ChangeFlag->At(m_Pos);
-    auto child = Make<Child>();
-    child->Attach(row, flag);
+    Ref<Child> child;
+    if (!m_Walk.Next(child)) return;
     Item = Variant(child);
     Done = true;
   }
   void Skip(Boolean& Done) override {
-    if (m_Pos >= m_Vector->Count()) return;
-    m_Pos = NextPosition(m_Pos);
-    Done = true;
+    if (m_Walk.Skip()) Done = true;
   }
-  void Reset() override { m_Pos = 0; }
+  void Reset() override { m_Walk.Reset(); }
 
  private:
-  Ref<Vector> m_Vector;
-  Integer m_Pos = 0;
-  Ref<ChangeFlag> m_ChangeFlag;
+  VectorWalk<Child> m_Walk;
 };
 
 // The rows from the cursor on as a new Vector of Dictionaries; leaves the cursor behind the last

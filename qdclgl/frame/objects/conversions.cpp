@@ -420,13 +420,4 @@ bool Equals(const Variant& left, const Variant& right) {
   return Compare(left, right) == std::partial_ordering::equivalent;
 }
 
-namespace detail {
-
-Object* ObjectIn(const Variant& value) {
-  if (!value.IsObject()) Mismatch();
-  return value.ObjectPointer();
-}
-
-}  // namespace detail
-
 }  // namespace qdclgl

@@ -62,7 +62,10 @@ struct IsRef<Ref<T>> : std::true_type {
 };
 
 // The object in `value`, null for Nothing. Error 13 for a plain value.
-Object* ObjectIn(const Variant& value);
+inline Object* ObjectIn(const Variant& value) {
+  if (!value.IsObject()) RaiseError(error_number::kTypeMismatch);
+  return value.ObjectPointer();
+}
 
 // A class without heirs is told by its type alone, which costs a fraction of a cast.
 template <class Class>

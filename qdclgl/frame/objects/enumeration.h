@@ -48,49 +48,66 @@ class EnumeratorFactory {
 // The factory of this apartment, made on first use.
 const EnumeratorFactory& EnumFactory();
 
+// The elements of a `Walk` in a loop. `bool Next(Ref<T>& element)` of the walk puts the next
+// element into the place of the one before, or tells that there is none.
+template <class T, class Walk>
+class ElementIterator {
+ public:
+  using iterator_category = std::input_iterator_tag;
+  using value_type = T;
+  using difference_type = std::ptrdiff_t;
+  using pointer = T*;
+  using reference = T&;
+
+  ElementIterator() = default;
+  explicit ElementIterator(Walk walk) : walk_(std::move(walk)) { Step(); }
+
+  T& operator*() const { return *element_; }
+  T* operator->() const { return &*element_; }
+  ElementIterator& operator++() {
+    Step();
+    return *this;
+  }
+  void operator++(int) { Step(); }
+  friend bool operator==(const ElementIterator& left, std::default_sentinel_t) {
+    return left.at_end_;
+  }
+
+ private:
+  void Step() {
+    at_end_ = !walk_.Next(element_);
+    if (at_end_) element_ = nullptr;
+  }
+
+  Walk walk_;
+  Ref<T> element_;
+  bool at_end_ = true;
+};
+
 // The elements of an enumerator for C++ callers: `for (auto& group : set)`. The element lives until
 // the loop moves on; keep it with Ref<T>(&element).
 template <class T>
 class EnumeratorRange {
- public:
-  explicit EnumeratorRange(Ref<Enumerator> enumerator) : enumerator_(std::move(enumerator)) {}
-
-  class Iterator {
+  class Walk {
    public:
-    using iterator_category = std::input_iterator_tag;
-    using value_type = T;
-    using difference_type = std::ptrdiff_t;
-    using pointer = T*;
-    using reference = T&;
+    Walk() = default;
+    Walk(Ref<Enumerator> enumerator) : enumerator_(std::move(enumerator)) {}
 
-    Iterator() = default;
-    explicit Iterator(Ref<Enumerator> enumerator) : enumerator_(std::move(enumerator)) { Step(); }
-
-    T& operator*() const { return *element_; }
-    T* operator->() const { return element_.get(); }
-    Iterator& operator++() {
-      Step();
-      return *this;
-    }
-    void operator++(int) { Step(); }
-    friend bool operator==(const Iterator& left, std::default_sentinel_t) {
-      return left.enumerator_ == nullptr;
+    bool Next(Ref<T>& element) {
+      Variant item;
+      if (!enumerator_->Next(item)) return false;
+      element = item.As<T>();
+      return true;
     }
 
    private:
-    void Step() {
-      Variant item;
-      if (enumerator_->Next(item)) {
-        element_ = item.As<T>();
-      } else {
-        enumerator_ = nullptr;
-        element_ = nullptr;
-      }
-    }
-
-    Ref<Enumerator> enumerator_;  // null at the end
-    Ref<T> element_;
+    Ref<Enumerator> enumerator_;
   };
+
+ public:
+  using Iterator = ElementIterator<T, Walk>;
+
+  explicit EnumeratorRange(Ref<Enumerator> enumerator) : enumerator_(std::move(enumerator)) {}
 
   Iterator begin() const { return Iterator(enumerator_); }
   std::default_sentinel_t end() const { return {}; }

@@ -1,7 +1,7 @@
 // Objects: counted by reference, called by name.
 //
 // An object belongs to one thread (its apartment), so its count is a plain number. `Ref<T>` is the
-// one owner; a null Ref is automation's Nothing.
+// one owner; a null Ref is automation's Nothing, and using it is error 91 in every build.
 #pragma once
 
 #include <cstdint>
@@ -43,8 +43,11 @@ class Ref {
   }
 
   T* get() const { return object_; }
-  T* operator->() const { return object_; }
-  T& operator*() const { return *object_; }
+  T* operator->() const {
+    if (object_ == nullptr) RaiseError(error_number::kObjectNotSet);
+    return object_;
+  }
+  T& operator*() const { return *operator->(); }
   explicit operator bool() const { return object_ != nullptr; }
   friend bool operator==(const Ref& left, const Ref& right) = default;
   friend bool operator==(const Ref& left, std::nullptr_t) { return left.object_ == nullptr; }
@@ -71,7 +74,6 @@ Ref<T> Make(Args&&... args) {
 // `for (auto& line : voucher->Entries())`. Error 91 for Nothing.
 template <class T>
 auto begin(const Ref<T>& object) -> decltype(object->begin()) {
-  if (!object) RaiseError(error_number::kObjectNotSet);
   return object->begin();
 }
 template <class T>
@@ -98,6 +100,8 @@ class Object {
   void Release() const {
     if (--references_ == 0) delete this;
   }
+
+  bool IsShared() const { return references_ > 1; }
 
   // The class name as callers know it.
   virtual std::string_view ClassName() const = 0;

@@ -63,7 +63,8 @@ class Error : public std::exception {
   std::string line_;
 };
 
-// Raises `number` with source and description left empty.
-[[noreturn]] void RaiseError(std::int32_t number);
+// Raises `number` with source and description left empty. Cold: what leads to it is kept apart from
+// the code that runs.
+[[noreturn]] [[gnu::cold]] void RaiseError(std::int32_t number);
 
 }  // namespace qdclgl

@@ -52,6 +52,10 @@ void AppendUtf8(std::string& text, char32_t character) {
   }
 }
 
+constexpr char AsciiToUpper(char c) {
+  return c >= 'a' && c <= 'z' ? static_cast<char>(c - ('a' - 'A')) : c;
+}
+
 char32_t UpperCase(char32_t c) {
   const auto in = [c](char32_t first, char32_t last) { return c >= first && c <= last; };
   if (in('a', 'z') || (in(0xE0, 0xFE) && c != 0xF7)) return c - 0x20;  // Latin, Latin-1
@@ -118,9 +122,14 @@ std::string FromUtf16(std::u16string_view text) {
 }
 
 std::string ToUpper(std::string_view text) {
-  std::string result;
-  result.reserve(text.size());
-  for (std::size_t i = 0; i < text.size();) {
+  std::string result(text);
+  std::size_t ascii = 0;  // how much of the text is, as keys are as a whole
+  while (ascii < text.size() && static_cast<unsigned char>(text[ascii]) < 0x80) {
+    result[ascii] = AsciiToUpper(text[ascii]);
+    ++ascii;
+  }
+  result.resize(ascii);
+  for (std::size_t i = ascii; i < text.size();) {
     const Decoded decoded = DecodeUtf8(text, i);
     if (decoded.valid) {
       AppendUtf8(result, UpperCase(decoded.character));

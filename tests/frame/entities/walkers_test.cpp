@@ -25,8 +25,7 @@ class Child final : public RowView {
   std::string_view ClassName() const override { return "Child"; }
 
   void Attach(const Ref<Dictionary>& row, const Ref<ChangeFlag>& flag) {
-    m_Props = Make<qdclgl::Properties>();
-    m_Props->Attach(row, true, flag, 0);
+    RowView::Attach(row, true, flag, 0);
   }
   Ref<Dictionary> row() const { return Bag().Dictionary(); }
   Ref<ChangeFlag> flag() const { return Bag().ChangeFlag(); }

@@ -127,6 +127,18 @@ TEST(EnumeratorRange, OverNothingEndsAtOnce) {
   EXPECT_TRUE(range.begin() == range.end());
 }
 
+TEST(EnumeratorRange, AnElementThatIsNothingIsMetAndRaisesWhenItIsUsed) {
+  const EnumeratorRange<Dictionary> range(Over({Nothing, Variant(Row({{"x", Long{1}}}))}));
+  auto iterator = range.begin();
+  EXPECT_FALSE(iterator == range.end());
+  EXPECT_EQ(ErrorOf([&] { *iterator; }), "error 91");
+  EXPECT_EQ(ErrorOf([&] { iterator->Count(); }), "error 91");
+  ++iterator;
+  EXPECT_EQ(iterator->Count(), 1);
+  ++iterator;
+  EXPECT_TRUE(iterator == range.end());
+}
+
 TEST(EnumeratorRange, AnElementOfAnotherClassRaisesTypeMismatch) {
   EXPECT_EQ(ErrorOf([] { EnumeratorRange<Dictionary>(Over({Long{1}})).begin(); }), "error 13");
 }

@@ -29,7 +29,7 @@
 #define max(a, b) ((a) > (b) ? (a) : (b))
 #define GetObject GetObjectW
 #define GetMessage GetMessageW
-#define CreateObject_ 1
+#define Line 1
 #define Yield()
 #define STRIP 1
 #define ROW 1
