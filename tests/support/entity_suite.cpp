@@ -146,6 +146,7 @@ EntitySuite::Save EntitySuite::SaveOf(Long id, const std::string& row,
     }
     save.events.push_back({write(it().update), "", edited(id, sent)});
     if (!it().reads_back_update) {
+      // What was sent becomes the row, and the id is the one in it.
       const bool knows_id = sent.starts_with(it().id_key);
       save.state_behind = clean(knows_id ? id : 0, sent);
       return save;
