@@ -1,22 +1,31 @@
-#include "qdclgl/accounts/account.h"
-
 #include <gtest/gtest.h>
 
+#include "qdclgl/accounts/account_set.h"
 #include "tests/support/columns.h"
 #include "tests/support/failing_events.h"
 #include "tests/support/recording_server.h"
+#include "tests/support/set_suite.h"
 
 namespace qdclgl {
 namespace {
 
 using testing::AtEachFailure;
+using testing::ChangeRecord;
 using testing::Column;
+using testing::EntityCase;
+using testing::EntityCaseOf;
+using testing::EntitySuite;
 using testing::ErrorOf;
+using testing::NameOfUse;
 using testing::Opaque;
 using testing::ReadOnlyColumn;
 using testing::RecordingServer;
 using testing::Row;
+using testing::SetCase;
+using testing::SetCaseOf;
+using testing::SetSuite;
 using testing::StateText;
+using testing::TypedAndByName;
 using testing::WithDefault;
 using testing::WritableColumn;
 using enum testing::Zero;
@@ -84,12 +93,6 @@ std::vector<Column<Account>> Columns() {
 
 Ref<Account> AccountOf(const Ref<Dictionary>& row) { return testing::ViewOn<Account>(row); }
 
-Ref<Vector> ListOf(const Ref<Dictionary>& row) {
-  auto list = Make<Vector>();
-  list->Append(Variant(row));
-  return list;
-}
-
 // Everything that one can see of an account: id, bag, the Dictionary's modified state, the flag.
 std::string State(const Account& account) {
   return "id " + std::to_string(account.AccountID()) + " " +
@@ -100,6 +103,47 @@ class AccountTest : public ::testing::Test {
  protected:
   RecordingServer server;
 };
+
+// ---- What accounts share with all entities and sets ----
+
+EntityCase AccountCase() {
+  return EntityCaseOf(&Account::AccountID, &Account::Name,
+                      {.info_component = kInfo,
+                       .update_component = kUpdate,
+                       .id_member = "AccountID",
+                       .id_key = "FAccountID",
+                       .text_member = "Name",
+                       .text_key = "FName",
+                       .track_state = {.construct = 0, .cancel_changes = 0, .refresh = 0},
+                       .keeps_id_without_key = true,
+                       .saved_by = ChangeRecord::kFlag});
+}
+
+// Item completes the row with the account's item classes, so it needs one.
+SetCase AccountSetCase() {
+  return SetCaseOf<AccountSet>(
+      AccountCase(),
+      {.get_list = "GetList(\"props\", ref <options>, ref <filter>, ref <sort>, Missing, ref 3)",
+       .get_detail_by_text = "GetDetailByNumber(\"props\", <key>)",
+       .item_makes_component_first = true,
+       .behind_get_detail = {{"create QDSVGLAccount.AccountItemInfo", "", ""},
+                             {"call GetListByAccount(\"props\", <id>)",
+                              " -> recordset{FItemClassID | 21}", ""}},
+       .item_adds = ", _Items: [{FItemClassID: 21}]",
+       .item_of_nothing = "error 91",
+       .takes_record_set = false,
+       .prepare = [](RecordingServer& server) {
+         server.AnswerWith("QDSVGLAccount.AccountItemInfo", "GetListByAccount",
+                           [](std::span<Argument>) {
+                             const auto items = Recordset::Create({"FItemClassID"});
+                             items->AddRow({Long{21}});
+                             return Variant(items);
+                           });
+       }});
+}
+
+INSTANTIATE_TEST_SUITE_P(Account, EntitySuite, TypedAndByName(AccountCase()), NameOfUse());
+INSTANTIATE_TEST_SUITE_P(AccountSet, SetSuite, TypedAndByName(AccountSetCase()), NameOfUse());
 
 // ---- The members ----
 
@@ -137,26 +181,18 @@ TEST_F(AccountTest, AnAccountThatWasNeverConstructedRaisesObjectNotSet) {
   EXPECT_EQ(ErrorOf([&] { account->MeasureUnit("kg"); }), "error 91");
   EXPECT_EQ(ErrorOf([&] { account->SetProps("FName", "x"); }), "error 91");
   EXPECT_EQ(ErrorOf([&] { account->Modified(); }), "error 91");
-  EXPECT_EQ(ErrorOf([&] { account->SaveChanges(); }), "error 91");
-  EXPECT_EQ(ErrorOf([&] { account->CancelChanges(); }), "error 91");
   EXPECT_EQ(ErrorOf([&] { account->Clone(); }), "error 91");
-  EXPECT_EQ(account->Properties(), nullptr);
-  account->Refresh();
-  EXPECT_EQ(account->AccountID(), 0);
   EXPECT_EQ(server.TakeLog(), "");
 }
 
-TEST_F(AccountTest, TheIdTheFlagAndTheBagCannotBeLet) {
+TEST_F(AccountTest, TheIdAndTheFlagCannotBeLet) {
   Ref<Object> account = AccountOf(Row({{"FAccountID", Long{5}}}));
-  for (const std::string name : {"AccountID", "Modified", "Properties"}) {
+  for (const std::string name : {"AccountID", "Modified"}) {
     EXPECT_EQ(ErrorOf([&] { account->Let(name, Long{1}); }),
               "error 438 (Account): The member " + name + " can't be used this way.");
   }
-  EXPECT_EQ(ErrorOf([&] { account->Set("Properties", Variant(Row({}))); }),
-            "error 438 (Account): The member Properties can't be used this way.");
   EXPECT_EQ(StateText(account->Get("AccountID")), "5");
   EXPECT_EQ(StateText(account->Get("Modified")), "False");
-  EXPECT_EQ(StateText(account->Get("Properties")), "<Properties>");
 }
 
 TEST_F(AccountTest, ANewAccountHasCurrencyOneAndIsDetailWithoutEitherKey) {
@@ -365,44 +401,7 @@ TEST_F(AccountTest, SetPropsIsWriteOnlyAndTakesItsNameByPositionOrName) {
             "error 438 (Account): The member SetProps can't be used this way.");
 }
 
-// ---- Construct, SetAccountID, Clone ----
-
-TEST_F(AccountTest, ConstructTakesACopyAndTheIdAndIsUnmodified) {
-  const auto row = Row({{"FAccountID", "17"}, {"FName", "Cash"}});
-  const auto account = AccountOf(row);
-  EXPECT_EQ(State(*account), "id 17 {FAccountID: \"17\", FName: \"Cash\"}");
-  account->Name("Bank");
-  EXPECT_EQ(StateText(Variant(row)), "{FAccountID: \"17\", FName: \"Cash\"}");
-  EXPECT_EQ(server.TakeLog(), "");
-}
-
-TEST_F(AccountTest, ConstructCopiesNestedListsToo) {
-  const auto item = Row({{"FItemID", Long{1}}});
-  const auto account = AccountOf(Row({{"_Items", Variant(ListOf(item))}}));
-  item->Value("FItemID", Long{2});
-  EXPECT_EQ(State(*account), "id 0 {_Items: [{FItemID: 1}]}");
-}
-
-TEST_F(AccountTest, ConstructOfARowWithoutTheIdLeavesTheId) {
-  const auto account = AccountOf(Row({{"FAccountID", Long{5}}}));
-  account->Construct(Row({{"FName", "Cash"}}), Nothing);
-  EXPECT_EQ(State(*account), "id 5 {FName: \"Cash\"}");
-  account->Construct(Nothing, Nothing);
-  EXPECT_EQ(State(*account), "id 5 {}");
-  account->Construct(Row({{"FAccountID", Long{0}}}), Nothing);
-  EXPECT_EQ(State(*account), "id 0 {FAccountID: 0}");
-}
-
-TEST_F(AccountTest, ConstructPassesOnAnIdThatIsNoNumber) {
-  EXPECT_EQ(ErrorOf([] { AccountOf(Row({{"FAccountID", "seven"}})); }), "error 13");
-}
-
-TEST_F(AccountTest, ConstructForgetsEdits) {
-  const auto account = AccountOf(Nothing);
-  account->Name("Cash");
-  account->Construct(Row({{"FName", "Bank"}}), Nothing);
-  EXPECT_EQ(State(*account), "id 0 {FName: \"Bank\"}");
-}
+// ---- SetAccountID, Clone ----
 
 TEST_F(AccountTest, SetAccountIDSetsTheIdAndNothingElse) {
   const auto account = AccountOf(Row({{"FAccountID", Long{5}}}));
@@ -423,6 +422,13 @@ TEST_F(AccountTest, SetAccountIDAndRefreshLoadAKnownAccount) {
             "create QDSVGLAccount.AccountInfo\n"
             "call GetDetail(\"props\", ref 9) -> {FAccountID: 9, FName: \"Cash\"}\n");
   EXPECT_EQ(State(*account), "id 9 {FAccountID: 9, FName: \"Cash\"}");
+}
+
+TEST_F(AccountTest, CancelChangesLeavesAnIdThatWasSetAlone) {
+  const auto account = AccountOf(Row({{"FAccountID", Long{5}}}));
+  account->SetAccountID(9);
+  account->CancelChanges();
+  EXPECT_EQ(State(*account), "id 9 {FAccountID: 5}");
 }
 
 TEST_F(AccountTest, ACloneOfAModifiedAccountKeepsItsEditsAndIsUnmodified) {
@@ -478,349 +484,12 @@ TEST_F(AccountTest, ACloneIsSavedOnlyBehindAnEditAndThenCreated) {
   EXPECT_EQ(State(*clone), "id 8 {FAccountID: 8}");
 }
 
-// ---- Refresh, CancelChanges ----
-
-TEST_F(AccountTest, RefreshOfAnUnsavedAccountDoesNothing) {
-  const auto account = AccountOf(Nothing);
-  account->Name("Cash");
-  account->Refresh();
-  EXPECT_EQ(server.TakeLog(), "");
-  EXPECT_EQ(State(*account), "id 0 {FName: \"Cash\"} modified flagged");
-}
-
-TEST_F(AccountTest, RefreshReadsTheRowByItsIdByReference) {
-  const auto account = AccountOf(Row({{"FAccountID", Long{5}}, {"FName", "Old"}}));
-  account->Name("Edited");
-  server.Answer(kInfo, "GetDetail", Variant(Row({{"FAccountID", Long{5}}, {"FName", "New"}})));
-  account->Refresh();
-  EXPECT_EQ(server.TakeLog(),
-            "create QDSVGLAccount.AccountInfo\n"
-            "call GetDetail(\"props\", ref 5) -> {FAccountID: 5, FName: \"New\"}\n");
-  EXPECT_EQ(State(*account), "id 5 {FAccountID: 5, FName: \"New\"}");
-}
-
-TEST_F(AccountTest, RefreshKeepsTheIdWhateverTheRowSays) {
-  const auto account = AccountOf(Row({{"FAccountID", Long{5}}}));
-  server.Answer(kInfo, "GetDetail", Variant(Row({{"FAccountID", Long{6}}})));
-  account->Refresh();
-  EXPECT_EQ(State(*account), "id 5 {FAccountID: 6}");
-  server.Answer(kInfo, "GetDetail", Nothing);
-  account->Refresh();
-  EXPECT_EQ(State(*account), "id 5 {}");
-}
-
-TEST_F(AccountTest, RefreshRefusesAnAnswerThatIsNoDictionary) {
-  for (const Variant& answer : {Variant("text"), Variant(Long{1}), Variant(Make<Vector>())}) {
-    const auto account = AccountOf(Row({{"FAccountID", Long{5}}, {"FName", "Old"}}));
-    server.Answer(kInfo, "GetDetail", answer);
-    EXPECT_EQ(ErrorOf([&] { account->Refresh(); }), "error 13") << StateText(answer);
-    EXPECT_EQ(State(*account), "id 5 {FAccountID: 5, FName: \"Old\"}");
-  }
-}
-
-TEST_F(AccountTest, AFailedRefreshLeavesTheEditsAndTheRowTheyCameFrom) {
-  server.Answer(kInfo, "GetDetail", Variant(Row({{"FAccountID", Long{5}}, {"FName", "New"}})));
-  const auto edited = [] {
-    const auto account = AccountOf(Row({{"FAccountID", Long{5}}, {"FName", "Old"}}));
-    account->Name("Edited");
-    return account;
-  };
-  const auto state_and_row = [](Account& account) {
-    const std::string state = State(account);
-    account.CancelChanges();
-    return state + " from " + State(account);
-  };
-  EXPECT_EQ(AtEachFailure(
-                server, edited, [](Account& account) { account.Refresh(); }, state_and_row),
-            "1 fails: id 5 {FAccountID: 5, FName: \"Edited\"} modified flagged from "
-            "id 5 {FAccountID: 5, FName: \"Old\"}\n"
-            "2 fails: id 5 {FAccountID: 5, FName: \"Edited\"} modified flagged from "
-            "id 5 {FAccountID: 5, FName: \"Old\"}\n"
-            "3 no error: id 5 {FAccountID: 5, FName: \"New\"} from id 5 {FAccountID: 5, FName: "
-            "\"New\"}\n");
-}
-
-TEST_F(AccountTest, CancelChangesGoesBackToTheLastRowWithoutAServerCall) {
-  const auto account = AccountOf(Row({{"FAccountID", Long{5}}, {"FName", "First"}}));
-  account->Name("Edited");
-  account->GroupID(3);
-  account->CancelChanges();
-  EXPECT_EQ(State(*account), "id 5 {FAccountID: 5, FName: \"First\"}");
-
-  server.Answer(kInfo, "GetDetail", Variant(Row({{"FAccountID", Long{5}}, {"FName", "Second"}})));
-  account->Refresh();
-  server.TakeLog();
-  account->Name("Edited");
-  account->CancelChanges();
-  EXPECT_EQ(State(*account), "id 5 {FAccountID: 5, FName: \"Second\"}");
-  EXPECT_EQ(server.TakeLog(), "");
-}
-
-TEST_F(AccountTest, CancelChangesOfANewAccountEmptiesTheBag) {
-  const auto account = AccountOf(Nothing);
-  account->Name("Cash");
-  account->CancelChanges();
-  EXPECT_EQ(State(*account), "id 0 {}");
-}
-
-TEST_F(AccountTest, CancelChangesLeavesAnIdThatWasSetAlone) {
-  const auto account = AccountOf(Row({{"FAccountID", Long{5}}}));
-  account->SetAccountID(9);
-  account->CancelChanges();
-  EXPECT_EQ(State(*account), "id 9 {FAccountID: 5}");
-}
-
-TEST_F(AccountTest, TheDictionaryOfAReloadedAccountTellsOfItsOwnKeysOnly) {
-  const auto row_with_items = [] {
-    return Row({{"FAccountID", Long{5}}, {"_Items", Variant(ListOf(Row({{"FItemID", Long{1}}})))}});
-  };
-  const auto edit_item = [](const Account& account) {
-    const auto items = account.Properties()->Dictionary()->Value("_Items").As<Vector>();
-    items->Item(1).As<Dictionary>()->Value("FItemID", Long{2});
-  };
-  server.Answer(kInfo, "GetDetail", Variant(row_with_items()));
-  const auto account = AccountOf(row_with_items());
-  edit_item(*account);
-  EXPECT_EQ(State(*account), "id 5 {FAccountID: 5, _Items: [{FItemID: 2}]}");
-  account->CancelChanges();
-  edit_item(*account);
-  EXPECT_EQ(State(*account), "id 5 {FAccountID: 5, _Items: [{FItemID: 2}]}");
-  account->Refresh();
-  edit_item(*account);
-  EXPECT_EQ(State(*account), "id 5 {FAccountID: 5, _Items: [{FItemID: 2}]}");
-  account->Properties()->Dictionary()->Value("FName", "x");
-  EXPECT_EQ(State(*account), "id 5 {FAccountID: 5, _Items: [{FItemID: 2}], FName: \"x\"} modified");
-}
-
-// ---- SaveChanges ----
-
-TEST_F(AccountTest, SaveChangesWithoutAChangeMakesNoServerCall) {
-  AccountOf(Row({{"FAccountID", Long{5}}}))->SaveChanges();
-  AccountOf(Nothing)->SaveChanges();
-  EXPECT_EQ(server.TakeLog(), "");
-}
-
-TEST_F(AccountTest, SaveChangesOfANewAccountCreatesItAndReadsItByItsNewId) {
-  const auto account = AccountOf(Nothing);
-  account->Number("1001a");
-  server.Answer(kUpdate, "Create", Long{8});
-  server.Answer(kInfo, "GetDetail",
-                Variant(Row({{"FAccountID", Long{8}}, {"FNumber", "1001A"}, {"FLevel", Long{1}}})));
-  account->SaveChanges();
-  EXPECT_EQ(server.TakeLog(),
-            "create QDSVGLAccount.AccountUpdate\n"
-            "call Create(\"props\", {FNumber: \"1001A\", MachineName: \"HOST\", "
-            "IPAddress: \"10.0.0.1\"}) -> 8\n"
-            "create QDSVGLAccount.AccountInfo\n"
-            "call GetDetail(\"props\", ref 8) -> {FAccountID: 8, FNumber: \"1001A\", FLevel: 1}\n");
-  EXPECT_EQ(State(*account), "id 8 {FAccountID: 8, FNumber: \"1001A\", FLevel: 1}");
-  EXPECT_EQ(account->Level(), 1);
-}
-
-TEST_F(AccountTest, SaveChangesOfAnExistingAccountUpdatesItWithTheIdByReference) {
-  const auto account = AccountOf(Row({{"FAccountID", Long{5}}, {"FName", "Old"}}));
-  account->Name("New");
-  server.Answer(kInfo, "GetDetail", Variant(Row({{"FAccountID", Long{5}}, {"FName", "New"}})));
-  account->SaveChanges();
-  EXPECT_EQ(server.TakeLog(),
-            "create QDSVGLAccount.AccountUpdate\n"
-            "call Update(\"props\", ref 5, {FAccountID: 5, FName: \"New\", MachineName: \"HOST\", "
-            "IPAddress: \"10.0.0.1\"})\n"
-            "create QDSVGLAccount.AccountInfo\n"
-            "call GetDetail(\"props\", ref 5) -> {FAccountID: 5, FName: \"New\"}\n");
-  EXPECT_EQ(State(*account), "id 5 {FAccountID: 5, FName: \"New\"}");
-  account->SaveChanges();
-  EXPECT_EQ(server.TakeLog(), "") << "there is nothing left to save";
-}
-
-TEST_F(AccountTest, AWriteStraightIntoTheDictionaryIsNotSavedByItself) {
-  const auto account = AccountOf(Row({{"FAccountID", Long{5}}}));
-  account->Properties()->Dictionary()->Value("FName", "Direct");
-  EXPECT_EQ(State(*account), "id 5 {FAccountID: 5, FName: \"Direct\"} modified");
-  EXPECT_FALSE(account->Modified());
-  account->SaveChanges();
-  EXPECT_EQ(server.TakeLog(), "");
-  EXPECT_EQ(State(*account), "id 5 {FAccountID: 5, FName: \"Direct\"} modified");
-
-  account->GroupID(3);
-  server.Answer(kInfo, "GetDetail", Nothing);
-  account->SaveChanges();
-  EXPECT_EQ(server.TakeLog(),
-            "create QDSVGLAccount.AccountUpdate\n"
-            "call Update(\"props\", ref 5, {FAccountID: 5, FName: \"Direct\", FGroupID: 3, "
-            "MachineName: \"HOST\", IPAddress: \"10.0.0.1\"})\n"
-            "create QDSVGLAccount.AccountInfo\n"
-            "call GetDetail(\"props\", ref 5) -> Nothing\n");
-}
-
-TEST_F(AccountTest, AFlagWithoutAnEditOfTheDictionaryIsSaved) {
-  const auto account = AccountOf(Row({{"FAccountID", Long{5}}}));
-  account->ControlSystem(0);
-  EXPECT_EQ(State(*account), "id 5 {FAccountID: 5} flagged");
-  EXPECT_TRUE(account->Modified());
-  server.Answer(kInfo, "GetDetail", Variant(Row({{"FAccountID", Long{5}}})));
-  account->SaveChanges();
-  EXPECT_EQ(server.TakeLog(),
-            "create QDSVGLAccount.AccountUpdate\n"
-            "call Update(\"props\", ref 5, {FAccountID: 5, MachineName: \"HOST\", "
-            "IPAddress: \"10.0.0.1\"})\n"
-            "create QDSVGLAccount.AccountInfo\n"
-            "call GetDetail(\"props\", ref 5) -> {FAccountID: 5}\n");
-  EXPECT_EQ(State(*account), "id 5 {FAccountID: 5}");
-}
-
-TEST_F(AccountTest, AKeySetByNameOrThroughItsPropertyIsSaved) {
-  server.Answer(kInfo, "GetDetail", Nothing);
-  const auto by_name = AccountOf(Row({{"FAccountID", Long{5}}}));
-  by_name->SetProps("FOwn", Long{7});
-  by_name->SaveChanges();
-  const auto by_property = AccountOf(Row({{"FAccountID", Long{6}}}));
-  by_property->Properties()->Item("FOwn")->Value(Long{8});
-  by_property->SaveChanges();
-  EXPECT_EQ(server.TakeLog(),
-            "create QDSVGLAccount.AccountUpdate\n"
-            "call Update(\"props\", ref 5, {FAccountID: 5, FOwn: 7, MachineName: \"HOST\", "
-            "IPAddress: \"10.0.0.1\"})\n"
-            "create QDSVGLAccount.AccountInfo\n"
-            "call GetDetail(\"props\", ref 5) -> Nothing\n"
-            "create QDSVGLAccount.AccountUpdate\n"
-            "call Update(\"props\", ref 6, {FAccountID: 6, FOwn: 8, MachineName: \"HOST\", "
-            "IPAddress: \"10.0.0.1\"})\n"
-            "create QDSVGLAccount.AccountInfo\n"
-            "call GetDetail(\"props\", ref 6) -> Nothing\n");
-}
-
-TEST_F(AccountTest, SaveChangesStampsEmptyTextsWhenTheMachineGivesNone) {
-  server.platform().fail_computer_name = true;
-  server.platform().fail_address_text = true;
-  const auto account = AccountOf(Nothing);
-  account->Name("x");
-  server.Answer(kUpdate, "Create", Long{1});
-  server.Answer(kInfo, "GetDetail", Nothing);
-  account->SaveChanges();
-  EXPECT_EQ(server.TakeLog(),
-            "create QDSVGLAccount.AccountUpdate\n"
-            "call Create(\"props\", {FName: \"x\", MachineName: \"\", IPAddress: \"\"}) -> 1\n"
-            "create QDSVGLAccount.AccountInfo\n"
-            "call GetDetail(\"props\", ref 1) -> Nothing\n");
-}
-
-TEST_F(AccountTest, AServerFailureAtAnyEventOfACreatingSaveLeavesTheEditsAndTheIdOnceThereIsOne) {
-  server.Answer(kUpdate, "Create", Long{8});
-  server.Answer(kInfo, "GetDetail", Variant(Row({{"FAccountID", Long{8}}, {"FName", "x"}})));
-  const auto edited = [] {
-    const auto account = AccountOf(Nothing);
-    account->Name("x");
-    return account;
-  };
-  EXPECT_EQ(AtEachFailure(
-                server, edited, [](Account& account) { account.SaveChanges(); }, State),
-            "1 fails: id 0 {FName: \"x\"} modified flagged\n"
-            "2 fails: id 0 {FName: \"x\", MachineName: \"HOST\", IPAddress: \"10.0.0.1\"} "
-            "modified flagged\n"
-            "3 fails: id 8 {FName: \"x\", MachineName: \"HOST\", IPAddress: \"10.0.0.1\"} "
-            "modified flagged\n"
-            "4 fails: id 8 {FName: \"x\", MachineName: \"HOST\", IPAddress: \"10.0.0.1\"} "
-            "modified flagged\n"
-            "5 no error: id 8 {FAccountID: 8, FName: \"x\"}\n");
-}
-
-TEST_F(AccountTest, AServerFailureAtAnyEventOfAnUpdatingSaveLeavesTheEdits) {
-  server.Answer(kInfo, "GetDetail", Variant(Row({{"FAccountID", Long{5}}, {"FName", "x"}})));
-  const auto edited = [] {
-    const auto account = AccountOf(Row({{"FAccountID", Long{5}}}));
-    account->Name("x");
-    return account;
-  };
-  const std::string kStamped =
-      "id 5 {FAccountID: 5, FName: \"x\", MachineName: \"HOST\", IPAddress: \"10.0.0.1\"} "
-      "modified flagged\n";
-  EXPECT_EQ(AtEachFailure(
-                server, edited, [](Account& account) { account.SaveChanges(); }, State),
-            "1 fails: id 5 {FAccountID: 5, FName: \"x\"} modified flagged\n"
-            "2 fails: " +
-                kStamped + "3 fails: " + kStamped + "4 fails: " + kStamped +
-                "5 no error: id 5 {FAccountID: 5, FName: \"x\"}\n");
-}
-
-TEST_F(AccountTest, TheStampsOfAFailedSaveSetNoFlagAndCancelChangesDropsThem) {
-  const auto account = AccountOf(Row({{"FAccountID", Long{5}}}));
-  account->Name("x");
-  server.FailAt(2, Error(70));
-  EXPECT_EQ(ErrorOf([&] { account->SaveChanges(); }), "error 70");
-  account->Properties()->ChangeFlag()->Reset();
-  account->SaveChanges();
-  EXPECT_EQ(server.TakeLog(),
-            "create QDSVGLAccount.AccountUpdate\n"
-            "call Update(\"props\", ref 5, {FAccountID: 5, FName: \"x\", MachineName: \"HOST\", "
-            "IPAddress: \"10.0.0.1\"}) -> error 70\n");
-  account->CancelChanges();
-  EXPECT_EQ(State(*account), "id 5 {FAccountID: 5}");
-}
-
-TEST_F(AccountTest, ACreateThatFailedIsTriedAgainAsACreate) {
-  const auto account = AccountOf(Nothing);
-  account->Name("x");
-  server.Answer(kUpdate, "Create", Long{8});
-  server.Answer(kInfo, "GetDetail", Variant(Row({{"FAccountID", Long{8}}})));
-  server.FailAt(2, Error(70));
-  EXPECT_EQ(ErrorOf([&] { account->SaveChanges(); }), "error 70");
-  account->SaveChanges();
-  EXPECT_EQ(server.TakeLog(), "create QDSVGLAccount.AccountUpdate\n"
-                              "call Create(\"props\", {FName: \"x\", MachineName: \"HOST\", "
-                              "IPAddress: \"10.0.0.1\"}) -> error 70\n"
-                              "create QDSVGLAccount.AccountUpdate\n"
-                              "call Create(\"props\", {FName: \"x\", MachineName: \"HOST\", "
-                              "IPAddress: \"10.0.0.1\"}) -> 8\n"
-                              "create QDSVGLAccount.AccountInfo\n"
-                              "call GetDetail(\"props\", ref 8) -> {FAccountID: 8}\n");
-  EXPECT_EQ(State(*account), "id 8 {FAccountID: 8}");
-}
-
-TEST_F(AccountTest, ASaveWhoseReadingBackFailedIsTriedAgainAsAnUpdate) {
-  const auto account = AccountOf(Nothing);
-  account->Name("x");
-  server.Answer(kUpdate, "Create", Long{8});
-  server.Answer(kInfo, "GetDetail", Variant(Row({{"FAccountID", Long{8}}})));
-  server.FailAt(4, Error(70));
-  EXPECT_EQ(ErrorOf([&] { account->SaveChanges(); }), "error 70");
-  server.TakeLog();
-  account->SaveChanges();
-  EXPECT_EQ(server.TakeLog(), "create QDSVGLAccount.AccountUpdate\n"
-                              "call Update(\"props\", ref 8, {FName: \"x\", MachineName: \"HOST\", "
-                              "IPAddress: \"10.0.0.1\"})\n"
-                              "create QDSVGLAccount.AccountInfo\n"
-                              "call GetDetail(\"props\", ref 8) -> {FAccountID: 8}\n");
-  EXPECT_EQ(State(*account), "id 8 {FAccountID: 8}");
-}
-
-TEST_F(AccountTest, ACreateThatAnswersNoNumberRaisesTypeMismatchAndKeepsTheId) {
-  const auto account = AccountOf(Nothing);
-  account->Name("x");
-  server.Answer(kUpdate, "Create", "new");
-  EXPECT_EQ(ErrorOf([&] { account->SaveChanges(); }), "error 13");
-  EXPECT_EQ(account->AccountID(), 0);
-}
-
-TEST_F(AccountTest, TheServerMayWriteTheIdBackThroughItsReference) {
-  const auto account = AccountOf(Row({{"FAccountID", Long{5}}}));
-  account->Name("x");
-  server.AnswerWith(kUpdate, "Update", [](std::span<Argument> arguments) {
-    arguments[1].Put(Variant(Long{6}));
-    return Variant();
-  });
-  server.Answer(kInfo, "GetDetail", Variant(Row({{"FAccountID", Long{6}}})));
-  account->SaveChanges();
-  EXPECT_EQ(State(*account), "id 6 {FAccountID: 6}");
-}
-
-TEST_F(AccountTest, AMissingComponentRaises429AndLeavesTheEdits) {
-  server.missing_components = {kUpdate};
-  const auto account = AccountOf(Nothing);
-  account->Name("x");
-  EXPECT_EQ(ErrorOf([&] { account->SaveChanges(); }), "error 429");
-  EXPECT_EQ(server.TakeLog(), "create QDSVGLAccount.AccountUpdate -> error 429\n");
-  EXPECT_EQ(State(*account), "id 0 {FName: \"x\"} modified flagged");
+TEST_F(AccountTest, ACloneHasTheTransactionContext) {
+  const auto context = Make<Opaque>();
+  const auto account = Make<Account>();
+  account->Construct(Nothing, context);
+  const auto clone = account->Clone();
+  EXPECT_EQ(context->holders(), 3);  // this variable, the account and its clone
 }
 
 // ---- The questions to the server ----
@@ -912,51 +581,6 @@ TEST_F(AccountTest, AQuestionThatFailsPassesTheErrorAndChangesNothing) {
   EXPECT_EQ(AtEachFailure(
                 server, saved, [](Account& a) { a.GetFullName(); }, State),
             kOutcomes);
-}
-
-// ---- The whole ----
-
-TEST_F(AccountTest, WorksThroughLateBoundCallsAsThroughTypedOnes) {
-  Ref<Object> account = Make<Account>();
-  account->Call("Construct", Named("xa", Nothing), Named("dict", Row({{"FAccountID", Long{9}}})));
-  account->Let("NAME", "Cash");
-  EXPECT_EQ(StateText(account->Get("modified")), "True");
-  account->Call("CancelChanges");
-  EXPECT_EQ(StateText(account->Get("Modified")), "False");
-  account->Let("Name", "Cash");
-  server.Answer(kInfo, "GetDetail", Variant(Row({{"FAccountID", Long{9}}, {"FName", "CASH"}})));
-  account->Call("SaveChanges");
-  account->Call("Refresh");
-  EXPECT_EQ(StateText(account->Get("Name")), "\"CASH\"");
-  EXPECT_EQ(server.TakeLog(),
-            "create QDSVGLAccount.AccountUpdate\n"
-            "call Update(\"props\", ref 9, {FAccountID: 9, FName: \"Cash\", "
-            "MachineName: \"HOST\", IPAddress: \"10.0.0.1\"})\n"
-            "create QDSVGLAccount.AccountInfo\n"
-            "call GetDetail(\"props\", ref 9) -> {FAccountID: 9, FName: \"CASH\"}\n"
-            "create QDSVGLAccount.AccountInfo\n"
-            "call GetDetail(\"props\", ref 9) -> {FAccountID: 9, FName: \"CASH\"}\n");
-}
-
-TEST_F(AccountTest, TheTransactionContextIsKeptHandedToClonesAndReleased) {
-  const auto context = Make<Opaque>();
-  const auto other = Make<Opaque>();
-  {
-    const auto account = Make<Account>();
-    account->Construct(Nothing, context);
-    EXPECT_EQ(context->holders(), 2);  // this variable and the account
-    const auto clone = account->Clone();
-    EXPECT_EQ(context->holders(), 3);
-    account->CancelChanges();
-    account->SetTransactionContext(other);
-    EXPECT_EQ(context->holders(), 2);
-    const auto second = account->Clone();
-    EXPECT_EQ(other->holders(), 3);
-    account->Construct(Nothing, Nothing);
-    EXPECT_EQ(other->holders(), 2);
-  }
-  EXPECT_EQ(context->holders(), 1);
-  EXPECT_EQ(other->holders(), 1);
 }
 
 }  // namespace

@@ -1,25 +1,35 @@
-#include "qdclgl/vouchers/voucher.h"
-
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <functional>
 
 #include "qdclgl/frame/objects/class_table.h"
+#include "qdclgl/vouchers/voucher_set.h"
 #include "tests/support/recording_server.h"
+#include "tests/support/set_suite.h"
 #include "tests/support/voucher_state.h"
 
 namespace qdclgl {
 namespace {
 
+using testing::ChangeRecord;
+using testing::EntityCase;
+using testing::EntityCaseOf;
+using testing::EntitySuite;
 using testing::ErrorOf;
 using testing::List;
+using testing::NameOfUse;
 using testing::Opaque;
+using testing::OtherKey;
 using testing::RecordingServer;
 using testing::Records;
 using testing::Row;
+using testing::SetCase;
+using testing::SetCaseOf;
+using testing::SetSuite;
 using testing::State;
 using testing::StateText;
+using testing::TypedAndByName;
 using testing::VoucherOf;
 using testing::WholeState;
 
@@ -42,6 +52,54 @@ class VoucherTest : public ::testing::Test {
  protected:
   RecordingServer server;
 };
+
+// ---- What vouchers share with all entities and sets ----
+
+EntityCase VoucherCase() {
+  return EntityCaseOf(&Voucher::VoucherID, &Voucher::Reference,
+                      {.info_component = kInfo,
+                       .update_component = "QDSVGLVoucher.VoucherUpdate",
+                       .id_member = "VoucherID",
+                       .id_key = "FVoucherID",
+                       .text_member = "Reference",
+                       .text_key = "FReference",
+                       .get_detail = "GetDetail(\"props\", ref <id>, ref False)",
+                       .track_state = {.construct = 0, .cancel_changes = 1, .refresh = 0},
+                       .refresh_takes_id = true,
+                       .saved_by = ChangeRecord::kFlag,
+                       .stamps_first = true,
+                       .save_adds = ", FFootNote: \" \"",
+                       .before_update = {"create QDSVGLVoucher.Voucherinfo",
+                                         "call CheckExistCashProfit(\"props\", ref <id>)"},
+                       .reads_back_update = false});
+}
+
+// The text key of a voucher is its number, within a year, a period and a group.
+SetCase VoucherSetCase() {
+  SetCase vouchers = SetCaseOf<VoucherSet>(
+      VoucherCase(),
+      {.get_detail = "GetDetail(\"props\", <id>, ref False)",
+       .get_detail_by_text =
+           "GetDetailByNumber(\"props\", ref 0, ref 0, ref \"\", ref 0, ref False)",
+       .exists_by_text = "ExistenceCheck(\"props\", nYear:=ref Variant 2024, Period:=ref Variant "
+                         "3, Group:=ref Variant \"J\", Number:=ref Variant <key>)",
+       .remove = "Delete(\"props\", ref <id>, False, \"HOST\", \"10.0.0.1\")",
+       .item_key = OtherKey::kAny,
+       .remove_key = OtherKey::kNone,
+       .created_row = "id 0 {FYear: 0} modified flagged"});
+  vouchers.typed.existence_check = [](EntityListBase& set, const Variant& id,
+                                      const Variant& number) {
+    return static_cast<VoucherSet&>(set).ExistenceCheck(id, 2024, 3, "J", number);
+  };
+  vouchers.by_name.existence_check = [](EntityListBase& set, const Variant& id,
+                                        const Variant& number) {
+    return set.Call("ExistenceCheck", id, 2024, 3, "J", number).As<Long>();
+  };
+  return vouchers;
+}
+
+INSTANTIATE_TEST_SUITE_P(Voucher, EntitySuite, TypedAndByName(VoucherCase()), NameOfUse());
+INSTANTIATE_TEST_SUITE_P(VoucherSet, SetSuite, TypedAndByName(VoucherSetCase()), NameOfUse());
 
 // ---- The members that stand for a key ----
 
@@ -419,16 +477,12 @@ TEST_F(VoucherTest, TheIdIsNoKeyAndSetsNoFlag) {
 TEST_F(VoucherTest, AVoucherThatWasNeverConstructedRaisesObjectNotSet) {
   const auto voucher = Make<Voucher>();
   const std::function<void()> operations[] = {
-      [&] { voucher->Number(); },        [&] { voucher->Number(1); },
-      [&] { voucher->Entries(); },       [&] { voucher->Modified(); },
-      [&] { voucher->SaveChanges(); },   [&] { voucher->CancelChanges(); },
-      [&] { voucher->Refresh1(); },      [&] { voucher->Clone(); },
+      [&] { voucher->Number(); },        [&] { voucher->Number(1); },  [&] { voucher->Entries(); },
+      [&] { voucher->Modified(); },      [&] { voucher->Refresh1(); }, [&] { voucher->Clone(); },
       [&] { voucher->ResetModified(); }, [&] { voucher->Check(); },
   };
   for (const auto& operation : operations) EXPECT_EQ(ErrorOf(operation), "error 91");
-  EXPECT_EQ(voucher->Properties(), nullptr);
   EXPECT_EQ(voucher->DictOrig(), nullptr);
-  EXPECT_EQ(voucher->VoucherID(), 0);
   EXPECT_EQ(server.TakeLog(), "");
 }
 
@@ -448,18 +502,6 @@ TEST_F(VoucherTest, ConstructTakesTheRowAsBaselineAndADeepCopyToWorkOn) {
                         "[{FItemClassID: 3, FItemID: 31}]}, {FAccountID: 200}]} modified flagged "
                         "from ") +
                 kTwoLines);
-}
-
-TEST_F(VoucherTest, ConstructOfNothingKeepsTheIdAndConstructOfARowWithoutIdDoesNot) {
-  const auto voucher = VoucherOf(Row({{"FVoucherID", Long{4}}, {"FNumber", Long{1}}}));
-  voucher->Construct(Nothing, Nothing);
-  EXPECT_EQ(WholeState(*voucher), "id 4 {} from Nothing");
-  voucher->Construct(Row({{"FNumber", Long{2}}}), Nothing);
-  EXPECT_EQ(WholeState(*voucher), "id 0 {FNumber: 2} from {FNumber: 2}");
-}
-
-TEST_F(VoucherTest, ConstructPassesOnAnIdThatIsNoNumber) {
-  EXPECT_EQ(ErrorOf([] { VoucherOf(Row({{"FVoucherID", "seven"}})); }), "error 13");
 }
 
 TEST_F(VoucherTest, ConstructForgetsEditsAndLeavesEarlierViewsOnTheOldData) {
@@ -507,28 +549,6 @@ TEST_F(VoucherTest, TheTransactionContextIsKeptAndHandedOnByTheReloads) {
 
 // ---- Refresh ----
 
-TEST_F(VoucherTest, RefreshOfAnUnsavedVoucherDoesNothing) {
-  const auto voucher = VoucherOf(Nothing);
-  voucher->Number(1);
-  voucher->Refresh();
-  EXPECT_EQ(server.TakeLog(), "");
-  EXPECT_EQ(State(*voucher), "id 0 {FNumber: 1} modified flagged");
-}
-
-TEST_F(VoucherTest, RefreshReadsTheVoucherAndTakesTheAnswerAsBaseline) {
-  const auto voucher = VoucherOf(TwoLineRow());
-  voucher->Number(13);
-  const auto answer = Row({{"FVoucherID", Long{5}}, {"FNumber", Long{99}}});
-  server.Answer(kInfo, "GetDetail", Variant(answer));
-  voucher->Refresh();
-  EXPECT_EQ(server.TakeLog(),
-            "create QDSVGLVoucher.VoucherInfo\n"
-            "call GetDetail(\"props\", ref 5, ref False) -> {FVoucherID: 5, FNumber: 99}\n");
-  EXPECT_EQ(voucher->DictOrig(), answer);
-  EXPECT_EQ(WholeState(*voucher),
-            "id 5 {FVoucherID: 5, FNumber: 99} from {FVoucherID: 5, FNumber: 99}");
-}
-
 TEST_F(VoucherTest, RefreshLeavesEarlierViewsOnTheOldData) {
   const auto voucher = VoucherOf(TwoLineRow());
   const auto bag = voucher->Properties();
@@ -541,21 +561,6 @@ TEST_F(VoucherTest, RefreshLeavesEarlierViewsOnTheOldData) {
   bag->Item("FNumber")->Value(14);
   EXPECT_EQ(lines->Count(), 3);
   EXPECT_EQ(State(*voucher), std::string("id 5 ") + kTwoLines);
-}
-
-TEST_F(VoucherTest, RefreshToNothingLeavesTheIdAndAnEmptyWorkingCopy) {
-  const auto voucher = VoucherOf(TwoLineRow());
-  voucher->Number(13);
-  server.Answer(kInfo, "GetDetail", Nothing);
-  voucher->Refresh();
-  EXPECT_EQ(WholeState(*voucher), "id 5 {} from Nothing");
-}
-
-TEST_F(VoucherTest, RefreshTakesTheIdOfTheAnswer) {
-  const auto voucher = VoucherOf(Row({{"FVoucherID", Long{5}}}));
-  server.Answer(kInfo, "GetDetail", Variant(Row({{"FVoucherID", Long{6}}})));
-  voucher->Refresh();
-  EXPECT_EQ(State(*voucher), "id 6 {FVoucherID: 6}");
 }
 
 TEST_F(VoucherTest, TheServerMayWriteTheIdAndShowDeletedBackThroughTheirReferences) {
@@ -572,23 +577,6 @@ TEST_F(VoucherTest, TheServerMayWriteTheIdAndShowDeletedBackThroughTheirReferenc
                               "call GetDetail(\"props\", ref 5, ref False) -> Nothing\n"
                               "create QDSVGLVoucher.VoucherInfo\n"
                               "call GetDetail(\"props\", ref 6, ref True) -> Nothing\n");
-}
-
-TEST_F(VoucherTest, AFailedRefreshPassesTheErrorAndKeepsTheState) {
-  for (const int position : {1, 2}) {
-    const auto voucher = VoucherOf(TwoLineRow());
-    voucher->Number(13);
-    const std::string before = WholeState(*voucher);
-    server.FailAt(position, Error(-2147217900, "database", "deadlock"));
-    EXPECT_EQ(ErrorOf([&] { voucher->Refresh(); }), "error 0x80040E14 (database): deadlock");
-    EXPECT_EQ(WholeState(*voucher), before);
-  }
-  for (const Variant& answer : {Variant("text"), Variant(Long{1}), Variant(List({})), Variant()}) {
-    const auto voucher = VoucherOf(TwoLineRow());
-    server.Answer(kInfo, "GetDetail", answer);
-    EXPECT_EQ(ErrorOf([&] { voucher->Refresh(); }), "error 13") << StateText(answer);
-    EXPECT_EQ(WholeState(*voucher), std::string("id 5 ") + kTwoLines + " from " + kTwoLines);
-  }
 }
 
 TEST_F(VoucherTest, ShowDeletedIsPassedByRefreshAndCannotBeRead) {
@@ -668,24 +656,6 @@ TEST_F(VoucherTest, CancelChangesRestoresHeaderLinesAndDetails) {
   voucher->CancelChanges();
   EXPECT_EQ(WholeState(*voucher), std::string("id 9 ") + kTwoLines + " from " + kTwoLines);
   EXPECT_EQ(server.TakeLog(), "");
-}
-
-TEST_F(VoucherTest, CancelChangesCanBeRepeated) {
-  const auto voucher = VoucherOf(TwoLineRow());
-  for (int i = 0; i < 3; ++i) {
-    voucher->Entries()->Item(1)->AccountID(i);
-    EXPECT_TRUE(voucher->Modified());
-    voucher->CancelChanges();
-    EXPECT_EQ(WholeState(*voucher), std::string("id 5 ") + kTwoLines + " from " + kTwoLines);
-  }
-}
-
-TEST_F(VoucherTest, CancelChangesOfANewVoucherEmptiesIt) {
-  const auto voucher = VoucherOf(Nothing);
-  voucher->Number(1);
-  voucher->Entries()->Add();
-  voucher->CancelChanges();
-  EXPECT_EQ(WholeState(*voucher), "id 0 {} from Nothing");
 }
 
 TEST_F(VoucherTest, AcrossCancelChangesTheBagStaysAndLinesAreLeftOnTheOldData) {
