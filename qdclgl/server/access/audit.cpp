@@ -54,7 +54,7 @@ void WriteAudit(const Caller& caller, const Deed& deed) {
 
 Ref<Recordset> AuditInfo::GetList(std::string_view PropsString, const String& Filter,
                                   const String& Sort) {
-  const Caller caller = Enter(PropsString, Role::kReader, "read the audit trail");
+  const Caller caller = Enter(PropsString, RightTo<AuditInfo>("GetList"));
   static constexpr ListSource kSource{"SELECT * FROM t_Audit", kColumns, "FAuditID"};
   return FetchList(caller.db, kSource, Filter, Sort);
 }

@@ -78,7 +78,7 @@ AccountingPeriod Calendar::Before(AccountingPeriod period) const {
 }
 
 Long PeriodDate::GetPeriod(std::string_view PropsString, const DateTime& d, Long& Period) {
-  const Caller caller = Enter(PropsString, Role::kReader, "read the calendar");
+  const Caller caller = Enter(PropsString, kRead);
   const AccountingPeriod period = Calendar::Of(caller.db).PeriodOf(d);
   Period = period.period;
   return period.year;
@@ -86,7 +86,7 @@ Long PeriodDate::GetPeriod(std::string_view PropsString, const DateTime& d, Long
 
 void PeriodDate::GetPeriodStartEnd(std::string_view PropsString, const Long& Period,
                                    const Long& nYear, DateTime& StartDate, DateTime& EndDate) {
-  const Caller caller = Enter(PropsString, Role::kReader, "read the calendar");
+  const Caller caller = Enter(PropsString, kRead);
   const Calendar::Span span = Calendar::Of(caller.db).SpanOf({nYear, Period});
   StartDate = span.start;
   EndDate = span.end;

@@ -1,7 +1,7 @@
 // The accounting calendar: which year and period a date falls into.
 #pragma once
 
-#include "qdclgl/frame/objects/members.h"
+#include "qdclgl/server/access/component.h"
 #include "qdclgl/server/db/database.h"
 
 namespace qdclgl::server {
@@ -49,11 +49,15 @@ class Calendar {
   Long start_month_;
 };
 
-// "QDCPeriodDate.clsPeriodDate": the calendar for callers.
+// The calendar for callers.
 class PeriodDate final : public Object {
   QD_MEMBERS(PeriodDate, Object, Creatable, "The accounting calendar of the books.")
 
  public:
+  static constexpr std::string_view kProgID = "QDCPeriodDate.clsPeriodDate";
+  static constexpr Right kRead{Role::kReader, "read the calendar"};
+  static constexpr MethodRight kRights[] = {{"GetPeriod", kRead}, {"GetPeriodStartEnd", kRead}};
+
   QD_METHOD(Long, GetPeriod, (std::string_view PropsString, const DateTime& d, Long& Period),
             "The accounting year of a date; its period comes back in Period. BadValue outside the "
             "years 100 to 9998.")
