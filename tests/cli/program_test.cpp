@@ -160,8 +160,8 @@ TEST(ManPage, KnowsEveryCommandEveryOptionAndEveryExitCode) {
 TEST(Completion, OffersWhatTheProgramKnows) {
   const auto offered = [](const std::string& words, int place) {
     const std::string script =
-        "source " QDCLGL_SOURCE_DIR "/cli/qdclgl.bash; COMP_WORDS=(" QDCLGL_PROGRAM " " + words +
-        "); COMP_CWORD=" + std::to_string(place) + "; _qdclgl; echo \"${COMPREPLY[*]}\"";
+        "source " QDCLGL_SOURCE_DIR "/qdclgl/cli/qdclgl.bash; COMP_WORDS=(" QDCLGL_PROGRAM " " +
+        words + "); COMP_CWORD=" + std::to_string(place) + "; _qdclgl; echo \"${COMPREPLY[*]}\"";
     return RunProgram({"-c", script}, "/bin/bash").out;
   };
   for (const std::string& name : CommandNames()) {
