@@ -7,6 +7,7 @@
 #include "qdclgl/frame/containers/recordset.h"
 #include "qdclgl/frame/objects/members.h"
 #include "qdclgl/server/access/component.h"
+#include "qdclgl/server/db/columns.h"
 
 namespace qdclgl::server {
 
@@ -23,6 +24,8 @@ struct Deed {
 };
 
 void WriteAudit(const Caller& caller, const Deed& deed);
+
+StoredTable AuditTable();
 
 class AuditInfo final : public Object {
   QD_MEMBERS(AuditInfo, Object, Creatable, "The audit trail.")

@@ -387,6 +387,7 @@ const MasterData& Accounts() {
                " FROM t_Account a JOIN t_Currency c ON c.FCurrencyID = a.FCurrencyID",
       .order = "FNumber",
       .further_keys = {kItems},
+      .further_tables = {{"t_AccountItem", {std::begin(kItemColumns), std::end(kItemColumns)}}},
       .check = Check,
       .follow = Follow,
       .remove = Remove,

@@ -135,10 +135,12 @@ std::vector<ServerComponent> MasterData::Components() const {
   return components;
 }
 
-StoredTable MasterData::Table() const {
-  StoredTable table{description_.table, {{description_.id, ColumnType::kLong}, kVersion}};
-  table.columns.insert(table.columns.end(), stored_.begin(), stored_.end());
-  return table;
+std::vector<StoredTable> MasterData::Tables() const {
+  std::vector<StoredTable> tables = {
+      {description_.table, {{description_.id, ColumnType::kLong}, kVersion}}};
+  tables[0].columns.insert(tables[0].columns.end(), stored_.begin(), stored_.end());
+  std::ranges::copy(description_.further_tables, std::back_inserter(tables));
+  return tables;
 }
 
 // ---- Reading ----

@@ -80,6 +80,7 @@ class MasterData {
     std::string_view query = {};        // the table with the joined columns; otherwise the table
     std::string_view order = {};        // of lists; otherwise by id
     std::vector<std::string_view> further_keys = {};  // what else a sent row may hold
+    std::vector<StoredTable> further_tables = {};     // what belongs to a record elsewhere
 
     Role writer = Role::kAdministrator;
     // What a record must be to be written, what follows from one that is, and what a deletion does.
@@ -112,8 +113,8 @@ class MasterData {
 
   // Its components, as the server offers them.
   std::vector<ServerComponent> Components() const;
-  // The columns of its table.
-  StoredTable Table() const;
+  // Its tables with all their columns.
+  std::vector<StoredTable> Tables() const;
 
   // The rows of `ListOptions`, filtered and sorted. BadFilter, BadSort.
   Ref<Recordset> List(Database& db, Long options, std::string_view filter,
