@@ -113,6 +113,8 @@ class MasterData {
 
   // Its components, as the server offers them.
   std::vector<ServerComponent> Components() const;
+  // The columns of lists and details: id, version, then the others.
+  std::span<const Column> Columns() const { return shown_; }
   // Its tables with all their columns.
   std::vector<StoredTable> Tables() const;
 
@@ -153,8 +155,8 @@ class MasterData {
   std::string Changes(const Dictionary& stored, const Dictionary& record) const;
 
   Description description_;
-  std::vector<Column> shown_;   // of lists and details: id, version, then the others
-  std::vector<Column> stored_;  // those that are written
+  std::vector<Column> shown_;
+  std::vector<Column> stored_;  // those of them that are written
   std::deque<std::string> texts_;
   Right reading_, writing_;
   std::string_view info_prog_id_, update_prog_id_;
