@@ -113,7 +113,7 @@ class MasterData {
 
   // Its components, as the server offers them.
   std::vector<ServerComponent> Components() const;
-  // The columns of lists and details: id, version, then the others.
+  // The columns of its records: id, version, then the others.
   std::span<const Column> Columns() const { return shown_; }
   // Its tables with all their columns.
   std::vector<StoredTable> Tables() const;

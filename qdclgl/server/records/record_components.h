@@ -2,7 +2,8 @@
 //
 // Their rows are written once. What differs between kinds in names and help texts stands in them as
 // a word that the kind fills in (see MasterData): RecordID and RecordKey in parameters; {record},
-// {key} and the like in help texts.
+// {key} and the like in help texts. So the kind makes their class tables, and these classes and
+// those derived from them begin with QD_BASE_MEMBERS.
 #pragma once
 
 #include "qdclgl/frame/containers/recordset.h"
