@@ -4,8 +4,6 @@
 // begin with QD_IMPL_ are not for users.
 #pragma once
 
-#include "qdclgl/accounts/account_set.h"
-#include "qdclgl/accounts/currency.h"
 #include "qdclgl/api/class_list.h"
 #include "qdclgl/frame/containers/collection.h"
 #include "qdclgl/frame/containers/deep_copy.h"
@@ -24,7 +22,17 @@
 #include "qdclgl/frame/values/value_rules.h"
 #include "qdclgl/frame/vocabulary/errors.h"
 #include "qdclgl/frame/vocabulary/strings.h"
-#include "qdclgl/settings/system_profile.h"
 #include "qdclgl/version.h"
+
+// The classes of the subsystems.
+// BEGIN headers (scripts/update-derived)
+#include "qdclgl/accounts/account.h"
+#include "qdclgl/accounts/account_set.h"
+#include "qdclgl/accounts/currency.h"
+#include "qdclgl/settings/system_profile.h"
+#include "qdclgl/vouchers/voucher.h"
+#include "qdclgl/vouchers/voucher_detail.h"
+#include "qdclgl/vouchers/voucher_entry.h"
 #include "qdclgl/vouchers/voucher_group.h"
 #include "qdclgl/vouchers/voucher_set.h"
+// END headers

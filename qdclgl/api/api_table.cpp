@@ -27,22 +27,22 @@ std::vector<ApiRow> ApiRows() {
   for (const ClassTable* public_class : PublicClasses()) {
     if (public_class->takes_context()) {
       rows.push_back({.class_name = public_class->name(),
-                      .member = "ISetXactContext_SetTransactionContext",
-                      .kind = "method",
+                      .member = "ISetXactContext.SetTransactionContext",
+                      .kind = "interface",
                       .type = "none",
                       .arguments = "xa:Object",
                       .help = "Hands over the transaction context."});
     }
     for (const ClassMember& member : public_class->members()) {
-      const auto add = [&](std::string_view kind, Invoker invoker) {
+      const auto add = [&](std::string_view kind, Invoker invoker, std::string clear = "") {
         if (invoker == nullptr) return;
         rows.push_back({public_class->name(), member.ordinal, member.row.name, kind,
                         member.row.type, ArgumentText(member), member.row.options.is_default_member,
-                        member.row.help});
+                        member.row.key, std::move(clear), member.row.help});
       };
       add("method", member.row.method);
       add("get", member.row.get);
-      add("let", member.row.let);
+      add("let", member.row.let, member.row.options.clear_value.ToText());
       add("set", member.row.set);
     }
   }
@@ -50,13 +50,14 @@ std::vector<ApiRow> ApiRows() {
 }
 
 std::string ApiTable(const std::vector<ApiRow>& rows) {
-  std::string table = "class\tordinal\tmember\tkind\ttype\targs\tdefault\n";
+  std::string table = "class\tordinal\tmember\tkind\ttype\targs\tdefault\tkey\tclear\n";
   for (const ApiRow& row : rows) {
     const std::string place = std::to_string(row.ordinal);
     table += row.class_name;
     for (const std::string_view cell :
          {std::string_view(place), row.member, row.kind, row.type, std::string_view(row.arguments),
-          std::string_view(row.is_default ? "default" : "")}) {
+          std::string_view(row.is_default ? "default" : ""), row.key,
+          std::string_view(row.clear)}) {
       table += '\t';
       table += cell;
     }

@@ -11,13 +11,15 @@ namespace qdclgl {
 // One way of using a member.
 struct ApiRow {
   std::string_view class_name;
-  int ordinal = 0;
+  int ordinal = 0;  // 0 for a method of another interface of the class
   std::string_view member;
-  std::string_view kind;  // method, get, let or set
+  std::string_view kind;  // method, get, let, set, or interface
   std::string_view type;
   std::string arguments;
   bool is_default = false;
-  std::string_view help;
+  std::string_view key = {};  // of the object's row, where the member is a value under one
+  std::string clear = {};     // the value whose writing removes the key
+  std::string_view help = {};
 };
 
 std::vector<ApiRow> ApiRows();

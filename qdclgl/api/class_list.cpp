@@ -13,11 +13,26 @@ namespace qdclgl {
 
 std::span<const ClassTable* const> PublicClasses() {
   static const std::array kClasses = {
-      &Property::Table(),         &Properties::Table(),      &VoucherGroup::Table(),
-      &VoucherGroupSet::Table(),  &VoucherSet::Table(),      &Voucher::Table(),
-      &VoucherEntry::Table(),     &VoucherEntrySet::Table(), &VoucherDetail::Table(),
-      &VoucherDetailSet::Table(), &SystemProfile::Table(),   &Account::Table(),
-      &AccountSet::Table(),       &Currencyx::Table(),       &CurrencySet::Table(),
+      // Of the frame.
+      &Property::Table(), &Properties::Table(),
+      // Of the subsystems.
+      // clang-format off
+      // BEGIN classes (scripts/update-derived)
+      &Account::Table(),
+      &AccountSet::Table(),
+      &Currencyx::Table(),
+      &CurrencySet::Table(),
+      &SystemProfile::Table(),
+      &Voucher::Table(),
+      &VoucherDetail::Table(),
+      &VoucherDetailSet::Table(),
+      &VoucherEntry::Table(),
+      &VoucherEntrySet::Table(),
+      &VoucherGroup::Table(),
+      &VoucherGroupSet::Table(),
+      &VoucherSet::Table(),
+      // END classes
+      // clang-format on
   };
   return kClasses;
 }

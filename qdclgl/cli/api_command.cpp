@@ -36,6 +36,8 @@ void PrintJson(std::ostream& out, Classes classes) {
                          {"type", row.type},
                          {"arguments", row.arguments},
                          {"default", row.is_default},
+                         {"key", row.key},
+                         {"clear", row.clear},
                          {"help", row.help}});
     }
     reference.push_back({{"class", table->name()},

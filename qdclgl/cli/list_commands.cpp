@@ -1,65 +1,16 @@
-// The lists: accounts, currencies, voucher groups, vouchers, users, and the audit trail.
-#include "qdclgl/accounts/account_set.h"
-#include "qdclgl/accounts/currency.h"
+// The lists of the books: a command for each list that a server component names.
+#include <algorithm>
+#include <sstream>
+
 #include "qdclgl/cli/program.h"
-#include "qdclgl/vouchers/voucher_group.h"
-#include "qdclgl/vouchers/voucher_set.h"
+#include "qdclgl/frame/containers/recordset.h"
+#include "qdclgl/frame/session/server_gateway.h"
+#include "qdclgl/server/access/audit.h"
+#include "qdclgl/server/server.h"
 
 namespace qdclgl::cli {
 
 namespace {
-
-// The rows of a list of the library.
-template <class Set>
-Ref<Recordset> Fetch(const std::string&, const std::string& filter, const std::string& sort) {
-  const auto set = Make<Set>();
-  set->Filter(filter);
-  set->Sort(sort);
-  set->Refresh();
-  return set->RecordSet();
-}
-
-// The rows of a list that the server alone has.
-Ref<Recordset> FetchFrom(const char* component, const std::string& props, const std::string& filter,
-                         const std::string& sort) {
-  return CreateObject(component)->Call("GetList", props, filter, sort).As<Recordset>();
-}
-Ref<Recordset> FetchAudit(const std::string& props, const std::string& filter,
-                          const std::string& sort) {
-  return FetchFrom("QDSVGLAudit.AuditInfo", props, filter, sort);
-}
-Ref<Recordset> FetchUsers(const std::string& props, const std::string& filter,
-                          const std::string& sort) {
-  return FetchFrom("QDSVGLUser.UserInfo", props, filter, sort);
-}
-
-constexpr std::string_view kAccountColumns[] = {"FAccountID", "FNumber", "FName", "FDC", "FDetail"};
-constexpr std::string_view kCurrencyColumns[] = {"FCurrencyID", "FNumber", "FName", "FExchangeRate",
-                                                 "FOperator"};
-constexpr std::string_view kGroupColumns[] = {"FGroupID", "FName"};
-constexpr std::string_view kVoucherColumns[] = {
-    "FVoucherID",  "FDate",    "FGroup",    "FNumber",  "FReference", "FExplanation",
-    "FDebitTotal", "FChecked", "FApprover", "FCashier", "FPosted"};
-constexpr std::string_view kUserColumns[] = {"FUserID", "FName", "FRoles", "FDisabled"};
-constexpr std::string_view kAuditColumns[] = {"FTime",   "FUserName", "FSubject", "FRecordID",
-                                              "FRecord", "FAction",   "FChanges"};
-
-struct List {
-  const char* name;
-  const char* help;
-  std::span<const std::string_view> columns;  // of the plain table
-  Ref<Recordset> (*fetch)(const std::string& props, const std::string& filter,
-                          const std::string& sort);
-};
-
-constexpr List kLists[] = {
-    {"accounts", "Lists the chart of accounts", kAccountColumns, Fetch<AccountSet>},
-    {"currencies", "Lists the currencies", kCurrencyColumns, Fetch<CurrencySet>},
-    {"groups", "Lists the voucher groups", kGroupColumns, Fetch<VoucherGroupSet>},
-    {"vouchers", "Lists the vouchers", kVoucherColumns, Fetch<VoucherSet>},
-    {"users", "Lists the users of the books", kUserColumns, FetchUsers},
-    {"audit", "Tells who did what, and when", kAuditColumns, FetchAudit},
-};
 
 struct ListOptions {
   Login login;
@@ -69,7 +20,34 @@ struct ListOptions {
   Long voucher = 0;
 };
 
-int Print(const List& list, const ListOptions& options, const Console& console) {
+// The components that have a list, by its name.
+std::vector<const server::ServerComponent*> Listing() {
+  std::vector<const server::ServerComponent*> listing;
+  for (const server::ServerComponent& component : server::ServerComponents()) {
+    if (component.list != nullptr) listing.push_back(&component);
+  }
+  std::ranges::sort(listing, {}, [](const auto* component) { return component->list->name; });
+  return listing;
+}
+
+// The rows of a component's GetList. What it takes besides filter and sort is left at its zero.
+Ref<Recordset> Fetch(const server::ServerComponent& component, const std::string& props,
+                     const std::string& filter, const std::string& sort) {
+  std::vector<Argument> arguments;
+  for (const MemberParameter& parameter : component.table->Find("GetList")->parameters) {
+    if (parameter.name == "PropsString") arguments.emplace_back(props);
+    else if (parameter.name == "Filter") arguments.emplace_back(filter);
+    else if (parameter.name == "Sort") arguments.emplace_back(sort);
+    else if (parameter.optional) arguments.emplace_back(Missing);
+    else arguments.emplace_back(Long{0});
+  }
+  return CreateObject(component.prog_id)
+      ->Invoke("GetList", CallKind::kMethod, arguments)
+      .As<Recordset>();
+}
+
+int Print(const server::ServerComponent& component, const ListOptions& options,
+          const Console& console) {
   const std::string props = options.login.Open();
   std::string filter = options.filter;
   if (options.voucher != 0) {
@@ -77,24 +55,26 @@ int Print(const List& list, const ListOptions& options, const Console& console) 
         "FSubject = 'Voucher' AND FRecordID = " + std::to_string(options.voucher);
     filter = filter.empty() ? one : one + " AND (" + filter + ")";
   }
-  WriteRecordset(console.out, options.format, list.fetch(props, filter, options.sort),
-                 list.columns);
+  std::istringstream words{std::string(component.list->columns)};
+  const std::vector<std::string> columns{std::istream_iterator<std::string>(words), {}};
+  WriteRecordset(console.out, options.format, Fetch(component, props, filter, options.sort),
+                 std::vector<std::string_view>(columns.begin(), columns.end()));
   return kDone;
 }
 
 }  // namespace
 
 void AddListCommands(Program& program) {
-  for (const List& list : kLists) {
+  for (const server::ServerComponent* component : Listing()) {
     const auto options = std::make_shared<ListOptions>();
     CLI::App* command = program.AddForBooks(
-        list.name, list.help, options->login,
-        [options, &program, &list] { return Print(list, *options, program.console()); });
+        std::string(component->list->name), std::string(component->list->help), options->login,
+        [options, &program, component] { return Print(*component, *options, program.console()); });
     command->add_option("--filter", options->filter, "Which rows: \"FNumber LIKE '1%'\"")
         ->type_name("FILTER");
     command->add_option("--sort", options->sort, "In which order: \"FNumber DESC, FName\"")
         ->type_name("COLUMNS");
-    if (list.fetch == FetchAudit) {
+    if (component->prog_id == server::AuditInfo::kProgID) {
       AddWhole(*command, "--voucher", options->voucher, "The deeds on this voucher alone");
     }
     AddFormat(*command, options->format);

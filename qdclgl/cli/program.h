@@ -73,7 +73,7 @@ CLI::Option* AddWhole(CLI::App& command, const std::string& name, Long& value,
 // The families of commands, each in the file of that name.
 void AddBooksCommands(Program& program);    // init, upgrade, close, reopen, doctor
 void AddImportCommand(Program& program);    // import
-void AddListCommands(Program& program);     // accounts, currencies, groups, vouchers, users, audit
+void AddListCommands(Program& program);     // one for each list of the books
 void AddVoucherCommands(Program& program);  // voucher, and the steps from check to remove
 void AddBalanceCommand(Program& program);   // balance
 void AddUserCommand(Program& program);      // user

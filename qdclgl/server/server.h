@@ -7,18 +7,12 @@
 #pragma once
 
 #include <span>
-#include <string_view>
 
-#include "qdclgl/frame/objects/class_table.h"
+#include "qdclgl/server/access/component.h"
 
 namespace qdclgl::server {
 
-struct ServerComponent {
-  std::string_view prog_id;
-  const ClassTable* table;
-};
-
-// Every component with the members that callers reach.
+// Every component with the members that callers reach, by ProgID.
 std::span<const ServerComponent> ServerComponents();
 
 // Makes them known to this process under their ProgIDs.

@@ -75,9 +75,9 @@ void AppendClass(ITypeInfo* coclass, std::vector<std::string>& lines, std::strin
     coclass->GetRefTypeInfo(reference, context.Put());
     FUNCDESC* function = nullptr;
     context->GetFuncDesc(0, &function);
-    lines.push_back(
-        name + "\t0\t" + NameOf(context.get()) + "_" + NameOf(context.get(), function->memid) +
-        "\tmethod\tnone\txa:" + Word(context.get(), function->lprgelemdescParam[0].tdesc) + "\t");
+    lines.push_back(name + "\t0\t" + NameOf(context.get()) + "." +
+                    NameOf(context.get(), function->memid) + "\tinterface\tnone\txa:" +
+                    Word(context.get(), function->lprgelemdescParam[0].tdesc) + "\t");
     context->ReleaseFuncDesc(function);
   }
 
@@ -130,8 +130,8 @@ void AppendClass(ITypeInfo* coclass, std::vector<std::string>& lines, std::strin
   if (HelpOf(coclass).empty() || HelpOf(info.get()).empty()) without_help += " " + name;
 }
 
-// The API table's lines without the values of defaults, and with "Object" for a class that the type
-// library doesn't hold.
+// The API table's lines without the values of defaults and without what a type library doesn't tell
+// (keys and clear values), and with "Object" for a class that it doesn't hold.
 std::vector<std::string> PrintedLines(const char* path, const std::set<std::string>& classes) {
   static const std::set<std::string> kWords = {"none",   "Boolean", "Integer",  "Long",
                                                "Single", "Double",  "Currency", "Date",
@@ -143,7 +143,11 @@ std::vector<std::string> PrintedLines(const char* path, const std::set<std::stri
   std::vector<std::string> lines;
   std::string line;
   std::getline(file, line);
+  constexpr int kTold = 7;  // columns
   while (std::getline(file, line)) {
+    std::size_t end = 0;
+    for (int i = 0; i < kTold; ++i) end = line.find('\t', end == 0 ? 0 : end + 1);
+    line.resize(std::min(end, line.size()));
     std::string plain, word;
     int column = 0;
     enum { kText, kType, kDefault } part = kText;

@@ -9,7 +9,9 @@
 #include <iostream>
 #include <regex>
 #include <set>
+#include <sstream>
 
+#include "qdclgl/server/server.h"
 #include "tests/cli/cli_fixture.h"
 
 namespace qdclgl::cli::testing {
@@ -33,6 +35,23 @@ TEST(Program, HelpAndVersionGoToTheOutput) {
     EXPECT_EQ(RunProgram({name, "--help"}).code, 0) << name;
   }
   EXPECT_EQ(RunProgram({"--version"}).code, 0);
+}
+
+TEST(Program, EachListOfTheServerIsACommand) {
+  const Folder folder;
+  const std::string book = folder.Path("books.db");
+  ASSERT_EQ(RunProgram({"init", book, "--year", "2024"}).code, 0);
+  for (const server::ServerComponent& component : server::ServerComponents()) {
+    if (component.list == nullptr) continue;
+    const RunResult plain = RunProgram({std::string(component.list->name), book});
+    EXPECT_EQ(plain.code, 0) << component.list->name << ": " << plain.err;
+    // The headings are the list's columns in their order.
+    std::istringstream headings(plain.out.substr(0, plain.out.find('\n')));
+    std::istringstream columns{std::string(component.list->columns)};
+    EXPECT_TRUE(std::equal(std::istream_iterator<std::string>(headings), {},
+                           std::istream_iterator<std::string>(columns), {}))
+        << plain.out;
+  }
 }
 
 TEST(Program, WrongUsageIsOneLineAndTwo) {

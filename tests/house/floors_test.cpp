@@ -43,6 +43,7 @@ const std::vector<Floor> kFloors = {
     {"qdclgl/server", {"qdclgl/server/books"}},
     {"qdclgl/automation", {"qdclgl/api"}},
     {"qdclgl/cli", {"qdclgl/api", "qdclgl/server"}},
+    {"qdclgl/derived", {"qdclgl/api", "qdclgl/server"}},
 };
 
 std::set<std::string> ReachedFrom(const std::string& folder) {

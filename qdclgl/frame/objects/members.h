@@ -33,6 +33,7 @@
 
 #include <array>
 #include <span>
+#include <string>
 #include <string_view>
 #include <tuple>
 #include <utility>
@@ -57,6 +58,16 @@ class RowLiteral {
   constexpr RowLiteral(const char* text) : kind_(Kind::kText), text_(text) {}
 
   constexpr bool given() const { return kind_ != Kind::kNone; }
+  // As a row would write it, "" when none is given.
+  std::string ToText() const {
+    switch (kind_) {
+      case Kind::kNone: return "";
+      case Kind::kNumber: return std::to_string(number_);
+      case Kind::kText: return '"' + std::string(text_) + '"';
+      case Kind::kBoolean: return number_ != 0 ? "true" : "false";
+    }
+    return "";
+  }
 
   // The value in a member's own type; none reads as that type's zero. A literal that doesn't fit
   // the type is no constant expression, and so a compile error on the row's line.
@@ -340,6 +351,12 @@ consteval MemberRow RowNamed(std::string_view name) {
 }
 
 }  // namespace detail
+
+// The rows of a class in interface order.
+template <class T>
+constexpr std::span<const MemberRow> RowsOf() {
+  return detail::kRows<T>;
+}
 
 // What a class table is made from.
 struct ClassDescription {

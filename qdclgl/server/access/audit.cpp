@@ -52,9 +52,11 @@ void WriteAudit(const Caller& caller, const Deed& deed) {
       deed.action, deed.origin, deed.changes);
 }
 
+StoredTable AuditTable() { return {"t_Audit", {std::begin(kColumns), std::end(kColumns)}}; }
+
 Ref<Recordset> AuditInfo::GetList(std::string_view PropsString, const String& Filter,
                                   const String& Sort) {
-  const Caller caller = Enter(PropsString, Role::kReader, "read the audit trail");
+  const Caller caller = Enter(PropsString, RightTo<AuditInfo>("GetList"));
   static constexpr ListSource kSource{"SELECT * FROM t_Audit", kColumns, "FAuditID"};
   return FetchList(caller.db, kSource, Filter, Sort);
 }

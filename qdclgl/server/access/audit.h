@@ -6,7 +6,8 @@
 
 #include "qdclgl/frame/containers/recordset.h"
 #include "qdclgl/frame/objects/members.h"
-#include "qdclgl/server/access/login.h"
+#include "qdclgl/server/access/component.h"
+#include "qdclgl/server/db/columns.h"
 
 namespace qdclgl::server {
 
@@ -24,11 +25,17 @@ struct Deed {
 
 void WriteAudit(const Caller& caller, const Deed& deed);
 
-// "QDSVGLAudit.AuditInfo": reads the trail.
+StoredTable AuditTable();
+
 class AuditInfo final : public Object {
   QD_MEMBERS(AuditInfo, Object, Creatable, "The audit trail.")
 
  public:
+  static constexpr std::string_view kProgID = "QDSVGLAudit.AuditInfo";
+  static constexpr MethodRight kRights[] = {{"GetList", {Role::kReader, "read the audit trail"}}};
+  static constexpr NamedList kList{"audit", "Tells who did what, and when",
+                                   "FTime FUserName FSubject FRecordID FRecord FAction FChanges"};
+
   QD_METHOD(Ref<Recordset>, GetList,
             (std::string_view PropsString, const String& Filter = {}, const String& Sort = {}),
             "The deeds, the oldest first unless Sort says otherwise: FAuditID, FTime (UTC), "

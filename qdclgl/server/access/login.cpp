@@ -119,7 +119,7 @@ unsigned RolesFrom(std::string_view text) {
   return roles;
 }
 
-Caller Enter(std::string_view props, Role role, std::string_view what) {
+Caller Enter(std::string_view props, const Right& right) {
   constexpr std::string_view kMark = "<>1";
   const bool marked = props.starts_with(kMark);
   if (marked) props.remove_prefix(kMark.size());
@@ -127,9 +127,9 @@ Caller Enter(std::string_view props, Role role, std::string_view what) {
   if (!session) {
     Refuse(refusal::kNotLoggedIn, "There is no session behind the connection text; log in first.");
   }
-  if (!session->May(role) && !(role == Role::kReader && session->roles != 0)) {
+  if (!session->May(right.role) && !(right.role == Role::kReader && session->roles != 0)) {
     Refuse(refusal::kNotPermitted, "User " + session->user_name + " (" + RolesText(session->roles) +
-                                       ") may not " + std::string(what) + ".");
+                                       ") may not " + std::string(right.what) + ".");
   }
   Database& db = Database::Of(session->connection);
   return {std::move(session), db, marked};

@@ -21,8 +21,12 @@ enum class Role : unsigned {
   kChecker = 4,         // checks and approves
   kCashier = 8,         // cashes
   kPoster = 16,         // posts, closes and reopens periods
-  kAdministrator = 32,  // all of it, and settings, accounts, currencies, groups, users
+  kAdministrator = 32,  // all of it, and what the books go by: settings, users, master data
 };
+
+constexpr Role operator|(Role left, Role right) {
+  return static_cast<Role>(static_cast<unsigned>(left) | static_cast<unsigned>(right));
+}
 
 // "reader, checker" from and to the bits of Role. BadValue for an unknown word.
 std::string RolesText(unsigned roles);
@@ -51,9 +55,15 @@ struct Caller {
   bool marked;  // the connection text stood behind the mark "<>1" of an automatic save
 };
 
-// The caller behind a PropsString. NotLoggedIn without a session, NotPermitted when the user's
-// roles do not include `role`; `what` says in that error what was asked for ("save a voucher").
-Caller Enter(std::string_view props, Role role, std::string_view what);
+// What a method asks of its caller: one of these roles, and what it does for them, as a refusal
+// tells it ("User ann (reader) may not save vouchers").
+struct Right {
+  Role role;
+  std::string_view what;
+};
+
+// The caller behind a PropsString. NotLoggedIn without a session, NotPermitted without the right.
+Caller Enter(std::string_view props, const Right& right);
 
 // A salted, memory-hard hash of a password.
 std::string HashedPassword(std::string_view password);
@@ -63,11 +73,12 @@ std::string HashedPassword(std::string_view password);
 enum class PasswordCost { kInteractive, kLeast };
 void SetPasswordCost(PasswordCost cost);
 
-// "QDSVGLSession.SessionUpdate": a component of this server.
 class SessionUpdate final : public Object {
   QD_MEMBERS(SessionUpdate, Object, Creatable, "Logs users in and out.")
 
  public:
+  static constexpr std::string_view kProgID = "QDSVGLSession.SessionUpdate";
+
   QD_METHOD(String, Login,
             (std::string_view ConnectionText, std::string_view UserName, std::string_view Password,
              Boolean Outer = false),
@@ -78,21 +89,23 @@ class SessionUpdate final : public Object {
             "Ends the session. NotLoggedIn when there is none.")
 };
 
-// "QDCMtsCacheService.CacheFacade": the session store's front.
 class CacheFacade final : public Object {
   QD_MEMBERS(CacheFacade, Object, Creatable, "The session store's front.")
 
  public:
+  static constexpr std::string_view kProgID = "QDCMtsCacheService.CacheFacade";
+
   QD_METHOD(Variant, GetItem, (Long ProcessID, std::string_view Key),
             "A session value of a process; IsOuterLogin is 1 for an outer login and 0 otherwise. "
             "Empty when there is none.")
 };
 
-// "QDCPropsMgr.ShareProps": the session store of ordinary logins.
 class ShareProps final : public Object {
   QD_MEMBERS(ShareProps, Object, Creatable, "The session store of ordinary logins.")
 
  public:
+  static constexpr std::string_view kProgID = "QDCPropsMgr.ShareProps";
+
   QD_METHOD(Variant, GetProperty, (Long ProcessID, std::string_view Key),
             "A session value of a process; Empty when there is none.")
 };

@@ -1,21 +1,12 @@
 #include "qdclgl/server/books/batch.h"
 
-#include "qdclgl/frame/objects/class_table.h"
-#include "qdclgl/server/access/login.h"
-
 namespace qdclgl::server {
 
 QD_DEFINE_MEMBERS(BatchUpdate)
 
 namespace {
 
-// Who may save anything at all: a batch holds up the saves of others.
-Database& BooksOf(std::string_view props) {
-  constexpr auto kAnyWriter = static_cast<Role>(
-      static_cast<unsigned>(Role::kPreparer) | static_cast<unsigned>(Role::kChecker) |
-      static_cast<unsigned>(Role::kCashier) | static_cast<unsigned>(Role::kPoster));
-  return Enter(props, kAnyWriter, "save in batches").db;
-}
+Database& BooksOf(std::string_view props) { return Enter(props, BatchUpdate::kSaveInBatches).db; }
 
 }  // namespace
 

@@ -87,7 +87,7 @@ Long BooksInfo::Version(std::string_view connection) {
 }
 
 Ref<Recordset> BooksInfo::Check(std::string_view PropsString) {
-  const Caller caller = Enter(PropsString, Role::kReader, "check the books");
+  const Caller caller = Enter(PropsString, RightTo<BooksInfo>("Check"));
   return CheckBooks(caller.db);
 }
 

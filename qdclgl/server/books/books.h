@@ -3,14 +3,16 @@
 
 #include "qdclgl/frame/containers/recordset.h"
 #include "qdclgl/frame/objects/members.h"
+#include "qdclgl/server/access/component.h"
 
 namespace qdclgl::server {
 
-// "QDSVGLBooks.BooksUpdate": a component of this server.
 class BooksUpdate final : public Object {
   QD_MEMBERS(BooksUpdate, Object, Creatable, "Makes and upgrades books.")
 
  public:
+  static constexpr std::string_view kProgID = "QDSVGLBooks.BooksUpdate";
+
   QD_METHOD(void, Create,
             (std::string_view ConnectionText, std::string_view CurrencyNumber, Long nYear = {},
              Long PeriodCount = 12, Long StartMonth = 1,
@@ -24,11 +26,13 @@ class BooksUpdate final : public Object {
             "returns the version they had. WrongSchema for books of a newer one.")
 };
 
-// "QDSVGLBooks.BooksInfo": a component of this server.
 class BooksInfo final : public Object {
   QD_MEMBERS(BooksInfo, Object, Creatable, "Looks at the books as a whole.")
 
  public:
+  static constexpr std::string_view kProgID = "QDSVGLBooks.BooksInfo";
+  static constexpr MethodRight kRights[] = {{"Check", {Role::kReader, "check the books"}}};
+
   QD_METHOD(Long, Version, (std::string_view ConnectionText),
             "The version of the books' schema, 0 when there are none in the database.")
   QD_METHOD(Ref<Recordset>, Check, (std::string_view PropsString),

@@ -29,6 +29,12 @@ struct Column {
   ColumnType type;
 };
 
+// A table of the database and all of its columns.
+struct StoredTable {
+  std::string_view name;
+  std::vector<Column> columns;
+};
+
 constexpr Storage StorageOf(ColumnType type) {
   switch (type) {
     case ColumnType::kDouble:

@@ -13,8 +13,9 @@ struct Migration {
   std::string_view sql;
 };
 
-// The first makes version 1 out of nothing, each further one the next version out of the one
-// before. A migration that has been released is never changed.
+// The files of db/migrations/, by their numbers. The first makes version 1 out of nothing, each
+// further one the next version out of the one before. A migration that has been released is never
+// changed.
 std::span<const Migration> Migrations();
 
 inline int CurrentSchemaVersion() { return static_cast<int>(Migrations().size()); }

@@ -23,7 +23,7 @@ void MoveTo(const Caller& caller, AccountingPeriod period, AccountingPeriod clos
 }  // namespace
 
 void PeriodUpdate::Close(std::string_view PropsString) {
-  const Caller caller = Enter(PropsString, Role::kPoster, "close periods");
+  const Caller caller = Enter(PropsString, RightTo<PeriodUpdate>("Close"));
   Transaction transaction(caller.db, Transaction::Kind::kChangeRules);
   const LedgerRules rules = LedgerRules::Of(caller.db);
   const AccountingPeriod current = rules.current;
@@ -45,7 +45,7 @@ void PeriodUpdate::Close(std::string_view PropsString) {
 }
 
 void PeriodUpdate::Reopen(std::string_view PropsString) {
-  const Caller caller = Enter(PropsString, Role::kPoster, "reopen periods");
+  const Caller caller = Enter(PropsString, RightTo<PeriodUpdate>("Reopen"));
   Transaction transaction(caller.db, Transaction::Kind::kChangeRules);
   const LedgerRules rules = LedgerRules::Of(caller.db);
   const AccountingPeriod current = rules.current;

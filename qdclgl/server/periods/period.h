@@ -1,15 +1,18 @@
 // Closing and reopening accounting periods.
 #pragma once
 
-#include "qdclgl/frame/objects/members.h"
+#include "qdclgl/server/access/component.h"
 
 namespace qdclgl::server {
 
-// "QDSVGLPeriod.PeriodUpdate": a component of this server.
 class PeriodUpdate final : public Object {
   QD_MEMBERS(PeriodUpdate, Object, Creatable, "Closes and reopens accounting periods.")
 
  public:
+  static constexpr std::string_view kProgID = "QDSVGLPeriod.PeriodUpdate";
+  static constexpr MethodRight kRights[] = {{"Close", {Role::kPoster, "close periods"}},
+                                            {"Reopen", {Role::kPoster, "reopen periods"}}};
+
   QD_METHOD(void, Close, (std::string_view PropsString),
             "Closes the current period: the books move on to the next one, and settings "
             "CurrentYear and CurrentPeriod of GL with them. NotAllPosted when a voucher of the "

@@ -9,7 +9,7 @@ namespace qdclgl::server {
 QD_DEFINE_MEMBERS(PeriodDate)
 
 Long PeriodDate::GetPeriod(std::string_view PropsString, const DateTime& d, Long& Period) {
-  const Caller caller = Enter(PropsString, Role::kReader, "read the calendar");
+  const Caller caller = Enter(PropsString, kRead);
   const AccountingPeriod period = LedgerRules::Of(caller.db).calendar.PeriodOf(d);
   Period = period.period;
   return period.year;
@@ -17,7 +17,7 @@ Long PeriodDate::GetPeriod(std::string_view PropsString, const DateTime& d, Long
 
 void PeriodDate::GetPeriodStartEnd(std::string_view PropsString, const Long& Period,
                                    const Long& nYear, DateTime& StartDate, DateTime& EndDate) {
-  const Caller caller = Enter(PropsString, Role::kReader, "read the calendar");
+  const Caller caller = Enter(PropsString, kRead);
   const Calendar::Span span = LedgerRules::Of(caller.db).calendar.SpanOf({nYear, Period});
   StartDate = span.start;
   EndDate = span.end;

@@ -1,15 +1,18 @@
 // The accounting calendar for callers.
 #pragma once
 
-#include "qdclgl/frame/objects/members.h"
+#include "qdclgl/server/access/component.h"
 
 namespace qdclgl::server {
 
-// "QDCPeriodDate.clsPeriodDate": the calendar for callers.
 class PeriodDate final : public Object {
   QD_MEMBERS(PeriodDate, Object, Creatable, "The accounting calendar of the books.")
 
  public:
+  static constexpr std::string_view kProgID = "QDCPeriodDate.clsPeriodDate";
+  static constexpr Right kRead{Role::kReader, "read the calendar"};
+  static constexpr MethodRight kRights[] = {{"GetPeriod", kRead}, {"GetPeriodStartEnd", kRead}};
+
   QD_METHOD(Long, GetPeriod, (std::string_view PropsString, const DateTime& d, Long& Period),
             "The accounting year of a date; its period comes back in Period. BadValue outside the "
             "years 100 to 9998.")

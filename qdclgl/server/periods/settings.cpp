@@ -109,7 +109,7 @@ AccountingPeriod CurrentPeriod(Database& db) { return LedgerRules::Of(db).curren
 
 Ref<Dictionary> ServerProfile::ListProfiles(std::string_view PropsString,
                                             std::string_view Category) {
-  const Caller caller = Enter(PropsString, Role::kReader, "read settings");
+  const Caller caller = Enter(PropsString, RightTo<ServerProfile>("ListProfiles"));
   auto list = Make<Dictionary>();
   for (const auto& [key, value] : caller.db.Query<std::string, std::string>(
            "SELECT FKey, FValue FROM t_SystemProfile WHERE FCategory = ? ORDER BY FKey",
@@ -122,7 +122,7 @@ Ref<Dictionary> ServerProfile::ListProfiles(std::string_view PropsString,
 
 void ServerProfile::SetProfile(std::string_view PropsString, const String& Category,
                                const String& ProfileID, const String& Value) {
-  const Caller caller = Enter(PropsString, Role::kAdministrator, "change settings");
+  const Caller caller = Enter(PropsString, RightTo<ServerProfile>("SetProfile"));
   const std::string_view category = CategoryNamed(Category);
   if (ProfileID.empty()) Refuse(refusal::kRequired, "A setting has a name.");
   if (Utf16Length(ProfileID) > kLongestName) {
@@ -140,7 +140,7 @@ void ServerProfile::SetProfile(std::string_view PropsString, const String& Categ
 }
 
 Boolean BaseInfo::IsNeedOffline(std::string_view PropsString, Integer, const String& ComputerName) {
-  const Caller caller = Enter(PropsString, Role::kReader, "ask the server");
+  const Caller caller = Enter(PropsString, RightTo<BaseInfo>("IsNeedOffline"));
   const std::string offline =
       caller.db
           .QueryValue<std::string>("SELECT FValue FROM t_SystemProfile WHERE FCategory = 'Base'"

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "qdclgl/frame/containers/dictionary.h"
-#include "qdclgl/frame/objects/members.h"
+#include "qdclgl/server/access/component.h"
 #include "qdclgl/server/db/database.h"
 #include "qdclgl/server/periods/calendar.h"
 
@@ -45,11 +45,16 @@ struct LedgerRules {
 
 AccountingPeriod CurrentPeriod(Database& db);
 
-// "QDSVBase.SystemProfile": reads and writes the settings.
+// Reads and writes the settings.
 class ServerProfile final : public Object {
   QD_MEMBERS(ServerProfile, Object, Creatable, "The settings of the books.")
 
  public:
+  static constexpr std::string_view kProgID = "QDSVBase.SystemProfile";
+  static constexpr MethodRight kRights[] = {
+      {"ListProfiles", {Role::kReader, "read settings"}},
+      {"SetProfile", {Role::kAdministrator, "change settings"}}};
+
   QD_METHOD(Ref<Dictionary>, ListProfiles,
             (std::string_view PropsString, std::string_view Category),
             "The settings of a category, key to text. UnknownCategory for one that is not of the "
@@ -62,11 +67,13 @@ class ServerProfile final : public Object {
             "for a calendar or a switch that can't be.")
 };
 
-// "QDSVBase.BaseInfo": questions about the server itself.
 class BaseInfo final : public Object {
   QD_MEMBERS(BaseInfo, Object, Creatable, "Questions about the server itself.")
 
  public:
+  static constexpr std::string_view kProgID = "QDSVBase.BaseInfo";
+  static constexpr MethodRight kRights[] = {{"IsNeedOffline", {Role::kReader, "ask the server"}}};
+
   QD_METHOD(Boolean, IsNeedOffline,
             (std::string_view PropsString, Integer AtLogin, const String& ComputerName),
             "Whether a client must work off line: True when setting Offline of category Base is "

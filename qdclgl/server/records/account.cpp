@@ -1,89 +1,24 @@
-#include "qdclgl/server/records/account.h"
-
+// The chart of accounts: a tree by number. "1000.01" stands below "1000". The server keeps the
+// accounts' place in the tree: parent, root, level, detail flag and full name.
 #include <algorithm>
 #include <set>
 
 #include "qdclgl/frame/containers/vector.h"
-#include "qdclgl/frame/objects/class_table.h"
 #include "qdclgl/frame/values/value_rules.h"
 #include "qdclgl/frame/vocabulary/text.h"
 #include "qdclgl/server/db/list.h"
 #include "qdclgl/server/db/refusals.h"
 #include "qdclgl/server/records/currency.h"
-#include "qdclgl/server/records/record.h"
+#include "qdclgl/server/records/record_save.h"
 
 namespace qdclgl::server {
 
-QD_DEFINE_MEMBERS(AccountInfo)
-QD_DEFINE_MEMBERS(AccountItemInfo)
-QD_DEFINE_MEMBERS(AccountUpdate)
+const MasterData& Accounts();
 
 namespace {
 
-constexpr std::string_view kChange = "change accounts";
-constexpr std::string_view kRead = "read accounts";
 constexpr std::string_view kItems = "_Items";
 constexpr std::size_t kLongestNumber = 40;
-
-const RecordTable& Accounts() {
-  using enum ColumnType;
-  using enum Keeper;
-  static const RecordTable kTable({
-      .subject = "Account",
-      .noun = "Account",
-      .table = "t_Account",
-      .id = "FAccountID",
-      .query = "SELECT a.*, c.FNumber AS FCurrencyNumber, c.FName AS FCurrencyName"
-               " FROM t_Account a JOIN t_Currency c ON c.FCurrencyID = a.FCurrencyID",
-      .order = "FNumber",
-      .deleted = "FDelete",
-      .columns = {{{"FNumber", kText}},
-                  {{"FName", kText}},
-                  {{"FFullName", kText}, kServer},
-                  {{"FLevel", kInteger}, kServer},
-                  {{"FDetail", kBoolean}, kServer},
-                  {{"FParentID", kLong}, kServer},
-                  {{"FRootID", kLong}, kServer},
-                  {{"FDC", kLong}},
-                  {{"FGroupID", kLong}},
-                  {{"FCurrencyID", kLong}, kCaller, kBaseCurrency},
-                  {{"FCurrencyNumber", kText}, kJoined},
-                  {{"FCurrencyName", kText}, kJoined},
-                  {{"FHelperCode", kText}},
-                  {{"FQuantities", kBoolean}},
-                  {{"FMeasureUnitID", kLong}},
-                  {{"FMeasureUnit", kText}},
-                  {{"FUnitGroupID", kLong}},
-                  {{"FUnitGroup", kText}, kServer},
-                  {{"FIsCash", kBoolean}},
-                  {{"FIsBank", kBoolean}},
-                  {{"FIsBudget", kBoolean}},
-                  {{"FIsBusi", kBoolean}},
-                  {{"FIsCashFlow", kBoolean}},
-                  {{"FJournal", kBoolean}},
-                  {{"FContact", kBoolean}},
-                  {{"FAdjustRate", kBoolean}},
-                  {{"FAcctint", kBoolean}},
-                  {{"FintRate", kSingle}},
-                  {{"FInterest", kBoolean}},
-                  {{"FLastIntDate", kDate}},
-                  {{"FAcnt", kBoolean}},
-                  {{"FAcntID", kLong}, kServer},
-                  {{"FAcntType", kLong}},
-                  {{"FIsAcnt", kBoolean}, kServer},
-                  {{"FControl", kLong}, kServer},
-                  {{"FControlSystem", kLong}},
-                  {{"FDetailID", kLong}, kServer},
-                  {{"FEarnAccountID", kLong}},
-                  {{"FSpecialType", kInteger}},
-                  {{"FMessage", kText}},
-                  {{"FViewMsg", kBoolean}},
-                  {{"FDelete", kBoolean}},
-                  {{"UUID", kText}}},
-      .further_keys = {kItems},
-  });
-  return kTable;
-}
 
 constexpr Column kItemColumns[] = {
     {"FAccountID", ColumnType::kLong},
@@ -137,9 +72,9 @@ void KeepDetailFlag(Database& db, Long id) {
 
 // Gives the record its place below the account that its number names. With `moves` the account is
 // new there, and the one above must be able to take it.
-void PlaceInTree(Database& db, RecordSave& save, bool moves) {
+void PlaceInTree(RecordSave& save, bool moves) {
+  Database& db = save.db();
   Dictionary& record = save.record();
-  const std::string called = Accounts().Called(record);
   const std::string parent_number = ParentNumber(save.Text("FNumber"));
   if (parent_number.empty()) {
     record.Put("FParentID", Long{0});
@@ -150,15 +85,15 @@ void PlaceInTree(Database& db, RecordSave& save, bool moves) {
   }
   const Long parent_id = Accounts().IdWith(db, "FNumber", parent_number);
   if (parent_id == 0 || parent_id == save.id()) {
-    Refuse(refusal::kNoParent, called + ": there is no account " + parent_number + " above it.");
+    save.Refuse(refusal::kNoParent, "there is no account " + parent_number + " above it.");
   }
   const Ref<Dictionary> parent = Accounts().Require(db, parent_id);
   if (parent->Value("FDelete").As<Boolean>() && !record.Value("FDelete").As<Boolean>()) {
-    Refuse(refusal::kNoParent, called + ": account " + parent_number + " above it is deleted.");
+    save.Refuse(refusal::kNoParent, "account " + parent_number + " above it is deleted.");
   }
   if (moves && IsUsedInVouchers(db, "FAccountID", parent_id)) {
-    Refuse(refusal::kParentInUse,
-           called + ": account " + parent_number + " above it has lines in vouchers.");
+    save.Refuse(refusal::kParentInUse,
+                "account " + parent_number + " above it has lines in vouchers.");
   }
   record.Put("FParentID", parent_id);
   record.Put("FRootID", parent->Value("FRootID"));
@@ -167,22 +102,20 @@ void PlaceInTree(Database& db, RecordSave& save, bool moves) {
 }
 
 // The full names of the accounts below begin with that of the account itself.
-void RenameBelow(Database& db, const RecordSave& save) {
+void RenameBelow(const RecordSave& save) {
   const auto old_name = save.stored().Value("FFullName").As<String>();
   const std::string prefix = save.Text("FNumber") + ".";
-  db.Execute("UPDATE t_Account SET FFullName = CAST(? AS TEXT) ||"
-             " substr(FFullName, length(CAST(? AS TEXT)) + 1)"
-             " WHERE substr(FNumber, 1, length(CAST(? AS TEXT))) = ?",
-             save.Text("FFullName"), old_name, prefix, prefix);
+  save.db().Execute("UPDATE t_Account SET FFullName = CAST(? AS TEXT) ||"
+                    " substr(FFullName, length(CAST(? AS TEXT)) + 1)"
+                    " WHERE substr(FNumber, 1, length(CAST(? AS TEXT))) = ?",
+                    save.Text("FFullName"), old_name, prefix, prefix);
 }
 
 // ---- Item classes ----
 
-void ReplaceItems(Database& db, Long account_id, const std::string& called, const Variant& items) {
-  db.Execute("DELETE FROM t_AccountItem WHERE FAccountID = ?", account_id);
-  const auto refuse = [&](const std::string& reason) {
-    Refuse(refusal::kBadValue, called + ": " + reason);
-  };
+void ReplaceItems(const RecordSave& save, const Variant& items) {
+  save.db().Execute("DELETE FROM t_AccountItem WHERE FAccountID = ?", save.id());
+  const auto refuse = [&](const std::string& reason) { save.Refuse(refusal::kBadValue, reason); };
   const auto* list =
       items.IsObject() ? dynamic_cast<const Vector*>(items.ObjectPointer()) : nullptr;
   if (list == nullptr) refuse("_Items is no Vector.");
@@ -207,65 +140,121 @@ void ReplaceItems(Database& db, Long account_id, const std::string& called, cons
     if (!classes.insert(id).second) {
       refuse("item class " + std::to_string(id) + " stands twice in _Items.");
     }
-    db.Execute(
+    save.db().Execute(
         "INSERT INTO t_AccountItem (FAccountID, FItemClassID, FItemClassNumber, FItemClassName)"
         " VALUES (?, ?, ?, ?)",
-        account_id, id, cell(columns[1]).As<String>(), cell(columns[2]).As<String>());
+        save.id(), id, cell(columns[1]).As<String>(), cell(columns[2]).As<String>());
   }
 }
 
 // ---- Saving ----
 
-void CheckCurrency(Database& db, const RecordSave& save, const std::string& called) {
+void CheckCurrency(const RecordSave& save) {
   const Long id = save.Number("FCurrencyID");
   const auto deleted =
-      db.QueryValue<bool>("SELECT FDeleted FROM t_Currency WHERE FCurrencyID = ?", id);
+      save.db().QueryValue<bool>("SELECT FDeleted FROM t_Currency WHERE FCurrencyID = ?", id);
   if (!deleted || (*deleted && save.Changes("FCurrencyID"))) {
-    Refuse(refusal::kBadCurrency,
-           called + ": there is no currency " + std::to_string(id) + (deleted ? " in use." : "."));
+    save.Refuse(refusal::kBadCurrency,
+                "there is no currency " + std::to_string(id) + (deleted ? " in use." : "."));
   }
 }
 
-void Save(Database& db, RecordSave& save, const Dictionary& sent) {
-  Dictionary& record = save.record();
-  record.Put("FNumber", ToUpper(save.Text("FNumber")));
-  save.RequireText("FNumber");
-  save.RequireText("FName");
-  const std::string called = Accounts().Called(record);
-  if (!IsAccountNumber(save.Text("FNumber"))) {
-    Refuse(refusal::kBadNumber,
-           called + ": a number has 1 to 40 letters, digits, \"-\" and \"_\", with single dots"
-                    " between the levels.");
-  }
-  save.RequireUnique("FNumber");
-  if (std::abs(save.Number("FDC")) > 1) {
-    Refuse(refusal::kBadValue, called + ": FDC is 0, 1 or -1.");
-  }
-  CheckCurrency(db, save, called);
+bool IsRenumbered(const RecordSave& save) { return !save.is_new() && save.Changes("FNumber"); }
 
-  const bool renumbered = !save.is_new() && save.Changes("FNumber");
-  if (renumbered) {
-    RefuseChildren(db, save.stored(), save.id(), true);
-    if (IsUsedInVouchers(db, "FAccountID", save.id())) {
+void Check(RecordSave& save) {
+  Dictionary& record = save.record();
+  save.RequireKey();
+  save.RequireText("FName");
+  if (!IsAccountNumber(save.Text("FNumber"))) {
+    save.Refuse(refusal::kBadNumber,
+                "a number has 1 to 40 letters, digits, \"-\" and \"_\", with single dots between"
+                " the levels.");
+  }
+  save.RequireUniqueKey();
+  if (std::abs(save.Number("FDC")) > 1) {
+    save.Refuse(refusal::kBadValue, "FDC is 0, 1 or -1.");
+  }
+  CheckCurrency(save);
+
+  if (IsRenumbered(save)) {
+    RefuseChildren(save.db(), save.stored(), save.id(), true);
+    if (IsUsedInVouchers(save.db(), "FAccountID", save.id())) {
       Refuse(refusal::kInUse,
              Accounts().Called(save.stored()) + ": it can't get another number, vouchers use it.");
     }
   }
   if (!save.is_new() && record.Value("FDelete").As<Boolean>()) {
-    RefuseChildren(db, save.stored(), save.id(), false);
+    RefuseChildren(save.db(), save.stored(), save.id(), false);
   }
-  PlaceInTree(db, save, save.is_new() || renumbered);
+  PlaceInTree(save, save.is_new() || IsRenumbered(save));
   if (save.is_new()) record.Put("FDetail", true);
-  save.Write();
+}
 
+void Follow(RecordSave& save) {
+  Database& db = save.db();
   db.Execute("UPDATE t_Account SET FRootID = FAccountID WHERE FAccountID = ? AND FParentID = 0",
              save.id());
-  if (!save.is_new() && save.Changes("FName")) RenameBelow(db, save);
-  if (renumbered) KeepDetailFlag(db, save.stored().Value("FParentID").As<Long>());
+  if (!save.is_new() && save.Changes("FName")) RenameBelow(save);
+  if (IsRenumbered(save)) KeepDetailFlag(db, save.stored().Value("FParentID").As<Long>());
   KeepDetailFlag(db, save.Number("FParentID"));
-  if (const Variant* items = sent.Find(kItems)) ReplaceItems(db, save.id(), called, *items);
-  save.Commit();
+  if (const Variant* items = save.sent().Find(kItems)) ReplaceItems(save, *items);
 }
+
+void Remove(RecordRemoval& removal) {
+  Database& db = removal.db();
+  const Long id = removal.id();
+  RefuseChildren(db, removal.stored(), id, true);
+  if (IsUsedInVouchers(db, "FAccountID", id)) removal.Refuse(refusal::kInUse, "vouchers use it.");
+  db.Execute("DELETE FROM t_Balance WHERE FAccountID = ?", id);  // zeros
+  db.Execute("DELETE FROM t_AccountItem WHERE FAccountID = ?", id);
+  removal.Remove();
+  KeepDetailFlag(db, removal.stored().Value("FParentID").As<Long>());
+}
+
+// ---- The components ----
+
+class AccountInfo final : public RecordInfo {
+  QD_BASE_MEMBERS(RecordInfo)
+
+ public:
+  using RecordInfo::RecordInfo;
+
+  QD_INHERITED(GetDetail)
+  QD_INHERITED(GetDetailByNumber)
+  QD_METHOD(Ref<Recordset>, GetList,
+            (std::string_view PropsString, const Long& ListOptions = {}, const String& Filter = {},
+             const String& Sort = {}, const Variant& Reserved = Missing,
+             const Long& DataAuthority = {}),
+            "The accounts; bit 1 of ListOptions includes those marked deleted. Every reader sees "
+            "all accounts, whatever the DataAuthority. BadFilter, BadSort.")
+  QD_METHOD(Long, ExistenceCheck,
+            (std::string_view PropsString, const Variant& AccountID = Missing,
+             const Variant& Number = Missing, const Variant& HelperCode = Missing),
+            "The id of the account with that id, or otherwise that number, or otherwise that "
+            "helper code (the first one saved); 0 when there is none.")
+  QD_METHOD(Boolean, CheckAccountInVoucher, (std::string_view PropsString, const Long& AccountID),
+            "Whether lines of vouchers, deleted ones too, use the account.")
+  QD_METHOD(Boolean, ExistsSpecialChild, (std::string_view PropsString, const Long& AccountID),
+            "Whether any account below has a special type.")
+  QD_METHOD(String, GetFullName,
+            (std::string_view PropsString, const Long& AccountID, const String& Separator = "_"),
+            "The names from the root to the account, joined by the separator. NotFound.")
+};
+
+// Reads what accounts are associated with.
+class AccountItemInfo final : public Object {
+  QD_MEMBERS(AccountItemInfo, Object, Creatable, "Reads the item classes of accounts.")
+
+ public:
+  static constexpr std::string_view kProgID = "QDSVGLAccount.AccountItemInfo";
+  static constexpr MethodRight kRights[] = {{"GetListByAccount", {Role::kReader, "read accounts"}}};
+
+  QD_METHOD(Ref<Recordset>, GetListByAccount, (std::string_view PropsString, const Long& AccountID),
+            "The item classes of an account: FAccountID, FItemClassID, FItemClassNumber, "
+            "FItemClassName.")
+};
+
+QD_DEFINE_MEMBERS(AccountItemInfo)
 
 // The accounts from the one given up to the root.
 std::vector<std::string> NamesUpwards(Database& db, Long id) {
@@ -280,50 +269,30 @@ std::vector<std::string> NamesUpwards(Database& db, Long id) {
   return names;
 }
 
-}  // namespace
-
-// ---- AccountInfo ----
-
-Ref<Dictionary> AccountInfo::GetDetail(std::string_view PropsString, const Long& AccountID) {
-  const Caller caller = Enter(PropsString, Role::kReader, kRead);
-  return Accounts().Read(caller.db, AccountID);
-}
-
-Ref<Dictionary> AccountInfo::GetDetailByNumber(std::string_view PropsString,
-                                               std::string_view Number) {
-  const Caller caller = Enter(PropsString, Role::kReader, kRead);
-  return Accounts().Read(caller.db, Accounts().IdWith(caller.db, "FNumber", ToUpper(Number)));
-}
-
 Ref<Recordset> AccountInfo::GetList(std::string_view PropsString, const Long& ListOptions,
                                     const String& Filter, const String& Sort, const Variant&,
                                     const Long&) {
-  const Caller caller = Enter(PropsString, Role::kReader, kRead);
-  return Accounts().List(caller.db, ListOptions, Filter, Sort);
+  return RecordInfo::GetList(PropsString, ListOptions, Filter, Sort);
 }
 
 Long AccountInfo::ExistenceCheck(std::string_view PropsString, const Variant& AccountID,
                                  const Variant& Number, const Variant& HelperCode) {
-  const Caller caller = Enter(PropsString, Role::kReader, kRead);
-  if (!AccountID.IsMissing()) {
-    const auto id = AccountID.As<Long>();
-    return Accounts().Read(caller.db, id) ? id : 0;
+  if (!AccountID.IsMissing() || !Number.IsMissing()) {
+    return RecordInfo::ExistenceCheck(PropsString, AccountID, Number);
   }
-  if (!Number.IsMissing()) {
-    return Accounts().IdWith(caller.db, "FNumber", ToUpper(Number.As<String>()));
-  }
+  const Caller caller = Enter(PropsString, kind().reading());
   const std::string code = HelperCode.IsMissing() ? std::string() : HelperCode.As<String>();
   // Accounts without a helper code are not to be found by it.
-  return code.empty() ? 0 : Accounts().IdWith(caller.db, "FHelperCode", code);
+  return code.empty() ? 0 : kind().IdWith(caller.db, "FHelperCode", code);
 }
 
 Boolean AccountInfo::CheckAccountInVoucher(std::string_view PropsString, const Long& AccountID) {
-  const Caller caller = Enter(PropsString, Role::kReader, kRead);
+  const Caller caller = Enter(PropsString, kind().reading());
   return IsUsedInVouchers(caller.db, "FAccountID", AccountID);
 }
 
 Boolean AccountInfo::ExistsSpecialChild(std::string_view PropsString, const Long& AccountID) {
-  const Caller caller = Enter(PropsString, Role::kReader, kRead);
+  const Caller caller = Enter(PropsString, kind().reading());
   const auto number = caller.db.QueryValue<std::string>(
       "SELECT FNumber FROM t_Account WHERE FAccountID = ?", AccountID);
   const std::string prefix = number.value_or("") + ".";
@@ -336,10 +305,10 @@ Boolean AccountInfo::ExistsSpecialChild(std::string_view PropsString, const Long
 
 String AccountInfo::GetFullName(std::string_view PropsString, const Long& AccountID,
                                 const String& Separator) {
-  const Caller caller = Enter(PropsString, Role::kReader, kRead);
+  const Caller caller = Enter(PropsString, kind().reading());
   const Transaction transaction(caller.db, Transaction::Kind::kRead);
   const std::vector<std::string> names = NamesUpwards(caller.db, AccountID);
-  if (names.empty()) Accounts().Require(caller.db, AccountID);
+  if (names.empty()) kind().Require(caller.db, AccountID);
   std::string full_name;
   for (auto name = names.rbegin(); name != names.rend(); ++name) {
     if (name != names.rbegin()) full_name += Separator;
@@ -348,48 +317,93 @@ String AccountInfo::GetFullName(std::string_view PropsString, const Long& Accoun
   return full_name;
 }
 
-// ---- AccountItemInfo ----
-
 Ref<Recordset> AccountItemInfo::GetListByAccount(std::string_view PropsString,
                                                  const Long& AccountID) {
-  const Caller caller = Enter(PropsString, Role::kReader, kRead);
+  const Caller caller = Enter(PropsString, RightTo<AccountItemInfo>("GetListByAccount"));
   const BoundValue id = std::int64_t{AccountID};
   return FetchList(
       caller.db, {"SELECT * FROM t_AccountItem WHERE FAccountID = ?", kItemColumns, "FItemClassID"},
       "", "", std::span(&id, 1));
 }
 
-// ---- AccountUpdate ----
+}  // namespace
 
-Long AccountUpdate::Create(std::string_view PropsString, const Ref<Dictionary>& dict) {
-  const Caller caller = Enter(PropsString, Role::kAdministrator, kChange);
-  RecordSave save(caller, Accounts(), dict);
-  Save(caller.db, save, *dict);
-  return save.id();
-}
-
-void AccountUpdate::Update(std::string_view PropsString, const Long& AccountID,
-                           const Ref<Dictionary>& dict) {
-  const Caller caller = Enter(PropsString, Role::kAdministrator, kChange);
-  RecordSave save(caller, Accounts(), dict, AccountID);
-  Save(caller.db, save, *dict);
-}
-
-void AccountUpdate::Delete(std::string_view PropsString, const Long& AccountID,
-                           std::string_view MachineName, std::string_view IPAddress) {
-  const Caller caller = Enter(PropsString, Role::kAdministrator, kChange);
-  Transaction transaction(caller.db, Transaction::Kind::kChangeRules);
-  const Ref<Dictionary> account = Accounts().Require(caller.db, AccountID);
-  RefuseChildren(caller.db, *account, AccountID, true);
-  if (IsUsedInVouchers(caller.db, "FAccountID", AccountID)) {
-    Refuse(refusal::kInUse, Accounts().Called(*account) + ": vouchers use it.");
-  }
-  caller.db.Execute("DELETE FROM t_Balance WHERE FAccountID = ?", AccountID);  // zeros
-  caller.db.Execute("DELETE FROM t_AccountItem WHERE FAccountID = ?", AccountID);
-  Accounts().Remove(caller.db, AccountID);
-  KeepDetailFlag(caller.db, account->Value("FParentID").As<Long>());
-  AuditDeletion(caller, Accounts(), *account, MachineName, IPAddress);
-  transaction.Commit();
+const MasterData& Accounts() {
+  using enum ColumnType;
+  using enum Keeper;
+  static const MasterData kKind({
+      .component = "QDSVGLAccount.Account",
+      .noun = "account",
+      .nouns = "accounts",
+      .list = {"accounts", "Lists the chart of accounts", "FAccountID FNumber FName FDC FDetail"},
+      .table = "t_Account",
+      .id = "FAccountID",
+      .key = {.column = "FNumber", .ignores_case = true},
+      .deleted = "FDelete",
+      .columns = {{{"FNumber", kText}},
+                  {{"FName", kText}},
+                  {{"FFullName", kText}, kServer},
+                  {{"FLevel", kInteger}, kServer},
+                  {{"FDetail", kBoolean}, kServer},
+                  {{"FParentID", kLong}, kServer},
+                  {{"FRootID", kLong}, kServer},
+                  {{"FDC", kLong}},
+                  {{"FGroupID", kLong}},
+                  {{"FCurrencyID", kLong}, kCaller, kBaseCurrency},
+                  {{"FCurrencyNumber", kText}, kJoined},
+                  {{"FCurrencyName", kText}, kJoined},
+                  {{"FHelperCode", kText}},
+                  {{"FQuantities", kBoolean}},
+                  {{"FMeasureUnitID", kLong}},
+                  {{"FMeasureUnit", kText}},
+                  {{"FUnitGroupID", kLong}},
+                  {{"FUnitGroup", kText}, kServer},
+                  {{"FIsCash", kBoolean}},
+                  {{"FIsBank", kBoolean}},
+                  {{"FIsBudget", kBoolean}},
+                  {{"FIsBusi", kBoolean}},
+                  {{"FIsCashFlow", kBoolean}},
+                  {{"FJournal", kBoolean}},
+                  {{"FContact", kBoolean}},
+                  {{"FAdjustRate", kBoolean}},
+                  {{"FAcctint", kBoolean}},
+                  {{"FintRate", kSingle}},
+                  {{"FInterest", kBoolean}},
+                  {{"FLastIntDate", kDate}},
+                  {{"FAcnt", kBoolean}},
+                  {{"FAcntID", kLong}, kServer},
+                  {{"FAcntType", kLong}},
+                  {{"FIsAcnt", kBoolean}, kServer},
+                  {{"FControl", kLong}, kServer},
+                  {{"FControlSystem", kLong}},
+                  {{"FDetailID", kLong}, kServer},
+                  {{"FEarnAccountID", kLong}},
+                  {{"FSpecialType", kInteger}},
+                  {{"FMessage", kText}},
+                  {{"FViewMsg", kBoolean}},
+                  {{"FDelete", kBoolean}},
+                  {{"UUID", kText}}},
+      .query = "SELECT a.*, c.FNumber AS FCurrencyNumber, c.FName AS FCurrencyName"
+               " FROM t_Account a JOIN t_Currency c ON c.FCurrencyID = a.FCurrencyID",
+      .order = "FNumber",
+      .further_keys = {kItems},
+      .further_tables = {{"t_AccountItem", {std::begin(kItemColumns), std::end(kItemColumns)}}},
+      .check = Check,
+      .follow = Follow,
+      .remove = Remove,
+      .info = RecordClassOf<AccountInfo>(),
+      .errors = "Required, BadNumber, NumberTaken, NoParent, ParentInUse, HasChildren, "
+                "BadCurrency, BadValue",
+      .helps = {{"Create", "Saves a new account; its id and version come back in the row too. A "
+                           "key _Items replaces its item classes. Errors: {errors}."},
+                {"Update", "Saves an account; the new version comes back in the row. An account "
+                           "that vouchers use keeps its number (InUse), and so does one with "
+                           "accounts below (HasChildren). Further errors: NotFound, NoVersion, "
+                           "Changed, and those of Create."},
+                {"Delete", "Removes an account. Errors: NotFound, InUse, HasChildren."}},
+      .components = {ComponentOf<AccountItemInfo>()},
+  });
+  return kKind;
 }
 
 }  // namespace qdclgl::server

@@ -1,30 +1,60 @@
+// Currencies. Currency 1 is the base currency, in which vouchers balance.
 #include "qdclgl/server/records/currency.h"
 
-#include "qdclgl/frame/objects/class_table.h"
 #include "qdclgl/frame/values/value_rules.h"
-#include "qdclgl/frame/vocabulary/text.h"
 #include "qdclgl/server/db/refusals.h"
-#include "qdclgl/server/records/record.h"
+#include "qdclgl/server/records/record_save.h"
 
 namespace qdclgl::server {
 
-QD_DEFINE_MEMBERS(CurrencyInfo)
-QD_DEFINE_MEMBERS(CurrencyUpdate)
-
 namespace {
 
-constexpr std::string_view kChange = "change currencies";
-constexpr std::string_view kRead = "read currencies";
+void Check(RecordSave& save) {
+  save.RequireKey();
+  if (!IsValidCode(save.Text("FNumber"), 8, false)) {
+    save.Refuse(refusal::kBadNumber, "a number has 1 to 8 letters, digits and underscores.");
+  }
+  save.RequireUniqueKey();
+  const auto rate = save.record().Value("FExchangeRate").As<Double>();
+  if (rate == 0) save.Refuse(refusal::kBadValue, "FExchangeRate can't be 0.");
+  if (!save.is_new() && save.id() == kBaseCurrency && rate != 1) {
+    save.Refuse(refusal::kBadValue, "FExchangeRate of the base currency is 1.");
+  }
+  const std::string sign = save.Text("FOperator");
+  if (sign != "*" && sign != "/") save.Refuse(refusal::kBadValue, "FOperator is * or /.");
+}
 
-const RecordTable& Currencies() {
+void Remove(RecordRemoval& removal) {
+  if (removal.id() == kBaseCurrency) {
+    removal.Refuse(refusal::kInUse, "the base currency can't be deleted.");
+  }
+  Database& db = removal.db();
+  const bool used =
+      IsUsedInVouchers(db, "FCurrencyID", removal.id()) ||
+      db.QueryValue<int>("SELECT 1 FROM t_Account WHERE FCurrencyID = ? LIMIT 1", removal.id());
+  if (!used) {
+    db.Execute("DELETE FROM t_Balance WHERE FCurrencyID = ?", removal.id());  // zeros
+    removal.Remove();
+  } else if (removal.stored().Value("FDeleted").As<Boolean>()) {
+    removal.Refuse(refusal::kInUse, "it is marked deleted already; accounts or vouchers use it.");
+  } else {
+    removal.Mark();
+  }
+}
+
+}  // namespace
+
+const MasterData& Currencies() {
   using enum ColumnType;
-  static const RecordTable kTable({
-      .subject = "Currency",
-      .noun = "Currency",
+  static const MasterData kKind({
+      .component = "QDSVGLCurrency.Currency",
+      .noun = "currency",
+      .nouns = "currencies",
+      .list = {"currencies", "Lists the currencies",
+               "FCurrencyID FNumber FName FExchangeRate FOperator"},
       .table = "t_Currency",
       .id = "FCurrencyID",
-      .query = "SELECT * FROM t_Currency",
-      .order = "FCurrencyID",
+      .key = {.column = "FNumber", .ignores_case = true},
       .deleted = "FDeleted",
       .columns = {{{"FNumber", kText}},
                   {{"FName", kText}},
@@ -34,99 +64,15 @@ const RecordTable& Currencies() {
                   {{"FFixRate", kInteger}},
                   {{"FDeleted", kBoolean}, Keeper::kServer},
                   {{"UUID", kText}}},
+      .check = Check,
+      .remove = Remove,
+      .errors = "Required, BadNumber, NumberTaken, BadValue",
+      .helps = {{"Delete",
+                 "Removes a currency; one that accounts or vouchers use is marked deleted instead. "
+                 "NotFound; InUse for the base currency, and for one that is used and marked "
+                 "already."}},
   });
-  return kTable;
-}
-
-void Save(RecordSave& save) {
-  const std::string number = ToUpper(save.Text("FNumber"));
-  save.record().Put("FNumber", number);
-  save.RequireText("FNumber");
-  const std::string called = Currencies().Called(save.record());
-  if (!IsValidCode(number, 8, false)) {
-    Refuse(refusal::kBadNumber, called + ": a number has 1 to 8 letters, digits and underscores.");
-  }
-  save.RequireUnique("FNumber");
-  const auto rate = save.record().Value("FExchangeRate").As<Double>();
-  if (rate == 0) Refuse(refusal::kBadValue, called + ": FExchangeRate can't be 0.");
-  if (!save.is_new() && save.id() == kBaseCurrency && rate != 1) {
-    Refuse(refusal::kBadValue, called + ": FExchangeRate of the base currency is 1.");
-  }
-  const std::string sign = save.Text("FOperator");
-  if (sign != "*" && sign != "/") Refuse(refusal::kBadValue, called + ": FOperator is * or /.");
-  save.Write();
-  save.Commit();
-}
-
-}  // namespace
-
-Ref<Dictionary> CurrencyInfo::GetDetail(std::string_view PropsString, const Long& CurrencyID) {
-  const Caller caller = Enter(PropsString, Role::kReader, kRead);
-  return Currencies().Read(caller.db, CurrencyID);
-}
-
-Ref<Dictionary> CurrencyInfo::GetDetailByNumber(std::string_view PropsString,
-                                                std::string_view Number) {
-  const Caller caller = Enter(PropsString, Role::kReader, kRead);
-  return Currencies().Read(caller.db, Currencies().IdWith(caller.db, "FNumber", ToUpper(Number)));
-}
-
-Ref<Recordset> CurrencyInfo::GetList(std::string_view PropsString, const Long& ListOptions,
-                                     const String& Filter, const String& Sort) {
-  const Caller caller = Enter(PropsString, Role::kReader, kRead);
-  return Currencies().List(caller.db, ListOptions, Filter, Sort);
-}
-
-Long CurrencyInfo::ExistenceCheck(std::string_view PropsString, const Variant& CurrencyID,
-                                  const Variant& Number) {
-  const Caller caller = Enter(PropsString, Role::kReader, kRead);
-  if (!CurrencyID.IsMissing()) {
-    const auto id = CurrencyID.As<Long>();
-    return Currencies().Read(caller.db, id) ? id : 0;
-  }
-  if (Number.IsMissing()) return 0;
-  return Currencies().IdWith(caller.db, "FNumber", ToUpper(Number.As<String>()));
-}
-
-Long CurrencyUpdate::Create(std::string_view PropsString, const Ref<Dictionary>& dict) {
-  const Caller caller = Enter(PropsString, Role::kAdministrator, kChange);
-  RecordSave save(caller, Currencies(), dict);
-  Save(save);
-  return save.id();
-}
-
-void CurrencyUpdate::Update(std::string_view PropsString, const Long& CurrencyID,
-                            const Ref<Dictionary>& dict) {
-  const Caller caller = Enter(PropsString, Role::kAdministrator, kChange);
-  RecordSave save(caller, Currencies(), dict, CurrencyID);
-  Save(save);
-}
-
-void CurrencyUpdate::Delete(std::string_view PropsString, const Long& CurrencyID,
-                            std::string_view MachineName, std::string_view IPAddress) {
-  const Caller caller = Enter(PropsString, Role::kAdministrator, kChange);
-  Transaction transaction(caller.db, Transaction::Kind::kChangeRules);
-  const Ref<Dictionary> currency = Currencies().Require(caller.db, CurrencyID);
-  const std::string called = Currencies().Called(*currency);
-  if (CurrencyID == kBaseCurrency) {
-    Refuse(refusal::kInUse, called + ": the base currency can't be deleted.");
-  }
-  const bool used = IsUsedInVouchers(caller.db, "FCurrencyID", CurrencyID) ||
-                    caller.db.QueryValue<int>(
-                        "SELECT 1 FROM t_Account WHERE FCurrencyID = ? LIMIT 1", CurrencyID);
-  if (!used) {
-    caller.db.Execute("DELETE FROM t_Balance WHERE FCurrencyID = ?", CurrencyID);  // zeros
-    Currencies().Remove(caller.db, CurrencyID);
-  } else if (currency->Value("FDeleted").As<Boolean>()) {
-    Refuse(refusal::kInUse,
-           called + ": it is marked deleted already; accounts or vouchers use it.");
-  } else {
-    caller.db.Execute(
-        "UPDATE t_Currency SET FDeleted = 1, FVersion = FVersion + 1 WHERE FCurrencyID = ?",
-        CurrencyID);
-  }
-  AuditDeletion(caller, Currencies(), *currency, MachineName, IPAddress);
-  transaction.Commit();
+  return kKind;
 }
 
 }  // namespace qdclgl::server

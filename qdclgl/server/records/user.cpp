@@ -1,48 +1,28 @@
-#include "qdclgl/server/records/user.h"
-
-#include "qdclgl/frame/objects/class_table.h"
+// The users of the books: FName, FRoles ("preparer, checker") and FDisabled. Their passwords never
+// leave the server. Some enabled administrator remains, whatever happens to users; a call that
+// would leave none is refused as InUse.
 #include "qdclgl/server/access/audit.h"
 #include "qdclgl/server/db/list.h"
 #include "qdclgl/server/db/refusals.h"
-#include "qdclgl/server/records/record.h"
+#include "qdclgl/server/records/record_save.h"
 
 namespace qdclgl::server {
 
-QD_DEFINE_MEMBERS(UserInfo)
-QD_DEFINE_MEMBERS(UserUpdate)
-
 namespace {
 
-constexpr std::string_view kChange = "change users";
-constexpr std::string_view kRead = "read users";
 constexpr std::string_view kPassword = "FPassword";
 constexpr std::string_view kRoles = "FRoles";
 constexpr Column kSentPassword{kPassword, ColumnType::kText};
 constexpr Column kSentRoles{kRoles, ColumnType::kText};
+
+constexpr Right kOwnPassword{Role::kReader, "change a password"};
+constexpr Right kPasswordsOfOthers{Role::kAdministrator, "change the passwords of others"};
 
 // Vouchers hold the ids of users in 16 bits.
 constexpr Long kLastUserID = 32767;
 
 std::string RolesOf(const Variant& bits) {
   return RolesText(static_cast<unsigned>(bits.As<Long>()));
-}
-
-// As the table holds users: with the password's hash, and the roles as bits.
-const RecordTable& Users() {
-  using enum ColumnType;
-  static const RecordTable kTable({
-      .subject = "User",
-      .noun = "User",
-      .table = "t_User",
-      .id = "FUserID",
-      .query = "SELECT * FROM t_User",
-      .order = "FName",
-      .columns = {{{"FName", kText}},
-                  {{kPassword, kText}, Keeper::kServer},
-                  {{kRoles, kLong}, Keeper::kCaller, {}, RolesOf},
-                  {{"FDisabled", kBoolean}}},
-  });
-  return kTable;
 }
 
 // As callers see them.
@@ -77,96 +57,149 @@ Ref<Dictionary> WithRoleBits(const Ref<Dictionary>& sent) {
 }
 
 // Behind every change that may have taken the last one.
-void RequireAdministrator(Database& db, const std::string& called) {
-  const auto left =
-      db.QueryValue<Long>("SELECT COUNT(*) FROM t_User WHERE FDisabled = 0 AND (FRoles & ?) <> 0",
-                          static_cast<Long>(Role::kAdministrator));
+template <class Change>
+void RequireAdministrator(const Change& change) {
+  const auto left = change.db().template QueryValue<Long>(
+      "SELECT COUNT(*) FROM t_User WHERE FDisabled = 0 AND (FRoles & ?) <> 0",
+      static_cast<Long>(Role::kAdministrator));
   if (left != 0) return;
-  Refuse(refusal::kInUse, called + ": this is the last administrator.");
+  change.Refuse(refusal::kInUse, "this is the last administrator.");
 }
 
-void Save(Database& db, RecordSave& save) {
-  save.RequireText("FName");
-  save.RequireUnique("FName");
-  save.Write();
-  const std::string called = Users().Called(save.record());
+void Follow(RecordSave& save) {
   if (save.id() > kLastUserID) {
-    Refuse(refusal::kBadValue,
-           called + ": there is no id left; they go to " + std::to_string(kLastUserID) + ".");
+    save.Refuse(refusal::kBadValue,
+                "there is no id left; they go to " + std::to_string(kLastUserID) + ".");
   }
-  RequireAdministrator(db, called);
-  save.Commit();
+  RequireAdministrator(save);
+}
+
+void Remove(RecordRemoval& removal) {
+  removal.Remove();
+  RequireAdministrator(removal);
 }
 
 void CopyIdAndVersion(const Dictionary& from, Dictionary& to) {
   for (const std::string_view key : {"FUserID", "FVersion"}) to.Put(key, from.Value(key));
 }
 
-}  // namespace
+// ---- The components ----
+
+class UserInfo final : public RecordInfo {
+  QD_BASE_MEMBERS(RecordInfo)
+
+ public:
+  using RecordInfo::RecordInfo;
+
+  QD_METHOD(Ref<Recordset>, GetList,
+            (std::string_view PropsString, const String& Filter = {}, const String& Sort = {}),
+            "The users. BadFilter, BadSort.")
+  QD_METHOD(Ref<Dictionary>, GetDetail, (std::string_view PropsString, const Long& UserID),
+            "A user, Nothing when there is none.")
+};
+
+class UserUpdate final : public RecordUpdate {
+  QD_BASE_MEMBERS(RecordUpdate)
+
+ public:
+  using RecordUpdate::RecordUpdate;
+
+  QD_METHOD(Long, Create, (std::string_view PropsString, const Ref<Dictionary>& dict),
+            "Saves a new user, with the password under FPassword, none without the key; id and "
+            "version come back in the row too. Administrators only. Errors: Required, NameTaken, "
+            "BadValue.")
+  QD_METHOD(void, Update,
+            (std::string_view PropsString, const Long& UserID, const Ref<Dictionary>& dict),
+            "Saves a user, all but the password; the new version comes back in the row. "
+            "Administrators only. Errors: NotFound, NoVersion, Changed, InUse, and those of "
+            "Create.")
+  QD_METHOD(void, SetPassword,
+            (std::string_view PropsString, const Long& UserID, std::string_view Password),
+            "Gives a user another password: oneself with id 0 or the own one, others by "
+            "administrators. NotFound.")
+  QD_INHERITED(Delete)
+};
 
 Ref<Recordset> UserInfo::GetList(std::string_view PropsString, const String& Filter,
                                  const String& Sort) {
-  const Caller caller = Enter(PropsString, Role::kReader, kRead);
+  const Caller caller = Enter(PropsString, kind().reading());
   return FetchList(caller.db, {ShownQuery(), kShown, "FName"}, Filter, Sort);
 }
 
 Ref<Dictionary> UserInfo::GetDetail(std::string_view PropsString, const Long& UserID) {
-  const Caller caller = Enter(PropsString, Role::kReader, kRead);
+  const Caller caller = Enter(PropsString, kind().reading());
   const Ref<Recordset> list = FetchList(caller.db, {ShownQuery(), kShown, "FName"},
                                         "FUserID = " + std::to_string(UserID), "");
   return list->Eof() ? nullptr : list->Row();
 }
 
 Long UserUpdate::Create(std::string_view PropsString, const Ref<Dictionary>& dict) {
-  const Caller caller = Enter(PropsString, Role::kAdministrator, kChange);
+  const Caller caller = Enter(PropsString, kind().writing());
   const Ref<Dictionary> row = WithRoleBits(dict);
   // Hashing takes its time on purpose, so it is done before others have to wait.
   const std::string hash =
       HashedPassword(Normalized(kSentPassword, dict->Value(kPassword)).As<String>());
-  RecordSave save(caller, Users(), row);
+  RecordSave save(caller, kind(), row);
   save.record().Put(kPassword, hash);
-  Save(caller.db, save);
+  save.Run();
   CopyIdAndVersion(*row, *dict);
   return save.id();
 }
 
 void UserUpdate::Update(std::string_view PropsString, const Long& UserID,
                         const Ref<Dictionary>& dict) {
-  const Caller caller = Enter(PropsString, Role::kAdministrator, kChange);
+  const Caller caller = Enter(PropsString, kind().writing());
   const Ref<Dictionary> row = WithRoleBits(dict);
-  RecordSave save(caller, Users(), row, UserID);
+  RecordSave save(caller, kind(), row, UserID);
   if (dict->Contains(kPassword)) {
     Refuse(refusal::kBadValue,
-           Users().Called(save.stored()) + ": the password is changed by SetPassword alone.");
+           kind().Called(save.stored()) + ": the password is changed by SetPassword alone.");
   }
-  Save(caller.db, save);
+  save.Run();
   CopyIdAndVersion(*row, *dict);
 }
 
 void UserUpdate::SetPassword(std::string_view PropsString, const Long& UserID,
                              std::string_view Password) {
-  const Caller caller = Enter(PropsString, Role::kReader, "change a password");
+  const Caller caller = Enter(PropsString, kOwnPassword);
   const Long own = caller.session->user_id;
   const Long id = UserID == 0 ? own : UserID;
-  if (id != own) Enter(PropsString, Role::kAdministrator, "change the passwords of others");
+  if (id != own) Enter(PropsString, kPasswordsOfOthers);
   const std::string hash = HashedPassword(Password);
   Transaction transaction(caller.db, Transaction::Kind::kChangeRules);
-  const Ref<Dictionary> user = Users().Require(caller.db, id);
+  const Ref<Dictionary> user = kind().Require(caller.db, id);
   caller.db.Execute("UPDATE t_User SET FPassword = ? WHERE FUserID = ?", hash, id);
-  const std::string name = RecordTable::NameOf(*user);
+  const std::string name = MasterData::NameOf(*user);
   WriteAudit(caller, {.subject = "User", .record_id = id, .record = name, .action = "SetPassword"});
   transaction.Commit();
 }
 
-void UserUpdate::Delete(std::string_view PropsString, const Long& UserID,
-                        std::string_view MachineName, std::string_view IPAddress) {
-  const Caller caller = Enter(PropsString, Role::kAdministrator, kChange);
-  Transaction transaction(caller.db, Transaction::Kind::kChangeRules);
-  const Ref<Dictionary> user = Users().Require(caller.db, UserID);
-  Users().Remove(caller.db, UserID);
-  RequireAdministrator(caller.db, Users().Called(*user));
-  AuditDeletion(caller, Users(), *user, MachineName, IPAddress);
-  transaction.Commit();
+}  // namespace
+
+const MasterData& Users() {
+  using enum ColumnType;
+  static const MasterData kKind({
+      .component = "QDSVGLUser.User",
+      .noun = "user",
+      .nouns = "users",
+      .list = {"users", "Lists the users of the books", "FUserID FName FRoles FDisabled"},
+      .table = "t_User",
+      .id = "FUserID",
+      .key = {"FName"},
+      .columns = {{{"FName", kText}},
+                  {{kPassword, kText}, Keeper::kServer},
+                  {{kRoles, kLong}, Keeper::kCaller, {}, RolesOf},
+                  {{"FDisabled", kBoolean}}},
+      .order = "FName",
+      .follow = Follow,
+      .remove = Remove,
+      .info = RecordClassOf<UserInfo>(),
+      .update = RecordClassOf<UserUpdate>(),
+      .rights = {{"SetPassword", kOwnPassword}},
+      .helps = {{"Delete", "Removes a user; vouchers and the audit trail keep the name. "
+                           "Administrators only. NotFound, InUse."}},
+  });
+  return kKind;
 }
 
 }  // namespace qdclgl::server

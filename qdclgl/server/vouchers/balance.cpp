@@ -106,7 +106,7 @@ std::string Query(std::string_view movements) {
 
 Ref<Recordset> Balances(std::string_view props, std::string_view movements, Long year, Long from,
                         Long to, const String& filter, const String& sort) {
-  const Caller caller = Enter(props, Role::kReader, "read balances");
+  const Caller caller = Enter(props, BalanceInfo::kRead);
   Transaction transaction(caller.db, Transaction::Kind::kRead);
   std::int64_t first = INT64_MIN, last = INT64_MAX;
   if (year != 0) {

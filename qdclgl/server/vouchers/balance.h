@@ -2,12 +2,10 @@
 #pragma once
 
 #include "qdclgl/frame/containers/recordset.h"
-#include "qdclgl/frame/objects/members.h"
+#include "qdclgl/server/access/component.h"
 
 namespace qdclgl::server {
 
-// "QDSVGLBalance.BalanceInfo": a component of this server.
-//
 // A row for each account with movement and all its currencies together (FCurrencyID 0), and one for
 // each of its currencies. An account that has others below it carries their sums (FDetail False).
 // FBeginBalance, FDebit, FCredit and FEndBalance are in base currency, debit minus credit; the
@@ -17,6 +15,10 @@ class BalanceInfo final : public Object {
   QD_MEMBERS(BalanceInfo, Object, Creatable, "Balances of accounts.")
 
  public:
+  static constexpr std::string_view kProgID = "QDSVGLBalance.BalanceInfo";
+  static constexpr Right kRead{Role::kReader, "read balances"};
+  static constexpr MethodRight kRights[] = {{"GetList", kRead}, {"GetListFromLines", kRead}};
+
   QD_METHOD(Ref<Recordset>, GetList,
             (std::string_view PropsString, Long nYear = {}, Long PeriodFrom = {},
              Long PeriodTo = {}, const String& Filter = {}, const String& Sort = {}),

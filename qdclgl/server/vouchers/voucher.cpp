@@ -115,9 +115,9 @@ const Dictionary& RequireRow(const Ref<Dictionary>& row) {
 
 // A step of the workflow: what it asks of the voucher, and what it does to it.
 template <class Step>
-void TakeStep(std::string_view props, Role role, std::string_view what, Long id,
-              std::string_view action, Step step) {
-  const Caller caller = Enter(props, role, what);
+void TakeStep(std::string_view props, const Right& right, Long id, std::string_view action,
+              Step step) {
+  const Caller caller = Enter(props, right);
   Transaction transaction(caller.db, Transaction::Kind::kSave);
   const LedgerRules rules = LedgerRules::Of(caller.db);
   const VoucherTree tree = Held(caller.db, id);
@@ -153,21 +153,21 @@ void RequireStep(bool condition, const VoucherTree& tree, const char* reason) {
 
 Ref<Dictionary> VoucherInfo::GetDetail(std::string_view PropsString, Long VoucherID,
                                        Boolean ShowDeleted) {
-  const Caller caller = Enter(PropsString, Role::kReader, "read vouchers");
+  const Caller caller = Enter(PropsString, kRead);
   return DetailOf(caller.db, VoucherID, ShowDeleted);
 }
 
 Ref<Dictionary> VoucherInfo::GetDetailByNumber(std::string_view PropsString, Long nYear,
                                                Long Period, const Variant& Group, Long Number,
                                                Boolean ShowDeleted) {
-  const Caller caller = Enter(PropsString, Role::kReader, "read vouchers");
+  const Caller caller = Enter(PropsString, kRead);
   const Long id = FindByNumber(caller.db, nYear, Period, Group, Number, ShowDeleted);
   return id != 0 ? DetailOf(caller.db, id, ShowDeleted) : nullptr;
 }
 
 Ref<Recordset> VoucherInfo::GetList(std::string_view PropsString, Long& ListOptions, String& Filter,
                                     String& Sort) {
-  const Caller caller = Enter(PropsString, Role::kReader, "list vouchers");
+  const Caller caller = Enter(PropsString, RightTo<VoucherInfo>("GetList"));
   return FetchList(caller.db,
                    (ListOptions & kWithDeleted) != 0 ? kVoucherListWithDeleted : kVoucherList,
                    Filter, Sort);
@@ -176,7 +176,7 @@ Ref<Recordset> VoucherInfo::GetList(std::string_view PropsString, Long& ListOpti
 Long VoucherInfo::ExistenceCheck(std::string_view PropsString, const Variant& VoucherID,
                                  const Variant& nYear, const Variant& Period, const Variant& Group,
                                  const Variant& Number) {
-  const Caller caller = Enter(PropsString, Role::kReader, "read vouchers");
+  const Caller caller = Enter(PropsString, kRead);
   if (!VoucherID.IsMissing()) {
     return caller.db
         .QueryValue<Long>("SELECT FVoucherID FROM t_Voucher WHERE FVoucherID = ? AND FDeleted = 0",
@@ -189,7 +189,7 @@ Long VoucherInfo::ExistenceCheck(std::string_view PropsString, const Variant& Vo
 }
 
 Long VoucherInfo::CheckExistCashProfit(std::string_view PropsString, const Long& VoucherID) {
-  const Caller caller = Enter(PropsString, Role::kReader, "read vouchers");
+  const Caller caller = Enter(PropsString, kRead);
   const auto assigned = caller.db.QueryValue<int>(
       "SELECT 1 FROM t_VoucherEntry WHERE FVoucherID = ? AND FCashFlowItem <> 0 LIMIT 1",
       VoucherID);
@@ -200,7 +200,7 @@ Long VoucherInfo::CheckExistCashProfit(std::string_view PropsString, const Long&
 
 Long VoucherUpdate::Create(std::string_view PropsString, const Ref<Dictionary>& Voucher,
                            const Variant& Kind) {
-  const Caller caller = Enter(PropsString, Role::kPreparer, "save vouchers");
+  const Caller caller = Enter(PropsString, kSave);
   VoucherTree tree = VoucherTree::FromRow(RequireRow(Voucher));
   tree.state.Put<"FVersion">(1);
   tree.state.Put<"FOwnerGroupID">(kNobody);
@@ -224,7 +224,7 @@ Long VoucherUpdate::Create(std::string_view PropsString, const Ref<Dictionary>& 
 
 void VoucherUpdate::Update(std::string_view PropsString, const Long& VoucherID,
                            const Ref<Dictionary>& Voucher) {
-  const Caller caller = Enter(PropsString, Role::kPreparer, "save vouchers");
+  const Caller caller = Enter(PropsString, kSave);
   VoucherTree tree = VoucherTree::FromRow(RequireRow(Voucher));
 
   Transaction transaction(caller.db, Transaction::Kind::kSave);
@@ -246,7 +246,7 @@ void VoucherUpdate::Update(std::string_view PropsString, const Long& VoucherID,
 
 void VoucherUpdate::Delete(std::string_view PropsString, const Long& VoucherID, Boolean Purge,
                            std::string_view MachineName, std::string_view IPAddress) {
-  const Caller caller = Enter(PropsString, Role::kPreparer, "delete vouchers");
+  const Caller caller = Enter(PropsString, RightTo<VoucherUpdate>("Delete"));
   Database& db = caller.db;
   Transaction transaction(db, Transaction::Kind::kSave);
   const VoucherTree tree = Held(db, VoucherID);
@@ -276,7 +276,7 @@ void VoucherUpdate::Delete(std::string_view PropsString, const Long& VoucherID, 
 
 void VoucherUpdate::Check(std::string_view PropsString, const Long& VoucherID,
                           const Boolean& Checked) {
-  TakeStep(PropsString, Role::kChecker, "check vouchers", VoucherID, Checked ? "Check" : "UnCheck",
+  TakeStep(PropsString, RightTo<VoucherUpdate>("Check"), VoucherID, Checked ? "Check" : "UnCheck",
            [&](const Caller& caller, const LedgerRules& rules, const VoucherTree& tree) {
              const Session& session = *caller.session;
              RequireStep(!tree.state.Get<"FPosted">(), tree, "it is posted.");
@@ -295,7 +295,7 @@ void VoucherUpdate::Check(std::string_view PropsString, const Long& VoucherID,
 
 void VoucherUpdate::Approve(std::string_view PropsString, const Long& VoucherID,
                             const Boolean& Approved) {
-  TakeStep(PropsString, Role::kChecker, "approve vouchers", VoucherID,
+  TakeStep(PropsString, RightTo<VoucherUpdate>("Approve"), VoucherID,
            Approved ? "Approve" : "UnApprove",
            [&](const Caller& caller, const LedgerRules&, const VoucherTree& tree) {
              RequireStep(!tree.state.Get<"FPosted">(), tree, "it is posted.");
@@ -308,7 +308,7 @@ void VoucherUpdate::Approve(std::string_view PropsString, const Long& VoucherID,
 
 void VoucherUpdate::Cash(std::string_view PropsString, const Long& VoucherID, const Boolean& Cashed,
                          const Variant& Voucher) {
-  TakeStep(PropsString, Role::kCashier, "cash vouchers", VoucherID, Cashed ? "Cash" : "UnCash",
+  TakeStep(PropsString, RightTo<VoucherUpdate>("Cash"), VoucherID, Cashed ? "Cash" : "UnCash",
            [&](const Caller& caller, const LedgerRules&, const VoucherTree& tree) {
              if (!Voucher.IsMissing()) {
                RequireVersion(tree, RequireRow(Voucher.As<Dictionary>()));
@@ -323,7 +323,7 @@ namespace {
 
 void MovePosting(std::string_view props, Long id, Direction direction) {
   const bool posts = direction == Direction::kPost;
-  TakeStep(props, Role::kPoster, "post vouchers", id, posts ? "Post" : "UnPost",
+  TakeStep(props, VoucherUpdate::kPost, id, posts ? "Post" : "UnPost",
            [&](const Caller& caller, const LedgerRules& rules, const VoucherTree& tree) {
              RequireStep(tree.state.Get<"FPosted">() != posts, tree,
                          posts ? "it is posted already." : "it is not posted.");
@@ -346,7 +346,7 @@ void VoucherUpdate::UnPost(std::string_view PropsString, const Long& VoucherID) 
 }
 
 void VoucherUpdate::ClearCashFlow(std::string_view PropsString, const Long& VoucherID) {
-  const Caller caller = Enter(PropsString, Role::kPreparer, "save vouchers");
+  const Caller caller = Enter(PropsString, kSave);
   Transaction transaction(caller.db, Transaction::Kind::kSave);
   const VoucherTree tree = Held(caller.db, VoucherID);
   RequireChangeable(LedgerRules::Of(caller.db), tree);

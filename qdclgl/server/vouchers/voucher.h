@@ -4,15 +4,25 @@
 
 #include "qdclgl/frame/containers/dictionary.h"
 #include "qdclgl/frame/containers/recordset.h"
-#include "qdclgl/frame/objects/members.h"
+#include "qdclgl/server/access/component.h"
 
 namespace qdclgl::server {
 
-// "QDSVGLVoucher.VoucherInfo"
 class VoucherInfo final : public Object {
   QD_MEMBERS(VoucherInfo, Object, Creatable, "Reads vouchers.")
 
  public:
+  static constexpr std::string_view kProgID = "QDSVGLVoucher.VoucherInfo";
+  static constexpr Right kRead{Role::kReader, "read vouchers"};
+  static constexpr MethodRight kRights[] = {{"GetDetail", kRead},
+                                            {"GetDetailByNumber", kRead},
+                                            {"GetList", {Role::kReader, "list vouchers"}},
+                                            {"ExistenceCheck", kRead},
+                                            {"CheckExistCashProfit", kRead}};
+  static constexpr NamedList kList{"vouchers", "Lists the vouchers",
+                                   "FVoucherID FDate FGroup FNumber FReference FExplanation "
+                                   "FDebitTotal FChecked FApprover FCashier FPosted"};
+
   QD_METHOD(Ref<Dictionary>, GetDetail,
             (std::string_view PropsString, Long VoucherID, Boolean ShowDeleted = {}),
             "The voucher with its lines (_Entries) and their details (_Details). Nothing when "
@@ -37,12 +47,24 @@ class VoucherInfo final : public Object {
             "the lines, so a refused save loses none.")
 };
 
-// "QDSVGLVoucher.VoucherUpdate"
 class VoucherUpdate final : public Object {
   QD_MEMBERS(VoucherUpdate, Object, Creatable,
              "Saves vouchers and takes them through their workflow.")
 
  public:
+  static constexpr std::string_view kProgID = "QDSVGLVoucher.VoucherUpdate";
+  static constexpr Right kSave{Role::kPreparer, "save vouchers"};
+  static constexpr Right kPost{Role::kPoster, "post vouchers"};
+  static constexpr MethodRight kRights[] = {{"Create", kSave},
+                                            {"Update", kSave},
+                                            {"Delete", {Role::kPreparer, "delete vouchers"}},
+                                            {"Check", {Role::kChecker, "check vouchers"}},
+                                            {"Approve", {Role::kChecker, "approve vouchers"}},
+                                            {"Cash", {Role::kCashier, "cash vouchers"}},
+                                            {"Post", kPost},
+                                            {"UnPost", kPost},
+                                            {"ClearCashFlow", kSave}};
+
   QD_METHOD(Long, Create,
             (std::string_view PropsString, const Ref<Dictionary>& Voucher,
              const Variant& Kind = Missing),

@@ -307,6 +307,14 @@ void InsertLines(Database& db, const VoucherTree& tree) {
 
 }  // namespace
 
+std::vector<StoredTable> VoucherTables() {
+  std::vector<Column> header = {kStateColumns[0]};
+  header.insert(header.end(), kHeaderTable.begin(), kHeaderTable.end());
+  return {{"t_Voucher", header},
+          {"t_VoucherEntry", {kLineTable.begin(), kLineTable.end()}},
+          {"t_VoucherDetail", {kDetailTable.begin(), kDetailTable.end()}}};
+}
+
 void VoucherTree::Insert(Database& db) {
   static const std::string kInsert = [] {
     std::string places;

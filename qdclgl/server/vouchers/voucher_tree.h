@@ -165,6 +165,9 @@ struct VoucherTree {
 // FAmount, line 3 added".
 std::string ChangesBetween(const VoucherTree& before, const VoucherTree& now);
 
+// The tables of headers, lines and details.
+std::vector<StoredTable> VoucherTables();
+
 // The list of headers.
 extern const ListSource kVoucherList;
 extern const ListSource kVoucherListWithDeleted;

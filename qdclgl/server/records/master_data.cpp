@@ -1,0 +1,290 @@
+#include "qdclgl/server/records/master_data.h"
+
+#include <algorithm>
+
+#include "qdclgl/frame/vocabulary/text.h"
+#include "qdclgl/server/db/list.h"
+#include "qdclgl/server/db/refusals.h"
+
+namespace qdclgl::server {
+
+using namespace record_column;
+
+namespace {
+
+bool IsNothingGiven(const Variant* value) {
+  return value == nullptr || value->IsEmpty() || value->IsNull() || value->IsMissing() ||
+         value->IsNothing();
+}
+
+std::string WithArticle(std::string_view noun) {
+  const bool begins_with_vowel = std::string_view("aeio").find(noun[0]) != std::string_view::npos;
+  return (begins_with_vowel ? "an " : "a ") + std::string(noun);
+}
+
+std::string Capitalised(std::string text) {
+  text.replace(0, 1, ToUpper(text.substr(0, 1)));
+  return text;
+}
+
+void ReplaceAll(std::string& text, std::string_view word, std::string_view with) {
+  for (std::size_t at = 0; (at = text.find(word, at)) != text.npos; at += with.size()) {
+    text.replace(at, word.size(), with);
+  }
+}
+
+// "Number" of column FNumber, as an argument is called.
+std::string_view ArgumentOf(std::string_view column) { return column.substr(1); }
+
+}  // namespace
+
+// ---- What the description makes ----
+
+MasterData::MasterData(Description description)
+    : description_(std::move(description)), shown_{{description_.id, ColumnType::kLong}, kVersion} {
+  for (const RecordColumn& column : description_.columns) {
+    shown_.push_back(column.column);
+    if (column.keeper != Keeper::kJoined) stored_.push_back(column.column);
+  }
+  if (description_.brief.empty()) description_.brief = description_.noun;
+  if (description_.query.empty()) {
+    description_.query = Kept("SELECT * FROM " + std::string(description_.table));
+  }
+  if (description_.order.empty()) description_.order = description_.id;
+  if (description_.errors.empty()) {
+    description_.errors = description_.key.column == kNumber ? "Required, NumberTaken, BadValue"
+                                                             : "Required, NameTaken, BadValue";
+  }
+  const std::string nouns(description_.nouns);
+  reading_ = {Role::kReader, Kept("read " + nouns)};
+  writing_ = {description_.writer, Kept("change " + nouns)};
+  info_prog_id_ = Kept(std::string(description_.component) + "Info");
+  update_prog_id_ = Kept(std::string(description_.component) + "Update");
+  info_ = TableOf("Info", "Reads " + nouns + ".", description_.info);
+  update_ = TableOf("Update", "Writes " + nouns + ".", description_.update);
+  const auto rights_of = [&](const ClassTable& table, const Right& usual) {
+    std::vector<MethodRight> rights;
+    for (const ClassMember& member : table.members()) {
+      const auto own =
+          std::ranges::find(description_.rights, member.row.name, &MethodRight::method);
+      rights.push_back({member.row.name, own != description_.rights.end() ? own->right : usual});
+    }
+    return rights;
+  };
+  info_rights_ = rights_of(*info_, reading_);
+  update_rights_ = rights_of(*update_, writing_);
+
+  const auto require_method = [&](std::string_view method) {
+    if (info_->Find(method) != nullptr || update_->Find(method) != nullptr) return;
+    throw Error(error_number::kInvalidCall, std::string(subject()),
+                "There is no method " + std::string(method) + " to describe.");
+  };
+  for (const MethodRight& right : description_.rights) require_method(right.method);
+  for (const auto& [method, help] : description_.helps) require_method(method);
+}
+
+std::string_view MasterData::subject() const {
+  return description_.component.substr(description_.component.find('.') + 1);
+}
+
+std::string_view MasterData::Kept(std::string text) { return texts_.emplace_back(std::move(text)); }
+
+std::string MasterData::Worded(std::string_view help) const {
+  const std::string key = FoldAsciiCase(ArgumentOf(description_.key.column));
+  const std::string key_and_case = key + (description_.key.ignores_case ? ", case ignored;" : ",");
+  std::string text(help);
+  for (const auto& [word, own] : std::initializer_list<std::pair<const char*, std::string>>{
+           {"{A record}", Capitalised(WithArticle(description_.noun))},
+           {"{a record}", WithArticle(description_.brief)},
+           {"{record}", std::string(description_.brief)},
+           {"{records}", std::string(description_.nouns)},
+           {"{key}", key},
+           {"{key,}", key_and_case},
+           {"{errors}", std::string(description_.errors)}}) {
+    ReplaceAll(text, word, own);
+  }
+  return text;
+}
+
+std::unique_ptr<const ClassTable> MasterData::TableOf(std::string_view suffix,
+                                                      std::string_view help,
+                                                      const RecordClass& type) {
+  std::vector<MemberRow> rows(type.rows.begin(), type.rows.end());
+  for (MemberRow& row : rows) {
+    const auto own = std::ranges::find(description_.helps, row.name,
+                                       &std::pair<std::string_view, std::string_view>::first);
+    row.help = Kept(Worded(own != description_.helps.end() ? own->second : row.help));
+    std::string parameters(row.parameters);
+    ReplaceAll(parameters, "RecordID", std::string(subject()) + "ID");
+    ReplaceAll(parameters, "RecordKey", ArgumentOf(description_.key.column));
+    row.parameters = Kept(std::move(parameters));
+  }
+  return std::make_unique<const ClassTable>(ClassDescription{
+      Kept(std::string(subject()) + std::string(suffix)), Kept(std::string(help)), rows});
+}
+
+std::vector<ServerComponent> MasterData::Components() const {
+  const auto maker = [this](const RecordClass& type) {
+    return [this, make = type.make] { return make(*this); };
+  };
+  std::vector<ServerComponent> components = description_.components;
+  components.push_back(
+      {info_prog_id_, info_.get(), maker(description_.info), info_rights_, &description_.list});
+  components.push_back(
+      {update_prog_id_, update_.get(), maker(description_.update), update_rights_});
+  return components;
+}
+
+std::vector<StoredTable> MasterData::Tables() const {
+  std::vector<StoredTable> tables = {
+      {description_.table, {{description_.id, ColumnType::kLong}, kVersion}}};
+  tables[0].columns.insert(tables[0].columns.end(), stored_.begin(), stored_.end());
+  std::ranges::copy(description_.further_tables, std::back_inserter(tables));
+  return tables;
+}
+
+// ---- Reading ----
+
+Ref<Recordset> MasterData::List(Database& db, Long options, std::string_view filter,
+                                std::string_view sort) const {
+  std::string query(description_.query);
+  if ((options & kWithDeleted) == 0 && !description_.deleted.empty()) {
+    query += " WHERE " + std::string(description_.deleted) + " = 0";
+  }
+  return FetchList(db, {query, shown_, description_.order}, filter, sort);
+}
+
+Ref<Dictionary> MasterData::Read(Database& db, Long id) const {
+  static constexpr Storage kParameters[] = {Storage::kWhole};
+  Statement& statement =
+      db.Prepared("SELECT " + NamesOf(shown_) + " FROM (" + std::string(description_.query) +
+                      ") AS record WHERE " + std::string(description_.id) + " = ?",
+                  kParameters, StoragesOf(shown_));
+  statement.Set(0, std::int64_t{id});
+  statement.Open();
+  if (!statement.Fetch()) return nullptr;
+  Ref<Dictionary> record = ReadRow(statement, shown_, KeysOf(shown_));
+  statement.Reset();
+  return record;
+}
+
+Ref<Dictionary> MasterData::Require(Database& db, Long id) const {
+  Ref<Dictionary> record = Read(db, id);
+  if (!record) {
+    Refuse(refusal::kNotFound, Noun() + " with id " + std::to_string(id) + ": there is none.");
+  }
+  return record;
+}
+
+Long MasterData::IdWith(Database& db, std::string_view column, std::string_view text) const {
+  const std::string id(description_.id);
+  return db
+      .QueryValue<Long>("SELECT " + id + " FROM " + std::string(description_.table) + " WHERE " +
+                            std::string(column) + " = ? ORDER BY " + id,
+                        text)
+      .value_or(0);
+}
+
+std::string MasterData::NameOf(const Dictionary& record) {
+  const String name = record.Value(kName).As<String>();
+  const Variant* number = record.Find(kNumber);
+  return number == nullptr ? name : number->As<String>() + " (" + name + ")";
+}
+
+std::string MasterData::Called(const Dictionary& record) const {
+  return Noun() + " " + NameOf(record);
+}
+
+Long MasterData::IdWithKey(Database& db, std::string_view key) const {
+  const TextKey& column = description_.key;
+  return IdWith(db, column.column, column.ignores_case ? ToUpper(key) : std::string(key));
+}
+
+std::string MasterData::Noun() const { return Capitalised(std::string(description_.noun)); }
+
+// ---- Writing ----
+
+Ref<Dictionary> MasterData::Taken(const Dictionary& sent, const Dictionary* stored) const {
+  RefuseUnknownKeys(sent);
+  auto record = Make<Dictionary>();
+  for (const auto& [column, keeper, absent, shown] : description_.columns) {
+    if (keeper == Keeper::kJoined) continue;
+    const Variant* given = keeper == Keeper::kCaller ? sent.Find(column.name)
+                           : stored != nullptr       ? stored->Find(column.name)
+                                                     : nullptr;
+    record->Put(column.name, Normalized(column, IsNothingGiven(given) ? absent : *given));
+  }
+  return record;
+}
+
+void MasterData::RefuseUnknownKeys(const Dictionary& sent) const {
+  for (std::uint32_t i = 0; i < sent.size(); ++i) {
+    const std::string_view key = sent.key_at(i);
+    if (key == kMachineName.name || key == kAddress.name ||
+        std::ranges::find(shown_, key, &Column::name) != shown_.end() ||
+        std::ranges::find(description_.further_keys, key) != description_.further_keys.end()) {
+      continue;
+    }
+    Refuse(refusal::kBadValue, Noun() + ": there is no column \"" + std::string(key) + "\".");
+  }
+}
+
+Long MasterData::Insert(Database& db, const Dictionary& record) const {
+  std::string marks;
+  for (std::size_t i = 0; i < stored_.size(); ++i) marks += ", ?";
+  static constexpr Storage kResults[] = {Storage::kWhole};
+  Statement& statement =
+      db.Prepared("INSERT INTO " + std::string(description_.table) + " (" +
+                      std::string(kVersion.name) + ", " + NamesOf(stored_) + ") VALUES (1" + marks +
+                      ") ON CONFLICT DO NOTHING RETURNING " + std::string(description_.id),
+                  StoragesOf(stored_), kResults);
+  for (std::size_t i = 0; i < stored_.size(); ++i) {
+    BindCell(statement, i, stored_[i], *record.Find(stored_[i].name));
+  }
+  statement.Open();
+  if (!statement.Fetch()) {
+    // Another program was quicker, one that does not wait for the lock of our transactions.
+    Refuse(record.Contains(kNumber) ? refusal::kNumberTaken : refusal::kNameTaken,
+           Called(record) + ": there is another one already.");
+  }
+  const auto id = static_cast<Long>(statement.Whole(0));
+  statement.Reset();
+  return id;
+}
+
+void MasterData::Overwrite(Database& db, Long id, const Dictionary& record) const {
+  std::string sql = "UPDATE " + std::string(description_.table) + " SET FVersion = FVersion + 1";
+  for (const Column& column : stored_) sql += ", " + std::string(column.name) + " = ?";
+  sql += " WHERE " + std::string(description_.id) + " = ?";
+  std::vector<Storage> parameters = StoragesOf(stored_);
+  parameters.push_back(Storage::kWhole);
+  Statement& statement = db.Prepared(sql, parameters, {});
+  for (std::size_t i = 0; i < stored_.size(); ++i) {
+    BindCell(statement, i, stored_[i], *record.Find(stored_[i].name));
+  }
+  statement.Set(stored_.size(), std::int64_t{id});
+  statement.Execute();
+}
+
+std::string MasterData::Changes(const Dictionary& stored, const Dictionary& record) const {
+  std::string changes;
+  for (const auto& [column, keeper, absent, shown] : description_.columns) {
+    if (keeper != Keeper::kCaller) continue;
+    const Variant before = stored.Value(column.name), after = record.Value(column.name);
+    if (Equals(before, after)) continue;
+    if (!changes.empty()) changes += "; ";
+    changes += std::string(column.name) + ": " + shown(before) + " -> " + shown(after);
+  }
+  return changes;
+}
+
+bool IsUsedInVouchers(Database& db, std::string_view column, Long id) {
+  const std::string where = " WHERE " + std::string(column) + " = ?";
+  return db.QueryValue<int>("SELECT 1 FROM t_VoucherEntry" + where + " LIMIT 1", id) ||
+         db.QueryValue<int>("SELECT 1 FROM t_Balance" + where +
+                                " AND (FDebit <> 0 OR FCredit <> 0 OR FDebitFor <> 0 OR"
+                                " FCreditFor <> 0 OR FDebitQty <> 0 OR FCreditQty <> 0) LIMIT 1",
+                            id);
+}
+
+}  // namespace qdclgl::server

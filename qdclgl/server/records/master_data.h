@@ -1,0 +1,171 @@
+// A kind of master data (accounts, currencies, voucher groups, users): its rows, its names, and the
+// rules that are its own, described at one place. Each kind is one file of this folder,
+//
+//   const MasterData& Currencies() {
+//     static const MasterData kKind({.component = "QDSVGLCurrency.Currency", ...});
+//     return kKind;
+//   }
+//
+// and everything else follows: its components and what they ask of callers, versions, the audit
+// trail, the command line's list, the tables of docs/server.md.
+#pragma once
+
+#include <deque>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "qdclgl/frame/containers/dictionary.h"
+#include "qdclgl/server/access/component.h"
+#include "qdclgl/server/db/columns.h"
+#include "qdclgl/server/records/record_components.h"
+
+namespace qdclgl::server {
+
+class RecordRemoval;
+class RecordSave;
+
+enum class Keeper : std::uint8_t {
+  kCaller,  // callers write it; where their row lacks the key, it stands for the absent value
+  kServer,  // the server keeps it; what callers send is passed over
+  kJoined,  // of another table, shown beside the record; what callers send is passed over
+};
+
+struct RecordColumn {
+  Column column;
+  Keeper keeper = Keeper::kCaller;
+  Variant absent = {};                          // Empty: the zero of the type
+  std::string (*shown)(const Variant&) = CStr;  // as the audit trail tells a value
+};
+
+// Columns that have a meaning of their own wherever they stand, and keys of a sent row that tell
+// where it comes from.
+namespace record_column {
+inline constexpr Column kVersion{"FVersion", ColumnType::kLong};
+inline constexpr std::string_view kNumber = "FNumber";
+inline constexpr std::string_view kName = "FName";
+inline constexpr Column kMachineName{"MachineName", ColumnType::kText};
+inline constexpr Column kAddress{"IPAddress", ColumnType::kText};
+}  // namespace record_column
+
+// The text by which people tell records apart, unique among them.
+struct TextKey {
+  std::string_view column;    // FNumber or FName
+  bool ignores_case = false;  // then it is kept in upper case
+};
+
+// Records have a key, and another record has another one.
+void CheckKey(RecordSave& save);
+// The record goes, and its number or name is free again.
+void RemoveRecord(RecordRemoval& removal);
+
+class MasterData {
+ public:
+  struct Description {
+    // "QDSVGLCurrency.Currency": the components are QDSVGLCurrency.CurrencyInfo and
+    // .CurrencyUpdate, an id is their argument CurrencyID, and the audit trail calls a record
+    // Currency.
+    std::string_view component;
+    std::string_view noun;        // as people call a record: "voucher group"
+    std::string_view nouns;       // "voucher groups"
+    std::string_view brief = {};  // in help texts, where the noun is long: "group"
+    NamedList list;
+
+    std::string_view table;
+    std::string_view id;  // its column; FVersion is in every table
+    TextKey key;
+    std::string_view deleted = {};      // the column that marks a record deleted
+    std::vector<RecordColumn> columns;  // all but id and version
+    std::string_view query = {};        // the table with the joined columns; otherwise the table
+    std::string_view order = {};        // of lists; otherwise by id
+    std::vector<std::string_view> further_keys = {};  // what else a sent row may hold
+    std::vector<StoredTable> further_tables = {};     // what belongs to a record elsewhere
+
+    Role writer = Role::kAdministrator;
+    // What a record must be to be written, what follows from one that is, and what a deletion does.
+    // All raise refusals, and nothing has happened then.
+    void (*check)(RecordSave& save) = CheckKey;
+    void (*follow)(RecordSave& save) = nullptr;
+    void (*remove)(RecordRemoval& removal) = RemoveRecord;
+
+    // Where the interface departs: classes with rows of their own, what these ask of callers, help
+    // texts in place of the shared ones, and components besides.
+    RecordClass info = RecordClassOf<RecordInfo>();
+    RecordClass update = RecordClassOf<RecordUpdate>();
+    std::vector<MethodRight> rights = {};
+    std::string_view errors = {};  // of Create; otherwise those of CheckKey
+    std::vector<std::pair<std::string_view, std::string_view>> helps = {};  // method, text
+    std::vector<ServerComponent> components = {};
+  };
+  // Error 5 for a right or a help text of a method that neither component has.
+  explicit MasterData(Description description);
+  MasterData(const MasterData&) = delete;
+  MasterData& operator=(const MasterData&) = delete;
+
+  const Description& description() const { return description_; }
+  std::string_view subject() const;  // "Currency"
+  std::string Noun() const;          // "Voucher group", as a sentence begins
+  const Right& reading() const { return reading_; }
+  const Right& writing() const { return writing_; }
+  const ClassTable& info() const { return *info_; }
+  const ClassTable& update() const { return *update_; }
+
+  // Its components, as the server offers them.
+  std::vector<ServerComponent> Components() const;
+  // The columns of its records: id, version, then the others.
+  std::span<const Column> Columns() const { return shown_; }
+  // Its tables with all their columns.
+  std::vector<StoredTable> Tables() const;
+
+  // The rows of `ListOptions`, filtered and sorted. BadFilter, BadSort.
+  Ref<Recordset> List(Database& db, Long options, std::string_view filter,
+                      std::string_view sort) const;
+  // A record with all its columns, Nothing when there is none.
+  Ref<Dictionary> Read(Database& db, Long id) const;
+  // NotFound when there is none.
+  Ref<Dictionary> Require(Database& db, Long id) const;
+  // The id of the first record with this text in a column, 0 when there is none.
+  Long IdWith(Database& db, std::string_view column, std::string_view text) const;
+  // The same for the key, in whatever case where that is ignored.
+  Long IdWithKey(Database& db, std::string_view key) const;
+
+  // "1000 (Cash)", or "Receipts" for records without a number.
+  static std::string NameOf(const Dictionary& record);
+  // "Account 1000 (Cash)"
+  std::string Called(const Dictionary& record) const;
+
+ private:
+  friend class RecordRemoval;
+  friend class RecordSave;
+
+  // A text that is kept as long as this.
+  std::string_view Kept(std::string text);
+  // A help text with the kind's words in place of those in braces.
+  std::string Worded(std::string_view help) const;
+  std::unique_ptr<const ClassTable> TableOf(std::string_view suffix, std::string_view help,
+                                            const RecordClass& type);
+
+  // What `sent` makes of the record `stored`, null for a new one.
+  Ref<Dictionary> Taken(const Dictionary& sent, const Dictionary* stored) const;
+  // BadValue for a key that no column has: nothing that a caller sends is lost in silence.
+  void RefuseUnknownKeys(const Dictionary& sent) const;
+  Long Insert(Database& db, const Dictionary& record) const;
+  void Overwrite(Database& db, Long id, const Dictionary& record) const;
+  std::string Changes(const Dictionary& stored, const Dictionary& record) const;
+
+  Description description_;
+  std::vector<Column> shown_;
+  std::vector<Column> stored_;  // those of them that are written
+  std::deque<std::string> texts_;
+  Right reading_, writing_;
+  std::string_view info_prog_id_, update_prog_id_;
+  std::unique_ptr<const ClassTable> info_, update_;
+  std::vector<MethodRight> info_rights_, update_rights_;
+};
+
+// Whether lines of vouchers, deleted ones too, or balances that are not zero hold `id` in `column`,
+// which is FAccountID or FCurrencyID.
+bool IsUsedInVouchers(Database& db, std::string_view column, Long id);
+
+}  // namespace qdclgl::server

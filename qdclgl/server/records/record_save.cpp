@@ -1,0 +1,168 @@
+#include "qdclgl/server/records/record_save.h"
+
+#include "qdclgl/frame/vocabulary/text.h"
+#include "qdclgl/server/access/audit.h"
+#include "qdclgl/server/db/refusals.h"
+
+namespace qdclgl::server {
+
+using namespace record_column;
+
+namespace {
+
+constexpr std::size_t kLongestText = 255;
+
+// A key of a sent row that is no column of the record.
+std::string SentText(const Dictionary& sent, const Column& column) {
+  return Normalized(column, sent.Value(column.name)).As<String>();
+}
+
+}  // namespace
+
+void CheckKey(RecordSave& save) {
+  save.RequireKey();
+  save.RequireUniqueKey();
+}
+
+void RemoveRecord(RecordRemoval& removal) { removal.Remove(); }
+
+// ---- A save ----
+
+RecordSave::RecordSave(const Caller& caller, const MasterData& kind, const Ref<Dictionary>& sent)
+    : caller_(caller),
+      kind_(kind),
+      sent_(sent ? sent : throw Error(error_number::kObjectNotSet)),
+      transaction_(caller.db, Transaction::Kind::kChangeRules),
+      record_(kind.Taken(*sent, nullptr)) {}
+
+RecordSave::RecordSave(const Caller& caller, const MasterData& kind, const Ref<Dictionary>& sent,
+                       Long id)
+    : caller_(caller),
+      kind_(kind),
+      sent_(sent ? sent : throw Error(error_number::kObjectNotSet)),
+      transaction_(caller.db, Transaction::Kind::kChangeRules),
+      id_(id),
+      stored_(kind.Require(caller.db, id)) {
+  const Long version = Normalized(kVersion, sent->Value(kVersion.name)).As<Long>();
+  const Long stored_version = stored_->Value(kVersion.name).As<Long>();
+  const auto refuse = [&](std::int32_t number, const std::string& reason) {
+    server::Refuse(number, kind.Called(*stored_) + ": " + reason);
+  };
+  if (version == 0) {
+    refuse(refusal::kNoVersion, "the row sent does not say which version it changes.");
+  }
+  if (version != stored_version) {
+    refuse(refusal::kChanged, "saved by somebody else in the meantime; it has version " +
+                                  std::to_string(stored_version) + ", the row sent is version " +
+                                  std::to_string(version) + ".");
+  }
+  record_ = kind.Taken(*sent, stored_.get());
+}
+
+void RecordSave::Run() {
+  kind_.description().check(*this);
+  Write();
+  if (kind_.description().follow != nullptr) kind_.description().follow(*this);
+  Commit();
+}
+
+bool RecordSave::Changes(std::string_view column) const {
+  return is_new() || !Equals(stored_->Value(column), record_->Value(column));
+}
+
+void RecordSave::Refuse(std::int32_t number, const std::string& reason) const {
+  server::Refuse(number, kind_.Called(*record_) + ": " + reason);
+}
+
+void RecordSave::RequireText(std::string_view column) const {
+  const std::string text = Text(column);
+  if (text.empty()) Refuse(refusal::kRequired, std::string(column) + " is missing.");
+  if (Utf16Length(text) > kLongestText) {
+    server::Refuse(refusal::kBadValue, kind_.Noun() + ": " + std::string(column) +
+                                           " is longer than " + std::to_string(kLongestText) +
+                                           " characters.");
+  }
+}
+
+void RecordSave::RequireKey() {
+  const TextKey& key = kind_.description().key;
+  if (key.ignores_case) record_->Put(key.column, ToUpper(Text(key.column)));
+  RequireText(key.column);
+}
+
+void RecordSave::RequireUniqueKey() const {
+  const std::string_view column = kind_.description().key.column;
+  const std::string text = Text(column);
+  const Long other = kind_.IdWith(caller_.db, column, text);
+  if (other == 0 || other == id_) return;
+  server::Refuse(column == kNumber ? refusal::kNumberTaken : refusal::kNameTaken,
+                 kind_.Called(*kind_.Require(caller_.db, other)) + " has " + std::string(column) +
+                     " " + text + " already.");
+}
+
+void RecordSave::Write() {
+  std::string changes;
+  if (is_new()) {
+    id_ = kind_.Insert(caller_.db, *record_);
+  } else {
+    kind_.Overwrite(caller_.db, id_, *record_);
+    changes = kind_.Changes(*stored_, *record_);
+  }
+  const std::string name = MasterData::NameOf(*record_);
+  const std::string machine_name = SentText(*sent_, kMachineName);
+  const std::string address = SentText(*sent_, kAddress);
+  WriteAudit(caller_, {.subject = kind_.subject(),
+                       .record_id = id_,
+                       .record = name,
+                       .action = is_new() ? "Create" : "Update",
+                       .changes = changes,
+                       .machine_name = machine_name,
+                       .address = address});
+}
+
+void RecordSave::Commit() {
+  transaction_.Commit();
+  sent_->Put(kind_.description().id, id_);
+  sent_->Put(kVersion.name, is_new() ? Long{1} : stored_->Value(kVersion.name).As<Long>() + 1);
+}
+
+// ---- A deletion ----
+
+RecordRemoval::RecordRemoval(const Caller& caller, const MasterData& kind, Long id)
+    : caller_(caller),
+      kind_(kind),
+      transaction_(caller.db, Transaction::Kind::kChangeRules),
+      id_(id),
+      stored_(kind.Require(caller.db, id)) {}
+
+void RecordRemoval::Refuse(std::int32_t number, const std::string& reason) const {
+  server::Refuse(number, kind_.Called(*stored_) + ": " + reason);
+}
+
+void RecordRemoval::Remove() {
+  const MasterData::Description& description = kind_.description();
+  db().Execute("DELETE FROM " + std::string(description.table) + " WHERE " +
+                   std::string(description.id) + " = ?",
+               id_);
+}
+
+void RecordRemoval::Mark() {
+  const MasterData::Description& description = kind_.description();
+  db().Execute("UPDATE " + std::string(description.table) + " SET " +
+                   std::string(description.deleted) + " = 1, FVersion = FVersion + 1 WHERE " +
+                   std::string(description.id) + " = ?",
+               id_);
+}
+
+void RecordRemoval::Commit(std::string_view machine_name, std::string_view address) {
+  const std::string name = MasterData::NameOf(*stored_);
+  WriteAudit(caller_, {.subject = kind_.subject(),
+                       .record_id = id_,
+                       .record = name,
+                       .action = "Delete",
+                       .machine_name = machine_name,
+                       .address = address});
+  transaction_.Commit();
+}
+
+}  // namespace qdclgl::server

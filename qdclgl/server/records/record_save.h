@@ -1,0 +1,83 @@
+// One save of a record, and one deletion: the transaction, what was stored, and what it becomes.
+#pragma once
+
+#include "qdclgl/server/records/master_data.h"
+
+namespace qdclgl::server {
+
+class RecordSave {
+ public:
+  // A new record.
+  RecordSave(const Caller& caller, const MasterData& kind, const Ref<Dictionary>& sent);
+  // NotFound without a record; NoVersion and Changed unless the sent row is of the stored version.
+  RecordSave(const Caller& caller, const MasterData& kind, const Ref<Dictionary>& sent, Long id);
+
+  // Checks, writes, lets follow what follows, and commits; then id and version stand in the sent
+  // row.
+  void Run();
+
+  Database& db() const { return caller_.db; }
+  bool is_new() const { return !stored_; }
+  Long id() const { return id_; }  // of a new record once it is written
+  const Dictionary& sent() const { return *sent_; }
+  // What was stored; not for a new record.
+  const Dictionary& stored() const { return *stored_; }
+  // Whether the save gives a column another value; true for a new record.
+  bool Changes(std::string_view column) const;
+
+  // The record as it will be stored.
+  Dictionary& record() { return *record_; }
+  std::string Text(std::string_view column) const { return record_->Value(column).As<String>(); }
+  Long Number(std::string_view column) const { return record_->Value(column).As<Long>(); }
+
+  // Refuses it: "Account 1000 (Cash): " and the reason.
+  [[noreturn]] void Refuse(std::int32_t number, const std::string& reason) const;
+  // Required when the text is empty, BadValue when it is longer than 255 characters.
+  void RequireText(std::string_view column) const;
+  // Puts the key into the case that keys have, and requires it.
+  void RequireKey();
+  // NumberTaken or NameTaken when another record has the key.
+  void RequireUniqueKey() const;
+
+ private:
+  // Inserts or overwrites the record, and writes the audit trail.
+  void Write();
+  // Commits, and only then writes id and version into the sent row.
+  void Commit();
+
+  const Caller& caller_;
+  const MasterData& kind_;
+  Ref<Dictionary> sent_;
+  Transaction transaction_;
+  Long id_ = 0;
+  Ref<Dictionary> stored_;
+  Ref<Dictionary> record_;
+};
+
+class RecordRemoval {
+ public:
+  // NotFound without a record.
+  RecordRemoval(const Caller& caller, const MasterData& kind, Long id);
+
+  Database& db() const { return caller_.db; }
+  Long id() const { return id_; }
+  const Dictionary& stored() const { return *stored_; }
+
+  // Refuses it: "Account 1000 (Cash): " and the reason.
+  [[noreturn]] void Refuse(std::int32_t number, const std::string& reason) const;
+
+  // Deletes the record's row, or marks the record deleted.
+  void Remove();
+  void Mark();
+  // Writes the audit trail and commits.
+  void Commit(std::string_view machine_name, std::string_view address);
+
+ private:
+  const Caller& caller_;
+  const MasterData& kind_;
+  Transaction transaction_;
+  Long id_;
+  Ref<Dictionary> stored_;
+};
+
+}  // namespace qdclgl::server
