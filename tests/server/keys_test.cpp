@@ -6,7 +6,7 @@
 #include "qdclgl/frame/containers/recordset.h"
 #include "qdclgl/server/records/kinds.h"
 #include "qdclgl/server/vouchers/voucher_tree.h"
-#include "tests/server/books_fixture.h"
+#include "tests/server/books_state.h"
 
 namespace qdclgl::server::testing {
 namespace {
@@ -34,7 +34,7 @@ std::span<const Column> ColumnsFrom(std::string_view first) {
   return kVoucherList.columns;
 }
 
-class KeysTest : public BooksTest {
+class KeysTest : public RecordsTest {
  protected:
   // The words for the types of a set's columns.
   static std::map<std::string_view, std::string_view> ColumnsOf(const ClassTable& set) {
