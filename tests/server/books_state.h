@@ -21,8 +21,10 @@ std::string RefusalOf(const std::function<void()>& operation);
 // Its sentence; "" when nothing is raised.
 std::string SentenceOf(const std::function<void()>& operation);
 
-class RecordsTest : public BooksTest {
- protected:
+class RecordBooks : public TestBooks {
+ public:
+  using TestBooks::TestBooks;
+
   // The connection that the components use in this thread.
   Database& Books() const;
   // Every row of every table, as text.
@@ -46,6 +48,11 @@ class RecordsTest : public BooksTest {
   void FailEachStatement(
       const std::function<void()>& operation,
       const std::function<std::string()>& watched = [] { return ""; });
+};
+
+class RecordsTest : public ::testing::TestWithParam<DatabaseKind>, protected RecordBooks {
+ protected:
+  RecordsTest() : RecordBooks(GetParam()) {}
 };
 
 // A row's keys and values as text, objects by their class.
