@@ -123,9 +123,9 @@ class NewBooks {
     const std::string from = Part(model_, connection_key::kSchema) + ".";
     const std::string to = Part(books, connection_key::kSchema) + ".";
     std::string sql = "DO $$ BEGIN SET LOCAL session_replication_role = replica; ";
-    for (const auto& [table] : refiller_->Query<std::string>(
-             "SELECT table_name FROM information_schema.tables"
-             " WHERE table_schema = current_schema()")) {
+    for (const auto& [table] :
+         refiller_->Query<std::string>("SELECT table_name FROM information_schema.tables"
+                                       " WHERE table_schema = current_schema()")) {
       sql += "DELETE FROM " + to + table + "; INSERT INTO " + to + table + " SELECT * FROM " +
              from + table + "; ";
     }

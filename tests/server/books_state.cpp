@@ -19,16 +19,6 @@ std::vector<std::string> TablesOf(Database& db) {
   return tables;
 }
 
-std::string RowText(Database& db, std::string_view table) {
-  if (!db.IsSQLite()) return "CAST(" + std::string(table) + " AS TEXT)";
-  std::string text;
-  for (const auto& [column] :
-       db.Query<std::string>("SELECT name FROM pragma_table_info(?)", table)) {
-    text += (text.empty() ? "" : " || ',' || ") + ("quote(" + column + ")");
-  }
-  return text;
-}
-
 }  // namespace
 
 std::string RefusalOf(const std::function<void()>& operation) {
@@ -56,12 +46,33 @@ Database& RecordBooks::Books() const {
   return Database::Of(ConnectionText::Parse(props).Without(connection_key::kSession).ToText());
 }
 
+std::vector<std::string> RecordBooks::ColumnsOf(std::string_view table) const {
+  std::vector<std::string> columns;
+  for (const auto& [column] : Books().Query<std::string>(
+           Books().Dialect("SELECT name FROM pragma_table_info(?)",
+                           "SELECT column_name FROM information_schema.columns WHERE"
+                           " table_schema = current_schema() AND table_name = lower(?)"
+                           " ORDER BY ordinal_position"),
+           table)) {
+    columns.push_back(column);
+  }
+  return columns;
+}
+
 std::string RecordBooks::State() const {
   Database& db = Books();
+  const auto row_text = [&](const std::string& table) {
+    if (!db.IsSQLite()) return "CAST(" + table + " AS TEXT)";
+    std::string text;
+    for (const std::string& column : ColumnsOf(table)) {
+      text += (text.empty() ? "" : " || ',' || ") + ("quote(" + column + ")");
+    }
+    return text;
+  };
   std::string state;
   for (const std::string& table : TablesOf(db)) {
     for (const auto& [row] : db.Query<std::string>(
-             "SELECT " + RowText(db, table) + " AS row_text FROM " + table + " ORDER BY row_text")) {
+             "SELECT " + row_text(table) + " AS row_text FROM " + table + " ORDER BY row_text")) {
       state += table + " " + row + "\n";
     }
   }
@@ -144,15 +155,17 @@ void RecordBooks::FailEachStatement(const std::function<void()>& operation,
   }
 }
 
+std::string ValueText(const Variant& value) {
+  return value.IsNothing()   ? "Nothing"
+         : value.IsMissing() ? "Missing"
+         : value.IsObject()  ? std::string(value.ObjectPointer()->ClassName())
+                             : ConcatenatedText(value);
+}
+
 std::string TextOf(const Dictionary& row) {
   std::string text;
   for (std::uint32_t i = 0; i < row.size(); ++i) {
-    const Variant& value = row.value_at(i);
-    text += row.key_at(i) + "=" +
-            (value.IsNothing()  ? "Nothing"
-             : value.IsObject() ? std::string(value.ObjectPointer()->ClassName())
-                                : ConcatenatedText(value)) +
-            ";";
+    text += row.key_at(i) + "=" + ValueText(row.value_at(i)) + ";";
   }
   return text;
 }

@@ -5,6 +5,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "qdclgl/frame/containers/recordset.h"
 #include "qdclgl/server/db/database.h"
@@ -29,6 +30,7 @@ class RecordBooks : public TestBooks {
   Database& Books() const;
   // Every row of every table, as text.
   std::string State() const;
+  std::vector<std::string> ColumnsOf(std::string_view table) const;
   // What the books' own check finds: "FRule FSubject FRecordID FRecord", a line for each row.
   std::string Breaches() const;
 
@@ -55,7 +57,8 @@ class RecordsTest : public ::testing::TestWithParam<DatabaseKind>, protected Rec
   RecordsTest() : RecordBooks(GetParam()) {}
 };
 
-// A row's keys and values as text, objects by their class.
+// A value as text, objects by their class, and so the keys and values of a row.
+std::string ValueText(const Variant& value);
 std::string TextOf(const Dictionary& row);
 // A recordset's rows: the values of these columns, blanks between them, a line for each row.
 std::string TextOf(const Ref<Recordset>& list, std::initializer_list<std::string_view> columns);
