@@ -1,11 +1,14 @@
 // What the components of master data share, proved once for all of them.
 //
 // A kind of record is declared as data in its own test file, beside the tests of the rules that are
-// its own, and handed to the suites by QDCLGL_RECORD_KIND. The suites in record_suite.cpp run over
+// its own, and handed to the suites by QDCLGL_RECORD_KIND. The suites beside this header run over
 // every kind and every database. They reach a kind by its ProgIDs and its table alone.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
+#include <functional>
+#include <iosfwd>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -66,6 +69,30 @@ struct RecordKind {
 
   void (*prepare)(RecordBooks& books) = nullptr;  // what the sample record refers to
 };
+
+inline constexpr std::string_view kVersion = "FVersion";
+inline constexpr const char* kBatch = "QDSVGLBatch.BatchUpdate";
+inline constexpr Long kNoRecord = 30000;  // an id that no test comes to
+
+// What a declaration says of a column.
+inline bool Has(const std::vector<std::string_view>& columns, std::string_view column) {
+  return std::ranges::find(columns, column) != columns.end();
+}
+template <class Value>
+const Value* Find(const ByColumn<Value>& values, std::string_view column) {
+  const auto found = std::ranges::find(values, column, &std::pair<std::string_view, Value>::first);
+  return found == values.end() ? nullptr : &found->second;
+}
+
+// What does not fit into a column of a value's type.
+std::vector<Variant> UnfitFor(const Variant& value);
+// As filters write a value.
+std::string Literal(const Variant& value);
+
+// A row's keys, types and values, a line for each; "Nothing" without a row.
+std::string TypedText(const Dictionary& row);
+std::string TypedText(const Ref<Dictionary>& row);
+std::vector<Ref<Dictionary>> RowsOf(const Ref<Recordset>& list);
 
 // A kind on a database.
 struct RecordCase {
