@@ -145,7 +145,6 @@ TEST_P(RecordSuite, TextsAreDataWhateverTheyHold) {
 
 TEST_P(RecordSuite, TextsAreAsLongAsTheirColumnsAllow) {
   const Ref<Dictionary> row = Sent(Values::kSample);
-  std::string before;
   for (const Column* column : WrittenFreely()) {
     const std::size_t* longest = Find(kind.longest, column->name);
     std::string text(longest == nullptr ? 100'000 : *longest - 4, 'x');
@@ -157,7 +156,7 @@ TEST_P(RecordSuite, TextsAreAsLongAsTheirColumnsAllow) {
     EXPECT_EQ(CStr(Detail(id)->Value(column->name)), CStr(row->Value(column->name)))
         << column->name;
   }
-  before = State();
+  const std::string before = State();
   for (const auto& [column, longest] : kind.longest) {
     const std::string text = std::string(longest - 3, 'x') + "😀😀";
     ExpectRefusedSaves("BadValue", [&, key = column](Dictionary& sent) { sent.Put(key, text); });

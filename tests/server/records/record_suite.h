@@ -127,7 +127,7 @@ class RecordSuite : public ::testing::TestWithParam<RecordCase>, protected Recor
   void Update(Long id, const Ref<Dictionary>& row);
   void Delete(Long id, Long sign = 0);
   Ref<Dictionary> Detail(Long id);
-  Long VersionOf(Long id) { return Detail(id)->Value("FVersion").As<Long>(); }
+  Long VersionOf(Long id) { return Detail(id)->Value(kVersion).As<Long>(); }
   Ref<Dictionary> DetailByText(std::string_view text);
   Ref<Recordset> List(Long options = 0, std::string filter = "", std::string sort = "");
   // The row of a record in the list, null when it is not there.
@@ -146,8 +146,8 @@ class RecordSuite : public ::testing::TestWithParam<RecordCase>, protected Recor
   // The books but for the audit trail.
   std::string StateWithoutTrail() const;
 
-  // `save` is refused so, with Create and with Update of a sample record, for the row that
-  // `spoil` has changed. The rows stay as they were sent.
+  // Create, and Update of the newest record, are refused so for the rows that `spoil` has changed;
+  // the rows stay as they were sent.
   void ExpectRefusedSaves(std::string_view refusal,
                           const std::function<void(Dictionary& row)>& spoil);
   // Runs on another thread, with a connection and a session of its own, as an administrator.
