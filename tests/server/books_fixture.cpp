@@ -73,17 +73,17 @@ namespace {
 // tests get copies: of the file, or of the rows in a schema that a test before has done with.
 class NewBooks {
  public:
-  explicit NewBooks(DatabaseKind kind) : kind_(kind), model_(Made()) {}
+  explicit NewBooks(DatabaseKind kind) : kind_(kind) {}
   ~NewBooks() {
     refiller_.reset();
     for (const std::string& books : done_with_) RemoveBooks(books);
-    RemoveBooks(model_);
+    if (!model_.empty()) RemoveBooks(model_);
   }
 
   std::string Take() {
     if (kind_ == DatabaseKind::kSQLite) {
       std::string copy = NewConnectionText(kind_);
-      std::filesystem::copy_file(Part(model_, connection_key::kDataSource),
+      std::filesystem::copy_file(Part(Model(), connection_key::kDataSource),
                                  Part(copy, connection_key::kDataSource));
       return copy;
     }
@@ -114,11 +114,17 @@ class NewBooks {
     return text;
   }
 
+  // The books that copies are made of; a process that runs one test needs none on PostgreSQL.
+  const std::string& Model() {
+    if (model_.empty()) model_ = Made();
+    return model_;
+  }
+
   // Gives all tables and counters of ids the rows of the model, in one message to the server.
   void Refill(const std::string& books) {
     if (!refiller_) {
       refiller_ =
-          std::make_unique<Database>(ConnectionText::Parse(model_), Database::Opening::kExisting);
+          std::make_unique<Database>(ConnectionText::Parse(Model()), Database::Opening::kExisting);
     }
     const std::string from = Part(model_, connection_key::kSchema) + ".";
     const std::string to = Part(books, connection_key::kSchema) + ".";
