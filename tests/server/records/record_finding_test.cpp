@@ -153,7 +153,12 @@ TEST_P(RecordSuite, AnUnusedRecordIsRemovedWithoutATrace) {
   EXPECT_EQ(Listed(id, 1), nullptr);
   EXPECT_EQ(RefusalOf([&] { Delete(id); }), "NotFound");
   EXPECT_EQ(RefusalOf([&] { Update(id, Sent(Values::kSample)); }), "NotFound");
-  EXPECT_NE(CreateSample(), id) << "ids are not given twice";
+  const Long again = CreateSample();
+  EXPECT_NE(again, id) << "ids are not given twice";
+  CreateSample(2);
+  const std::string others = RowsBut(again);
+  Delete(again);
+  EXPECT_EQ(RowsBut(again), others);
 }
 
 TEST_P(UsedRecordSuite, AUsedRecordIsNotRemoved) {

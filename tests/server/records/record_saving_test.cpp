@@ -95,7 +95,9 @@ TEST_P(RecordSuite, AnAbsentKeyStandsForItsDefault) {
 }
 
 TEST_P(RecordSuite, AnUpdateReplacesEveryColumnAndCountsTheVersion) {
+  CreateSample(1);
   const Long id = CreateSample();
+  CreateSample(2);
   const Ref<Dictionary> row = Sent(Values::kChanged);
   row->Put(kVersion, Long{1});
   const std::string others = RowsBut(id);
