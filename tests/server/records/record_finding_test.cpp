@@ -20,7 +20,7 @@ bool Precedes(const Variant& left, const Variant& right) {
 TEST_P(FoundRecordSuite, ARecordIsReadByItsText) {
   const Long id = CreateSample();
   CreateSample(1);
-  const String text = Detail(id)->Value(kind.text_key).As<String>();
+  const String text = Record(id)->Value(kind.text_key).As<String>();
   const std::string whole = Saved(Values::kSample, id, 1);
   EXPECT_EQ(TypedText(DetailByText(text)), whole);
   if (const Variant* spelled = Find(kind.spelled, kind.text_key)) {
@@ -36,13 +36,15 @@ TEST_P(FoundRecordSuite, ARecordIsReadByItsText) {
 
 TEST_P(FoundRecordSuite, ExistenceIsAskedByIdOrText) {
   const Long id = CreateSample(), other = CreateSample(1);
-  Variant key = id, text = Detail(id)->Value(kind.text_key);
+  Variant key = id, text = Record(id)->Value(kind.text_key);
   EXPECT_EQ(Existence(ByRef(key)), id);
   EXPECT_EQ(Existence(other), other);
   EXPECT_EQ(Existence(Named(kind.id_argument, ByRef(key))), id);
   EXPECT_EQ(Existence(Named(kind.text_argument, ByRef(text))), id);
   if (const Variant* spelled = Find(kind.spelled, kind.text_key)) {
     EXPECT_EQ(Existence(Named(kind.text_argument, *spelled)), id);
+  } else if (const std::string upper = ToUpper(CStr(text)); upper != CStr(text)) {
+    EXPECT_EQ(Existence(Named(kind.text_argument, upper)), 0) << "case counts";
   }
   EXPECT_EQ(Call(kind.info, "ExistenceCheck", props, other, text).As<Long>(), other)
       << "the id goes first";
@@ -169,11 +171,11 @@ TEST_P(UsedRecordSuite, AUsedRecordIsNotRemoved) {
     const std::string before = State(), row = TypedText(Detail(id));
     if (kind.used_is_marked) {
       Delete(id);
-      EXPECT_TRUE(Detail(id)->Value(kind.mark).As<Boolean>());
+      EXPECT_TRUE(Record(id)->Value(kind.mark).As<Boolean>());
     } else {
       EXPECT_EQ(RefusalOf([&] { Delete(id); }), "InUse") << number;
-      EXPECT_EQ(SentenceOf([&] { Delete(id); }).substr(0, Called(*Detail(id)).size() + 2),
-                Called(*Detail(id)) + ": ");
+      EXPECT_EQ(SentenceOf([&] { Delete(id); }).substr(0, Called(*Record(id)).size() + 2),
+                Called(*Record(id)) + ": ");
       EXPECT_EQ(State(), before);
       EXPECT_EQ(TypedText(Detail(id)), row);
     }
@@ -185,10 +187,10 @@ TEST_P(MarkedRecordSuite, AMarkedRecordIsInListsWithBit1Only) {
   int number = 0;
   for (const auto& mark : WaysToMark()) {
     const Long id = CreateSample(++number), other = CreateSample(number + 50);
-    const Ref<Dictionary> old = Detail(id);
+    const Ref<Dictionary> old = Record(id);
     mark(id);
-    EXPECT_TRUE(Detail(id)->Value(kind.mark).As<Boolean>());
-    EXPECT_FALSE(Detail(other)->Value(kind.mark).As<Boolean>());
+    EXPECT_TRUE(Record(id)->Value(kind.mark).As<Boolean>());
+    EXPECT_FALSE(Record(other)->Value(kind.mark).As<Boolean>());
     EXPECT_EQ(VersionOf(id), 2);
     for (const Long options : {0, 2, 6, -2}) {
       EXPECT_EQ(Listed(id, options), nullptr) << options;
@@ -204,7 +206,7 @@ TEST_P(MarkedRecordSuite, AMarkedRecordIsInListsWithBit1Only) {
       row->Put(column, old->Value(column));
       EXPECT_EQ(RefusalOf([&] { Create(row); }), refusal) << "a marked record keeps its place";
     }
-    const Ref<Dictionary> row = Detail(id);
+    const Ref<Dictionary> row = Record(id);
     row->Put(kind.mark, false);
     Update(id, row);
     EXPECT_EQ(Listed(id) == nullptr, Has(kind.kept_by_server, kind.mark));

@@ -50,14 +50,14 @@ TEST_P(RecordSuite, UniqueColumnsAreUnique) {
   const Long first = CreateSample(), second = CreateSample(1);
   const std::string before = State();
   for (const auto& [column, refusal] : kind.unique) {
-    std::vector<Variant> taken = {Detail(first)->Value(column)};
+    std::vector<Variant> taken = {Record(first)->Value(column)};
     if (const Variant* spelled = Find(kind.spelled, column)) taken.push_back(*spelled);
     for (const Variant& text : taken) {
       ExpectRefusedSaves(refusal, [&, key = column](Dictionary& row) { row.Put(key, text); });
     }
-    const Ref<Dictionary> row = Detail(second);
+    const Ref<Dictionary> row = Record(second);
     row->Put(column, taken.front());
-    EXPECT_EQ(SentenceOf([&] { Update(second, row); }), Called(*Detail(first)) + " has " +
+    EXPECT_EQ(SentenceOf([&] { Update(second, row); }), Called(*Record(first)) + " has " +
                                                             std::string(column) + " " +
                                                             CStr(taken.front()) + " already.");
   }
@@ -133,7 +133,7 @@ TEST_P(RecordSuite, TextsAreDataWhateverTheyHold) {
     for (const Column* column : WrittenFreely()) row->Put(column->name, text);
     const Long id = Create(row);
     for (const Column* column : WrittenFreely()) {
-      EXPECT_EQ(CStr(Detail(id)->Value(column->name)), text) << column->name;
+      EXPECT_EQ(CStr(Record(id)->Value(column->name)), text) << column->name;
       const Ref<Recordset> found =
           List(0, std::string(column->name) + " = " + Literal(text) + " AND " +
                       std::string(kind.id) + " = " + std::to_string(id));
@@ -153,7 +153,7 @@ TEST_P(RecordSuite, TextsAreAsLongAsTheirColumnsAllow) {
   }
   const Long id = Create(row);
   for (const Column* column : WrittenFreely()) {
-    EXPECT_EQ(CStr(Detail(id)->Value(column->name)), CStr(row->Value(column->name)))
+    EXPECT_EQ(CStr(Record(id)->Value(column->name)), CStr(row->Value(column->name)))
         << column->name;
   }
   const std::string before = State();

@@ -124,7 +124,7 @@ TEST_P(RecordSuite, RowsThatWereReadAreSavedAgain) {
   Update(id, Detail(id));
   Update(id, Listed(id));
   EXPECT_EQ(TypedText(Detail(id)), Saved(Values::kSample, id, 3));
-  const Ref<Dictionary> copy = Detail(id)->Clone();
+  const Ref<Dictionary> copy = Record(id)->Clone();
   for (const auto& [column, refusal] : kind.unique) {
     copy->Put(column, Sent(Values::kSample, 5)->Value(column));
   }

@@ -7,6 +7,7 @@
 
 #include "qdclgl/frame/containers/vector.h"
 #include "qdclgl/frame/session/startup.h"
+#include "qdclgl/server/db/refusals.h"
 
 namespace qdclgl::server::testing {
 
@@ -174,6 +175,12 @@ Ref<Dictionary> RecordSuite::Detail(Long id) {
   return Call(kind.info, "GetDetail", props, ByRef(id)).As<Dictionary>();
 }
 
+Ref<Dictionary> RecordSuite::Record(Long id) {
+  Ref<Dictionary> record = Detail(id);
+  if (!record) Refuse(refusal::kNotFound, "There is no " + std::string(kind.noun) + ".");
+  return record;
+}
+
 Ref<Dictionary> RecordSuite::DetailByText(std::string_view text) {
   Variant key = text;
   return Call(kind.info, kind.detail_by_text, props, ByRef(key)).As<Dictionary>();
@@ -249,7 +256,7 @@ void RecordSuite::ExpectRefusedSaves(std::string_view refusal,
                                      const std::function<void(Dictionary& row)>& spoil) {
   const Long id = *Books().QueryValue<Long>("SELECT MAX(" + std::string(kind.id) + ") FROM " +
                                             std::string(kind.table));
-  const Ref<Dictionary> created = Sent(Values::kSample, 99), updated = Detail(id);
+  const Ref<Dictionary> created = Sent(Values::kSample, 99), updated = Record(id);
   for (const auto& row : {created, updated}) {
     spoil(*row);
     const std::string sent = TypedText(row);
@@ -285,7 +292,7 @@ std::vector<std::function<void(Long)>> MarkedRecordSuite::WaysToMark() {
   }
   if (!Has(kind.kept_by_server, kind.mark)) {
     ways.push_back([this](Long id) {
-      const Ref<Dictionary> row = Detail(id);
+      const Ref<Dictionary> row = Record(id);
       row->Put(kind.mark, true);
       Update(id, row);
     });

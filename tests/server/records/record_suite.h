@@ -127,7 +127,9 @@ class RecordSuite : public ::testing::TestWithParam<RecordCase>, protected Recor
   void Update(Long id, const Ref<Dictionary>& row);
   void Delete(Long id, Long sign = 0);
   Ref<Dictionary> Detail(Long id);
-  Long VersionOf(Long id) { return Detail(id)->Value(kVersion).As<Long>(); }
+  // The same for a record that must be there; raises NotFound where it is not.
+  Ref<Dictionary> Record(Long id);
+  Long VersionOf(Long id) { return Record(id)->Value(kVersion).As<Long>(); }
   Ref<Dictionary> DetailByText(std::string_view text);
   Ref<Recordset> List(Long options = 0, std::string filter = "", std::string sort = "");
   // The row of a record in the list, null when it is not there.

@@ -16,11 +16,11 @@ using Column = RecordKind::Column;
 
 TEST_P(RecordSuite, AnOldVersionIsRefusedByNameAndVersions) {
   const Long id = CreateSample();
-  const Ref<Dictionary> mine = Detail(id);
+  const Ref<Dictionary> mine = Record(id);
   const Ref<Dictionary> hers = Sent(Values::kChanged);
   hers->Put(kVersion, Long{1});
   for (int i = 0; i < 2; ++i) Update(id, hers);
-  const std::string before = State(), called = Called(*Detail(id));
+  const std::string before = State(), called = Called(*Record(id));
   for (const Long version : {1, 2, 4, -3}) {
     mine->Put(kVersion, version);
     const std::string sent = TypedText(mine);
@@ -37,7 +37,7 @@ TEST_P(RecordSuite, AnOldVersionIsRefusedByNameAndVersions) {
 
 TEST_P(RecordSuite, ARowWithoutItsVersionIsRefused) {
   const Long id = CreateSample();
-  const Ref<Dictionary> row = Detail(id);
+  const Ref<Dictionary> row = Record(id);
   const std::string before = State();
   row->Remove(kVersion);
   EXPECT_EQ(RefusalOf([&] { Update(id, row); }), "NoVersion");
@@ -55,7 +55,7 @@ TEST_P(RecordSuite, ARowWithoutItsVersionIsRefused) {
 
 TEST_P(RecordSuite, AnUnknownRecordIsNotFound) {
   const Long known = CreateSample();
-  const Ref<Dictionary> row = Detail(known);
+  const Ref<Dictionary> row = Record(known);
   const std::string before = State(), sent = TypedText(row);
   for (const Long id : {Long{0}, Long{-1}, kNoRecord}) {
     EXPECT_EQ(RefusalOf([&] { Update(id, row); }), "NotFound") << id;
@@ -75,7 +75,7 @@ TEST_P(RecordSuite, OfTwoSessionsTheSecondToSaveIsRefused) {
   InAnotherSession([&] { read_by_others = VersionOf(id); });
   Update(id, Detail(id));
   InAnotherSession([&] {
-    const Ref<Dictionary> row = Detail(id);
+    const Ref<Dictionary> row = Record(id);
     row->Put(kVersion, read_by_others);
     EXPECT_EQ(RefusalOf([&] { Update(id, row); }), "Changed");
     Update(id, Detail(id));
@@ -133,7 +133,7 @@ TEST_P(RecordSuite, AFailureAtAnyStatementLeavesEverythingAsItWas) {
     const Long used = CreateSample();
     kind.uses.front()(*this, used);
     FailEachStatement([&] { Delete(used); });
-    EXPECT_TRUE(Detail(used)->Value(kind.mark).As<Boolean>());
+    EXPECT_TRUE(Record(used)->Value(kind.mark).As<Boolean>());
   }
   EXPECT_EQ(Breaches(), "");
 }
@@ -144,7 +144,7 @@ TEST_P(RecordSuite, ABatchThatIsRolledBackLeavesNothing) {
   const auto work = [&] {
     Call(kBatch, "Begin", props);
     const Long id = CreateSample();
-    const Ref<Dictionary> row = Detail(first);
+    const Ref<Dictionary> row = Record(first);
     for (const Column* column : Written()) row->Put(column->name, column->changed);
     Update(first, row);
     Update(first, row);
@@ -190,7 +190,7 @@ TEST_P(RecordSuite, DeedsAreOnTheAuditTrail) {
   row->Put("MachineName", "DESK");
   row->Put("IPAddress", "10.0.0.7");
   id = Create(row);
-  expect("DESK 10.0.0.7", NameIn(*Detail(id)), "Create");
+  expect("DESK 10.0.0.7", NameIn(*Record(id)), "Create");
 
   std::string changes;
   for (const Column* column : Written()) {
@@ -200,17 +200,17 @@ TEST_P(RecordSuite, DeedsAreOnTheAuditTrail) {
                CStr(column->sample) + " -> " + CStr(column->changed);
   }
   Update(id, row);
-  expect("DESK 10.0.0.7", NameIn(*Detail(id)), "Update", changes);
+  expect("DESK 10.0.0.7", NameIn(*Record(id)), "Update", changes);
   Update(id, Detail(id));
-  expect(here, NameIn(*Detail(id)), "Update");
+  expect(here, NameIn(*Record(id)), "Update");
 
-  const Ref<Dictionary> wrong = Detail(id);
+  const Ref<Dictionary> wrong = Record(id);
   wrong->Put("FNmae", "x");
   EXPECT_EQ(RefusalOf([&] { Update(id, wrong); }), "BadValue");
   EXPECT_EQ(RefusalOf([&] { Delete(kNoRecord); }), "NotFound");
   EXPECT_EQ(trail(), expected) << "what is refused was not done";
 
-  const std::string name = NameIn(*Detail(id));
+  const std::string name = NameIn(*Record(id));
   if (kind.mark_by_sign) {
     Delete(id, 1);
     expect(host, name, "Delete");
@@ -218,8 +218,8 @@ TEST_P(RecordSuite, DeedsAreOnTheAuditTrail) {
   Delete(id);
   expect(host, name, "Delete");
   id = Create(Sent(Values::kSample));
-  expect(here, NameIn(*Detail(id)), "Create");
-  const std::string last = NameIn(*Detail(id));
+  expect(here, NameIn(*Record(id)), "Create");
+  const std::string last = NameIn(*Record(id));
   Call(kind.update, "Delete", props, id);
   expect(here, last, "Delete");
 }
@@ -234,11 +234,11 @@ TEST_P(MarkedRecordSuite, MarkingIsOnTheAuditTrail) {
                     "FSubject = '" + std::string(kind.subject) + "' AND FMachineName = 'HOST'")
                    .As<Recordset>(),
                {"FRecordID", "FRecord", "FAction", "FChanges"}),
-        std::to_string(id) + " " + NameIn(*Detail(id)) + " Delete \n");
+        std::to_string(id) + " " + NameIn(*Record(id)) + " Delete \n");
   }
   if (!Has(kind.kept_by_server, kind.mark)) {
     const Long id = CreateSample(1);
-    const Ref<Dictionary> row = Detail(id);
+    const Ref<Dictionary> row = Record(id);
     row->Put(kind.mark, true);
     row->Put("MachineName", "DESK");
     Update(id, row);
