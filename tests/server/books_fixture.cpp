@@ -5,6 +5,8 @@
 #include <atomic>
 #include <cstdlib>
 #include <filesystem>
+#include <map>
+#include <memory>
 
 #include "qdclgl/frame/containers/dictionary.h"
 #include "qdclgl/frame/session/startup.h"
@@ -63,22 +65,124 @@ void RemoveBooks(const std::string& connection) {
   }
 }
 
-BooksTest::BooksTest() : connection(NewConnectionText(GetParam())) {
+// ---- New books ----
+
+namespace {
+
+// Making books costs more than most tests do. So a process makes them once on each database, and
+// tests get copies: of the file, or of the rows in a schema that a test before has done with.
+class NewBooks {
+ public:
+  explicit NewBooks(DatabaseKind kind) : kind_(kind) {}
+  ~NewBooks() {
+    refiller_.reset();
+    for (const std::string& books : done_with_) RemoveBooks(books);
+    if (!model_.empty()) RemoveBooks(model_);
+  }
+
+  std::string Take() {
+    if (kind_ == DatabaseKind::kSQLite) {
+      std::string copy = NewConnectionText(kind_);
+      std::filesystem::copy_file(Part(Model(), connection_key::kDataSource),
+                                 Part(copy, connection_key::kDataSource));
+      return copy;
+    }
+    if (done_with_.empty()) return Made();
+    std::string books = std::move(done_with_.back());
+    done_with_.pop_back();
+    Refill(books);
+    return books;
+  }
+
+  void GiveBack(const std::string& books) {
+    if (kind_ == DatabaseKind::kSQLite) {
+      RemoveBooks(books);
+    } else {
+      Database::CloseAll();
+      done_with_.push_back(books);
+    }
+  }
+
+ private:
+  static std::string Part(const std::string& text, std::string_view key) {
+    return std::string(ConnectionText::Parse(text)[key]);
+  }
+
+  std::string Made() const {
+    std::string text = NewConnectionText(kind_);
+    CreateObject("QDSVGLBooks.BooksUpdate")->Call("Create", text, "EUR", Long{2024});
+    return text;
+  }
+
+  // The books that copies are made of; a process that runs one test needs none on PostgreSQL.
+  const std::string& Model() {
+    if (model_.empty()) model_ = Made();
+    return model_;
+  }
+
+  // Gives all tables and counters of ids the rows of the model, in one message to the server.
+  void Refill(const std::string& books) {
+    if (!refiller_) {
+      refiller_ =
+          std::make_unique<Database>(ConnectionText::Parse(Model()), Database::Opening::kExisting);
+    }
+    const std::string from = Part(model_, connection_key::kSchema) + ".";
+    const std::string to = Part(books, connection_key::kSchema) + ".";
+    std::string sql = "DO $$ BEGIN SET LOCAL session_replication_role = replica; ";
+    for (const auto& [table] :
+         refiller_->Query<std::string>("SELECT table_name FROM information_schema.tables"
+                                       " WHERE table_schema = current_schema()")) {
+      sql += "DELETE FROM " + to + table + "; INSERT INTO " + to + table + " SELECT * FROM " +
+             from + table + "; ";
+    }
+    for (const auto& [sequence] : refiller_->Query<std::string>(
+             "SELECT sequencename FROM pg_sequences WHERE schemaname = current_schema()")) {
+      sql += "PERFORM setval('" + to + sequence + "', last_value, is_called) FROM " + from +
+             sequence + "; ";
+    }
+    refiller_->Execute(sql + "END $$");
+  }
+
+  DatabaseKind kind_;
+  std::string model_;
+  std::vector<std::string> done_with_;  // PostgreSQL
+  std::unique_ptr<Database> refiller_;
+};
+
+// They are removed before the process ends.
+class NewBooksOfAllDatabases final : public ::testing::Environment {
+ public:
+  void TearDown() override { by_database_.clear(); }
+  NewBooks& On(DatabaseKind kind) { return by_database_.try_emplace(kind, kind).first->second; }
+
+ private:
+  std::map<DatabaseKind, NewBooks> by_database_;
+};
+
+NewBooks& NewBooksOn(DatabaseKind kind) {
+  static auto& all = dynamic_cast<NewBooksOfAllDatabases&>(
+      *::testing::AddGlobalTestEnvironment(new NewBooksOfAllDatabases));
+  return all.On(kind);
+}
+
+}  // namespace
+
+TestBooks::TestBooks(DatabaseKind database) : database_(database) {
   SetApartmentStarted(true);
   RegisterServerComponents();
   SetPasswordCost(PasswordCost::kLeast);
-  Call("QDSVGLBooks.BooksUpdate", "Create", connection, "EUR", Long{2024});
+  connection = NewBooksOn(database).Take();
   Login("administrator");
 }
 
-BooksTest::~BooksTest() { RemoveBooks(connection); }
+TestBooks::~TestBooks() { NewBooksOn(database_).GiveBack(connection); }
 
-std::string BooksTest::Login(const std::string& user, const std::string& password) {
+std::string TestBooks::Login(const std::string& user, const std::string& password) {
   props = Call("QDSVGLSession.SessionUpdate", "Login", connection, user, password).As<String>();
   return props;
 }
 
-void BooksTest::AddUser(const std::string& name, const std::string& roles) {
+void TestBooks::AddUser(const std::string& name, const std::string& roles) {
   auto user = Make<Dictionary>();
   user->Value("FName", name);
   user->Value("FRoles", roles);

@@ -23,11 +23,13 @@ std::string NameOf(const ::testing::TestParamInfo<DatabaseKind>& info);
 std::string NewConnectionText(DatabaseKind kind);
 void RemoveBooks(const std::string& connection);
 
-class BooksTest : public ::testing::TestWithParam<DatabaseKind> {
- protected:
+class TestBooks {
+ public:
   // Books that begin in 2024, base currency EUR; "administrator" without a password is logged in.
-  BooksTest();
-  ~BooksTest() override;
+  explicit TestBooks(DatabaseKind database);
+  ~TestBooks();
+  TestBooks(const TestBooks&) = delete;
+  TestBooks& operator=(const TestBooks&) = delete;
 
   // Logs somebody in, in place of who was; returns the PropsString.
   std::string Login(const std::string& user, const std::string& password = "");
@@ -43,6 +45,9 @@ class BooksTest : public ::testing::TestWithParam<DatabaseKind> {
 
   std::string connection;  // as Login takes it
   std::string props;       // of the last login
+
+ private:
+  DatabaseKind database_;
 };
 
 #define QDCLGL_BOOKS_TEST(Suite) \

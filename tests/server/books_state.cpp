@@ -7,19 +7,16 @@ namespace qdclgl::server::testing {
 
 namespace {
 
-constexpr std::string_view kTables[] = {
-    "t_Schema",      "t_SystemProfile", "t_User",    "t_Currency",     "t_Account",
-    "t_AccountItem", "t_VoucherGroup",  "t_Voucher", "t_VoucherEntry", "t_VoucherDetail",
-    "t_Counter",     "t_Balance",       "t_Audit"};
-
-std::string RowText(Database& db, std::string_view table) {
-  if (!db.IsSQLite()) return "CAST(" + std::string(table) + " AS TEXT)";
-  std::string text;
-  for (const auto& [column] :
-       db.Query<std::string>("SELECT name FROM pragma_table_info(?)", table)) {
-    text += (text.empty() ? "" : " || ',' || ") + ("quote(" + column + ")");
+std::vector<std::string> TablesOf(Database& db) {
+  std::vector<std::string> tables;
+  for (const auto& [table] : db.Query<std::string>(
+           db.Dialect("SELECT name FROM sqlite_master WHERE type = 'table' AND name LIKE 't\\_%'"
+                      " ESCAPE '\\' ORDER BY name",
+                      "SELECT table_name FROM information_schema.tables"
+                      " WHERE table_schema = current_schema() ORDER BY table_name"))) {
+    tables.push_back(table);
   }
-  return text;
+  return tables;
 }
 
 }  // namespace
@@ -45,40 +42,60 @@ std::string SentenceOf(const std::function<void()>& operation) {
   }
 }
 
-Database& RecordsTest::Books() const {
+Database& RecordBooks::Books() const {
   return Database::Of(ConnectionText::Parse(props).Without(connection_key::kSession).ToText());
 }
 
-std::string RecordsTest::State() const {
+std::vector<std::string> RecordBooks::ColumnsOf(std::string_view table) const {
+  std::vector<std::string> columns;
+  for (const auto& [column] : Books().Query<std::string>(
+           Books().Dialect("SELECT name FROM pragma_table_info(?)",
+                           "SELECT column_name FROM information_schema.columns WHERE"
+                           " table_schema = current_schema() AND table_name = lower(?)"
+                           " ORDER BY ordinal_position"),
+           table)) {
+    columns.push_back(column);
+  }
+  return columns;
+}
+
+std::string RecordBooks::State() const {
   Database& db = Books();
+  const auto row_text = [&](const std::string& table) {
+    if (!db.IsSQLite()) return "CAST(" + table + " AS TEXT)";
+    std::string text;
+    for (const std::string& column : ColumnsOf(table)) {
+      text += (text.empty() ? "" : " || ',' || ") + ("quote(" + column + ")");
+    }
+    return text;
+  };
   std::string state;
-  for (const std::string_view table : kTables) {
-    const std::string name(table);
+  for (const std::string& table : TablesOf(db)) {
     for (const auto& [row] : db.Query<std::string>(
-             "SELECT " + RowText(db, table) + " AS row_text FROM " + name + " ORDER BY row_text")) {
-      state += name + " " + row + "\n";
+             "SELECT " + row_text(table) + " AS row_text FROM " + table + " ORDER BY row_text")) {
+      state += table + " " + row + "\n";
     }
   }
   return state;
 }
 
-std::string RecordsTest::Breaches() const {
+std::string RecordBooks::Breaches() const {
   return TextOf(Call("QDSVGLBooks.BooksInfo", "Check", props).As<Recordset>(),
                 {"FRule", "FSubject", "FRecordID", "FRecord"});
 }
 
-Long RecordsTest::AddAccount(std::string_view number, std::string_view name) {
+Long RecordBooks::AddAccount(std::string_view number, std::string_view name) {
   return Call("QDSVGLAccount.AccountUpdate", "Create", props,
               Row({{"FNumber", number}, {"FName", name.empty() ? number : name}}))
       .As<Long>();
 }
 
-Long RecordsTest::AddGroup(std::string_view name) {
+Long RecordBooks::AddGroup(std::string_view name) {
   return Call("QDSVGLVoucherGroup.VoucherGroupUpdate", "Create", props, Row({{"FName", name}}))
       .As<Long>();
 }
 
-Long RecordsTest::AddVoucher(Long group, Long debit, Long credit, Currency amount, DateTime date) {
+Long RecordBooks::AddVoucher(Long group, Long debit, Long credit, Currency amount, DateTime date) {
   auto lines = Make<Vector>();
   for (const Long side : {1, 0}) {
     lines->Append(Row({{"FAccountID", side == 1 ? debit : credit},
@@ -91,12 +108,12 @@ Long RecordsTest::AddVoucher(Long group, Long debit, Long credit, Currency amoun
       .As<Long>();
 }
 
-void RecordsTest::CheckAndPost(Long voucher) {
+void RecordBooks::CheckAndPost(Long voucher) {
   Call("QDSVGLVoucher.VoucherUpdate", "Check", props, voucher, true);
   Call("QDSVGLVoucher.VoucherUpdate", "Post", props, voucher);
 }
 
-void RecordsTest::ExpectAdministratorsOnly(
+void RecordBooks::ExpectAdministratorsOnly(
     const std::function<void(const std::string& props)>& operation) {
   for (const char* role : {"reader", "preparer", "checker", "cashier", "poster",
                            "reader, preparer, checker, cashier, poster"}) {
@@ -114,7 +131,7 @@ void RecordsTest::ExpectAdministratorsOnly(
   Login("administrator");
 }
 
-void RecordsTest::FailEachStatement(const std::function<void()>& operation,
+void RecordBooks::FailEachStatement(const std::function<void()>& operation,
                                     const std::function<std::string()>& watched) {
   const std::string before = State();
   const std::string watched_before = watched();
@@ -138,15 +155,17 @@ void RecordsTest::FailEachStatement(const std::function<void()>& operation,
   }
 }
 
+std::string ValueText(const Variant& value) {
+  return value.IsNothing()   ? "Nothing"
+         : value.IsMissing() ? "Missing"
+         : value.IsObject()  ? std::string(value.ObjectPointer()->ClassName())
+                             : ConcatenatedText(value);
+}
+
 std::string TextOf(const Dictionary& row) {
   std::string text;
   for (std::uint32_t i = 0; i < row.size(); ++i) {
-    const Variant& value = row.value_at(i);
-    text += row.key_at(i) + "=" +
-            (value.IsNothing()  ? "Nothing"
-             : value.IsObject() ? std::string(value.ObjectPointer()->ClassName())
-                                : ConcatenatedText(value)) +
-            ";";
+    text += row.key_at(i) + "=" + ValueText(row.value_at(i)) + ";";
   }
   return text;
 }

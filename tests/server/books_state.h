@@ -5,6 +5,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "qdclgl/frame/containers/recordset.h"
 #include "qdclgl/server/db/database.h"
@@ -21,12 +22,15 @@ std::string RefusalOf(const std::function<void()>& operation);
 // Its sentence; "" when nothing is raised.
 std::string SentenceOf(const std::function<void()>& operation);
 
-class RecordsTest : public BooksTest {
- protected:
+class RecordBooks : public TestBooks {
+ public:
+  using TestBooks::TestBooks;
+
   // The connection that the components use in this thread.
   Database& Books() const;
   // Every row of every table, as text.
   std::string State() const;
+  std::vector<std::string> ColumnsOf(std::string_view table) const;
   // What the books' own check finds: "FRule FSubject FRecordID FRecord", a line for each row.
   std::string Breaches() const;
 
@@ -48,7 +52,13 @@ class RecordsTest : public BooksTest {
       const std::function<std::string()>& watched = [] { return ""; });
 };
 
-// A row's keys and values as text, objects by their class.
+class RecordsTest : public ::testing::TestWithParam<DatabaseKind>, protected RecordBooks {
+ protected:
+  RecordsTest() : RecordBooks(GetParam()) {}
+};
+
+// A value as text, objects by their class, and so the keys and values of a row.
+std::string ValueText(const Variant& value);
 std::string TextOf(const Dictionary& row);
 // A recordset's rows: the values of these columns, blanks between them, a line for each row.
 std::string TextOf(const Ref<Recordset>& list, std::initializer_list<std::string_view> columns);
