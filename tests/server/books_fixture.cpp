@@ -120,7 +120,8 @@ class NewBooks {
     return model_;
   }
 
-  // Gives all tables and counters of ids the rows of the model, in one message to the server.
+  // Gives all tables and counters of ids the rows of the model, and drops the tables that a test
+  // has made besides, in one message to the server.
   void Refill(const std::string& books) {
     if (!refiller_) {
       refiller_ =
@@ -129,6 +130,13 @@ class NewBooks {
     const std::string from = Part(model_, connection_key::kSchema) + ".";
     const std::string to = Part(books, connection_key::kSchema) + ".";
     std::string sql = "DO $$ BEGIN SET LOCAL session_replication_role = replica; ";
+    for (const auto& [table] : refiller_->Query<std::string>(
+             "SELECT table_name FROM information_schema.tables WHERE table_schema = '" +
+             Part(books, connection_key::kSchema) +
+             "' AND table_name NOT IN (SELECT table_name FROM information_schema.tables"
+             " WHERE table_schema = current_schema())")) {
+      sql += "DROP TABLE " + to + table + " CASCADE; ";
+    }
     for (const auto& [table] :
          refiller_->Query<std::string>("SELECT table_name FROM information_schema.tables"
                                        " WHERE table_schema = current_schema()")) {

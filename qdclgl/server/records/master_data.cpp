@@ -287,4 +287,37 @@ bool IsUsedInVouchers(Database& db, std::string_view column, Long id) {
                             id);
 }
 
+// ---- The components; what saves and removes stands with the save ----
+
+RecordInfo::RecordInfo(const MasterData& kind) : RecordComponent(kind, kind.info()) {}
+
+Ref<Dictionary> RecordInfo::GetDetail(std::string_view PropsString, const Long& RecordID) {
+  const Caller caller = Enter(PropsString, kind().reading());
+  return kind().Read(caller.db, RecordID);
+}
+
+Ref<Dictionary> RecordInfo::GetDetailByNumber(std::string_view PropsString,
+                                              std::string_view RecordKey) {
+  const Caller caller = Enter(PropsString, kind().reading());
+  return kind().Read(caller.db, kind().IdWithKey(caller.db, RecordKey));
+}
+
+Ref<Recordset> RecordInfo::GetList(std::string_view PropsString, const Long& ListOptions,
+                                   const String& Filter, const String& Sort) {
+  const Caller caller = Enter(PropsString, kind().reading());
+  return kind().List(caller.db, ListOptions, Filter, Sort);
+}
+
+Long RecordInfo::ExistenceCheck(std::string_view PropsString, const Variant& RecordID,
+                                const Variant& RecordKey) {
+  const Caller caller = Enter(PropsString, kind().reading());
+  if (!RecordID.IsMissing()) {
+    const auto id = RecordID.As<Long>();
+    return kind().Read(caller.db, id) ? id : 0;
+  }
+  return RecordKey.IsMissing() ? 0 : kind().IdWithKey(caller.db, RecordKey.As<String>());
+}
+
+RecordUpdate::RecordUpdate(const MasterData& kind) : RecordComponent(kind, kind.update()) {}
+
 }  // namespace qdclgl::server

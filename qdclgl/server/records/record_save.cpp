@@ -165,4 +165,27 @@ void RecordRemoval::Commit(std::string_view machine_name, std::string_view addre
   transaction_.Commit();
 }
 
+// ---- The component that writes ----
+
+Long RecordUpdate::Create(std::string_view PropsString, const Ref<Dictionary>& dict) {
+  const Caller caller = Enter(PropsString, kind().writing());
+  RecordSave save(caller, kind(), dict);
+  save.Run();
+  return save.id();
+}
+
+void RecordUpdate::Update(std::string_view PropsString, const Long& RecordID,
+                          const Ref<Dictionary>& dict) {
+  const Caller caller = Enter(PropsString, kind().writing());
+  RecordSave(caller, kind(), dict, RecordID).Run();
+}
+
+void RecordUpdate::Delete(std::string_view PropsString, const Long& RecordID,
+                          std::string_view MachineName, std::string_view IPAddress) {
+  const Caller caller = Enter(PropsString, kind().writing());
+  RecordRemoval removal(caller, kind(), RecordID);
+  kind().description().remove(removal);
+  removal.Commit(MachineName, IPAddress);
+}
+
 }  // namespace qdclgl::server

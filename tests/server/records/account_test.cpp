@@ -1,5 +1,3 @@
-#include "qdclgl/server/records/account.h"
-
 #include "qdclgl/frame/containers/vector.h"
 #include "tests/server/records/record_suite.h"
 

@@ -1,5 +1,3 @@
-#include "qdclgl/server/records/user.h"
-
 #include "qdclgl/frame/containers/recordset.h"
 #include "qdclgl/server/access/login.h"
 #include "tests/server/records/record_suite.h"

@@ -1,5 +1,3 @@
-#include "qdclgl/server/records/voucher_group.h"
-
 #include "tests/server/records/record_suite.h"
 
 namespace qdclgl::server::testing {

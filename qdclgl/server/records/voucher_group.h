@@ -1,4 +1,0 @@
-// The kind stands in voucher_group.cpp.
-#pragma once
-
-#include "qdclgl/server/records/kinds.h"
