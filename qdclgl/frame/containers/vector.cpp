@@ -58,11 +58,19 @@ Ref<Vector> Vector::Clone() { return CopyWith(nullptr); }
 Ref<Vector> Vector::CopyWith(Variant (*copy_object)(const Variant&)) const {
   auto copy = Make<Vector>();
   copy->lower_bound_ = lower_bound_;
-  copy->elements_ = elements_;
-  if (copy_object == nullptr) return copy;
-  // From here on this list may change or end: objects that copy themselves run code of their own.
-  for (Variant& element : copy->elements_) {
-    if (element.IsObject() && !element.IsNothing()) element = copy_object(element);
+  if (copy_object == nullptr) {
+    copy->elements_ = elements_;
+    return copy;
+  }
+  // By position, each element held: objects that copy themselves run code of their own, by which
+  // this list may change or end.
+  const Ref self(this);
+  const std::size_t count = elements_.size();
+  copy->elements_.reserve(count);
+  for (std::size_t i = 0; i < count && i < elements_.size(); ++i) {
+    const Variant element = elements_[i];
+    const bool by_copier = element.IsObject() && !element.IsNothing();
+    copy->elements_.push_back(by_copier ? copy_object(element) : element);
   }
   return copy;
 }
