@@ -44,6 +44,7 @@ void Account::SetProps(String Name, Variant value) { Bag().SetValue(Name, std::m
 template <class... Args>
 Variant Account::Ask(const char* method, Args&&... args) {
   if (m_ID == 0) return {};
+  const CallingOut out(this);
   const Ref<Object> info = ServerGateway().CreateInstance(Protocol().info_component);
   return info->Call(method, GetPropsString(), ByRef(m_ID), std::forward<Args>(args)...);
 }
@@ -57,6 +58,7 @@ String Account::GetFullName(String Separator) {
 }
 
 Ref<Account> Account::Clone() {
+  const CallingOut out(this);
   const Ref<Dictionary> copy = Bag().Dictionary()->Clone();
   copy->Put(kAccountID, Variant(Integer{0}));
   auto clone = Make<Account>();
@@ -91,6 +93,7 @@ String Account::FullName() const {
 }
 
 String Account::MeasureUnit() const {
+  const Ref self(this);
   return MeasureUnitID() == 0 ? String() : ReadField<String>(kMeasureUnit, kPlain);
 }
 

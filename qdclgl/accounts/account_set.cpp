@@ -51,11 +51,13 @@ Long AccountSet::ExistenceCheck(Variant AccountID, Variant Number, Variant Helpe
 }
 
 Boolean AccountSet::IsChildAcct(Variant Acct, Variant ParentAcct) {
+  const CallingOut out(this);
   const Long parent = Item(std::move(Acct))->ParentID();
   return parent == Item(std::move(ParentAcct))->AccountID();
 }
 
 Boolean AccountSet::IsSubAcct(Variant& RootAcct, Variant& SubAcct) {
+  const CallingOut out(this);
   if (IsNumber(RootAcct) && IsNumber(SubAcct)) {
     RootAcct = Variant(Item(RootAcct)->Number());
     SubAcct = Variant(Item(SubAcct)->Number());
@@ -68,6 +70,7 @@ Boolean AccountSet::IsSubAcct(Variant& RootAcct, Variant& SubAcct) {
 }
 
 void AccountSet::Remove(Variant Key) {
+  const CallingOut out(this);
   const Long id = IdOf(Key, [&] { return ExistenceCheck(Missing, Key); });
   DeleteRow(id, GetMachineName(), GetIPAddress());
 }
@@ -83,6 +86,7 @@ Ref<Dictionary> AccountSet::FetchAccount(const Variant& key) const {
 }
 
 Ref<Account> AccountSet::Item(Variant Key) const {
+  const CallingOut out(this);
   const Ref<Dictionary> account = FetchAccount(Key);
   const Ref<Object> items = ServerGateway().CreateInstance("QDSVGLAccount.AccountItemInfo");
   const String props = GetPropsString();

@@ -42,6 +42,7 @@ Long Currencyx::CurrencyID() const { return m_ID; }
 
 Double Currencyx::ExchangeRate() const {
   static constexpr RowOptions kOne(row_options::Default(1));
+  const Ref self(this);
   const Double rate = ReadField<Double>(kExchangeRate, kOne);
   if (rate != 0) return rate;
   Bag().SetValue(kExchangeRate, Variant(1.0));  // a row with rate 0 heals with the next save
@@ -54,6 +55,7 @@ void Currencyx::ExchangeRate(Double value) {
 }
 
 Double Currencyx::MulExchangeRate() const {
+  const Ref self(this);
   return Operator() == kDivide ? 1 / ExchangeRate() : ExchangeRate();
 }
 
@@ -98,6 +100,7 @@ Long CurrencySet::ExistenceCheck(Variant CurrencyID, Variant Number) {
 }
 
 void CurrencySet::Remove(Variant Key) {
+  const CallingOut out(this);
   const Long id = IdOf(Key, [&] { return ExistenceCheck(Missing, Key); });
   DeleteRow(id, GetMachineName(), GetIPAddress());
 }

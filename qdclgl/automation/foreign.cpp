@@ -9,6 +9,7 @@
 #include "qdclgl/automation/values.h"
 #include "qdclgl/frame/containers/recordset.h"
 #include "qdclgl/frame/containers/vector.h"
+#include "qdclgl/frame/objects/nesting.h"
 
 namespace qdclgl::automation {
 

@@ -4,6 +4,7 @@
 
 #include "qdclgl/frame/objects/class_table.h"
 #include "qdclgl/frame/objects/enumeration.h"
+#include "qdclgl/frame/objects/nesting.h"
 #include "qdclgl/frame/platform/machine.h"
 #include "qdclgl/frame/platform/platform.h"
 #include "qdclgl/frame/session/server_gateway.h"
@@ -52,21 +53,25 @@ template Double SystemProfile::ReadProfile<Double>(const char*, const char*) con
 void SystemProfile::Refresh() { Fetch(); }
 
 void SystemProfile::Fetch() const {
+  const CallingOut out(this);
   const Ref<Object> component = ServerGateway().CreateInstance(kProfileComponent);
-  m_Lists = Make<Dictionary>();
+  const Ref<Dictionary> lists = Make<Dictionary>();  // a component may fetch them anew meanwhile
+  m_Lists = lists;
   for (const std::string_view category : strings::kProfileCategories) {
     const Variant profiles = component->Call("ListProfiles", GetPropsString(), category);
-    m_Lists->Put(category, Variant(profiles.As<Object>()));
+    lists->Put(category, Variant(profiles.As<Object>()));
   }
 }
 
 Ref<Dictionary> SystemProfile::ProfileList(String Category) const {
+  const Ref self(this);
   if (!m_Lists) Fetch();
   return Category.empty() ? m_Lists : m_Lists->Value(Category).As<Dictionary>();
 }
 
 String SystemProfile::ProfileText(const String& category, const String& profile_id,
                                   const String& fallback) const {
+  const Ref self(this);
   if (!ProfileList({})->Contains(category)) RaiseError(error_number::kUnknownProfileCategory);
   const Ref<Dictionary> profiles = ProfilesOf(*this, category);
   if (!profiles->Contains(profile_id)) return fallback;
@@ -78,6 +83,7 @@ String SystemProfile::Item(String Category, String ProfileID) const {
 }
 
 void SystemProfile::Item(String Category, String ProfileID, String value) {
+  const CallingOut out(this);
   if (ToUpper(Item(Category, ProfileID)) == ToUpper(value)) return;
   const Ref<Object> component = ServerGateway().CreateInstance(kProfileComponent);
   component->Call("SetProfile", GetPropsString(), ByRef(Category), ByRef(ProfileID), ByRef(value));
@@ -99,10 +105,12 @@ String SystemProfile::CompanyPhone() const { return Item("General", "CompanyPhon
 Boolean SystemProfile::GLGetClosed() const { return ReadProfile<Boolean>("GL", "Closed"); }
 
 Boolean SystemProfile::GLGetCheckBeforePost() {
+  const Ref self(this);
   return ReadProfile<Boolean>("GL", "CheckBeforePost") || IsForcedOn("Options", "CheckBeforePost");
 }
 
 Boolean SystemProfile::GLGetExpEachEnt() {
+  const Ref self(this);
   return ReadProfile<Boolean>("GL", "ExplanationEachEntry") ||
          IsForcedOn("Voucher", "RequireBrief");
 }
@@ -120,6 +128,7 @@ Long SystemProfile::SpecItem(String Section, String Key) const {
 
 Long SystemProfile::ScGetOverDueNum() {
   constexpr Long kUnset = 180;
+  const Ref self(this);
   if (Item("SC", "SCOverDueNum").empty()) return kUnset;
   return ReadProfile<Long>("SC", "SCOverDueNum");
 }
@@ -167,6 +176,7 @@ Long SystemProfile::GLGetPeriodByDate(DateTime d, Long& nYear) {
 }
 
 DateTime SystemProfile::GLGetPeriodDate(Long nYear, Long Period) {
+  const CallingOut out(this);
   if (Period == 0) Period = GLGetCurrentPeriod();
   const Long count = GLGetPeriodCount();
   const Long current_year = GLGetCurrentYear();

@@ -49,6 +49,7 @@ Ref<Dictionary> Voucher::FetchRow(Object& info) {
 
 void Voucher::Refresh() {
   if (m_ID == 0) return;
+  const CallingOut out(this);
   const Ref<Object> info = ServerGateway().CreateInstance(Protocol().info_component);
   ConstructEx(FetchRow(*info), m_Xa);
 }
@@ -58,6 +59,7 @@ void Voucher::Refresh1() { Construct(Bag().Dictionary(), m_Xa); }
 void Voucher::ResetModified() { Bag().ChangeFlag()->Reset(); }
 
 Ref<Voucher> Voucher::Clone() {
+  const CallingOut out(this);
   auto clone = Make<Voucher>();
   clone->Construct(CloneDictionary(Bag().Dictionary()), Nothing);
   clone->m_DictOrig = CloneDictionary(m_DictOrig);
@@ -80,6 +82,7 @@ void Voucher::SaveChanges1() { Save({.blank_foot_note = false, .marked = false, 
 void Voucher::SaveChanges2() { Save({.blank_foot_note = true, .marked = true, .reload = true}); }
 
 void Voucher::Save(const SaveRule& rule) {
+  const CallingOut out(this);
   StampMachine();
   if (!HasChanges()) return;
   const Ref<Object> update = ServerGateway().CreateInstance(Protocol().update_component);
@@ -118,18 +121,22 @@ void Voucher::SaveNew(Object& update, const SaveRule& rule) {
 // ---- Workflow ----
 
 void Voucher::Check() {
+  const Ref self(this);
   if (CanChangeState() && !Checked()) ChangeState("Check", true);
 }
 
 void Voucher::UnCheck() {
+  const Ref self(this);
   if (CanChangeState() && Checked()) ChangeState("Check", false);
 }
 
 void Voucher::Approve() {
+  const Ref self(this);
   if (CanChangeState() && Checked()) ChangeState("Approve", true);
 }
 
 void Voucher::UnApprove() {
+  const Ref self(this);
   if (CanChangeState() && Checked() && ApproveID() > 0) ChangeState("Approve", false);
 }
 
@@ -138,6 +145,7 @@ void Voucher::Cash() { ChangeCash(true); }
 void Voucher::UnCash() { ChangeCash(false); }
 
 void Voucher::ChangeState(const char* method, Boolean state) {
+  const CallingOut out(this);
   const Ref<Object> update = ServerGateway().CreateInstance(Protocol().update_component);
   update->Call(method, GetPropsString(), ByRef(m_ID), state);
   Refresh();
@@ -145,6 +153,7 @@ void Voucher::ChangeState(const char* method, Boolean state) {
 
 void Voucher::ChangeCash(Boolean state) {
   if (m_ID == 0) return;
+  const CallingOut out(this);
   const Ref<Object> update = ServerGateway().CreateInstance(Protocol().update_component);
   update->Call("Cash", GetPropsString(), ByRef(m_ID), state, Bag().Dictionary());
   Refresh();
@@ -152,11 +161,15 @@ void Voucher::ChangeCash(Boolean state) {
 
 // ---- Comparison ----
 
-Boolean Voucher::ValueChanged() { return ValueDifferent(Clone()); }
+Boolean Voucher::ValueChanged() {
+  const Ref self(this);
+  return ValueDifferent(Clone());
+}
 
 Boolean Voucher::ValueDifferent(const Ref<Voucher>& vch) {
-  if (!vch) RaiseError(error_number::kObjectNotSet);
-  VisitDifferences(*vch);
+  const Ref self(this);
+  const Ref<Voucher> other = vch;
+  VisitDifferences(*other);
   return true;  // what the visit finds has no say in the answer
 }
 
@@ -221,18 +234,19 @@ void Voucher::AmortizeSchemeID(Long value) {
   Bag().SetValue(kAmortizeSchemeID, Variant(value));
 }
 
-String Voucher::NameOf(const RowKey& name, Integer person) const {
-  return person == kNobody ? String() : ReadField<String>(name, kPlain);
+String Voucher::NameOf(const RowKey& name, Integer (Voucher::*person)() const) const {
+  const Ref self(this);
+  return (this->*person)() == kNobody ? String() : ReadField<String>(name, kPlain);
 }
 
 // The approver's name shows with the checker: an approval without a check is none.
-String Voucher::Approver() const { return NameOf("FApprover", CheckerID()); }
+String Voucher::Approver() const { return NameOf("FApprover", &Voucher::CheckerID); }
 
-String Voucher::Cashier() const { return NameOf("FCashier", CashierID()); }
+String Voucher::Cashier() const { return NameOf("FCashier", &Voucher::CashierID); }
 
-String Voucher::Checker() const { return NameOf("FChecker", CheckerID()); }
+String Voucher::Checker() const { return NameOf("FChecker", &Voucher::CheckerID); }
 
-String Voucher::Poster() const { return NameOf("FPoster", PosterID()); }
+String Voucher::Poster() const { return NameOf("FPoster", &Voucher::PosterID); }
 
 Ref<Dictionary> Voucher::BillInfo() const {
   if (Bag().Find(kBillInfo) == nullptr) return Nothing;
@@ -309,6 +323,7 @@ String Voucher::Parameter() const { return ReadField<String>(kParameter, kPlain)
 void Voucher::Parameter(String value) { StoreTextOrNull(kParameter, value); }
 
 DateTime Voucher::TransDate() const {
+  const Ref self(this);
   const Variant stored = Bag().GetValue(kTransDate, Variant(0));
   const Variant voucher_date(VoucherDate());
   return EnumFactory().NullToDefault(stored, voucher_date).As<DateTime>();

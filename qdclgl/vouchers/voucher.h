@@ -149,7 +149,8 @@ class Voucher final : public Entity {
   void ChangeCash(Boolean state);
   bool CanChangeState() const { return !Posted() && m_ID != 0; }
 
-  String NameOf(const RowKey& name, Integer person) const;
+  // The name under a key, empty while `person` is nobody.
+  String NameOf(const RowKey& name, Integer (Voucher::*person)() const) const;
   void StoreTextOrNull(const RowKey& key, const String& text);
   Ref<Vector> Lines() const;
   // The sum over all lines of what stands on one side.

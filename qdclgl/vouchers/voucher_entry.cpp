@@ -2,6 +2,7 @@
 
 #include "qdclgl/frame/containers/deep_copy.h"
 #include "qdclgl/frame/objects/class_table.h"
+#include "qdclgl/frame/objects/nesting.h"
 
 namespace qdclgl {
 
@@ -29,10 +30,12 @@ constexpr RowOptions kClearEmptyText(row_options::Clear(""));
 // ---- VoucherEntry ----
 
 Ref<VoucherEntry> VoucherEntry::Clone() {
+  const CallingOut out(this);
   return ViewOf<VoucherEntry>(CloneDictionary(Bag().Dictionary()), Make<ChangeFlag>());
 }
 
 Boolean VoucherEntry::IsEmpty() {
+  const Ref self(this);
   return AccountID() == 0 && AccountNumber().empty() && CurrencyID() == 0 &&
          CurrencyNumber().empty() && Amount() == Currency() && Explanation().empty() &&
          Details()->Count() == 0;
@@ -41,6 +44,7 @@ Boolean VoucherEntry::IsEmpty() {
 Currency VoucherEntry::Amount() const { return ReadField<Currency>(kAmount, kPlain); }
 
 void VoucherEntry::Amount(Currency value) {
+  const Ref self(this);
   Bag().SetValue(kAmount, Variant(value));
   DC(DC());  // a line with an amount has a side
 }
@@ -67,6 +71,7 @@ Currency VoucherEntry::CreditOf(const Dictionary& row) {
 Currency VoucherEntry::Debit() const { return DebitOf(*Bag().Dictionary()); }
 
 void VoucherEntry::Debit(Currency value) {
+  const Ref self(this);
   if (Credit() != Currency() && value == Currency()) return;
   DC(kDebitSide);
   Amount(value);
@@ -75,6 +80,7 @@ void VoucherEntry::Debit(Currency value) {
 Currency VoucherEntry::Credit() const { return CreditOf(*Bag().Dictionary()); }
 
 void VoucherEntry::Credit(Currency value) {
+  const Ref self(this);
   if (Debit() != Currency() && value == Currency()) return;
   DC(kCreditSide);
   Amount(value);
@@ -86,6 +92,7 @@ void VoucherEntry::CashFlow(Ref<Object> value) { Bag().SetObject(kCashFlow, valu
 
 String VoucherEntry::CussentFrameWorkNum() const {
   static constexpr RowKey kFrameWorkName("FCussentFrameWorkName");
+  const Ref self(this);
   Bag().SetValue(kFrameWorkName, Variant(ReadField<String>(kFrameWorkNum, kPlain)));
   return {};
 }
@@ -95,6 +102,7 @@ void VoucherEntry::CussentFrameWorkNum(String value) {
 }
 
 Ref<VoucherDetailSet> VoucherEntry::Details() const {
+  const Ref self(this);
   if (!ReadField<Ref<Vector>>(kDetails, kPlain)) Bag().SetObject(kDetails, Make<Vector>());
   auto details = Make<VoucherDetailSet>();
   details->Attach(ReadField<Ref<Vector>>(kDetails, kPlain),
@@ -103,6 +111,7 @@ Ref<VoucherDetailSet> VoucherEntry::Details() const {
 }
 
 String VoucherEntry::UnitText(const RowKey& key) const {
+  const Ref self(this);
   return MeasureUnitID() == 0 ? String() : ReadField<String>(key, kPlain);
 }
 
@@ -137,6 +146,7 @@ Ref<VoucherEntry> VoucherEntrySet::Item(Long index) const {
 void VoucherEntrySet::Item(Long index, Ref<VoucherEntry> value) {
   const Ref<Properties> bag = value ? value->Properties() : nullptr;
   if (!bag) RaiseError(error_number::kObjectNotSet);  // no line, or one that was never bound
+  const Ref self(this);
   Lines()->Item(index, Variant(bag->Dictionary()));
   m_Flag->At(index)->Modified(true);
 }

@@ -57,6 +57,7 @@ Long VoucherGroupSet::ExistenceCheck(Variant VoucherGroupID, Variant Name) {
 }
 
 void VoucherGroupSet::Remove(Variant Key, Long lngDelSign) {
+  const CallingOut out(this);
   const bool by_id = IsVariantKind(Key, variant_kind::kNumber);
   const Long id = by_id ? CLng(Key) : ExistenceCheck(Missing, Key);
   DeleteRow(id, GetMachineName(), GetIPAddress(), ByRef(lngDelSign));

@@ -55,6 +55,7 @@ Ref<Voucher> VoucherSet::CreateNew(Long nYear, Variant Period, Variant Group, Va
 
 Long VoucherSet::ExistenceCheck(Variant VoucherID, Variant nYear, Variant Period, Variant Group,
                                 Variant Number) {
+  const CallingOut out(this);
   const Ref<Object> info = ServerGateway().CreateInstance(Protocol().info_component);
   if (!VoucherID.IsMissing()) {
     return info->Call("ExistenceCheck", GetPropsString(), ByRef(VoucherID)).As<Long>();
@@ -68,6 +69,7 @@ Long VoucherSet::ExistenceCheck(Variant VoucherID, Variant nYear, Variant Period
 }
 
 void VoucherSet::Remove(Variant Key, Variant nYear, Variant Period, Variant Group, Variant Number) {
+  const CallingOut out(this);
   Long id = 0;
   if (!Key.IsMissing()) {
     id = IdOf(Key, [] { return 0; });  // a text is not looked up here
@@ -79,6 +81,7 @@ void VoucherSet::Remove(Variant Key, Variant nYear, Variant Period, Variant Grou
 
 Ref<Voucher> VoucherSet::Item(Variant Key, Long nYear, Long Period, String Group, Long Number,
                               Boolean ShowDeleted) const {
+  const CallingOut out(this);
   const Ref<Object> info = ServerGateway().CreateInstance(Protocol().info_component);
   const String props = GetPropsString();
   const Variant answer = IsVariantKind(Key, variant_kind::kNumber)

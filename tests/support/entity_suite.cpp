@@ -230,6 +230,45 @@ TEST_P(EntitySuite, ConstructOfAnIdThatIsNoNumberRaisesTypeMismatchBehindTakingT
   EXPECT_EQ(State(*entity), "id 5 {" + RowText("seven", "Other") + "}");
 }
 
+TEST_P(EntitySuite, ARowThatCannotBeCopiedLeavesTheObjectAsItWas) {
+  const auto uncopied = RowWith(Long{6}, "Other");
+  uncopied->Put("Held", Variant(Make<Opaque>()));
+  const std::string error = "error 438 (Opaque): No member Clone.";
+  const auto xa = Make<Opaque>();
+
+  const auto entity = Edited(RowWith(Long{5}, "Old"));
+  const Ref<Properties> bag = entity->Properties();
+  const auto again = Edited(RowWith(Long{5}, "Old"));
+  EXPECT_EQ(ErrorOf([&] { use().construct(*again, uncopied, xa); }), error);
+  EXPECT_EQ(WholeState(*again), "id 5 {" + RowText(Long{5}, "New") +
+                                    "} modified flagged from id 5 {" + RowText(Long{5}, "Old") +
+                                    "}");
+  EXPECT_EQ(xa->holders(), 1) << "the context stays too";
+
+  AnswerDetail(Variant(uncopied));
+  EXPECT_EQ(ErrorOf([&] { use().refresh(*entity); }), error);
+  EXPECT_EQ(entity->Properties(), bag);
+  EXPECT_EQ(State(*entity), "id 5 {" + RowText(Long{5}, "New") + "} modified flagged");
+  use().cancel_changes(*entity);
+  EXPECT_EQ(State(*entity), "id 5 {" + RowText(Long{5}, "Old") + "}");
+
+  const auto empty = it().make();
+  EXPECT_EQ(ErrorOf([&] { use().construct(*empty, uncopied, xa); }), error);
+  EXPECT_EQ(ErrorOf([&] { use().edit(*empty, "New"); }), "error 91");
+}
+
+TEST_P(EntitySuite, ABaselineThatCannotBeCopiedAnyMoreLeavesTheEdits) {
+  const auto baseline = RowWith(Long{5}, "Old");
+  const auto entity = Edited(baseline);
+  baseline->Put("Held", Variant(Make<Opaque>()));
+  EXPECT_EQ(ErrorOf([&] { use().cancel_changes(*entity); }),
+            "error 438 (Opaque): No member Clone.");
+  EXPECT_EQ(State(*entity), "id 5 {" + RowText(Long{5}, "New") + "} modified flagged");
+  baseline->Erase("Held");
+  use().cancel_changes(*entity);
+  EXPECT_EQ(State(*entity), "id 5 {" + RowText(Long{5}, "Old") + "}");
+}
+
 TEST_P(EntitySuite, OneThatWasNeverConstructedRaisesObjectNotSetAndHasNothingToRefresh) {
   const auto entity = it().make();
   EXPECT_EQ(ErrorOf([&] { use().edit(*entity, "New"); }), "error 91");

@@ -1,7 +1,9 @@
 // Small objects and helpers that many tests need.
 #pragma once
 
+#include <functional>
 #include <initializer_list>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -34,6 +36,29 @@ class Opaque final : public Object {
  public:
   std::string_view ClassName() const override { return "Opaque"; }
   int holders() const { return static_cast<int>(references()); }
+};
+
+// An object that runs some code when it ends, as a script's destructor does.
+class AtEnd final : public Object {
+ public:
+  explicit AtEnd(std::function<void()> code) : code_(std::move(code)) {}
+  ~AtEnd() override { code_(); }
+  std::string_view ClassName() const override { return "AtEnd"; }
+
+ private:
+  std::function<void()> code_;
+};
+
+// An object whose every member, its default value among them, runs some code and gives its result.
+class Foreign final : public Object {
+ public:
+  explicit Foreign(std::function<Variant()> code) : code_(std::move(code)) {}
+  std::string_view ClassName() const override { return "Foreign"; }
+  Variant Invoke(std::string_view, CallKind, std::span<Argument>) override { return code_(); }
+  Variant DefaultValue() override { return code_(); }
+
+ private:
+  std::function<Variant()> code_;
 };
 
 }  // namespace qdclgl::testing

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <limits>
+
 #include "qdclgl/vouchers/voucher_entry.h"
 #include "tests/support/columns.h"
 
@@ -29,6 +31,7 @@ class VoucherEntrySetTest : public ::testing::Test {
     entries->Attach(rows, flag);
     Fill({1, 2, 3});
   }
+  Ref<Dictionary> RowOf(Long index) const { return rows->Item(index).As<Dictionary>(); }
   // The list and the flags beside it.
   std::string ListState() const { return State(rows, flag); }
 
@@ -244,9 +247,85 @@ TEST_F(VoucherEntrySetTest, CountLeavesTheFlagsOfLinesThatItCutsOff) {
 
 TEST_F(VoucherEntrySetTest, CountBelowZeroIsTheVectorsErrorAndMarksNothing) {
   Fill({1});
-  EXPECT_EQ(ErrorOf([&] { entries->Count(-1); }), "error 9");
+  for (const Long count : {-1, -2, std::numeric_limits<Long>::min()}) {
+    EXPECT_EQ(ErrorOf([&] { entries->Count(count); }), "error 9") << count;
+  }
   EXPECT_EQ(ErrorOf([&] { entries->Let("Count", "many"); }), "error 13");
   EXPECT_EQ(ListState(), "[{N: 1}] -");
+}
+
+TEST_F(VoucherEntrySetTest, MoreLinesThanAnyDocumentHasAreRefusedBeforeTheListGrows) {
+  Fill({1});
+  for (const Long count : {1'000'001, 2'000'000'000, std::numeric_limits<Long>::max()}) {
+    EXPECT_EQ(ErrorOf([&] { entries->Count(count); }), "error 6") << count;
+  }
+  EXPECT_EQ(ListState(), "[{N: 1}] -");
+}
+
+TEST_F(VoucherEntrySetTest, AFullListTakesNoLineMoreAndCanBeCut) {
+  for (int i = 0; i < 1'000'001; ++i) rows->Append(Nothing);
+  EXPECT_EQ(ErrorOf([&] { entries->Add(); }), "error 6");
+  EXPECT_EQ(ErrorOf([&] { entries->Add(1); }), "error 6");
+  EXPECT_EQ(entries->Count(), 1'000'001);
+  entries->Count(1'000'001);
+  entries->Count(2);
+  EXPECT_EQ(entries->Count(), 2);
+}
+
+TEST_F(VoucherEntrySetTest, AddOutsideIsRefusedBeforeTheListGrows) {
+  Fill({1, 2});
+  for (const Long index : {0, -1, 4, 5, std::numeric_limits<Long>::max()}) {
+    EXPECT_EQ(ErrorOf([&] { entries->Add(index); }), "error 9") << index;
+  }
+  EXPECT_EQ(ListState(), "[{N: 1}, {N: 2}] -");
+  entries->Add(3);
+  EXPECT_EQ(ListState(), "[{N: 1}, {N: 2}, {}] *");
+}
+
+// ---- Lines that end ----
+
+TEST_F(VoucherEntrySetTest, WhatALineHoldsMayUseTheLinesWhenItEnds) {
+  std::string seen;
+  const auto fill = [&] {
+    Restart();
+    flag->At(3)->Modified(true);
+    RowOf(2)->Put("End", Variant(Make<testing::AtEnd>([&] {
+                    seen = ListState();
+                    entries->Add();
+                  })));
+  };
+  fill();
+  entries->Remove(2);
+  EXPECT_EQ(seen, "[{N: 1}, {N: 3}] *[- *]") << "lines and flags agree";
+  EXPECT_EQ(entries->Count(), 3);
+  fill();
+  entries->Count(1);
+  EXPECT_EQ(seen, "[{N: 1}] *[- - *]");
+  EXPECT_EQ(entries->Count(), 2);
+  fill();
+  entries->Item(2, entries->CreateNewEntry());
+  EXPECT_EQ(entries->Count(), 4);
+}
+
+TEST_F(VoucherEntrySetTest, WhatALineHoldsMayReleaseTheListWhenItEnds) {
+  const auto fill = [&] {
+    entries = Make<VoucherEntrySet>();
+    Restart();
+    RowOf(2)->Put("End", Variant(Make<testing::AtEnd>([&] {
+                    entries = nullptr;
+                    rows = nullptr;
+                    flag = nullptr;
+                  })));
+  };
+  fill();
+  entries->Remove(2);
+  EXPECT_EQ(entries, nullptr);
+  fill();
+  entries->Count(1);
+  EXPECT_EQ(entries, nullptr);
+  fill();
+  entries->Item(2, entries->CreateNewEntry());
+  EXPECT_EQ(entries, nullptr);
 }
 
 // ---- Item ----

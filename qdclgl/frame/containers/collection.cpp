@@ -55,12 +55,11 @@ std::size_t Collection::Locate(const Variant& index) const {
 void Collection::Add(Variant Item, const Variant& Key, const Variant& Before) {
   auto element = std::make_unique<Element>();
   element->value = std::move(Item);
+  // An object as a key is asked for its text, which may change the list: the place comes after it.
+  if (!Key.IsMissing()) element->key = FoldKey(Key);
   const std::size_t place = Before.IsMissing() ? elements_.size() : Locate(Before);
-  if (!Key.IsMissing()) {
-    element->key = FoldKey(Key);
-    if (!keys_.emplace(element->key, element.get()).second) {
-      RaiseError(error_number::kDuplicateKey);
-    }
+  if (!Key.IsMissing() && !keys_.emplace(element->key, element.get()).second) {
+    RaiseError(error_number::kDuplicateKey);
   }
   elements_.insert(elements_.begin() + static_cast<std::ptrdiff_t>(place), std::move(element));
 }

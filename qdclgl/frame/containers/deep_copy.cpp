@@ -1,11 +1,14 @@
 #include "qdclgl/frame/containers/deep_copy.h"
 
+#include "qdclgl/frame/objects/nesting.h"
+
 namespace qdclgl {
 
 namespace {
 
 // A copy by the object's own means; what takes the place of an object must be one.
 Variant CopyByClone(const Variant& value) {
+  const NestingLevel level;
   Variant copy = value.ObjectPointer()->Call("Clone");
   if (!copy.IsObject()) RaiseError(error_number::kTypeMismatch);
   return copy;
@@ -47,9 +50,8 @@ Ref<Vector> CloneVector(const Ref<Vector>& vec) {
 
 void VectorInsertAt(const Ref<Vector>& vec, Long index, const Ref<Object>& item) {
   if (!vec) RaiseError(error_number::kObjectNotSet);
-  vec->Append(vec->Item(vec->UpperBound()));
-  for (Long i = vec->UpperBound() - 1; i > index; --i) vec->Item(i, vec->Item(i - 1));
-  vec->Item(index, Variant(item));
+  if (vec->size() == 0) RaiseError(error_number::kSubscriptOutOfRange);
+  vec->Insert(index, Variant(item));
 }
 
 }  // namespace qdclgl

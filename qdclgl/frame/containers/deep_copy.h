@@ -8,7 +8,8 @@ namespace qdclgl {
 
 // A copy of the whole tree below `dict`, unmodified; Nothing gives Nothing. Dictionaries and
 // Vectors are copied likewise, any other object by its own late-bound `Clone`; plain values and
-// Nothing stay as they are. Error 28 for a tree that holds itself.
+// Nothing stay as they are. Error 28 for a tree that holds itself, also by way of an object that
+// copies it in its `Clone`.
 Ref<Dictionary> CloneDictionary(const Ref<Dictionary>& dict);
 
 // A copy of the list with the same lower bound. Its Dictionaries are copied deep, any other object
@@ -17,7 +18,8 @@ Ref<Dictionary> CloneDictionary(const Ref<Dictionary>& dict);
 Ref<Vector> CloneVector(const Ref<Vector>& vec);
 
 // Puts `item` at `index` and moves the elements from there on up by one. The Vector must not be
-// empty (error 9). Error 91 for Nothing.
+// empty. Error 9, and nothing changes, unless there is an element at `index` or before it. Error 91
+// for Nothing.
 void VectorInsertAt(const Ref<Vector>& vec, Long index, const Ref<Object>& item);
 
 }  // namespace qdclgl

@@ -144,8 +144,8 @@ Variant Dictionary::ValueOrDefault(std::string_view Key, Variant Default) {
 }
 
 void Dictionary::Remove(std::string_view Key) {
+  MarkEdited();  // also when there is nothing to delete
   Erase(Key);
-  MarkEdited();  // also when there was nothing to delete
 }
 
 Ref<Dictionary> Dictionary::Clone() { return CopyWith(nullptr); }
@@ -195,13 +195,14 @@ Ref<Dictionary> Dictionary::CopyWith(Variant (*copy_object)(const Variant&)) con
     copy->keys_ = keys_;
     return copy;
   }
-  std::uninitialized_default_construct_n(copy->values_, count);
+  std::uninitialized_copy_n(values_, count, copy->values_);
   copy->keys_ = keys_;
   copy->has_counted_ = true;
+  if (copy_object == nullptr) return copy;
+  // From here on this row may change or end: objects that copy themselves run code of their own.
   for (std::uint32_t i = 0; i < count; ++i) {
-    const Variant& value = values_[i];
-    const bool by_copier = copy_object != nullptr && value.IsObject() && !value.IsNothing();
-    copy->values_[i] = by_copier ? copy_object(value) : value;
+    Variant& value = copy->values_[i];
+    if (value.IsObject() && !value.IsNothing()) value = copy_object(value);
   }
   return copy;
 }

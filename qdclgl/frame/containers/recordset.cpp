@@ -2,6 +2,7 @@
 
 #include "qdclgl/frame/containers/criterion.h"
 #include "qdclgl/frame/objects/class_table.h"
+#include "qdclgl/frame/objects/nesting.h"
 #include "qdclgl/frame/vocabulary/text.h"
 
 namespace qdclgl {
@@ -89,15 +90,24 @@ Ref<Recordset> Recordset::Clone(Long) {
 }
 
 void Recordset::Close() {
-  rows_ = Make<Rows>();
   position_ = 0;
+  rows_ = Make<Rows>();  // last: what ends with the former rows may use the recordset
 }
 
 void Recordset::Find(std::string_view Criteria) {
+  const CallingOut out(this);
   CurrentRow();
   const Criterion criterion(Criteria);
   const auto column = static_cast<std::size_t>(FieldPosition(criterion.column()));
-  while (position_ < rows_->count && !criterion.IsMetBy(CurrentRow()[column])) ++position_;
+  // A value that is an object is asked for its own value, which may move the cursor or add rows.
+  const Ref<Rows> rows = rows_;
+  const std::size_t columns = rows->columns->size();
+  std::size_t position = position_;
+  for (const std::size_t count = rows->count; position < count; ++position) {
+    const Variant value = rows->cells[position * columns + column];
+    if (criterion.IsMetBy(value)) break;
+  }
+  position_ = position;
 }
 
 void Recordset::MoveFirst() {
@@ -205,6 +215,9 @@ Ref<Field> Fields::Item(const Variant& Index) const {
   return Make<Field>(recordset_, position);
 }
 
-Ref<Dictionary> RowToDictionary(const Ref<Recordset>& rs) { return rs->Row(); }
+Ref<Dictionary> RowToDictionary(const Ref<Recordset>& rs) {
+  const Ref<Recordset> held = rs;  // the caller's variable may change meanwhile
+  return held->Row();
+}
 
 }  // namespace qdclgl

@@ -2,14 +2,12 @@
 
 #include <algorithm>
 
+#include "qdclgl/frame/objects/nesting.h"
 #include "qdclgl/frame/objects/variant.h"
 
 namespace qdclgl {
 
 namespace {
-
-constexpr int kDeepestNesting = 500;
-thread_local int nesting = 0;
 
 Tracked* TrackedIn(const Variant& value) {
   Object* object = value.IsObject() ? value.ObjectPointer() : nullptr;
@@ -18,13 +16,6 @@ Tracked* TrackedIn(const Variant& value) {
 }
 
 }  // namespace
-
-NestingLevel::NestingLevel() {
-  if (nesting == kDeepestNesting) RaiseError(error_number::kOutOfStackSpace);
-  ++nesting;
-}
-
-NestingLevel::~NestingLevel() { --nesting; }
 
 bool Tracked::TouchedWithin() const { return touched_ || AnyElementTouched(); }
 

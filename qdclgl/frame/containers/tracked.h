@@ -41,15 +41,4 @@ class Tracked : public Object {
   bool touched_ = false;
 };
 
-// Counts the levels of a walk down a tree of containers and raises error 28 when there are more
-// than any document has, so that a container that holds itself ends in an error and not in a
-// crash.
-class NestingLevel {
- public:
-  NestingLevel();
-  ~NestingLevel();
-  NestingLevel(const NestingLevel&) = delete;
-  NestingLevel& operator=(const NestingLevel&) = delete;
-};
-
 }  // namespace qdclgl

@@ -1,5 +1,6 @@
 #include "qdclgl/frame/containers/vector.h"
 
+#include <iterator>
 #include <limits>
 
 #include "qdclgl/frame/objects/class_table.h"
@@ -38,6 +39,9 @@ void Vector::Remove(Long Index, Long Count) {
     RaiseError(error_number::kSubscriptOutOfRange);
   }
   const auto from = elements_.begin() + static_cast<std::ptrdiff_t>(first);
+  // Released when the list is whole again: what ends by it may use the list.
+  const std::vector<Variant> removed(std::make_move_iterator(from),
+                                     std::make_move_iterator(from + Count));
   elements_.erase(from, from + Count);
   MarkEdited();
 }
@@ -54,9 +58,18 @@ Ref<Vector> Vector::Clone() { return CopyWith(nullptr); }
 Ref<Vector> Vector::CopyWith(Variant (*copy_object)(const Variant&)) const {
   auto copy = Make<Vector>();
   copy->lower_bound_ = lower_bound_;
-  copy->elements_.reserve(elements_.size());
-  for (const Variant& element : elements_) {
-    const bool by_copier = copy_object != nullptr && element.IsObject() && !element.IsNothing();
+  if (copy_object == nullptr) {
+    copy->elements_ = elements_;
+    return copy;
+  }
+  // By position, each element held: objects that copy themselves run code of their own, by which
+  // this list may change or end.
+  const Ref self(this);
+  const std::size_t count = elements_.size();
+  copy->elements_.reserve(count);
+  for (std::size_t i = 0; i < count && i < elements_.size(); ++i) {
+    const Variant element = elements_[i];
+    const bool by_copier = element.IsObject() && !element.IsNothing();
     copy->elements_.push_back(by_copier ? copy_object(element) : element);
   }
   return copy;

@@ -26,8 +26,8 @@ void Bag::SetValue(const RowKey& key, Variant value, const Variant& Default) {
 }
 
 void Bag::ClearValue(const RowKey& key) {
-  m_Dict->Erase(key);
   m_ChangeFlag->Modified(true);
+  m_Dict->Erase(key);  // last, as in SetValue
 }
 
 void Bag::SetObject(const RowKey& key, const Ref<Object>& value) {

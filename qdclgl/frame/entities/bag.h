@@ -12,7 +12,8 @@ namespace qdclgl {
 class Bag {
  public:
   // Binds the bag to `Dict` itself (`Share`), to a deep copy of it, or to a new Dictionary when it
-  // is Nothing; and to `Flag`, or a new flag when it is Nothing. Sets the Dictionary's tracking.
+  // is Nothing; and to `Flag`, or a new flag when it is Nothing. Sets the Dictionary's tracking. A
+  // copy that fails leaves the bag as it was.
   void Attach(Ref<qdclgl::Dictionary> Dict, Boolean Share, Ref<qdclgl::ChangeFlag> Flag,
               Long TrackState) {
     if (!Dict) {
@@ -20,9 +21,11 @@ class Bag {
     } else if (!Share) {
       Dict = CloneDictionary(Dict);
     }
-    m_Dict = std::move(Dict);
-    m_ChangeFlag = Flag ? std::move(Flag) : Make<qdclgl::ChangeFlag>();
-    m_Dict->SetTrackState(TrackState);
+    if (!Flag) Flag = Make<qdclgl::ChangeFlag>();
+    Dict->SetTrackState(TrackState);
+    // The former row is released behind it all, with the arguments.
+    std::swap(m_Dict, Dict);
+    std::swap(m_ChangeFlag, Flag);
   }
   bool IsAttached() const { return static_cast<bool>(m_Dict); }
 
@@ -35,8 +38,8 @@ class Bag {
   // Stores a value. With a default, a value equal to it removes the key instead. The change flag is
   // set in any case.
   void SetValue(const RowKey& key, Variant value) {
-    m_Dict->Put(key, std::move(value));
     m_ChangeFlag->Modified(true);
+    m_Dict->Put(key, std::move(value));  // last: what ends with the former value may use the bag
   }
   void SetValue(const RowKey& key, Variant value, const Variant& Default);
   // Removes the key where there is one, as the write of a default does.

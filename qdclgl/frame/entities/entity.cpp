@@ -7,23 +7,40 @@
 namespace qdclgl {
 
 void Entity::Construct(const Ref<Dictionary>& dict, const Ref<Object>& xa) {
-  m_DictOrig = dict;
-  Attach(dict, false, Nothing, Protocol().construct_track_state);
-  if (dict) m_ID = IdIn(*dict);
-  m_Xa = xa;
+  const CallingOut out(this);
+  Ref<Object> context = xa;
+  Ref<Dictionary> row = dict;
+  qdclgl::Bag bag;
+  bag.Attach(row, false, Nothing, Protocol().construct_track_state);
+  std::swap(m_DictOrig, row);
+  const Ref<qdclgl::Properties> former = PutBag(bag);
+  if (const Ref<Dictionary> taken = m_DictOrig) m_ID = IdIn(*taken);
+  std::swap(m_Xa, context);
 }
 
-void Entity::CancelChanges() { Reattach(m_DictOrig, Protocol().reload_track_state); }
+void Entity::CancelChanges() {
+  const CallingOut out(this);
+  Reload(m_DictOrig);
+}
 
 void Entity::Refresh() {
   if (m_ID == 0) return;
+  const CallingOut out(this);
   const Ref<Object> info = ServerGateway().CreateInstance(Protocol().info_component);
-  m_DictOrig = FetchRow(*info);
-  Reattach(m_DictOrig, Protocol().reload_track_state);
+  Reload(FetchRow(*info));
+}
+
+void Entity::Reload(Ref<Dictionary> row) {
+  Bag();  // error 91, before anything is copied, for an object that was never constructed
+  qdclgl::Bag bag;
+  bag.Attach(row, false, Nothing, Protocol().reload_track_state);
+  std::swap(m_DictOrig, row);
+  PutSharedBag(bag);
 }
 
 void Entity::SaveChanges() {
   if (!HasChanges()) return;
+  const CallingOut out(this);
   const Ref<Object> update = ServerGateway().CreateInstance(Protocol().update_component);
   StampMachine();
   const Ref<Dictionary> dict = Bag().Dictionary();

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "qdclgl/frame/entities/row_view.h"
+#include "qdclgl/frame/objects/nesting.h"
 #include "qdclgl/frame/session/startup.h"
 #include "qdclgl/frame/session/transaction_context.h"
 
@@ -26,7 +27,8 @@ class Entity : public RowView, public ISetXactContext, private ApartmentMember {
             "Throws the working copy away and takes a new copy of the row as it last came. No "
             "server call.")
   QD_METHOD(void, Construct, (const Ref<Dictionary>& dict, const Ref<Object>& xa),
-            "Makes the object of a row, or an empty one of Nothing. No server call.")
+            "Makes the object of a row, or an empty one of Nothing; a row that can't be copied "
+            "leaves the object as it was. No server call.")
   QD_METHOD(void, Refresh, (),
             "Reads the row again; does nothing for an object that is not saved. Calls GetDetail.")
   QD_METHOD(void, SaveChanges, (),
@@ -47,6 +49,10 @@ class Entity : public RowView, public ISetXactContext, private ApartmentMember {
   virtual Ref<Dictionary> FetchRow(Object& info);
   // Writes "MachineName" and "IPAddress" into the working Dictionary; no change flag is set.
   virtual void StampMachine();
+
+  // Makes `row` the baseline and the object's row a copy of it. A copy that fails leaves the object
+  // as it was.
+  void Reload(Ref<Dictionary> row);
 
   Long m_ID = 0;               // 0 for a row that is not on the server yet
   Ref<Dictionary> m_DictOrig;  // the row as it last came

@@ -16,12 +16,16 @@ void EntityListBase::Sort(String value) { m_Query.sort = std::move(value); }
 void EntityListBase::Refresh() { Fetch(); }
 
 void EntityListBase::Fetch() const {
+  const CallingOut out(this);
   m_Rs = nullptr;  // first, so that a list that can't be fetched is not mistaken for the old one
   const Ref<Object> info = ServerGateway().CreateInstance(Protocol().info_component);
   m_Rs = FetchList(*info, m_Query);
 }
 
-Long EntityListBase::Count() const { return List()->RecordCount(); }
+Long EntityListBase::Count() const {
+  const Ref<Recordset> list = List();
+  return list->RecordCount();
+}
 
 Ref<Recordset> EntityListBase::RecordSet() const { return m_Rs; }
 
@@ -44,18 +48,20 @@ Ref<Dictionary> EntityListBase::FetchRow(Variant Key) const {
   return row.As<Dictionary>();
 }
 
-const Ref<Recordset>& EntityListBase::List() const {
+Ref<Recordset> EntityListBase::List() const {
+  const Ref self(this);
   if (!m_Rs) Fetch();
   if (!m_Rs) RaiseError(error_number::kObjectNotSet);  // the server answered with Nothing
   return m_Rs;
 }
 
-Ref<Dictionary> EntityListBase::CurrentRow() {
-  if (List()->Eof()) RaiseError(error_number::kInvalidCall);
-  return RowToDictionary(List());
+Ref<Dictionary> EntityListBase::CurrentRow(const Ref<Recordset>& list) {
+  if (list->Eof()) RaiseError(error_number::kInvalidCall);
+  return RowToDictionary(list);
 }
 
 Long EntityListBase::CheckExistence(std::initializer_list<Argument> keys) {
+  const CallingOut out(this);
   const Ref<Object> info = ServerGateway().CreateInstance(Protocol().info_component);
   for (const Argument& key : keys) {
     if (!key.IsMissing()) {

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "qdclgl/frame/entities/walkers.h"
+#include "qdclgl/frame/objects/nesting.h"
 #include "qdclgl/frame/objects/variant_kind.h"
 #include "qdclgl/frame/session/server_gateway.h"
 #include "qdclgl/frame/session/session.h"
@@ -51,9 +52,9 @@ class EntityListBase : public Object, public ISetXactContext, private ApartmentM
   virtual Ref<Dictionary> FetchRow(Variant Key) const;
 
   // The list, fetched unless there is one: what a reader sees does not change by it.
-  const Ref<Recordset>& List() const;
-  // The row under the cursor. Error 5 behind the last one.
-  Ref<Dictionary> CurrentRow();
+  Ref<Recordset> List() const;
+  // The row under the cursor of a list. Error 5 behind the last one.
+  static Ref<Dictionary> CurrentRow(const Ref<Recordset>& list);
 
   // ExistenceCheck(PropsString, key) with the first of `keys` that is given, each as it is to be
   // passed; 0 without a call when none is. The component is made in any case.
@@ -75,6 +76,7 @@ class EntityListBase : public Object, public ISetXactContext, private ApartmentM
   // method(PropsString, id by reference, and what follows it) on the writing component.
   template <class... Args>
   void CallUpdate(const char* method, Long id, Args&&... args) {
+    const CallingOut out(this);
     const Ref<Object> update = ServerGateway().CreateInstance(Protocol().update_component);
     update->Call(method, GetPropsString(), ByRef(id), std::forward<Args>(args)...);
   }
@@ -129,18 +131,22 @@ class EntitySet : public EntityListBase {
 
 template <class Entity>
 Ref<Entity> EntitySet<Entity>::GetCurrent() {
-  return MakeEntity(CurrentRow());
+  const CallingOut out(this);
+  return MakeEntity(CurrentRow(List()));
 }
 
 template <class Entity>
 Ref<Entity> EntitySet<Entity>::GetNext() {
-  Ref<Entity> entity = GetCurrent();
-  List()->MoveNext();
+  const CallingOut out(this);
+  const Ref<Recordset> list = List();  // the one that is read is the one that moves on
+  Ref<Entity> entity = MakeEntity(CurrentRow(list));
+  list->MoveNext();
   return entity;
 }
 
 template <class Entity>
 Ref<Enumerator> EntitySet<Entity>::NewEnum() {
+  const CallingOut out(this);
   auto walker = Make<EntityWalker<Entity>>();
   walker->Attach(List(), m_Xa);
   return EnumFactory().CreateEnum(walker);
@@ -148,6 +154,7 @@ Ref<Enumerator> EntitySet<Entity>::NewEnum() {
 
 template <class Entity>
 Ref<Entity> EntitySet<Entity>::Item(Variant Key) const {
+  const CallingOut out(this);
   return MakeEntity(FetchRow(std::move(Key)));
 }
 

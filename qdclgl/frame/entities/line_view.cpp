@@ -11,6 +11,13 @@ Boolean LineView::Modified() const { return Bag().ChangeFlag()->Modified(); }
 
 // ---- LineListBase ----
 
+namespace {
+
+// More lines than any document has, and fewer than fill the memory.
+constexpr Long kMostLines = 1'000'000;
+
+}  // namespace
+
 void LineListBase::Attach(const Ref<Vector>& vector, const Ref<ChangeFlag>& flag) {
   m_Vector = vector;
   m_Flag = flag;
@@ -22,6 +29,7 @@ const Ref<Vector>& LineListBase::Lines() const {
 }
 
 void LineListBase::Add(Variant index) {
+  if (Count() >= kMostLines) RaiseError(error_number::kOverflow);
   if (index.IsMissing()) {
     Lines()->Append(Variant(Make<Dictionary>()));
   } else {
@@ -32,6 +40,8 @@ void LineListBase::Add(Variant index) {
 }
 
 void LineListBase::Remove(Long index) {
+  const Ref self(this);
+  const Variant removed = Lines()->Item(index);  // released when lines and flags agree again
   Lines()->Remove(index, 1);
   m_Flag->Remove(index);
 }
@@ -39,10 +49,13 @@ void LineListBase::Remove(Long index) {
 Long LineListBase::Count() const { return Lines()->Count(); }
 
 void LineListBase::Count(Long value) {
+  if (value < 0) RaiseError(error_number::kSubscriptOutOfRange);
+  if (value > kMostLines && value > Count()) RaiseError(error_number::kOverflow);
+  const Ref self(this);
   while (Count() < value) Lines()->Append(Variant(Make<Dictionary>()));
+  m_Flag->Modified(true);
   // The flags of the lines that are cut off stay behind: the list's own flag speaks for them.
   if (Count() > value) Lines()->Remove(value + 1, Count() - value);
-  m_Flag->Modified(true);
 }
 
 Boolean LineListBase::Modified() const {

@@ -27,13 +27,16 @@ class LineListBase : public Object {
   QD_BASE_MEMBERS(Object)
 
  public:
-  QD_METHOD(void, Add, (Variant index = Missing),
-            "Puts a new empty line at the end, or at a position; the later lines move up, their "
-            "change flags stay. Error 13 for a position that is no whole number.")
+  QD_METHOD(
+      void, Add, (Variant index = Missing),
+      "Puts a new empty line at the end, or at a position; the later lines move up, their "
+      "change flags stay. Error 13 for a position that is no whole number, error 9 for one that "
+      "is neither a line's nor the one behind the last, error 6 beyond 1,000,000 lines.")
   QD_METHOD(void, Remove, (Long index), "Removes a line and its change flag.")
   QD_PROPERTY(GetLet, Long, Count,
               "The number of lines. A write adds empty lines or cuts lines off the end, and marks "
-              "the list modified in any case.")
+              "the list modified in any case. Error 9 for a negative number, error 6 beyond "
+              "1,000,000 lines; nothing changes then.")
   QD_PROPERTY(Get, Boolean, Modified, "Whether the list or any line of it was written.")
 
   // Binds the view to the list itself and to its flag.

@@ -7,9 +7,4 @@ Ref<Properties> RowView::Properties() const {
   return m_Props;
 }
 
-void RowView::Reattach(const Ref<Dictionary>& row, Long track_state) {
-  Bag().Attach(row, false, Nothing, track_state);
-  if (m_Props) m_Props->Share(m_Bag);
-}
-
 }  // namespace qdclgl

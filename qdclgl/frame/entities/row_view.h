@@ -16,11 +16,22 @@ class RowView : public Object {
   // Gives the object a bag of its own, as Bag::Attach binds one. What Properties gave out before
   // stays with the former row.
   void Attach(Ref<Dictionary> row, Boolean share, Ref<ChangeFlag> flag, Long track_state) {
-    m_Bag.Attach(std::move(row), share, std::move(flag), track_state);
-    m_Props = nullptr;
+    qdclgl::Bag bag;
+    bag.Attach(std::move(row), share, std::move(flag), track_state);
+    const Ref<qdclgl::Properties> former = PutBag(bag);
   }
-  // Gives the object a copy of another row and a new flag; what Properties gave out goes along.
-  void Reattach(const Ref<Dictionary>& row, Long track_state);
+  // Puts `bag` in the place of the object's own, which comes back in it, and gives back what
+  // Properties gave out before. The caller lets go of both when all is in place.
+  Ref<qdclgl::Properties> PutBag(qdclgl::Bag& bag) {
+    std::swap(m_Bag, bag);
+    return std::exchange(m_Props, nullptr);
+  }
+  // The same, with what Properties gave out going along to the new row. Error 91 for an object that
+  // was never given a row.
+  void PutSharedBag(qdclgl::Bag& bag) {
+    std::swap(Bag(), bag);
+    if (m_Props) m_Props->Share(m_Bag);
+  }
 
   // The bag. Error 91 for an object that was never given a row.
   qdclgl::Bag& Bag() const {

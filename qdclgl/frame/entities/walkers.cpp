@@ -1,5 +1,7 @@
 #include "qdclgl/frame/entities/walkers.h"
 
+#include "qdclgl/frame/objects/nesting.h"
+
 namespace qdclgl {
 
 void WalkRecordset::Attach(const Ref<Recordset>& Rs) {
@@ -9,6 +11,7 @@ void WalkRecordset::Attach(const Ref<Recordset>& Rs) {
 }
 
 void WalkRecordset::Next(Variant& Item, Boolean& Done) {
+  const CallingOut out(this);
   if (m_Rs->Eof()) return;
   Item = Variant(OnCreateObject(RowToDictionary(m_Rs)));
   m_Rs->MoveNext();
@@ -16,6 +19,7 @@ void WalkRecordset::Next(Variant& Item, Boolean& Done) {
 }
 
 void WalkRecordset::Skip(Boolean& Done) {
+  const CallingOut out(this);
   if (m_Rs->Eof()) return;
   m_Rs->MoveNext();
   Done = true;
@@ -35,7 +39,8 @@ Ref<Dictionary> RowAt(const Ref<Vector>& vector, Long index) {
 
 Ref<Vector> RecordsetToVector(const Ref<Recordset>& rs) {
   auto rows = Make<Vector>();
-  for (; !rs->Eof(); rs->MoveNext()) rows->Append(Variant(RowToDictionary(rs)));
+  const Ref<Recordset> held = rs;
+  for (; !held->Eof(); held->MoveNext()) rows->Append(Variant(RowToDictionary(held)));
   return rows;
 }
 

@@ -34,7 +34,11 @@ class BoundCall {
 
   std::span<Argument> arguments() { return arranged_.empty() ? in_place_ : arranged_; }
   // Errors: 13 and 6 for an argument that doesn't convert, and what the member raises.
-  Variant Invoke(Object& self) { return invoke_(self, arguments().data()); }
+  // The object outlives the call, whatever the member releases.
+  Variant Invoke(Object& self) {
+    const Ref<Object> held(&self);
+    return invoke_(self, arguments().data());
+  }
 
  private:
   Invoker invoke_;

@@ -7,6 +7,7 @@
 #include <limits>
 #include <optional>
 
+#include "qdclgl/frame/objects/nesting.h"
 #include "qdclgl/frame/vocabulary/text.h"
 
 namespace qdclgl {
@@ -198,9 +199,17 @@ std::string TextOfBytes(std::span<const std::uint8_t> bytes) {
   return FromUtf16(units);
 }
 
+// The plain value that an object stands for, through objects that stand for others. What is asked
+// may release `object` and the place it stands in.
 Variant DefaultValueOf(const Variant& object) {
-  if (object.IsNothing()) Mismatch();
-  return object.ObjectPointer()->DefaultValue();
+  const NestingLevel level;
+  Variant value = object;
+  for (int steps = 0; value.IsObject(); ++steps) {
+    if (value.IsNothing()) Mismatch();
+    if (steps == kDeepestNesting) RaiseError(error_number::kOutOfStackSpace);
+    value = value.ObjectPointer()->DefaultValue();
+  }
+  return value;
 }
 
 double NumberIn(const Variant& value) {
@@ -387,8 +396,12 @@ Double Val(std::string_view text) {
 }
 
 std::partial_ordering Compare(const Variant& left, const Variant& right) {
-  if (left.IsObject()) return Compare(DefaultValueOf(left), right);
-  if (right.IsObject()) return Compare(left, DefaultValueOf(right));
+  if (left.IsObject() || right.IsObject()) {
+    // Copies, since what is asked for its value may write over either.
+    const Variant first = left, second = right;
+    const Variant first_value = first.IsObject() ? DefaultValueOf(first) : first;
+    return Compare(first_value, second.IsObject() ? DefaultValueOf(second) : second);
+  }
   const auto refuse = [](const Variant& value) {
     if (value.IsMissing() || value.Is(VariantType::kByteArray)) Mismatch();
   };

@@ -5,21 +5,26 @@
 namespace qdclgl {
 
 bool Enumerator::Next(Variant& item) {
+  const Ref<IWalkVariant> walker = walker_;  // outlives this enumerator where need be
   Boolean done = false;
-  walker_->Next(item, done);
+  walker->Next(item, done);
   return done;
 }
 
 bool Enumerator::Skip(Long count) {
+  const Ref<IWalkVariant> walker = walker_;
   for (; count > 0; --count) {
     Boolean done = false;
-    walker_->Skip(done);
+    walker->Skip(done);
     if (!done) return false;
   }
   return true;
 }
 
-void Enumerator::Reset() { walker_->Reset(); }
+void Enumerator::Reset() {
+  const Ref<IWalkVariant> walker = walker_;
+  walker->Reset();
+}
 
 Variant Enumerator::Invoke(std::string_view name, CallKind kind, std::span<Argument> arguments) {
   const auto is = [&](std::string_view member, std::size_t count) {

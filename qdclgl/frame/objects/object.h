@@ -98,7 +98,7 @@ class Object {
 
   void AddRef() const { ++references_; }
   void Release() const {
-    if (--references_ == 0) delete this;
+    if (--references_ == 0) Free();
   }
 
   bool IsShared() const { return references_ > 1; }
@@ -144,6 +144,10 @@ class Object {
   std::uint32_t references() const { return references_; }
 
  private:
+  // Ends the object. What it holds ends with it, however deep that is nested: beyond a bound an
+  // object waits until those above it are gone.
+  void Free() const;
+
   mutable std::uint32_t references_ = 0;
   Container container_;
 };

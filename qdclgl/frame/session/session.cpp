@@ -20,7 +20,8 @@ constexpr std::array<std::string_view, 14> kSessionKeys = {
     "AcctID",   "SubID",  "AcctClosed",  "MachineName", "IP",       "UUID",     "QDCLogin"};
 
 String SessionText(const char* name) {
-  if (g_SessionObject != nullptr) return g_SessionObject->Get(name).As<String>();
+  // Held: what answers may put another session in its place.
+  if (const Ref<Object> session = SessionObject()) return session->Get(name).As<String>();
   return GetSessionProperty(name).As<String>();
 }
 

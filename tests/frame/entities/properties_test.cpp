@@ -474,6 +474,36 @@ TEST(Properties, AFailedCopyLeavesTheBagAsItWas) {
   EXPECT_EQ(BagText(bag), "{K: 2} dictionary modified flag modified");
 }
 
+// ---- Without a bag ----
+
+TEST(Properties, APropertyMadeWithoutItsBagRaisesObjectNotSet) {
+  const auto property = Make<Property>();
+  EXPECT_EQ(property->Name(), "");
+  EXPECT_EQ(ErrorOf([&] { property->Value(); }), "error 91");
+  EXPECT_EQ(ErrorOf([&] { property->Value(Variant(1)); }), "error 91");
+  EXPECT_EQ(ErrorOf([&] { CStr(Variant(property)); }), "error 91");
+  const auto walker = Make<WalkProperty>();
+  Variant item;
+  Boolean done = false;
+  EXPECT_EQ(ErrorOf([&] { walker->Next(item, done); }), "error 91");
+  EXPECT_EQ(ErrorOf([&] { walker->Skip(done); }), "error 91");
+}
+
+TEST(Properties, AValueThatEndsMayReleaseTheBag) {
+  auto bag = Make<Properties>();
+  for (const bool write : {true, false}) {
+    bag = Make<Properties>();
+    bag->Attach(Nothing, true, Nothing, 0);
+    bag->SetValue("K", Variant(Make<testing::AtEnd>([&] { bag = nullptr; })));
+    if (write) {
+      bag->SetValue("K", 1);
+    } else {
+      bag->ClearValue("K");
+    }
+    EXPECT_EQ(bag, nullptr);
+  }
+}
+
 // ---- Item and Property ----
 
 TEST(Properties, ItemByPositionGivesTheKeysInOrder) {

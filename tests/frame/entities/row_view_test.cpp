@@ -19,7 +19,12 @@ class View final : public RowView {
 
   using RowView::Attach;
   using RowView::Bag;
-  using RowView::Reattach;
+
+  void Reattach(const Ref<Dictionary>& row, Long track_state) {
+    qdclgl::Bag bag;
+    bag.Attach(row, false, Nothing, track_state);
+    PutSharedBag(bag);
+  }
 };
 
 constexpr RowKey kN("N");

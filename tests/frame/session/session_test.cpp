@@ -61,6 +61,20 @@ class Session : public ::testing::Test {
   RecordingServer server;
 };
 
+// ---- A session object ----
+
+TEST_F(Session, ASessionThatPutsAnotherInItsPlaceMayFinishItsAnswer) {
+  const auto session = [] {
+    return Make<testing::Foreign>([text = std::string("a text of more than fourteen bytes")] {
+      SetSessionObject(Nothing);
+      return Variant(text);
+    });
+  };
+  const ScopedSessionObject scope(session());
+  EXPECT_EQ(GetPropsString(), "a text of more than fourteen bytes");
+  EXPECT_EQ(SessionObject(), nullptr);
+}
+
 // ---- Outer login ----
 
 TEST_F(Session, AnOuterLoginIsAskedAtTheFacadeForTheKindAndForTheValue) {

@@ -1,0 +1,45 @@
+#include "qdclgl/frame/objects/nesting.h"
+
+#include <vector>
+
+namespace qdclgl {
+
+namespace {
+
+thread_local int nesting = 0;
+
+// Objects that wait for their end, which the outermost free brings. Plain data: a thread that ends
+// runs no destructor for it.
+thread_local int freeing = 0;
+thread_local std::vector<const Object*>* waiting = nullptr;
+
+}  // namespace
+
+NestingLevel::NestingLevel() {
+  if (nesting == kDeepestNesting) RaiseError(error_number::kOutOfStackSpace);
+  ++nesting;
+}
+
+NestingLevel::~NestingLevel() { --nesting; }
+
+void Object::Free() const {
+  if (freeing == kDeepestNesting) {
+    if (waiting == nullptr) waiting = new std::vector<const Object*>;
+    waiting->push_back(this);
+    return;
+  }
+  ++freeing;
+  delete this;
+  if (freeing == 1 && waiting != nullptr) {
+    while (!waiting->empty()) {
+      const Object* next = waiting->back();
+      waiting->pop_back();
+      delete next;
+    }
+    delete waiting;
+    waiting = nullptr;
+  }
+  --freeing;
+}
+
+}  // namespace qdclgl
