@@ -336,7 +336,7 @@ TEST_P(CallingOutWalk, NothingButAnErrorComesOfWhatANeighbourDoes) {
 
 INSTANTIATE_TEST_SUITE_P(AllClasses, CallingOutWalk,
                          ::testing::ValuesIn(PublicClasses().begin(), PublicClasses().end()),
-                         [](const auto& info) { return std::string(info.param->name()); });
+                         [](const auto& instance) { return std::string(instance.param->name()); });
 
 }  // namespace
 }  // namespace qdclgl

@@ -188,23 +188,24 @@ bool Dictionary::Erase(const RowKey& key) {
 
 Ref<Dictionary> Dictionary::CopyWith(Variant (*copy_object)(const Variant&)) const {
   const std::uint32_t count = size();
-  Ref<Dictionary> copy = Create(count);
-  if (count == 0) return copy;
+  Ref<Dictionary> result = Create(count);
+  if (count == 0) return result;
+  Dictionary& copy = *result;
   if (!has_counted_) {
-    std::memcpy(static_cast<void*>(copy->values_), values_, count * sizeof(Variant));
-    copy->keys_ = keys_;
-    return copy;
+    std::memcpy(static_cast<void*>(copy.values_), values_, count * sizeof(Variant));
+    copy.keys_ = keys_;
+    return result;
   }
-  std::uninitialized_copy_n(values_, count, copy->values_);
-  copy->keys_ = keys_;
-  copy->has_counted_ = true;
-  if (copy_object == nullptr) return copy;
+  std::uninitialized_copy_n(values_, count, copy.values_);
+  copy.keys_ = keys_;
+  copy.has_counted_ = true;
+  if (copy_object == nullptr) return result;
   // From here on this row may change or end: objects that copy themselves run code of their own.
   for (std::uint32_t i = 0; i < count; ++i) {
-    Variant& value = copy->values_[i];
+    Variant& value = copy.values_[i];
     if (value.IsObject() && !value.IsNothing()) value = copy_object(value);
   }
-  return copy;
+  return result;
 }
 
 std::span<const Variant> Dictionary::Elements() const {

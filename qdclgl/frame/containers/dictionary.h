@@ -123,8 +123,8 @@ class Dictionary final : public Tracked {
   }
   bool Contains(const RowKey& key) const { return Find(key) != nullptr; }
   void Put(const RowKey& key, Variant value) {
-    MarkEdited();
     const std::uint32_t position = keys_ ? keys_->Find(key) : KeyList::kNotFound;
+    MarkEdited();
     if (position == KeyList::kNotFound) {
       Append(key, std::move(value));
     } else {

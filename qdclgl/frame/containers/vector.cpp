@@ -56,23 +56,24 @@ void Vector::Item(Long Index, Variant value) {
 Ref<Vector> Vector::Clone() { return CopyWith(nullptr); }
 
 Ref<Vector> Vector::CopyWith(Variant (*copy_object)(const Variant&)) const {
-  auto copy = Make<Vector>();
-  copy->lower_bound_ = lower_bound_;
+  auto result = Make<Vector>();
+  Vector& copy = *result;
+  copy.lower_bound_ = lower_bound_;
   if (copy_object == nullptr) {
-    copy->elements_ = elements_;
-    return copy;
+    copy.elements_ = elements_;
+    return result;
   }
   // By position, each element held: objects that copy themselves run code of their own, by which
   // this list may change or end.
   const Ref self(this);
   const std::size_t count = elements_.size();
-  copy->elements_.reserve(count);
+  copy.elements_.reserve(count);
   for (std::size_t i = 0; i < count && i < elements_.size(); ++i) {
     const Variant element = elements_[i];
     const bool by_copier = element.IsObject() && !element.IsNothing();
-    copy->elements_.push_back(by_copier ? copy_object(element) : element);
+    copy.elements_.push_back(by_copier ? copy_object(element) : element);
   }
-  return copy;
+  return result;
 }
 
 }  // namespace qdclgl

@@ -64,7 +64,9 @@ TEST(ContainersCallingOut, AValueThatEndsMayWriteTheRowOrReleaseIt) {
       if (operation == 1) row->Erase("K");
       if (operation == 2) row->Remove("K");
       EXPECT_EQ(row == nullptr, release);
-      if (!release) EXPECT_EQ(row->Count(), operation == 0 ? 1001 : 1000);
+      if (!release) {
+        EXPECT_EQ(row->Count(), operation == 0 ? 1001 : 1000);
+      }
     }
   }
 }
@@ -186,10 +188,18 @@ TEST(ContainersCallingOut, AFindEndsWhateverItsCellsDoToTheRecordset) {
     });
     for (int i = 0; i < 3; ++i) rows->AddRow({deed == 0 || i == 0 ? Variant(cell) : Variant(i)});
     rows->Find("A = 5");
-    if (deed == 0) EXPECT_TRUE(rows->Eof());
-    if (deed == 1) EXPECT_EQ(rows->State(), 0);
-    if (deed == 2) EXPECT_EQ(rows->RecordCount(), 4);
-    if (deed == 3) EXPECT_EQ(rows, nullptr);
+    if (deed == 0) {
+      EXPECT_TRUE(rows->Eof());
+    }
+    if (deed == 1) {
+      EXPECT_EQ(rows->State(), 0);
+    }
+    if (deed == 2) {
+      EXPECT_EQ(rows->RecordCount(), 4);
+    }
+    if (deed == 3) {
+      EXPECT_EQ(rows, nullptr);
+    }
   }
 }
 
