@@ -52,7 +52,10 @@ Calendar::Span Calendar::SpanOf(AccountingPeriod period) const {
                                    std::to_string(period_count_) + ".");
   }
   const auto start = [&](Long year, Long number) {
-    if (!by_month_) return DateTime(YearStart(year).days + (number - 1) * 7 * (52 / period_count_));
+    if (!by_month_) {
+      const Long days = 7 * (52 / period_count_);  // of a period: whole weeks
+      return DateTime(YearStart(year).days + (number - 1) * days);
+    }
     const Long month = start_month_ - 1 + (number - 1) * (12 / period_count_);
     return DateTime::FromYmd(year + month / 12, month % 12 + 1, 1);
   };
