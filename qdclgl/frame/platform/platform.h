@@ -139,21 +139,21 @@ class Platform {
 // The machine itself. It has one definition per operating system.
 Platform& MachinePlatform();
 
-namespace internal {
+namespace detail {
 
 inline std::atomic<Platform*> replacement_platform{nullptr};
 
-}  // namespace internal
+}  // namespace detail
 
 inline Platform& CurrentPlatform() {
-  Platform* replacement = internal::replacement_platform.load(std::memory_order_acquire);
+  Platform* replacement = detail::replacement_platform.load(std::memory_order_acquire);
   return replacement != nullptr ? *replacement : MachinePlatform();
 }
 
 // Replaces the platform of the whole process; nullptr gives the machine itself again. The caller
 // keeps the ownership.
 inline void SetPlatform(Platform* platform) {
-  internal::replacement_platform.store(platform, std::memory_order_release);
+  detail::replacement_platform.store(platform, std::memory_order_release);
 }
 
 }  // namespace qdclgl

@@ -90,24 +90,10 @@ const RecordKind kAccounts = {
 };
 QDCLGL_RECORD_KIND(Account, kAccounts);
 
-class AccountTest : public RecordsTest {
+class AccountTest : public RecordCalls {
  protected:
-  Long Create(const Ref<Dictionary>& row) { return Call(kUpdate, "Create", props, row).As<Long>(); }
-  void Update(Long id, const Ref<Dictionary>& row) {
-    Call(kUpdate, "Update", props, ByRef(id), row);
-  }
-  // Changes one column of a stored account.
-  void Change(Long id, std::string_view key, const Variant& value) {
-    const Ref<Dictionary> row = Detail(id);
-    row->Put(key, value);
-    Update(id, row);
-  }
-  void Delete(Long id) {
-    Call(kUpdate, "Delete", props, ByRef(id), std::string("HOST"), std::string("10.0.0.1"));
-  }
-  Ref<Dictionary> Detail(Long id) {
-    return Call(kInfo, "GetDetail", props, ByRef(id)).As<Dictionary>();
-  }
+  AccountTest() : RecordCalls("QDSVGLAccount.Account") {}
+
   Ref<Recordset> List(Long options = 0, std::string filter = "", std::string sort = "") {
     Long authority = 3;
     return Call(kInfo, "GetList", props, ByRef(options), ByRef(filter), ByRef(sort), Missing,

@@ -170,6 +170,34 @@ class MarkedRecordSuite : public RecordSuite {
   std::vector<std::function<void(Long id)>> WaysToMark();
 };
 
+// The calls that a kind's own tests make of its two components.
+class RecordCalls : public RecordsTest {
+ protected:
+  // `component` is "QDSVGLCurrency.Currency".
+  explicit RecordCalls(const std::string& component)
+      : info_(component + "Info"), update_(component + "Update") {}
+
+  Long Create(const Ref<Dictionary>& row) { return Call(update_, "Create", props, row).As<Long>(); }
+  void Update(Long id, const Ref<Dictionary>& row) {
+    Call(update_, "Update", props, ByRef(id), row);
+  }
+  // Changes one column of a stored record.
+  void Change(Long id, std::string_view key, const Variant& value) {
+    const Ref<Dictionary> row = Detail(id);
+    row->Put(key, value);
+    Update(id, row);
+  }
+  void Delete(Long id) {
+    Call(update_, "Delete", props, ByRef(id), std::string("HOST"), std::string("10.0.0.1"));
+  }
+  Ref<Dictionary> Detail(Long id) {
+    return Call(info_, "GetDetail", props, ByRef(id)).As<Dictionary>();
+  }
+
+ private:
+  std::string info_, update_;
+};
+
 #define QDCLGL_RECORD_KIND(Name, kind)                                                          \
   [[maybe_unused]] const bool kHas##Name = AddRecordKind(kind);                                 \
   INSTANTIATE_TEST_SUITE_P(Name, RecordSuite, ::testing::ValuesIn(CasesOf(kind)), NameOfCase);  \

@@ -30,19 +30,10 @@ const RecordKind kUsers = {
 };
 QDCLGL_RECORD_KIND(User, kUsers);
 
-class UserTest : public RecordsTest {
+class UserTest : public RecordCalls {
  protected:
-  Long Create(const Ref<Dictionary>& row) { return Call(kUpdate, "Create", props, row).As<Long>(); }
-  void Update(Long id, const Ref<Dictionary>& row) {
-    Call(kUpdate, "Update", props, ByRef(id), row);
-  }
-  void Change(Long id, std::string_view key, const Variant& value) {
-    const Ref<Dictionary> row = Detail(id);
-    row->Put(key, value);
-    Update(id, row);
-  }
-  void Delete(Long id) { Call(kUpdate, "Delete", props, ByRef(id), "HOST", "10.0.0.1"); }
-  Ref<Dictionary> Detail(Long id) { return Call(kInfo, "GetDetail", props, id).As<Dictionary>(); }
+  UserTest() : RecordCalls("QDSVGLUser.User") {}
+
   std::string Users(std::string filter = "", std::string sort = "") {
     return TextOf(Call(kInfo, "GetList", props, ByRef(filter), ByRef(sort)).As<Recordset>(),
                   {"FName", "FRoles", "FDisabled"});
