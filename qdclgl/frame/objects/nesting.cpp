@@ -8,6 +8,10 @@ namespace {
 
 thread_local int nesting = 0;
 
+// The levels of the copy under way, and what it has made.
+thread_local int copying = 0;
+thread_local int copies = 0;
+
 // Objects that wait for their end, which the outermost free brings. Plain data: a thread that ends
 // runs no destructor for it.
 thread_local int freeing = 0;
@@ -21,6 +25,22 @@ NestingLevel::NestingLevel() {
 }
 
 NestingLevel::~NestingLevel() { --nesting; }
+
+CopyLevel::CopyLevel() {
+  if (copying == 0) copies = 0;
+  CountElement();
+  ++copying;
+}
+
+CopyLevel::~CopyLevel() { --copying; }
+
+void CopyLevel::CountElement() {
+  if (copies == kMostCopies) {
+    throw Error(error_number::kOutOfMemory, "QDCLGL",
+                "A copy has more than " + std::to_string(kMostCopies) + " objects.");
+  }
+  ++copies;
+}
 
 void Object::Free() const {
   if (freeing == kDeepestNesting) {

@@ -16,6 +16,7 @@ namespace error_number {
 
 inline constexpr std::int32_t kInvalidCall = 5;  // bad key, index or position; row not found
 inline constexpr std::int32_t kOverflow = 6;
+inline constexpr std::int32_t kOutOfMemory = 7;  // also a copy beyond its bound
 inline constexpr std::int32_t kSubscriptOutOfRange = 9;
 inline constexpr std::int32_t kTypeMismatch = 13;
 inline constexpr std::int32_t kOutOfStackSpace = 28;
@@ -24,6 +25,7 @@ inline constexpr std::int32_t kInvalidPropertyValue = 380;
 inline constexpr std::int32_t kPropertyNotSettable = 387;
 inline constexpr std::int32_t kCannotCreateObject = 429;
 inline constexpr std::int32_t kMemberNotFound = 438;
+inline constexpr std::int32_t kAutomationError = 440;  // a foreign failure without a number
 inline constexpr std::int32_t kNamedArgumentNotFound = 448;
 inline constexpr std::int32_t kArgumentNotOptional = 449;
 inline constexpr std::int32_t kWrongArgumentCount = 450;
