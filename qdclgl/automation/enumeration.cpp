@@ -17,6 +17,7 @@ class Enumeration final : public OneInterface<IEnumVARIANT, IID_IEnumVARIANT>, p
     if (fetched != nullptr) *fetched = 0;
     if (items == nullptr) return E_POINTER;
     for (ULONG i = 0; i < count; ++i) VariantInit(&items[i]);
+    const Com<IEnumVARIANT> self(this);  // what is called may let go of the caller's reference
     ULONG done = 0;
     const HRESULT code = Guarded([&] {
       for (Variant item; done < count && enumerator_->Next(item); ++done) {
@@ -33,9 +34,11 @@ class Enumeration final : public OneInterface<IEnumVARIANT, IID_IEnumVARIANT>, p
     return code;
   }
   HRESULT STDMETHODCALLTYPE Skip(ULONG count) override {
+    const Com<IEnumVARIANT> self(this);
     return Guarded([&] { return Advance(count) ? S_OK : S_FALSE; });
   }
   HRESULT STDMETHODCALLTYPE Reset() override {
+    const Com<IEnumVARIANT> self(this);
     return Guarded([&] {
       enumerator_->Reset();
       position_ = 0;
@@ -45,6 +48,7 @@ class Enumeration final : public OneInterface<IEnumVARIANT, IID_IEnumVARIANT>, p
   HRESULT STDMETHODCALLTYPE Clone(IEnumVARIANT** clone) override {
     if (clone == nullptr) return E_POINTER;
     *clone = nullptr;
+    const Com<IEnumVARIANT> self(this);
     return Guarded([&] {
       const Variant again = owner_->Call(member_.row.name);
       Com<Enumeration> made(new Enumeration(again.As<Enumerator>(), owner_, member_));

@@ -6,6 +6,7 @@
 #include <mutex>
 #include <optional>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "qdclgl/automation/context_interface.h"
@@ -23,12 +24,6 @@
 namespace qdclgl::automation {
 
 namespace {
-
-// By this interface a wrapper gives itself away.
-const IID& OwnId() {
-  static const IID id = IdOfName("QDCLGL.Wrapper");
-  return id;
-}
 
 // A name as the rows have it: ASCII. Empty for any other.
 class MemberName {
@@ -145,8 +140,6 @@ class Wrapper final : public IDispatch,
       *object = static_cast<IProvideClassInfo*>(this);
     } else if (iid == ContextInterfaceId() && Context() != nullptr) {
       *object = static_cast<ContextInterface*>(this);
-    } else if (iid == OwnId()) {
-      *object = this;
     } else {
       return E_NOINTERFACE;
     }
@@ -196,6 +189,7 @@ class Wrapper final : public IDispatch,
     if (iid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
     if (params == nullptr || params->cNamedArgs > params->cArgs) return E_INVALIDARG;
     if (result != nullptr) VariantInit(result);
+    const Com<IDispatch> self(this);  // what is called may let go of the caller's reference
     try {
       return Call(id, locale, flags, *params, result, exception, bad_argument);
     } catch (...) {
@@ -220,6 +214,7 @@ class Wrapper final : public IDispatch,
   }
 
   HRESULT STDMETHODCALLTYPE SetTransactionContext(IDispatch* xa) override {
+    const Com<IDispatch> self(this);
     return Guarded([&] {
       Context()->SetTransactionContext(TakeIn(xa));
       return S_OK;
@@ -256,10 +251,21 @@ class Wrapper final : public IDispatch,
 };
 
 // The wrappers in use, of all apartments. An entry is only ever looked for on its object's thread.
+// Whether an object is one of them is told by its address alone: an object of others may answer to
+// any interface id, and another copy of this server answers to all of ours.
 std::mutex wrappers_mutex;
 std::unordered_map<Object*, Wrapper*>& Wrappers() {
   static std::unordered_map<Object*, Wrapper*> wrappers;
   return wrappers;
+}
+std::unordered_set<const void*>& Addresses() {
+  static std::unordered_set<const void*> addresses;
+  return addresses;
+}
+
+bool IsWrapper(const void* address) {
+  const std::lock_guard lock(wrappers_mutex);
+  return Addresses().contains(address);
 }
 
 ULONG Wrapper::Release() {
@@ -268,6 +274,7 @@ ULONG Wrapper::Release() {
     {
       const std::lock_guard lock(wrappers_mutex);
       Wrappers().erase(object_.get());
+      Addresses().erase(this);
     }
     delete this;
   }
@@ -368,6 +375,7 @@ HRESULT Wrapper::Call(DISPID id, LCID locale, WORD flags, DISPPARAMS& params, VA
   try {
     incoming.Take(*member);
   } catch (const Error& error) {
+    if (!error.description().empty()) throw;  // a foreign object's own words, or those about it
     return refuse(CodeOfUnfit(error.number()), incoming.place());
   }
   std::optional<BoundCall> call;
@@ -416,17 +424,18 @@ Com<IDispatch> Wrap(Object* object) {
   if (object == nullptr) return {};
   const std::lock_guard lock(wrappers_mutex);
   Wrapper*& wrapper = Wrappers()[object];
-  if (wrapper == nullptr) wrapper = new Wrapper(object);
+  if (wrapper == nullptr) {
+    wrapper = new Wrapper(object);
+    Addresses().insert(wrapper);
+  }
   return Com<IDispatch>(wrapper);
 }
 
 Ref<Object> Unwrap(IUnknown* object) {
-  void* found = nullptr;
-  if (FAILED(object->QueryInterface(OwnId(), &found))) return nullptr;
-  auto* wrapper = static_cast<Wrapper*>(found);
-  const Ref<Object> own = wrapper->object();
-  wrapper->Release();
-  return own;
+  // A wrapper's IUnknown is the wrapper's own address.
+  const auto identity = Query<IUnknown>(object, IID_IUnknown);
+  if (!IsWrapper(identity.get())) return nullptr;
+  return static_cast<Wrapper*>(static_cast<IDispatch*>(identity.get()))->object();
 }
 
 void HandOut(Object* object, VARIANT* destination) {
