@@ -1,5 +1,7 @@
 #include "qdclgl/frame/objects/nesting.h"
 
+#include <atomic>
+#include <string>
 #include <vector>
 
 namespace qdclgl {
@@ -21,6 +23,17 @@ NestingLevel::NestingLevel() {
 }
 
 NestingLevel::~NestingLevel() { --nesting; }
+
+std::uint16_t detail::NumberThisThread() noexcept {
+  static std::atomic<std::uint16_t> last = 0;
+  while (thread_number == 0) thread_number = ++last;
+  return thread_number;
+}
+
+void Object::RaiseWrongThread() const {
+  throw Error(error_number::kWrongThread, std::string(ClassName()),
+              "The object belongs to another thread, which made it.");
+}
 
 void Object::Free() const {
   if (freeing == kDeepestNesting) {
