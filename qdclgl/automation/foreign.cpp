@@ -18,6 +18,7 @@ namespace {
 // What stands for an object of others.
 class Foreign {
  public:
+  // Null when it stands for it no more.
   virtual IUnknown* object() const = 0;
 
  protected:
@@ -45,7 +46,7 @@ class Outgoing {
   }
 
   void WriteBack(const Argument& argument) const {
-    if (argument.IsByRef()) argument.Put(FromVariant(*variable_));
+    if (argument.IsByRef()) argument.Put(FromVariant(*variable_, Taking::kCopy));
   }
 
  private:
@@ -75,6 +76,7 @@ class ForeignObject final : public Object, public Foreign {
   }
 
   Variant Invoke(std::string_view name, CallKind kind, std::span<Argument> arguments) override {
+    CheckThread();
     std::vector<std::wstring> names = {ToWide(name)};
     for (const Argument& argument : arguments) {
       if (!argument.name().empty()) names.push_back(ToWide(argument.name()));
@@ -83,6 +85,7 @@ class ForeignObject final : public Object, public Foreign {
   }
 
   Variant DefaultValue() override {
+    CheckThread();
     if (!dispatch_) RaiseError(error_number::kMemberNotFound);
     return InvokeId({DISPID_VALUE}, CallKind::kGet, {});
   }
@@ -146,7 +149,7 @@ class ForeignObject final : public Object, public Foreign {
     if (FAILED(code)) RaiseFailure(code, &exception);
 
     for (std::size_t i = 0; i < order.size(); ++i) outgoing[i].WriteBack(arguments[order[i]]);
-    return FromVariant(*result);
+    return FromVariant(*result, Taking::kCopy);
   }
 
   Com<IUnknown> object_;
@@ -206,42 +209,76 @@ class ForeignRecordset final : public Recordset, public Foreign {
   Ref<ForeignObject> rows_;
 };
 
-Ref<Dictionary> CopyOfDictionary(Object& foreign) {
+void Fill(Dictionary& copy, Object& foreign) {
   const NestingLevel level;
   const Long count = foreign.Get("Count").As<Long>();
-  Ref<Dictionary> copy = Dictionary::Create(static_cast<std::size_t>(count));
   for (Long i = 1; i <= count; ++i) {
     const String key = foreign.Get("Name", i).As<String>();
-    copy->Put(key, foreign.Get("Value", key));
+    copy.Put(key, foreign.Get("Value", key));
   }
-  copy->ResetModified();
-  copy->ClearTouched();
+  copy.EndFilling();
+}
+
+void Fill(Vector& copy, Object& foreign) {
+  const NestingLevel level;
+  const Long first = foreign.Get("LowerBound").As<Long>();
+  const Long last = foreign.Get("UpperBound").As<Long>();
+  copy.LowerBound(first);
+  // In 64 bits: there may be no index behind the last one.
+  for (std::int64_t i = first; i <= last; ++i) {
+    copy.Append(foreign.Get("Item", static_cast<Long>(i)));
+  }
+  copy.EndFilling();
+}
+
+template <class Container>
+Ref<Container> CopyOf(Object& foreign) {
+  auto copy = Make<Container>();
+  Fill(*copy, foreign);
   return copy;
 }
 
-Ref<Vector> CopyOfVector(Object& foreign) {
-  const NestingLevel level;
-  auto copy = Make<Vector>();
-  const Long first = foreign.Get("LowerBound").As<Long>();
-  const Long last = foreign.Get("UpperBound").As<Long>();
-  copy->LowerBound(first);
-  for (Long i = first; i <= last; ++i) copy->Append(foreign.Get("Item", i));
-  copy->ClearTouched();
-  return copy;
+// A copy of a container of others that stands for it, see Taking::kStandIn.
+template <class Container>
+class StandIn final : public Container, public Foreign {
+ public:
+  explicit StandIn(Ref<ForeignObject> original) : original_(std::move(original)) {
+    Fill(*this, *original_);
+  }
+
+  IUnknown* object() const override {
+    return this->WrittenWithin() ? nullptr : original_->object();
+  }
+  Ref<Container> CopyWith(Variant (*copy_object)(const Variant&)) const override {
+    if (this->WrittenWithin()) return Container::CopyWith(copy_object);
+    Ref<Container> now = CopyOf<Container>(*Ref(original_));
+    return copy_object == nullptr ? now : now->CopyWith(copy_object);
+  }
+
+ private:
+  Ref<ForeignObject> original_;
+};
+
+template <class Container>
+Ref<Object> Taken(const Ref<ForeignObject>& foreign, Taking taking) {
+  if (taking == Taking::kCopy) return CopyOf<Container>(*foreign);
+  return Make<StandIn<Container>>(foreign);
 }
 
 }  // namespace
 
-Ref<Object> TakeIn(IUnknown* object) {
+Ref<Object> TakeIn(IUnknown* object, Taking taking) {
   if (object == nullptr) return nullptr;
   if (Ref<Object> own = Unwrap(object)) return own;
   auto foreign = Make<ForeignObject>(object);
   if (foreign->Offers({L"MoveNext", L"MoveFirst", L"Fields", L"EOF"})) {
     return Make<ForeignRecordset>(foreign);
   }
-  if (foreign->Offers({L"Lookup", L"Name", L"Value", L"Count"})) return CopyOfDictionary(*foreign);
+  if (foreign->Offers({L"Lookup", L"Name", L"Value", L"Count"})) {
+    return Taken<Dictionary>(foreign, taking);
+  }
   if (foreign->Offers({L"LowerBound", L"UpperBound", L"Append", L"Item"})) {
-    return CopyOfVector(*foreign);
+    return Taken<Vector>(foreign, taking);
   }
   return foreign;
 }
@@ -259,7 +296,7 @@ Ref<Object> CreateForeign(std::string_view prog_id) {
       CoCreateInstance(class_id, nullptr, CLSCTX_SERVER, IID_IUnknown, object.PutVoid());
   if (code == REGDB_E_CLASSNOTREG) return nullptr;
   if (FAILED(code)) RaiseFailure(code);
-  return TakeIn(object.get());
+  return TakeIn(object.get(), Taking::kCopy);
 }
 
 }  // namespace qdclgl::automation
