@@ -7,16 +7,18 @@
 
 namespace qdclgl::automation {
 
-Ref<Object> TakeIn(IUnknown* object) {
+Ref<Object> TakeIn(IUnknown* object, Taking taking) {
   if (object == nullptr) return nullptr;
   if (Ref<Object> own = Unwrap(object)) return own;
   auto foreign = Make<ForeignObject>(object);
   if (foreign->Offers({L"MoveNext", L"MoveFirst", L"Fields", L"EOF"})) {
     return Make<ForeignRecordset>(foreign);
   }
-  if (foreign->Offers({L"Lookup", L"Name", L"Value", L"Count"})) return CopyOfDictionary(*foreign);
+  if (foreign->Offers({L"Lookup", L"Name", L"Value", L"Count"})) {
+    return Taken<Dictionary>(foreign, taking);
+  }
   if (foreign->Offers({L"LowerBound", L"UpperBound", L"Append", L"Item"})) {
-    return CopyOfVector(*foreign);
+    return Taken<Vector>(foreign, taking);
   }
   return foreign;
 }
@@ -38,7 +40,7 @@ Ref<Object> CreateForeign(std::string_view prog_id) {
     object.Detach();  // whatever was left there, it is no reference
     RaiseFailure(code);
   }
-  return TakeIn(object.get());
+  return TakeIn(object.get(), Taking::kCopy);
 }
 
 }  // namespace qdclgl::automation

@@ -1,39 +1,36 @@
 #include "qdclgl/automation/foreign_containers.h"
 
+#include <algorithm>
 #include <limits>
-
-#include "qdclgl/automation/foreign_object.h"
 
 namespace qdclgl::automation {
 
-Ref<Dictionary> CopyOfDictionary(Object& foreign) {
+void Fill(Dictionary& copy, Object& foreign) {
   const CopyLevel level;
   const Long count = CountOf(foreign);
-  Ref<Dictionary> copy = Dictionary::Create(static_cast<std::size_t>(count));
   for (Long i = 1; i <= count; ++i) {
     CopyLevel::CountElement();
     const auto key = AnswerAs<String>(foreign, "Name", i);
-    copy->Put(key, foreign.Get("Value", key));
+    copy.Put(key, foreign.Get("Value", key));
   }
-  copy->ResetModified();
-  copy->ClearTouched();
-  return copy;
+  copy.EndFilling();
 }
 
-Ref<Vector> CopyOfVector(Object& foreign) {
+void Fill(Vector& copy, Object& foreign) {
   const CopyLevel level;
-  auto copy = Make<Vector>();
+  // An empty list ends before it begins.
   constexpr Long kLeast = std::numeric_limits<Long>::min() + 1;
-  constexpr Long kMost = std::numeric_limits<Long>::max() - kMostElements;
+  constexpr Long kMost = std::numeric_limits<Long>::max();
   const Long first = NumberOf(foreign, "LowerBound", kLeast, kMost);
-  const Long last = NumberOf(foreign, "UpperBound", first - 1, first - 1 + kMostElements);
-  copy->LowerBound(first);
-  for (Long i = first; i <= last; ++i) {
+  const Long before = first - 1;
+  const Long last =
+      NumberOf(foreign, "UpperBound", before, before + std::min(kMostElements, kMost - before));
+  copy.LowerBound(first);
+  for (Long count = last - before, i = 0; i < count; ++i) {
     CopyLevel::CountElement();
-    copy->Append(foreign.Get("Item", i));
+    copy.Append(foreign.Get("Item", first + i));
   }
-  copy->ClearTouched();
-  return copy;
+  copy.EndFilling();
 }
 
 }  // namespace qdclgl::automation

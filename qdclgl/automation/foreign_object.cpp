@@ -28,7 +28,7 @@ class Outgoing {
   }
 
   void WriteBack(const Argument& argument) const {
-    if (argument.IsByRef()) argument.Put(FromVariant(*variable_));
+    if (argument.IsByRef()) argument.Put(FromVariant(*variable_, Taking::kCopy));
   }
 
  private:
@@ -127,7 +127,7 @@ Variant ForeignObject::InvokeId(std::vector<DISPID> ids, CallKind kind,
   if (FAILED(code)) RaiseFailure(code, &exception);
 
   for (std::size_t i = 0; i < order.size(); ++i) outgoing[i].WriteBack(arguments[order[i]]);
-  return FromVariant(*result);
+  return FromVariant(*result, Taking::kCopy);
 }
 
 void detail::RaiseUnfit(std::int32_t number, std::string_view member, const std::string& what) {

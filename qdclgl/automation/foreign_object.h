@@ -19,6 +19,7 @@ namespace qdclgl::automation {
 // What stands for an object of others.
 class Foreign {
  public:
+  // Null when it stands for it no more.
   virtual IUnknown* object() const = 0;
 
  protected:

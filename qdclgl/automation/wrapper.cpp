@@ -25,11 +25,11 @@ namespace qdclgl::automation {
 
 namespace {
 
-// A name as the rows have it: ASCII. Empty for any other.
+// A name as the rows have it: ASCII. Empty for any other, and for null.
 class MemberName {
  public:
   explicit MemberName(const wchar_t* name) {
-    for (; name[length_] != 0; ++length_) {
+    for (; name != nullptr && name[length_] != 0; ++length_) {
       if (length_ == text_.size() || name[length_] >= 0x80) {
         length_ = 0;
         return;
@@ -93,7 +93,7 @@ class Incoming {
   void Add(UINT at, std::string_view name) {
     place_ = at;
     const VARIANT& source = params_.rgvarg[at];
-    Variant given = FromVariant(source);
+    Variant given = FromVariant(source, Taking::kStandIn);
     const bool by_ref = (source.vt & VT_BYREF) != 0;
     Argument argument = given;
     if (by_ref) {
@@ -115,6 +115,13 @@ class Incoming {
   std::vector<Value> values_;  // of the references; never grows beyond its first capacity
   std::vector<Argument> arguments_;
 };
+
+// Whether what a call's arguments say of themselves is there.
+bool AreSound(const DISPPARAMS* params) {
+  return params != nullptr && params->cNamedArgs <= params->cArgs &&
+         (params->cArgs == 0 || params->rgvarg != nullptr) &&
+         (params->cNamedArgs == 0 || params->rgdispidNamedArgs != nullptr);
+}
 
 class Wrapper final : public IDispatch,
                       public ISupportErrorInfo,
@@ -171,6 +178,7 @@ class Wrapper final : public IDispatch,
                                           DISPID* ids) override {
     if (iid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
     if (names == nullptr || ids == nullptr || count == 0) return E_INVALIDARG;
+    if (!object_->IsOfThisThread()) return RPC_E_WRONG_THREAD;
     const ClassMember* member =
         table_ != nullptr ? table_->Find(MemberName(names[0]).text()) : nullptr;
     ids[0] = member != nullptr ? IdOfMember(*member) : DISPID_UNKNOWN;
@@ -187,7 +195,8 @@ class Wrapper final : public IDispatch,
                                    DISPPARAMS* params, VARIANT* result, EXCEPINFO* exception,
                                    UINT* bad_argument) override {
     if (iid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
-    if (params == nullptr || params->cNamedArgs > params->cArgs) return E_INVALIDARG;
+    if (!AreSound(params)) return E_INVALIDARG;
+    if (!object_->IsOfThisThread()) return RPC_E_WRONG_THREAD;
     if (result != nullptr) VariantInit(result);
     const Com<IDispatch> self(this);  // what is called may let go of the caller's reference
     try {
@@ -216,7 +225,8 @@ class Wrapper final : public IDispatch,
   HRESULT STDMETHODCALLTYPE SetTransactionContext(IDispatch* xa) override {
     const Com<IDispatch> self(this);
     return Guarded([&] {
-      Context()->SetTransactionContext(TakeIn(xa));
+      object_->CheckThread();
+      Context()->SetTransactionContext(TakeIn(xa, Taking::kStandIn));
       return S_OK;
     });
   }
@@ -359,6 +369,8 @@ HRESULT Wrapper::Call(DISPID id, LCID locale, WORD flags, DISPPARAMS& params, VA
   const ClassMember* member = table_ != nullptr ? MemberOfId(*table_, id) : nullptr;
   if (member == nullptr) return DISP_E_MEMBERNOTFOUND;
   auto kind = static_cast<CallKind>(flags & 0x0F);
+  // A statement that names a property calls it; the value goes nowhere.
+  if (Includes(kind, CallKind::kMethod)) kind = kind | CallKind::kGet;
 
   std::optional<DISPPARAMS> rest = RestForResult(*member, kind, params);
   DISPPARAMS own = params;
@@ -375,8 +387,9 @@ HRESULT Wrapper::Call(DISPID id, LCID locale, WORD flags, DISPPARAMS& params, VA
   try {
     incoming.Take(*member);
   } catch (const Error& error) {
-    if (!error.description().empty()) throw;  // a foreign object's own words, or those about it
-    return refuse(CodeOfUnfit(error.number()), incoming.place());
+    const HRESULT code = refuse(CodeOfUnfit(error.number()), incoming.place());
+    if (!error.description().empty()) throw;  // no code would carry the words
+    return code;
   }
   std::optional<BoundCall> call;
   try {
@@ -435,7 +448,9 @@ Ref<Object> Unwrap(IUnknown* object) {
   // A wrapper's IUnknown is the wrapper's own address.
   const auto identity = Query<IUnknown>(object, IID_IUnknown);
   if (!IsWrapper(identity.get())) return nullptr;
-  return static_cast<Wrapper*>(static_cast<IDispatch*>(identity.get()))->object();
+  const auto* wrapper = static_cast<Wrapper*>(static_cast<IDispatch*>(identity.get()));
+  wrapper->object()->CheckThread();
+  return wrapper->object();
 }
 
 void HandOut(Object* object, VARIANT* destination) {

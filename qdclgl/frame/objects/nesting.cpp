@@ -1,5 +1,7 @@
 #include "qdclgl/frame/objects/nesting.h"
 
+#include <atomic>
+#include <string>
 #include <vector>
 
 namespace qdclgl {
@@ -40,6 +42,17 @@ void CopyLevel::CountElement() {
                 "A copy has more than " + std::to_string(kMostCopies) + " objects.");
   }
   ++copies;
+}
+
+std::uint16_t detail::NumberThisThread() noexcept {
+  static std::atomic<std::uint16_t> last = 0;
+  while (thread_number == 0) thread_number = ++last;
+  return thread_number;
+}
+
+void Object::RaiseWrongThread() const {
+  throw Error(error_number::kWrongThread, std::string(ClassName()),
+              "The object belongs to another thread, which made it.");
 }
 
 void Object::Free() const {

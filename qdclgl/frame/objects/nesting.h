@@ -48,10 +48,11 @@ class CopyLevel {
 };
 
 // Stands first in every operation that calls out: the object outlives the operation, whatever the
-// called side releases, and operations that call themselves without end raise error 28.
+// called side releases, operations that call themselves without end raise error 28, and those on
+// another thread than the object's kWrongThread.
 class CallingOut {
  public:
-  explicit CallingOut(const Object* self) : self_(self) {}
+  explicit CallingOut(const Object* self) : self_((self->CheckThread(), self)) {}
 
  private:
   NestingLevel level_;

@@ -34,6 +34,8 @@ inline constexpr std::int32_t kBadArguments = 3001;  // a recordset's refused ar
 inline constexpr std::int32_t kNoCurrentRow = 3021;
 inline constexpr std::int32_t kFieldNotFound = 3265;
 inline constexpr std::int32_t kObjectClosed = 3704;
+// The platform's code for a call on another thread than the object's.
+inline constexpr auto kWrongThread = static_cast<std::int32_t>(0x8001010Eu);
 
 // Errors of the library's own: the automation base for object errors plus a code.
 constexpr std::int32_t Own(std::uint32_t code) {
