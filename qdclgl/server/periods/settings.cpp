@@ -102,7 +102,8 @@ LedgerRules LedgerRules::From(const std::map<std::string, std::string, std::less
   if (current.period == 0) Refuse(refusal::kBadSetting, "The books have no current period.");
   return {Calendar(number(kPeriodCount, 12), number(kPeriodByMonth, 1) != 0,
                    number(kYearStartMonth, 1)),
-          current, number(kCheckBeforePost, 0) != 0, number(kCheckerNotPreparer, 0) != 0};
+          current, number(kCheckBeforePost, 0) != 0, number(kCheckerNotPreparer, 0) != 0,
+          number(kNoNegativeAmounts, 0) != 0};
 }
 
 AccountingPeriod CurrentPeriod(Database& db) { return LedgerRules::Of(db).current; }
