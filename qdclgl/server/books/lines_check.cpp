@@ -91,11 +91,10 @@ class LinesCheck {
   void Add(Voucher& voucher, const Line& line) {
     ++voucher.lines;
     (line.side == 1 ? voucher.debit : voucher.credit).Add(line.amount);
-    const bool is_in_range = IsAmountInRange(line.amount) && IsAmountInRange(line.amount_for) &&
-                             IsQuantityInRange(line.quantity);
-    if (!is_in_range) {
+    if (!IsAmountInRange(line.amount) || !IsAmountInRange(line.amount_for) ||
+        !IsQuantityInRange(line.quantity)) {
       Report("LineSize", voucher, line, "Its amount or its quantity is too large.");
-    } else if (!AddSize(voucher.size, LineSize(line.amount, line.amount_for, line.quantity))) {
+    } else if (!AddLine(voucher.size, line.amount, line.amount_for, line.quantity)) {
       voucher.is_too_large = true;
     }
     const auto exchange = exchanges_.find(line.currency);

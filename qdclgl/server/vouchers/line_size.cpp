@@ -22,17 +22,18 @@ std::string MillionthsSql(const Database& db, const std::string& quantity) {
          " <= -0.5 THEN -1 ELSE 0 END)";
 }
 
-std::int64_t LineSize(std::int64_t amount, std::int64_t amount_for, double quantity) {
-  return std::max({std::abs(amount), std::abs(amount_for), std::abs(Millionths(quantity))});
-}
-
 bool IsAmountInRange(std::int64_t amount) {
   return amount <= kLargestAmount && amount >= -kLargestAmount;
 }
 
 bool IsQuantityInRange(double quantity) { return std::abs(quantity) <= kLargestQuantity; }
 
-bool AddSize(std::int64_t& total, std::int64_t size) {
+bool AddLine(std::int64_t& total, std::int64_t amount, std::int64_t amount_for, double quantity) {
+  if (!IsAmountInRange(amount) || !IsAmountInRange(amount_for) || !IsQuantityInRange(quantity)) {
+    return false;
+  }
+  const std::int64_t size =
+      std::max({std::abs(amount), std::abs(amount_for), std::abs(Millionths(quantity))});
   if (size > INT64_MAX - total) return false;
   total += size;
   return true;

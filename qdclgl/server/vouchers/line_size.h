@@ -17,18 +17,14 @@ std::int64_t Millionths(double quantity);
 // The same as SQL that gives exactly that.
 std::string MillionthsSql(const Database& db, const std::string& quantity);
 
-// The size of a line: the largest of its amount, its amount in its currency and its quantity in
-// millionths, without their signs. No sum over lines is further from zero than their sizes
-// together, and those of everything posted stay within 64 bits: so every balance, over whatever
-// accounts, currencies and periods, has a number. The amounts are at most kLargestAmount, the
-// quantity at most kLargestQuantity.
-std::int64_t LineSize(std::int64_t amount, std::int64_t amount_for, double quantity);
-
-// Whether they are.
 bool IsAmountInRange(std::int64_t amount);
 bool IsQuantityInRange(double quantity);
 
-// Adds a size to a total of sizes; false, and nothing is added, where that would not fit.
-bool AddSize(std::int64_t& total, std::int64_t size);
+// Adds the size of a line to a total of sizes: the largest of its amount, its amount in its
+// currency and its quantity in millionths, without their signs. No sum over lines is further from
+// zero than their sizes together, and those of everything posted stay within 64 bits: so every
+// balance, over whatever accounts, currencies and periods, has a number. False, and nothing is
+// added, for values out of range and where the total would not fit.
+bool AddLine(std::int64_t& total, std::int64_t amount, std::int64_t amount_for, double quantity);
 
 }  // namespace qdclgl::server

@@ -168,7 +168,7 @@ void CheckSizes(const VoucherTree& tree) {
     if (!IsQuantityInRange(quantity)) {
       Refuse(refusal::kTooLarge, LineSentence(tree, i) + "the quantity is too large.");
     }
-    if (!AddSize(size, LineSize(amount, amount_for, quantity))) {
+    if (!AddLine(size, amount, amount_for, quantity)) {
       Refuse(refusal::kTooLarge, Sentence(tree) + "its lines are too large to add up.");
     }
   }

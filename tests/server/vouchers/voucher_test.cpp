@@ -801,6 +801,26 @@ TEST_P(VoucherServer, AVoucherOfAnOlderProgramThatWouldNotAddUpIsNotPosted) {
   EXPECT_EQ(State(), before);
 }
 
+TEST_P(VoucherServer, BooksOfAnOlderProgramThatDoNotAddUpAreMendedByUnposting) {
+  const Long fine = Save(Sale(2)), wrong = Save(Sale(1));
+  Step("Post", fine);
+  Step("Post", wrong);
+  // Foreign amounts of the base currency are in no balance; as an upgrade leaves the size.
+  Books().Execute("UPDATE t_VoucherEntry SET FAmountFor = ? WHERE FVoucherID = ?", INT64_MAX,
+                  wrong);
+  Books().Execute("UPDATE t_Posted SET FSize = ?", INT64_MAX);
+  const Long next = Save(Sale(3));
+  EXPECT_EQ(RefusalOf([&] { Step("Post", next); }), "TooLarge");
+  Step("UnPost", wrong);
+  EXPECT_EQ(Books().QueryValue<std::int64_t>("SELECT FSize FROM t_Posted"), 2 * 20'000);
+  EXPECT_EQ(RefusalOf([&] { Step("Post", wrong); }), "TooLarge");
+  Step("Post", next);
+  Long id = wrong;
+  Call(kUpdate, "Delete", props, ByRef(id), true, "M", "A");
+  EXPECT_EQ(RecomputedText(), BalanceText());
+  EXPECT_EQ(Breaches(), "");
+}
+
 TEST_P(VoucherServer, QuantitiesAreRoundedAlikeInBothLists) {
   const auto quantity = [&](std::string_view method) {
     return TextOf(Call("QDSVGLBalance.BalanceInfo", method, props, Long{0}, Long{0}, Long{0},
