@@ -23,7 +23,7 @@ struct Voucher {
   std::int64_t debit_total = 0, credit_total = 0;
   bool posted = false;
   Long lines = 0;
-  WideSum debit, credit;  // of its lines
+  WideSum debit = {}, credit = {};  // of its lines
   std::int64_t size = 0;
   bool is_too_large = false;
 };

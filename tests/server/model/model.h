@@ -21,8 +21,8 @@ struct User {
 };
 
 struct Line {
-  std::string account;   // its number
-  std::string currency;  // its number
+  std::string account = {};   // its number
+  std::string currency = {};  // its number
   Long side = 0;
   std::int64_t amount = 0, amount_for = 0;
   double rate = 0, quantity = 0;
@@ -33,7 +33,7 @@ struct Line {
 struct Content {
   Long period = 0;  // counted in months from January 2024
   Long group = 0, number = 0;
-  std::vector<Line> lines;
+  std::vector<Line> lines = {};
 };
 
 struct Voucher : Content {

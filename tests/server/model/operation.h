@@ -36,10 +36,10 @@ struct Operation {
   std::size_t voucher = 0;  // counted round the vouchers that there are
   bool way = false;         // there or back, for good or marked, on or off, divided or not
   bool is_stale = false;    // an update of a version before
-  std::string name;         // of an account, a currency or a setting
+  std::string name = {};    // of an account, a currency or a setting
   // Of a voucher: the period counts from where the books stand; lines at a rate get their amount
   // when they are saved, and a last line takes what the others leave.
-  Content content;
+  Content content = {};
 };
 
 // The people who work.
