@@ -115,10 +115,10 @@ void Measure(const std::string& title, const std::string& chart, const std::stri
                 run.megabytes);
     std::fflush(stdout);
   };
-  const Measured start = Run({"import", book, "--accounts", chart});
+  const Measured start = Run({"import", book, "--accounts", chart, "--new-currencies"});
   std::printf("  %-8s %8.2f s, the start of the program with its login included\n", "chart",
               start.seconds);
-  report("import", Run({"import", book, "--journal", journal}));
+  report("import", Run({"import", book, "--journal", journal, "--new-currencies"}));
   report("check", Run({"check", book, "--all"}));
   report("post", Run({"post", book, "--all"}));
   report("balance", Run({"balance", book, "--csv"}));

@@ -107,8 +107,9 @@ void Store(const ChartRow& row, Names& names) {
 
 }  // namespace
 
-Names::Names()
-    : accounts_(IdsBy<AccountSet>("FNumber", "FAccountID")),
+Names::Names(NewCurrencies new_currencies)
+    : new_currencies_(new_currencies),
+      accounts_(IdsBy<AccountSet>("FNumber", "FAccountID")),
       currencies_(IdsBy<CurrencySet>("FNumber", "FCurrencyID")),
       groups_(IdsBy<VoucherGroupSet>("FName", "FGroupID")) {
   for (const auto& [number, id] : accounts_) above_.insert(NumberAbove(number));
@@ -146,6 +147,9 @@ Long Names::Currency(const std::string& number, Double rate) {
     currency = Make<CurrencySet>()->CreateNew(known_as, known_as);
   } catch (const Error&) {
     throw BadCell(Quoted(number) + " can't be a currency: up to 8 letters, digits and underscores");
+  }
+  if (new_currencies_ == NewCurrencies::kReport) {
+    throw BadCell("there is no currency " + Quoted(number) + "; --new-currencies makes it");
   }
   currency->ExchangeRate(rate);
   currency->SaveChanges();
@@ -214,6 +218,7 @@ ChartResult ImportChart(const std::string& path, const std::string& props, Names
     }
   }
   batch.Commit();
+  result.is_whole = reports.IsEmpty();
   return result;
 }
 

@@ -10,13 +10,16 @@
 
 namespace qdclgl::cli {
 
-// Ids by what a file calls the records. What it names and is not there is made.
+enum class NewCurrencies : bool { kReport, kMake };
+
+// Ids by what a file calls the records. Groups that it names and are not there are made, currencies
+// only where that is asked for: a slip in one would stay unnoticed.
 class Names {
  public:
   static constexpr Long kBaseCurrency = 1;
 
   // Reads accounts, currencies and groups of the books. The library's session must be there.
-  Names();
+  explicit Names(NewCurrencies new_currencies);
 
   // 0 when there is none.
   Long Account(const std::string& number) const;
@@ -26,12 +29,13 @@ class Names {
   // below it, for its own lines; see OwnLinesOf.
   Long AccountForLines(const std::string& number);
 
-  // The id of a currency, kBaseCurrency for an empty text. A missing one is made, with this rate.
-  // BadCell for a text that can't be a currency's number.
+  // The id of a currency, kBaseCurrency for an empty text. A missing one is made with this rate, or
+  // BadCell; so for a text that can't be a currency's number.
   Long Currency(const std::string& number, Double rate);
   Long Group(const std::string& name);
 
  private:
+  NewCurrencies new_currencies_;
   std::unordered_map<std::string, Long> accounts_;
   std::unordered_set<std::string> above_;  // numbers of accounts with others below them
   std::unordered_map<std::string, Long> currencies_;
@@ -47,6 +51,7 @@ struct ChartResult {
   long stored = 0;
   long passed = 0;  // in the books already
   long left_out = 0;
+  bool is_whole = true;  // nothing was reported
 };
 
 // Stores the accounts of a file that the books don't have yet, those above before those below.

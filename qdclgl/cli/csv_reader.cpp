@@ -12,6 +12,8 @@ constexpr unsigned char kOptions = CSV_STRICT | CSV_STRICT_FINI;
 constexpr std::size_t kBlock = 1 << 16;
 // A quote that is never closed must not draw the whole file into memory.
 constexpr std::size_t kLongestCell = 1 << 20;
+// Nor a row that never ends.
+constexpr std::size_t kMostCells = 1000;
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 }  // namespace
@@ -57,8 +59,16 @@ void CsvReader::Begin(std::size_t offset) {
 }
 
 void CsvReader::TakeCell(std::string_view text) {
+  const auto complain = [&](const std::string& reason) {
+    if (!row_->problem) row_->problem = {cell_at_, reason};
+  };
+  ++cell_count_;
+  if (row_->cells.size() == kMostCells) {
+    return complain("the row has more than " + std::to_string(kMostCells) + " cells");
+  }
   row_->cells.push_back({std::string(text), cell_at_});
-  if (!row_->problem && !IsUtf8(text)) row_->problem = {cell_at_, "the text is not UTF-8"};
+  if (!IsUtf8(text)) complain("the text is not UTF-8");
+  if (text.find('\0') != text.npos) complain("the text holds a zero byte");
 }
 
 void CsvReader::GiveUp(CsvRow& row, bool is_open) {
@@ -91,6 +101,7 @@ bool CsvReader::Next(CsvRow& row) {
   row.at = position_;
   row_ = &row;
   row_ended_ = false;
+  cell_count_ = 0;
   Begin(next_);
 
   const auto on_cell = [](void* text, std::size_t size, void* self) {
@@ -110,7 +121,7 @@ bool CsvReader::Next(CsvRow& row) {
     // its end is reached and not before.
     const std::size_t end = buffer_.find_first_of(",\"\r\n", next_);
     const std::size_t count = (end == buffer_.npos ? buffer_.size() : end + 1) - next_;
-    const std::size_t cells = row.cells.size();
+    const std::size_t cells = cell_count_;
     const std::size_t taken =
         csv_parse(&parser_, buffer_.data() + next_, count, on_cell, on_row, this);
     Advance(taken);
@@ -121,7 +132,7 @@ bool CsvReader::Next(CsvRow& row) {
     }
     const bool is_blank_line = cells == 0 && !parser_.quoted && end != buffer_.npos &&
                                (buffer_[end] == '\r' || buffer_[end] == '\n');
-    if (row.cells.size() > cells || is_blank_line) Begin(next_);
+    if (cell_count_ > cells || is_blank_line) Begin(next_);
     if (is_blank_line && row.cells.empty()) row.at = position_;
   }
   return true;

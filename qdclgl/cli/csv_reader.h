@@ -1,7 +1,8 @@
 // Rows of a CSV file, one after the other, each cell with its place in the file.
 //
 // Rows end with LF, CRLF or CR; a byte-order mark and blank lines are skipped; blanks around a cell
-// without quotes don't count. A row that can't be read is handed out with its problem, and reading
+// without quotes don't count. A row that can't be read, or that no spreadsheet would have (zero
+// bytes, more than 1000 cells), is handed out with its problem, and reading
 // goes on with the line behind the one where the troubled cell begins.
 #pragma once
 
@@ -70,6 +71,7 @@ class CsvReader {
 
   CsvRow* row_ = nullptr;  // the row under way
   bool row_ended_ = false;
+  std::size_t cell_count_ = 0;   // of the row, with those that it is too long for
   std::size_t cell_offset_ = 0;  // where the cell under way begins
   Position cell_at_;
 };

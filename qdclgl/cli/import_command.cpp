@@ -24,12 +24,14 @@ struct ImportOptions {
   bool check_all = false;
   bool post_all = false;
   bool resume = false;
+  bool new_currencies = false;
 };
 
 struct JournalResult {
   long stored = 0;
   long passed = 0;  // in the books already
   long left_out = 0;
+  bool is_whole = true;  // nothing was reported
 };
 
 class JournalImport {
@@ -54,6 +56,7 @@ class JournalImport {
       if (vouchers.size() == Batch::kSize) StoreAll(vouchers);
     }
     StoreAll(vouchers);
+    result_.is_whole = reports_.IsEmpty();
     return result_;
   }
 
@@ -206,21 +209,21 @@ int Import(const ImportOptions& options, const Console& console) {
     throw UsageError("import needs --accounts or --journal");
   }
   const std::string props = options.login.Open();
-  Names names;
+  Names names(options.new_currencies ? NewCurrencies::kMake : NewCurrencies::kReport);
   bool is_whole = true;
   if (!options.accounts.empty()) {
     const ChartResult chart = ImportChart(options.accounts, props, names, console);
     console.out << "accounts: " << chart.stored << " stored, " << chart.passed << " there already, "
                 << chart.left_out << " left out\n"
                 << std::flush;
-    is_whole = chart.left_out == 0;
+    is_whole = chart.is_whole;
   }
   if (!options.journal.empty()) {
     const JournalResult journal = JournalImport(options, props, names, console).Run();
     console.out << "vouchers: " << journal.stored << " stored, " << journal.passed
                 << " passed over, " << journal.left_out << " left out\n"
                 << std::flush;
-    is_whole = is_whole && journal.left_out == 0;
+    is_whole = is_whole && journal.is_whole;
   }
   for (const auto& [wanted, name] :
        {std::pair(options.check_all, "check"), std::pair(options.post_all, "post")}) {
@@ -240,6 +243,8 @@ void AddImportCommand(Program& program) {
   command->add_option("--journal", options->journal, "The vouchers")->type_name("FILE");
   command->add_flag("--check-all", options->check_all, "Checks all vouchers behind the import");
   command->add_flag("--post-all", options->post_all, "Posts all vouchers behind the import");
+  command->add_flag("--new-currencies", options->new_currencies,
+                    "Makes currencies that the books don't have");
   command->add_flag("--resume", options->resume,
                     "Passes over vouchers that are in the books already");
 }

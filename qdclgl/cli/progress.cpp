@@ -24,6 +24,7 @@ void Progress::Clear() {
 }
 
 void Reports::Add(Position at, const std::string& reason) {
+  is_empty_ = false;
   progress_.Clear();
   console_.err << OneLine(file_) << ':' << at.line << ':' << at.column << ": " << OneLine(reason)
                << '\n';

@@ -35,11 +35,13 @@ class Reports {
       : file_(std::move(file)), console_(console), progress_(progress) {}
 
   void Add(Position at, const std::string& reason);
+  bool IsEmpty() const { return is_empty_; }
 
  private:
   std::string file_;
   const Console& console_;
   Progress& progress_;
+  bool is_empty_ = true;
 };
 
 }  // namespace qdclgl::cli

@@ -84,6 +84,26 @@ TEST(CsvReader, TextThatIsNotUtf8IsAProblemAndTheRowIsThere) {
   EXPECT_EQ(RowsOf("a,\xE9,c\nd\n"), "1:1[a|\xE9|c] !1:3 the text is not UTF-8\n2:1[d]\n");
 }
 
+TEST(CsvReader, AZeroByteIsAProblemOfItsRowAlone) {
+  EXPECT_EQ(RowsOf(std::string("a,b\0c,d\ne,f\n", 12)),
+            "1:1[a|b" + std::string(1, '\0') + "c|d] !1:3 the text holds a zero b\n2:1[e|f]\n");
+}
+
+TEST(CsvReader, ARowOfTooManyCellsCostsNeitherMemoryNorTheNextRow) {
+  std::istringstream in(std::string(300'000, ',') + "\ne,f\n");
+  CsvReader reader(in);
+  CsvRow row;
+  ASSERT_TRUE(reader.Next(row));
+  ASSERT_TRUE(row.problem);
+  EXPECT_EQ(row.problem->reason, "the row has more than 1000 cells");
+  EXPECT_EQ(row.problem->at.column, 1001);
+  EXPECT_EQ(row.cells.size(), 1000u);
+  ASSERT_TRUE(reader.Next(row));
+  EXPECT_FALSE(row.problem);
+  EXPECT_EQ(row.at.line, 2);
+  EXPECT_EQ(row.cells.size(), 2u);
+}
+
 TEST(CsvReader, PlacesHoldAcrossTheBlocksOfALongFile) {
   std::string text;
   for (int i = 0; i < 30000; ++i) text += "abc,\"d\"\"e\",f\n";

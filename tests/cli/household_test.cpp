@@ -43,8 +43,9 @@ TEST_P(Household, TheImportReproducesTheBalances) {
   const std::string data = DataFolder();
   if (!std::filesystem::exists(data)) GTEST_SKIP() << "there is no folder " << data;
   ASSERT_EQ(Run({"init", "--year", "2021", "--currency", "USD"}).code, 0);
-  const RunResult result = Run({"import", "--accounts", data + "/accounts.csv", "--journal",
-                                data + "/journal.csv", "--check-all", "--post-all"});
+  const RunResult result =
+      Run({"import", "--accounts", data + "/accounts.csv", "--journal", data + "/journal.csv",
+           "--new-currencies", "--check-all", "--post-all"});
   EXPECT_EQ(result.err, "");
   EXPECT_EQ(result.out, "accounts: 98 stored, 0 there already, 0 left out\n"
                         "vouchers: 1142 stored, 0 passed over, 0 left out\n"

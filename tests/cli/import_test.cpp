@@ -46,7 +46,8 @@ TEST_P(Import, StoresWhatTheJournalSays) {
       ",,,,,0.92,-11.1413,USD,0,-10.25,1200,Tea,7,Buys,2024-02-03,A/1\r\n"
       ",,,,,,,EUR,-0.0001,,1000,,7,Buys,2024-02-03,A/1\r\n"
       ",,,,,,,eur,0.0001,,1000,,7,Buys,2024-02-03,A/1\r\n");
-  const RunResult result = Run({"import", "--accounts", chart, "--journal", journal});
+  const RunResult result =
+      Run({"import", "--accounts", chart, "--journal", journal, "--new-currencies"});
   EXPECT_EQ(result.err, "");
   EXPECT_EQ(result.out, "accounts: 2 stored, 0 there already, 0 left out\n"
                         "vouchers: 1 stored, 0 passed over, 0 left out\n");
@@ -243,7 +244,7 @@ TEST_P(Import, CurrenciesThatCanNotBeAreReportedAtTheirCells) {
                                      "b,2024-01-05,1000,5,,USD,,0.9\nb,2024-01-05,1001,,5,,,\n"
                                      "c,2024-01-05,1000,5,,EUR,6,\nc,2024-01-05,1001,,5,,,\n"
                                      "d,2024-01-05,1000,5,,GBP,,\nd,2024-01-05,1001,,5,,,\n");
-  const RunResult result = Run({"import", "--journal", journal});
+  const RunResult result = Run({"import", "--journal", journal, "--new-currencies"});
   EXPECT_EQ(result.err,
             journal + ":2:22: \"US-D\" can't be a currency: up to 8 letters, digits and " +
                 "underscores\n" + journal +
@@ -257,14 +258,76 @@ TEST_P(Import, ARateThatIsNotGivenComesFromTheTwoAmounts) {
   const std::string journal =
       folder.Write("currencies.csv", "voucher,date,account,debit,credit,currency,amount_for\n"
                                      "a,2024-01-05,1000,5,,USD,10\na,2024-01-05,1001,,5,,\n");
-  ASSERT_EQ(Run({"import", "--journal", journal}).code, 0);
+  ASSERT_EQ(Run({"import", "--journal", journal, "--new-currencies"}).code, 0);
   const auto currencies = nlohmann::json::parse(Run({"currencies", "--json"}).out);
   ASSERT_EQ(currencies.size(), 2u);
   EXPECT_EQ(currencies[1]["FNumber"], "USD");
   EXPECT_EQ(currencies[1]["FExchangeRate"], 0.5);
 }
 
+TEST_P(Import, ACurrencyThatIsNotThereIsMadeOnlyWhenAskedFor) {
+  Init();
+  const std::string journal =
+      folder.Write("currencies.csv", "voucher,date,account,debit,credit,currency,amount_for\n"
+                                     "a,2024-01-05,1000,5,,UDS,10\na,2024-01-05,1001,,5,,\n"
+                                     "b,2024-01-05,1000,5,,,\nb,2024-01-05,1001,,5,EUR,\n");
+  const std::string chart = folder.Write("chart.csv", "number,name,dc,currency\n7,Dollars,1,UDS\n");
+  const RunResult result = Run({"import", "--accounts", chart, "--journal", journal});
+  EXPECT_EQ(result.code, 3);
+  EXPECT_EQ(result.err, chart + ":2:13: there is no currency \"UDS\"; --new-currencies makes it\n" +
+                            journal +
+                            ":2:22: there is no currency \"UDS\"; --new-currencies makes it\n");
+  EXPECT_EQ(References(), "b ");
+  EXPECT_EQ(nlohmann::json::parse(Run({"currencies", "--json"}).out).size(), 1u);
+  EXPECT_EQ(
+      Run({"import", "--accounts", chart, "--journal", journal, "--resume", "--new-currencies"})
+          .code,
+      0);
+  EXPECT_EQ(References(), "b a ");
+}
+
+TEST_P(Import, AnAmountThatIsNotAtItsRateIsReported) {
+  Init();
+  const std::string journal =
+      folder.Write("rates.csv", "voucher,date,account,debit,credit,currency,amount_for,rate\n"
+                                "a,2024-01-05,1000,90,,USD,100,0.8\na,2024-01-05,1001,,90,,,\n"
+                                "b,2024-01-05,1000,80,,USD,100,0.8\nb,2024-01-05,1001,,80,,,\n");
+  const RunResult result = Run({"import", "--journal", journal, "--new-currencies"});
+  EXPECT_EQ(result.code, 3);
+  EXPECT_EQ(result.err, journal + ":2:1: 8004422E: The new voucher of 2024-01-05 (a): line 1: 100 "
+                                  "times 0.8 is not 90.\n");
+  EXPECT_EQ(References(), "b ");
+}
+
 // ---- Whole files ----
+
+TEST_P(Import, WhateverIsReportedTheExitCodeTells) {
+  Init();
+  for (const char* rows : {"\"b,2024-01-05,1000,5,\n", "\"b,2024-01-05,1000,5,", "\"", ",,,,\n"}) {
+    const RunResult result = ImportRows(rows);
+    EXPECT_EQ(result.code, 3) << rows;
+    EXPECT_EQ(result.err.substr(0, 16), "journal.csv:2:1:") << rows;
+  }
+  EXPECT_EQ(ImportRows("").code, 0);
+}
+
+TEST_P(Import, AZeroByteCostsItsVoucherAlone) {
+  Init();
+  using namespace std::string_literals;
+  EXPECT_EQ(ReportOf("b\0,2024-01-05,1000,5,\nb\0,2024-01-05,2000.01,,5\n"s),
+            "journal.csv:4:1: the text holds a zero byte\n"
+            "journal.csv:5:1: the text holds a zero byte\n");
+}
+
+TEST_P(Import, ARowOfTooManyCellsIsOneReport) {
+  Init();
+  EXPECT_EQ(ReportOf("b,2024-01-05,1000,5" + std::string(300'000, ',') + "\n"),
+            "journal.csv:4:1017: the row has more than 1000 cells\n");
+  const std::string journal = folder.Write("wide.csv", std::string(300'000, ',') + "\n");
+  const RunResult result = Run({"import", "--journal", journal});
+  EXPECT_EQ(result.code, 3);
+  EXPECT_EQ(result.err, journal + ":1:1001: the row has more than 1000 cells\n");
+}
 
 TEST_P(Import, HeadingsThatCanNotBeUsedLeaveTheFileOut) {
   Init();

@@ -122,7 +122,7 @@ TEST(Program, TheExampleBooksComeInWhole) {
   ASSERT_EQ(RunProgram({"init", book, "--year", "2024"}).code, 0);
   const RunResult result =
       RunProgram({"import", book, "--accounts", examples + "accounts.csv", "--journal",
-                  examples + "journal.csv", "--check-all", "--post-all"});
+                  examples + "journal.csv", "--new-currencies", "--check-all", "--post-all"});
   EXPECT_EQ(result.err, "");
   EXPECT_EQ(result.out, "accounts: 36 stored, 0 there already, 0 left out\n"
                         "vouchers: 75 stored, 0 passed over, 0 left out\n"

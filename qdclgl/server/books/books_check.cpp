@@ -1,16 +1,16 @@
 #include "qdclgl/server/books/books_check.h"
 
-#include <array>
-#include <cmath>
 #include <map>
 #include <set>
 
 #include "qdclgl/server/access/login.h"
+#include "qdclgl/server/books/findings.h"
+#include "qdclgl/server/books/lines_check.h"
+#include "qdclgl/server/books/texts_check.h"
 #include "qdclgl/server/db/columns.h"
 #include "qdclgl/server/periods/calendar.h"
 #include "qdclgl/server/periods/settings.h"
 #include "qdclgl/server/records/currency.h"
-#include "qdclgl/server/vouchers/posting.h"
 
 namespace qdclgl::server {
 
@@ -18,135 +18,12 @@ namespace {
 
 constexpr Long kNobody = -1;
 
-// The list of breaches as it grows.
-class Findings {
- public:
-  void Add(std::string_view rule, std::string_view subject, Long id, std::string_view record,
-           std::string_view problem) {
-    list_->AddRow({rule, subject, id, record, problem});
-  }
-
-  // A breach for each row (id, record) of a query.
-  template <class... Values>
-  void AddRows(Database& db, std::string_view rule, std::string_view subject,
-               std::string_view problem, std::string_view sql, const Values&... values) {
-    for (const auto& [id, record] : db.Query<Long, std::string>(sql, values...)) {
-      Add(rule, subject, id, record, problem);
-    }
-  }
-
-  Ref<Recordset> list() const { return list_; }
-
- private:
-  Ref<Recordset> list_ =
-      Recordset::Create({"FRule", "FSubject", "FRecordID", "FRecord", "FProblem"});
-};
-
-// Totals of books that keep the rules stay far inside 64 bits. Others may not, and are compared
-// modulo 2^64.
-using Total = std::uint64_t;
-
-Total TotalOf(std::int64_t units) { return static_cast<Total>(units); }
-
-// Debit, credit, both in the currency, both quantities, as t_Balance has them.
-using Balance = std::array<Total, 6>;
-using BalanceKey = std::array<Long, 4>;  // account, currency, year, period
-
-struct Voucher {
-  std::string name;
-  Long year = 0, period = 0, entry_count = 0;
-  Total debit_total = 0, credit_total = 0;
-  bool posted = false;
-  Long lines = 0;
-  Total debit = 0, credit = 0;  // of its lines
-};
-
-// The text of a voucher's name, in SQL, for the tables v and g.
-constexpr std::string_view kVoucherName =
-    "CAST(v.FYear AS TEXT) || '/' || CAST(v.FPeriod AS TEXT) || ' ' || COALESCE(g.FName, '?') ||"
-    " ' ' || CAST(v.FNumber AS TEXT)";
-constexpr std::string_view kFromVouchers =
-    " FROM t_Voucher v LEFT JOIN t_VoucherGroup g ON g.FGroupID = v.FGroupID";
-
 std::string VouchersWhere(std::string_view condition) {
   return "SELECT v.FVoucherID, " + std::string(kVoucherName) + std::string(kFromVouchers) +
          " WHERE " + std::string(condition) + " ORDER BY v.FVoucherID";
 }
 
-// ---- Vouchers and balances ----
-
-std::map<Long, Voucher> VouchersOf(Database& db) {
-  std::map<Long, Voucher> vouchers;
-  for (const auto& [id, name, year, period, count, debit, credit, posted] :
-       db.Query<Long, std::string, Long, Long, Long, std::int64_t, std::int64_t, bool>(
-           "SELECT v.FVoucherID, " + std::string(kVoucherName) +
-           ", v.FYear, v.FPeriod, v.FEntryCount, v.FDebitTotal, v.FCreditTotal, v.FPosted" +
-           std::string(kFromVouchers))) {
-    vouchers[id] = {.name = name,
-                    .year = year,
-                    .period = period,
-                    .entry_count = count,
-                    .debit_total = TotalOf(debit),
-                    .credit_total = TotalOf(credit),
-                    .posted = posted};
-  }
-  return vouchers;
-}
-
-void CheckLinesAndBalances(Database& db, Findings& findings) {
-  std::map<Long, Voucher> vouchers = VouchersOf(db);
-  std::map<BalanceKey, Balance> balances;
-  for (const auto& [id, account, currency, side, amount, amount_for, quantity] :
-       db.Query<Long, Long, Long, Long, std::int64_t, std::int64_t, double>(
-           "SELECT FVoucherID, FAccountID, FCurrencyID, FDC, FAmount, FAmountFor, FQuantity"
-           " FROM t_VoucherEntry")) {
-    const auto found = vouchers.find(id);
-    if (found == vouchers.end()) continue;  // the foreign keys are another rule
-    Voucher& voucher = found->second;
-    ++voucher.lines;
-    (side == 1 ? voucher.debit : voucher.credit) += TotalOf(amount);
-    if (!voucher.posted) continue;
-    Balance& balance = balances[{account, currency, voucher.year, voucher.period}];
-    const std::size_t credit = side == 1 ? 0 : 1;
-    balance[credit] += TotalOf(amount);
-    balance[2 + credit] += TotalOf(currency == kBaseCurrency ? amount : amount_for);
-    balance[4 + credit] += TotalOf(std::llround(quantity * kQuantityScale));
-  }
-  for (const auto& [id, voucher] : vouchers) {
-    if (voucher.lines == 0) {
-      findings.Add("VoucherLines", "Voucher", id, voucher.name, "It has no lines.");
-    }
-    if (voucher.lines != voucher.entry_count || voucher.debit != voucher.debit_total ||
-        voucher.credit != voucher.credit_total) {
-      findings.Add("VoucherTotals", "Voucher", id, voucher.name,
-                   "Its totals or its number of lines are not those of its lines.");
-    }
-    if (voucher.debit != voucher.credit) {
-      findings.Add("VoucherBalance", "Voucher", id, voucher.name, "Debits and credits differ.");
-    }
-  }
-  for (const auto& [account, currency, year, period, debit, credit, debit_for, credit_for,
-                    debit_quantity, credit_quantity] :
-       db.Query<Long, Long, Long, Long, std::int64_t, std::int64_t, std::int64_t, std::int64_t,
-                std::int64_t, std::int64_t>(
-           "SELECT FAccountID, FCurrencyID, FYear, FPeriod, FDebit, FCredit, FDebitFor,"
-           " FCreditFor, FDebitQty, FCreditQty FROM t_Balance")) {
-    // What is left when the stored balance is taken away should be nothing.
-    Balance& rest = balances[{account, currency, year, period}];
-    const std::array stored = {debit,      credit,         debit_for,
-                               credit_for, debit_quantity, credit_quantity};
-    for (std::size_t i = 0; i < rest.size(); ++i) rest[i] -= TotalOf(stored[i]);
-  }
-  for (const auto& [key, rest] : balances) {
-    if (rest == Balance()) continue;
-    const auto number =
-        db.QueryValue<std::string>("SELECT FNumber FROM t_Account WHERE FAccountID = ?", key[0]);
-    findings.Add("Balance", "Account", key[0], number.value_or("?"),
-                 "Its balance in currency " + std::to_string(key[1]) + ", period " +
-                     AccountingPeriod{key[2], key[3]}.ToText() +
-                     " is not the sum of its posted lines.");
-  }
-}
+// ---- Vouchers ----
 
 void CheckPeriods(Database& db, const Calendar& calendar, AccountingPeriod current,
                   Findings& findings) {
@@ -302,8 +179,9 @@ void CheckDatabase(Database& db, Findings& findings) {
 Ref<Recordset> CheckBooks(Database& db) {
   const Transaction transaction(db, Transaction::Kind::kRead);
   Findings findings;
-  CheckLinesAndBalances(db, findings);
+  CheckLines(db, findings);
   CheckVouchers(db, findings);
+  CheckTexts(db, findings);
   CheckAccounts(db, findings);
   CheckCurrencies(db, findings);
   CheckUsers(db, findings);

@@ -76,14 +76,16 @@ Variant Normalized(const Column& column, const Variant& value) {
       case ColumnType::kText: {
         String text = CStr(given);
         if (!IsStorable(text)) RaiseError(error_number::kTypeMismatch);
-        return text;
+        if (text.size() <= kLongestStoredText) return text;
+        break;
       }
     }
   } catch (const Error&) {
     Refuse(refusal::kBadValue,
            "The value of " + std::string(column.name) + " does not fit its column.");
   }
-  return {};
+  Refuse(refusal::kBadValue, "The value of " + std::string(column.name) + " has more than " +
+                                 std::to_string(kLongestStoredText) + " bytes.");
 }
 
 void BindHeld(Statement& statement, std::size_t position, ColumnType type, const Variant& value) {

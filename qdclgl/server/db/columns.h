@@ -24,6 +24,9 @@ enum class ColumnType : std::uint8_t {
   kText,
 };
 
+// The longest text of a column, in bytes.
+inline constexpr std::size_t kLongestStoredText = 1'000'000;
+
 struct Column {
   std::string_view name;
   ColumnType type;

@@ -46,6 +46,8 @@
   REFUSAL(0x2B, WrongStep, "The voucher is not in the state that the step needs.")              \
   REFUSAL(0x2C, OwnVoucher, "Who prepared a voucher does not check it.")                        \
   REFUSAL(0x2D, TooLarge, "An amount or a total is beyond what the books can hold.")            \
+  REFUSAL(0x2E, NotAtRate, "A line's amount is its foreign amount at its rate.")                \
+  REFUSAL(0x2F, NegativeAmount, "The books take no negative amounts.")                          \
   REFUSAL(0x30, NoParent, "The account above is missing.")                                      \
   REFUSAL(0x31, ParentInUse, "The account above has lines of its own.")                         \
   REFUSAL(0x32, HasChildren, "The account has sub-accounts.")                                   \

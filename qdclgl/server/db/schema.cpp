@@ -20,6 +20,9 @@ std::string InDialect(Database& database, std::string_view sql) {
       Word{"REAL", "REAL", "DOUBLE PRECISION"},
       Word{"TEXT", "TEXT", "TEXT COLLATE \"C\""},
       Word{"CLUSTERED", "WITHOUT ROWID", ""},
+      // Of a number that is not negative, and where a cast to INTEGER follows, which SQLite cuts
+      // off and PostgreSQL rounds.
+      Word{"TRUNCATED", "ABS", "TRUNC"},
   };
   const auto is_word = [](char c) {
     return c == '_' || (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');

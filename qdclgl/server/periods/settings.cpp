@@ -8,6 +8,7 @@
 #include "qdclgl/frame/vocabulary/text.h"
 #include "qdclgl/server/access/audit.h"
 #include "qdclgl/server/access/login.h"
+#include "qdclgl/server/db/columns.h"
 #include "qdclgl/server/db/refusals.h"
 
 namespace qdclgl::server {
@@ -30,6 +31,10 @@ std::string_view CategoryNamed(std::string_view name) {
 
 void PutSetting(Database& db, std::string_view category, std::string_view key,
                 std::string_view value) {
+  if (value.size() > kLongestStoredText) {
+    Refuse(refusal::kBadValue, "The value of setting " + std::string(key) + " has more than " +
+                                   std::to_string(kLongestStoredText) + " bytes.");
+  }
   db.Execute("INSERT INTO t_SystemProfile (FCategory, FKey, FValue) VALUES (?, ?, ?)"
              " ON CONFLICT (FCategory, FKey) DO UPDATE SET FValue = excluded.FValue",
              category, key, value);
@@ -102,7 +107,8 @@ LedgerRules LedgerRules::From(const std::map<std::string, std::string, std::less
   if (current.period == 0) Refuse(refusal::kBadSetting, "The books have no current period.");
   return {Calendar(number(kPeriodCount, 12), number(kPeriodByMonth, 1) != 0,
                    number(kYearStartMonth, 1)),
-          current, number(kCheckBeforePost, 0) != 0, number(kCheckerNotPreparer, 0) != 0};
+          current, number(kCheckBeforePost, 0) != 0, number(kCheckerNotPreparer, 0) != 0,
+          number(kNoNegativeAmounts, 0) != 0};
 }
 
 AccountingPeriod CurrentPeriod(Database& db) { return LedgerRules::Of(db).current; }

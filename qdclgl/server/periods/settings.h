@@ -22,6 +22,7 @@ inline constexpr std::string_view kPeriodByMonth = "PeriodByMonth";      // 1; 0
 inline constexpr std::string_view kYearStartMonth = "YearStartMonth";    // 1
 inline constexpr std::string_view kCheckBeforePost = "CheckBeforePost";  // 1: post needs check
 inline constexpr std::string_view kCheckerNotPreparer = "CheckerNotPreparer";  // 1: two people
+inline constexpr std::string_view kNoNegativeAmounts = "NoNegativeAmounts";    // 1: no red ink
 }  // namespace setting
 
 // The number at the beginning of a setting's text, rounded; 0 when there is none.
@@ -37,6 +38,7 @@ struct LedgerRules {
   AccountingPeriod current;  // the books stand here: it and all behind it are open
   bool check_before_post;
   bool checker_not_preparer;
+  bool no_negative_amounts;
 
   static LedgerRules Of(Database& db);
   // From the settings of category GL, key to text.

@@ -22,6 +22,13 @@ void Check(RecordSave& save) {
   }
   const std::string sign = save.Text("FOperator");
   if (sign != "*" && sign != "/") save.Refuse(refusal::kBadValue, "FOperator is * or /.");
+  // Stored amounts go by them.
+  const bool is_fixed = !save.is_new() && (save.Changes("FOperator") ||
+                                           (save.id() == kBaseCurrency && save.Changes("FScale")));
+  if (is_fixed && IsUsedInVouchers(save.db(), "FCurrencyID", save.id())) {
+    save.Refuse(refusal::kInUse, "vouchers use it; its operator stays, and the base currency's"
+                                 " scale.");
+  }
 }
 
 void Remove(RecordRemoval& removal) {
@@ -67,7 +74,11 @@ const MasterData& Currencies() {
       .check = Check,
       .remove = Remove,
       .errors = "Required, BadNumber, NumberTaken, BadValue",
-      .helps = {{"Delete",
+      .helps = {{"Update",
+                 "Saves a currency; the new version comes back in the row. Once vouchers use it, "
+                 "its operator stays, and so does the scale of the base currency (InUse). Further "
+                 "errors: NotFound, NoVersion, Changed, and those of Create."},
+                {"Delete",
                  "Removes a currency; one that accounts or vouchers use is marked deleted instead. "
                  "NotFound; InUse for the base currency, and for one that is used and marked "
                  "already."}},

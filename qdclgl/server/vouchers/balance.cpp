@@ -6,6 +6,7 @@
 #include "qdclgl/server/db/refusals.h"
 #include "qdclgl/server/periods/calendar.h"
 #include "qdclgl/server/periods/settings.h"
+#include "qdclgl/server/vouchers/line_size.h"
 
 namespace qdclgl::server {
 
@@ -27,19 +28,24 @@ constexpr Column kColumns[] = {
 };
 
 // Balances as posting keeps them, one row for each account, currency and period.
-constexpr std::string_view kStored =
-    "SELECT FAccountID, FCurrencyID, FYear * 1000 + FPeriod AS FAt, FDebit, FCredit, FDebitFor,"
-    " FCreditFor, FDebitQty, FCreditQty FROM t_Balance";
+std::string Stored(const Database&) {
+  return "SELECT FAccountID, FCurrencyID, FYear * 1000 + FPeriod AS FAt, FDebit, FCredit, "
+         "FDebitFor,"
+         " FCreditFor, FDebitQty, FCreditQty FROM t_Balance";
+}
 
 // The same from the lines of posted vouchers.
-constexpr std::string_view kFromLines =
-    "SELECT e.FAccountID, e.FCurrencyID, v.FYear * 1000 + v.FPeriod AS FAt,"
-    " e.FAmount * e.FDC AS FDebit, e.FAmount * (1 - e.FDC) AS FCredit,"
-    " CASE WHEN e.FCurrencyID = 1 THEN e.FAmount ELSE e.FAmountFor END * e.FDC AS FDebitFor,"
-    " CASE WHEN e.FCurrencyID = 1 THEN e.FAmount ELSE e.FAmountFor END * (1 - e.FDC) AS FCreditFor,"
-    " CAST(ROUND(e.FQuantity * 1000000) AS BIGINT) * e.FDC AS FDebitQty,"
-    " CAST(ROUND(e.FQuantity * 1000000) AS BIGINT) * (1 - e.FDC) AS FCreditQty"
-    " FROM t_Voucher v JOIN t_VoucherEntry e ON e.FVoucherID = v.FVoucherID WHERE v.FPosted = 1";
+std::string FromLines(const Database& db) {
+  const std::string quantity = MillionthsSql(db, "e.FQuantity");
+  return "SELECT e.FAccountID, e.FCurrencyID, v.FYear * 1000 + v.FPeriod AS FAt,"
+         " e.FAmount * e.FDC AS FDebit, e.FAmount * (1 - e.FDC) AS FCredit,"
+         " CASE WHEN e.FCurrencyID = 1 THEN e.FAmount ELSE e.FAmountFor END * e.FDC AS FDebitFor,"
+         " CASE WHEN e.FCurrencyID = 1 THEN e.FAmount ELSE e.FAmountFor END * (1 - e.FDC)"
+         " AS FCreditFor, " +
+         quantity + " * e.FDC AS FDebitQty, " + quantity +
+         " * (1 - e.FDC) AS FCreditQty FROM t_Voucher v"
+         " JOIN t_VoucherEntry e ON e.FVoucherID = v.FVoucherID WHERE v.FPosted = 1";
+}
 
 // The list's query: what moved, added up by account and currency, then for every account over all
 // that is below it, then for all currencies together.
@@ -104,8 +110,8 @@ std::string Query(std::string_view movements) {
          present;
 }
 
-Ref<Recordset> Balances(std::string_view props, std::string_view movements, Long year, Long from,
-                        Long to, const String& filter, const String& sort) {
+Ref<Recordset> Balances(std::string_view props, std::string (*movements)(const Database&),
+                        Long year, Long from, Long to, const String& filter, const String& sort) {
   const Caller caller = Enter(props, BalanceInfo::kRead);
   Transaction transaction(caller.db, Transaction::Kind::kRead);
   std::int64_t first = INT64_MIN, last = INT64_MAX;
@@ -124,7 +130,7 @@ Ref<Recordset> Balances(std::string_view props, std::string_view movements, Long
   } else if (from != 0 || to != 0) {
     Refuse(refusal::kBadValue, "Periods without a year say nothing.");
   }
-  const std::string query = Query(movements);
+  const std::string query = Query(movements(caller.db));
   const BoundValue span[] = {first, last};
   Ref<Recordset> list =
       FetchList(caller.db, {query, kColumns, "FAccountNumber, FCurrencyID"}, filter, sort, span);
@@ -136,13 +142,13 @@ Ref<Recordset> Balances(std::string_view props, std::string_view movements, Long
 
 Ref<Recordset> BalanceInfo::GetList(std::string_view PropsString, Long nYear, Long PeriodFrom,
                                     Long PeriodTo, const String& Filter, const String& Sort) {
-  return Balances(PropsString, kStored, nYear, PeriodFrom, PeriodTo, Filter, Sort);
+  return Balances(PropsString, Stored, nYear, PeriodFrom, PeriodTo, Filter, Sort);
 }
 
 Ref<Recordset> BalanceInfo::GetListFromLines(std::string_view PropsString, Long nYear,
                                              Long PeriodFrom, Long PeriodTo, const String& Filter,
                                              const String& Sort) {
-  return Balances(PropsString, kFromLines, nYear, PeriodFrom, PeriodTo, Filter, Sort);
+  return Balances(PropsString, FromLines, nYear, PeriodFrom, PeriodTo, Filter, Sort);
 }
 
 }  // namespace qdclgl::server

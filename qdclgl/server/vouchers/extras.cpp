@@ -1,6 +1,7 @@
 #include "qdclgl/server/vouchers/extras.h"
 
 #include <nlohmann/json.hpp>
+#include <vector>
 
 #include "qdclgl/frame/containers/vector.h"
 #include "qdclgl/frame/objects/conversions.h"
@@ -11,99 +12,229 @@ namespace qdclgl::server {
 
 namespace {
 
+using Json = nlohmann::json;
+
 // Keys keep their order. A value that JSON has no type for is an object with one key, its type.
-using Json = nlohmann::ordered_json;
+namespace type_name {
+constexpr std::string_view kCurrency = "Currency", kDecimal = "Decimal", kDate = "Date",
+                           kDictionary = "Dictionary", kVector = "Vector";
+}  // namespace type_name
 
-constexpr int kDeepestNesting = 50;
+// ---- Writing ----
 
-Json ToJson(const Variant& value, int depth);
-
-Json RowToJson(const Dictionary& row, int depth) {
-  Json json = Json::object();
-  for (std::uint32_t i = 0; i < row.size(); ++i)
-    json[row.key_at(i)] = ToJson(row.value_at(i), depth);
-  return json;
-}
-
-Json ToJson(const Variant& value, int depth) {
-  if (depth > kDeepestNesting) RaiseError(error_number::kOutOfStackSpace);
-  switch (value.Type()) {
-    case VariantType::kEmpty:
-    case VariantType::kMissing:
-    case VariantType::kNull: return nullptr;
-    case VariantType::kBoolean: return CBool(value);
-    case VariantType::kByte:
-    case VariantType::kInteger:
-    case VariantType::kLong: return CLng(value);
-    case VariantType::kSingle:
-    case VariantType::kDouble: return CDbl(value);
-    case VariantType::kCurrency: return {{"Currency", CStr(value)}};
-    case VariantType::kDecimal: return {{"Decimal", CStr(value)}};
-    case VariantType::kDate: return {{"Date", CStr(value)}};
-    case VariantType::kString: return CStr(value);
-    case VariantType::kObject: break;
-    case VariantType::kByteArray:
-    case VariantType::kError: RaiseError(error_number::kTypeMismatch);
+// Writes value by value and looks at the bounds at each: objects that hold each other many times
+// over are never written out.
+class Writer {
+ public:
+  void Pair(std::string_view key, const Variant& value) {
+    Put(text_.size() > 1 ? "," : "");
+    Text(key);
+    Put(":");
+    Value(value, 0);
   }
-  if (value.IsNothing()) return nullptr;
-  Object* object = qdclgl::detail::ObjectIn(value);
-  if (auto* row = dynamic_cast<Dictionary*>(object)) {
-    return {{"Dictionary", RowToJson(*row, depth + 1)}};
-  }
-  if (auto* list = dynamic_cast<Vector*>(object)) {
-    Json elements = Json::array();
-    for (std::size_t i = 0; i < list->size(); ++i)
-      elements.push_back(ToJson(list->at(i), depth + 1));
-    return {{"Vector", std::move(elements)}};
-  }
-  RaiseError(error_number::kTypeMismatch);
-}
 
-Variant FromJson(const Json& json) {
-  if (json.is_null()) return Null;
-  if (json.is_boolean()) return json.get<bool>();
-  if (json.is_number_integer()) return json.get<Long>();
-  if (json.is_number()) return json.get<double>();
-  if (json.is_string()) return json.get<std::string>();
-  const std::string& type = json.begin().key();
-  const Json& content = json.begin().value();
-  if (type == "Currency") return CCur(Variant(content.get<std::string>()));
-  if (type == "Decimal") return CDec(Variant(content.get<std::string>()));
-  if (type == "Date") return CDate(Variant(content.get<std::string>()));
-  if (type == "Vector") {
-    auto list = Make<Vector>();
-    for (const Json& element : content) list->Append(FromJson(element));
-    return Variant(list);
+  bool IsEmpty() const { return text_.size() == 1; }
+  std::string Taken() { return std::move(text_ += '}'); }
+
+ private:
+  [[noreturn]] static void RefuseBound(const std::string& reason) {
+    Refuse(refusal::kBadValue, "The keys that have no column " + reason);
   }
-  auto row = Make<Dictionary>();
-  for (const auto& [key, value] : content.items()) row->Put(RowKey(key), FromJson(value));
-  row->SetTrackState(0);
-  return Variant(row);
-}
+
+  void Put(std::string_view text) {
+    if (text.size() > kLongestExtras - text_.size()) {
+      RefuseBound("are longer than " + std::to_string(kLongestExtras) + " bytes.");
+    }
+    text_ += text;
+  }
+  void Text(std::string_view text) {
+    if (text.size() > kLongestExtras) Put(text);  // is refused, and never copied
+    Put(Json(text).dump());                       // raises for text that is no UTF-8
+  }
+
+  void Type(std::string_view type) {
+    Put("{\"");
+    Put(type);
+    Put("\":");
+  }
+
+  void Typed(std::string_view type, const Variant& value) {
+    Type(type);
+    Text(CStr(value));
+    Put("}");
+  }
+
+  void Value(const Variant& value, int depth) {
+    if (++count_ > kMostExtras) {
+      RefuseBound("hold more than " + std::to_string(kMostExtras) + " values.");
+    }
+    switch (value.Type()) {
+      case VariantType::kEmpty:
+      case VariantType::kMissing:
+      case VariantType::kNull: return Put("null");
+      case VariantType::kBoolean: return Put(CBool(value) ? "true" : "false");
+      case VariantType::kByte:
+      case VariantType::kInteger:
+      case VariantType::kLong: return Put(std::to_string(CLng(value)));
+      case VariantType::kSingle:
+      case VariantType::kDouble: return Put(Json(CDbl(value)).dump());
+      case VariantType::kCurrency: return Typed(type_name::kCurrency, value);
+      case VariantType::kDecimal: return Typed(type_name::kDecimal, value);
+      case VariantType::kDate: return Typed(type_name::kDate, value);
+      case VariantType::kString: return Text(value.TextView());
+      case VariantType::kObject: return Container(value, depth + 1);
+      case VariantType::kByteArray:
+      case VariantType::kError: RaiseError(error_number::kTypeMismatch);
+    }
+  }
+
+  void Container(const Variant& value, int depth) {
+    if (value.IsNothing()) return Put("null");
+    if (depth > kDeepestExtras) {
+      RefuseBound("are nested deeper than " + std::to_string(kDeepestExtras) + " levels.");
+    }
+    Object* object = qdclgl::detail::ObjectIn(value);
+    if (const auto* row = dynamic_cast<Dictionary*>(object)) return Row(*row, depth);
+    if (const auto* list = dynamic_cast<Vector*>(object)) return List(*list, depth);
+    RaiseError(error_number::kTypeMismatch);
+  }
+
+  void Row(const Dictionary& row, int depth) {
+    Type(type_name::kDictionary);
+    Put("{");
+    for (std::uint32_t i = 0; i < row.size(); ++i) {
+      if (i > 0) Put(",");
+      Text(row.key_at(i));
+      Put(":");
+      Value(row.value_at(i), depth);
+    }
+    Put("}}");
+  }
+
+  void List(const Vector& list, int depth) {
+    Type(type_name::kVector);
+    Put("[");
+    for (std::size_t i = 0; i < list.size(); ++i) {
+      if (i > 0) Put(",");
+      Value(list.at(i), depth);
+    }
+    Put("]}");
+  }
+
+  std::string text_ = "{";
+  std::size_t count_ = 0;
+};
+
+// ---- Reading ----
+
+// Takes the events of a parser and makes the values as they come.
+class Reader : public nlohmann::json_sax<Json> {
+ public:
+  explicit Reader(Dictionary& row) { levels_.push_back({.row = Ref<Dictionary>(&row)}); }
+
+  bool null() override { return Take(Null); }
+  bool boolean(bool value) override { return Take(value); }
+  bool number_integer(std::int64_t value) override { return Take(static_cast<Long>(value)); }
+  bool number_unsigned(std::uint64_t value) override { return Take(static_cast<Long>(value)); }
+  bool number_float(double value, const std::string&) override { return Take(value); }
+  bool string(std::string& value) override { return Take(Typed(levels_.back().key, value)); }
+  bool binary(Json::binary_t&) override { return false; }
+
+  bool start_object(std::size_t) override {
+    if (!is_begun_) {
+      is_begun_ = true;
+    } else if (IsTyped() && levels_.back().key == type_name::kDictionary) {
+      levels_.push_back({.row = Make<Dictionary>()});
+    } else {
+      levels_.emplace_back();  // a value with its type
+    }
+    return true;
+  }
+  bool key(std::string& value) override {
+    levels_.back().key = value;
+    return true;
+  }
+  bool end_object() override {
+    if (levels_.size() == 1) return true;
+    Level level = Ended();
+    if (!level.row) return Take(std::move(level.value));
+    level.row->SetTrackState(0);
+    return Take(Variant(level.row));
+  }
+  bool start_array(std::size_t) override {
+    levels_.push_back({.list = Make<Vector>()});
+    return true;
+  }
+  bool end_array() override { return Take(Variant(Ended().list)); }
+  bool parse_error(std::size_t, const std::string&, const Json::exception&) override {
+    return false;
+  }
+
+ private:
+  // A row, a list, or a value with its type, which is then the key.
+  struct Level {
+    Ref<Dictionary> row = nullptr;
+    Ref<Vector> list = nullptr;
+    std::string key = {};
+    Variant value = {};
+  };
+
+  bool IsTyped() const { return !levels_.back().row && !levels_.back().list; }
+
+  Variant Typed(std::string_view type, const std::string& text) const {
+    if (!IsTyped()) return text;
+    if (type == type_name::kCurrency) return CCur(Variant(text));
+    if (type == type_name::kDecimal) return CDec(Variant(text));
+    return CDate(Variant(text));
+  }
+
+  Level Ended() {
+    Level level = std::move(levels_.back());
+    levels_.pop_back();
+    return level;
+  }
+
+  bool Take(Variant value) {
+    Level& level = levels_.back();
+    if (level.row) {
+      level.row->Put(RowKey(level.key), std::move(value));
+    } else if (level.list) {
+      level.list->Append(std::move(value));
+    } else {
+      level.value = std::move(value);
+    }
+    return true;
+  }
+
+  std::vector<Level> levels_;
+  bool is_begun_ = false;
+};
 
 }  // namespace
 
 std::string ExtrasText(const Dictionary& row,
                        const std::function<bool(std::string_view key)>& is_known) {
-  Json json = Json::object();
+  Writer writer;
   for (std::uint32_t i = 0; i < row.size(); ++i) {
     const std::string& key = row.key_at(i);
     const Variant& value = row.value_at(i);
     if (is_known(key) || value.IsEmpty() || value.IsNothing()) continue;
     try {
-      json[key] = ToJson(value, 0);
-      json.dump();  // raises for text that is no UTF-8
-    } catch (const std::exception&) {
+      writer.Pair(key, value);
+    } catch (const Error& error) {
+      if (error.number() == refusal::kBadValue) throw;
+      Refuse(refusal::kBadValue, "The value of " + key + " can't be kept.");
+    } catch (const Json::exception&) {
       Refuse(refusal::kBadValue, "The value of " + key + " can't be kept.");
     }
   }
-  return json.empty() ? std::string() : json.dump();
+  return writer.IsEmpty() ? std::string() : writer.Taken();
 }
 
 void PutExtras(std::string_view text, Dictionary& row) {
   if (text.empty()) return;
-  const Json json = Json::parse(text);
-  for (const auto& [key, value] : json.items()) row.Put(RowKey(key), FromJson(value));
+  Reader reader(row);
+  Json::sax_parse(text, &reader);
 }
 
 }  // namespace qdclgl::server

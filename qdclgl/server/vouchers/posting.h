@@ -7,17 +7,11 @@
 
 namespace qdclgl::server {
 
-// Amounts and totals up to this can be added in any order without leaving the range of the books'
-// whole numbers: half of what 64 bits hold.
-inline constexpr std::int64_t kLargestTotal = INT64_MAX / 2;
-
-// Balances count quantities in millionths.
-inline constexpr double kQuantityScale = 1e6;
-
 enum class Direction { kPost, kUnPost };
 
-// Adds the lines of a stored voucher to the balances of a period, or takes them out. TooLarge,
-// naming the account, for a balance beyond kLargestTotal.
-void MoveBalances(Database& db, Long voucher_id, AccountingPeriod period, Direction direction);
+// Adds the lines of a stored voucher, which is called `name`, to the balances of a period, or takes
+// them out. TooLarge when everything posted would not add up any more (line_size.h).
+void MoveBalances(Database& db, Long voucher_id, const std::string& name, AccountingPeriod period,
+                  Direction direction);
 
 }  // namespace qdclgl::server

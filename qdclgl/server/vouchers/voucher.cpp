@@ -212,7 +212,7 @@ Long VoucherUpdate::Create(std::string_view PropsString, const Ref<Dictionary>& 
 
   Transaction transaction(caller.db, Transaction::Kind::kSave);
   ApplyRules(caller.db, VoucherFacts::Of(caller.db, tree), tree);
-  GiveNumber(caller.db, tree);
+  GiveNumber(caller.db, nullptr, tree);
   tree.Insert(caller.db);
   constexpr Long kAutomatic = 2;
   const bool automatic = !Kind.IsMissing() && CLng(Kind) == kAutomatic;
@@ -237,7 +237,7 @@ void VoucherUpdate::Update(std::string_view PropsString, const Long& VoucherID,
   tree.state.Put<"FVersion">(stored.state.Get<"FVersion">() + 1);
   SetPreparer(caller, tree);
   ApplyRules(caller.db, facts, tree);
-  GiveNumber(caller.db, tree);
+  GiveNumber(caller.db, &stored, tree);
   tree.Update(caller.db);
   AuditSave(caller, tree, *Voucher, "Update", ChangesBetween(stored, tree), caller.marked ? 2 : 1);
   transaction.Commit();
@@ -329,8 +329,8 @@ void MovePosting(std::string_view props, Long id, Direction direction) {
                          posts ? "it is posted already." : "it is not posted.");
              RequireStep(!posts || !rules.check_before_post || tree.state.Get<"FChecked">(), tree,
                          "it is not checked, as the books want it before posting.");
-             MoveBalances(caller.db, id, {tree.header.Get<"FYear">(), tree.header.Get<"FPeriod">()},
-                          direction);
+             MoveBalances(caller.db, id, tree.Name(),
+                          {tree.header.Get<"FYear">(), tree.header.Get<"FPeriod">()}, direction);
              Sign(caller, id, posts, "FPosterID", "FPoster", "FPosted");
            });
 }
@@ -351,6 +351,8 @@ void VoucherUpdate::ClearCashFlow(std::string_view PropsString, const Long& Vouc
   const VoucherTree tree = Held(caller.db, VoucherID);
   RequireChangeable(LedgerRules::Of(caller.db), tree);
   caller.db.Execute("UPDATE t_VoucherEntry SET FCashFlowItem = 0 WHERE FVoucherID = ?", VoucherID);
+  // A row that was read before still has them.
+  caller.db.Execute("UPDATE t_Voucher SET FVersion = FVersion + 1 WHERE FVoucherID = ?", VoucherID);
   WriteAudit(caller, {.subject = kSubject,
                       .record_id = VoucherID,
                       .record = tree.Name(),

@@ -65,13 +65,14 @@ class VoucherUpdate final : public Object {
                                             {"UnPost", kPost},
                                             {"ClearCashFlow", kSave}};
 
-  QD_METHOD(Long, Create,
-            (std::string_view PropsString, const Ref<Dictionary>& Voucher,
-             const Variant& Kind = Missing),
-            "Saves a new voucher and returns its id; id, version, number, year and period are "
-            "written into the row as well. Number 0: the next one of year, period and group. Year "
-            "and period 0: those of the date. Kind 2 marks an automatic save in the audit trail. "
-            "Errors: all the rules of the books.")
+  QD_METHOD(
+      Long, Create,
+      (std::string_view PropsString, const Ref<Dictionary>& Voucher, const Variant& Kind = Missing),
+      "Saves a new voucher and returns its id; id, version, number, year and period are "
+      "written into the row as well. Number 0: the next one of year, period and group; one that "
+      "is given is at most 999999999. Year "
+      "and period 0: those of the date. Kind 2 marks an automatic save in the audit trail. "
+      "Errors: all the rules of the books.")
   QD_METHOD(void, Update,
             (std::string_view PropsString, const Long& VoucherID, const Ref<Dictionary>& Voucher),
             "Saves a changed voucher, its lines and details in place of the former ones; the new "
@@ -98,12 +99,14 @@ class VoucherUpdate final : public Object {
             "only the version counts: Changed when it is an old one. WrongStep.")
   QD_METHOD(void, Post, (std::string_view PropsString, const Long& VoucherID),
             "Posts a voucher into the balances of its period. WrongStep when it is posted already, "
-            "or not checked and setting CheckBeforePost is on; PeriodClosed.")
+            "or not checked and setting CheckBeforePost is on; PeriodClosed; TooLarge when what is "
+            "posted would not add up any more.")
   QD_METHOD(void, UnPost, (std::string_view PropsString, const Long& VoucherID),
             "Takes a posted voucher out of the balances again. WrongStep, PeriodClosed.")
-  QD_METHOD(void, ClearCashFlow, (std::string_view PropsString, const Long& VoucherID),
-            "Takes the cash flow items off the voucher's lines. VoucherChecked, VoucherPosted, "
-            "PeriodClosed.")
+  QD_METHOD(
+      void, ClearCashFlow, (std::string_view PropsString, const Long& VoucherID),
+      "Takes the cash flow items off the voucher's lines; the voucher has a new version then. "
+      "VoucherChecked, VoucherPosted, PeriodClosed.")
 };
 
 }  // namespace qdclgl::server

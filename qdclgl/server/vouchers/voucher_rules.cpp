@@ -5,10 +5,12 @@
 #include <cmath>
 #include <map>
 
+#include "qdclgl/frame/objects/conversions.h"
 #include "qdclgl/frame/vocabulary/text.h"
 #include "qdclgl/server/db/refusals.h"
 #include "qdclgl/server/records/currency.h"
-#include "qdclgl/server/vouchers/posting.h"
+#include "qdclgl/server/vouchers/exchange.h"
+#include "qdclgl/server/vouchers/line_size.h"
 
 namespace qdclgl::server {
 
@@ -16,7 +18,6 @@ namespace {
 
 // What an index of every database takes.
 constexpr std::size_t kLongestReference = 255;
-constexpr double kLargestQuantity = 1e12;
 
 // A voucher that may have no number yet, as a sentence begins with it.
 std::string Sentence(const VoucherTree& tree) {
@@ -44,6 +45,14 @@ void SettlePeriod(const LedgerRules& rules, VoucherTree& tree) {
   tree.header.Put<"FYear">(period.year);
   tree.header.Put<"FPeriod">(period.period);
   RequireOpenPeriod(rules, tree);
+}
+
+// Whether two states of a voucher have one number in one place.
+bool HasSamePlace(const VoucherTree& one, const VoucherTree& other) {
+  return one.header.Get<"FYear">() == other.header.Get<"FYear">() &&
+         one.header.Get<"FPeriod">() == other.header.Get<"FPeriod">() &&
+         one.header.Get<"FGroupID">() == other.header.Get<"FGroupID">() &&
+         one.header.Get<"FNumber">() == other.header.Get<"FNumber">();
 }
 
 void SettleGroup(const VoucherFacts& facts, VoucherTree& tree) {
@@ -88,43 +97,99 @@ void SettleAccounts(const VoucherFacts& facts, VoucherTree& tree) {
   }
 }
 
+struct KnownCurrency {
+  Long id;
+  bool is_deleted;
+  Exchange exchange;
+};
+
+// The currency with that id or, where it is 0, that number.
+std::optional<KnownCurrency> CurrencyOf(Database& db, Long id, const std::string& number) {
+  const std::string query =
+      "SELECT c.FCurrencyID, c.FDeleted, c.FOperator, base.FScale FROM t_Currency c"
+      " JOIN t_Currency base ON base.FCurrencyID = 1 WHERE ";
+  const auto row =
+      id != 0 ? db.QueryRow<Long, bool, std::string, Long>(query + "c.FCurrencyID = ?", id)
+              : db.QueryRow<Long, bool, std::string, Long>(query + "c.FNumber = ?", number);
+  if (!row) return std::nullopt;
+  const auto& [known_id, is_deleted, sign, scale] = *row;
+  return KnownCurrency{known_id, is_deleted, {.divides = sign == "/", .scale = scale}};
+}
+
+// The currency of a line that names one.
+KnownCurrency RequireCurrency(Database& db, const VoucherTree& tree, std::size_t i,
+                              std::vector<KnownCurrency>& known) {
+  const VoucherLine& line = tree.lines[i];
+  const Long id = line.cells.Get<"FCurrencyID">();
+  const auto found = std::ranges::find(known, id, &KnownCurrency::id);
+  if (found != known.end()) return *found;
+  const auto number = line.names[PlaceOf(kLineNames, "FCurrencyNumber")].Held<String>();
+  const std::optional<KnownCurrency> currency = CurrencyOf(db, id, number);
+  if (!currency || currency->is_deleted) {
+    Refuse(refusal::kBadCurrency, LineSentence(tree, i) + "there is no currency " +
+                                      (id != 0 ? std::to_string(id) : number) + " in use.");
+  }
+  return known.emplace_back(*currency);
+}
+
 void SettleCurrencies(Database& db, VoucherTree& tree) {
-  std::vector<Long> known = {kBaseCurrency};
+  std::vector<KnownCurrency> known = {{kBaseCurrency, false, {}}};
   for (std::size_t i = 0; i < tree.lines.size(); ++i) {
-    VoucherLine& line = tree.lines[i];
-    const Long id = line.cells.Get<"FCurrencyID">();
-    const auto number = line.names[PlaceOf(kLineNames, "FCurrencyNumber")].Held<String>();
-    if (id == 0 && number.empty()) {
-      line.cells.Put<"FCurrencyID">(kBaseCurrency);
+    LineCells& cells = tree.lines[i].cells;
+    if (cells.Get<"FCurrencyID">() == 0 &&
+        tree.lines[i].names[PlaceOf(kLineNames, "FCurrencyNumber")].Held<String>().empty()) {
+      cells.Put<"FCurrencyID">(kBaseCurrency);
       continue;
     }
-    if (std::ranges::find(known, id) != known.end()) continue;
-    const auto currency =
-        id != 0 ? db.QueryRow<Long, bool>(
-                      "SELECT FCurrencyID, FDeleted FROM t_Currency WHERE FCurrencyID = ?", id)
-                : db.QueryRow<Long, bool>(
-                      "SELECT FCurrencyID, FDeleted FROM t_Currency WHERE FNumber = ?", number);
-    if (!currency || std::get<1>(*currency)) {
-      Refuse(refusal::kBadCurrency, LineSentence(tree, i) + "there is no currency " +
-                                        (id != 0 ? std::to_string(id) : number) + " in use.");
+    const KnownCurrency currency = RequireCurrency(db, tree, i, known);
+    cells.Put<"FCurrencyID">(currency.id);
+    const Currency amount = cells.Get<"FAmount">(), amount_for = cells.Get<"FAmountFor">();
+    const Double rate = cells.Get<"FExchangeRate">();
+    if (currency.id == kBaseCurrency || IsAtRate(amount, amount_for, rate, currency.exchange)) {
+      continue;
     }
-    line.cells.Put<"FCurrencyID">(std::get<0>(*currency));
-    known.push_back(std::get<0>(*currency));
+    Refuse(refusal::kNotAtRate, LineSentence(tree, i) + amount_for.ToText() +
+                                    (currency.exchange.divides ? " divided by " : " times ") +
+                                    CStr(Variant(rate)) + " is not " + amount.ToText() + ".");
   }
 }
 
-// Adds an amount of a line to a total. TooLarge beyond what balances can hold.
-void Add(std::int64_t& total, std::int64_t units, const VoucherTree& tree, std::size_t line) {
-  if (units > kLargestTotal || units < -kLargestTotal || total + units > kLargestTotal ||
-      total + units < -kLargestTotal) {
-    Refuse(refusal::kTooLarge, LineSentence(tree, line) + "the amount is too large.");
+// What is too large to be added up, see line_size.h.
+void CheckSizes(const VoucherTree& tree) {
+  std::int64_t size = 0;
+  for (std::size_t i = 0; i < tree.lines.size(); ++i) {
+    const LineCells& cells = tree.lines[i].cells;
+    const std::int64_t amount = cells.Get<"FAmount">().units();
+    const std::int64_t amount_for = cells.Get<"FAmountFor">().units();
+    const Double quantity = cells.Get<"FQuantity">();
+    if (!IsAmountInRange(amount) || !IsAmountInRange(amount_for)) {
+      Refuse(refusal::kTooLarge, LineSentence(tree, i) + "the amount is too large.");
+    }
+    if (!IsQuantityInRange(quantity)) {
+      Refuse(refusal::kTooLarge, LineSentence(tree, i) + "the quantity is too large.");
+    }
+    if (!AddLine(size, amount, amount_for, quantity)) {
+      Refuse(refusal::kTooLarge, Sentence(tree) + "its lines are too large to add up.");
+    }
   }
-  total += units;
+}
+
+void CheckSigns(const LedgerRules& rules, const VoucherTree& tree) {
+  if (!rules.no_negative_amounts) return;
+  for (std::size_t i = 0; i < tree.lines.size(); ++i) {
+    const LineCells& cells = tree.lines[i].cells;
+    if (cells.Get<"FAmount">() < 0 || cells.Get<"FAmountFor">() < 0) {
+      Refuse(refusal::kNegativeAmount,
+             LineSentence(tree, i) + "its amount is negative; these books want it on the other "
+                                     "side.");
+    }
+  }
 }
 
 void CheckBalance(VoucherTree& tree) {
   if (tree.lines.empty()) Refuse(refusal::kNoLines, Sentence(tree) + "it has no lines.");
-  std::int64_t totals[2] = {0, 0}, totals_for[2] = {0, 0};
+  CheckSizes(tree);
+  std::int64_t totals[2] = {0, 0};
   Long details = 0;
   for (std::size_t i = 0; i < tree.lines.size(); ++i) {
     const VoucherLine& line = tree.lines[i];
@@ -132,11 +197,7 @@ void CheckBalance(VoucherTree& tree) {
     if (side != 0 && side != 1) {
       Refuse(refusal::kBadSide, LineSentence(tree, i) + "it is neither debit (1) nor credit (0).");
     }
-    Add(totals[side], line.cells.Get<"FAmount">().units(), tree, i);
-    Add(totals_for[side], line.cells.Get<"FAmountFor">().units(), tree, i);
-    if (!(std::abs(line.cells.Get<"FQuantity">()) <= kLargestQuantity)) {
-      Refuse(refusal::kTooLarge, LineSentence(tree, i) + "the quantity is too large.");
-    }
+    totals[side] += line.cells.Get<"FAmount">().units();
     if (!std::isfinite(line.cells.Get<"FUnitPrice">()) ||
         !std::isfinite(line.cells.Get<"FExchangeRate">())) {
       Refuse(refusal::kBadValue, LineSentence(tree, i) + "price or rate is no number.");
@@ -230,11 +291,12 @@ void ApplyRules(Database& db, const VoucherFacts& facts, VoucherTree& tree) {
   SettlePeriod(facts.rules, tree);
   SettleGroup(facts, tree);
   CheckBalance(tree);
+  CheckSigns(facts.rules, tree);
   SettleAccounts(facts, tree);
   SettleCurrencies(db, tree);
 }
 
-void GiveNumber(Database& db, VoucherTree& tree) {
+void GiveNumber(Database& db, const VoucherTree* stored, VoucherTree& tree) {
   const Long year = tree.header.Get<"FYear">(), period = tree.header.Get<"FPeriod">(),
              group = tree.header.Get<"FGroupID">(), wanted = tree.header.Get<"FNumber">();
   // The counter's row makes those who number in the same place wait for each other.
@@ -250,6 +312,10 @@ void GiveNumber(Database& db, VoucherTree& tree) {
     }
     tree.header.Put<"FNumber">(static_cast<Long>(*next));
     return;
+  }
+  if (wanted > kLargestGivenNumber && !(stored != nullptr && HasSamePlace(*stored, tree))) {
+    Refuse(refusal::kBadNumber, Sentence(tree) + "a number that is given is at most " +
+                                    std::to_string(kLargestGivenNumber) + ".");
   }
   db.Execute(
       "INSERT INTO t_Counter (FYear, FPeriod, FGroupID, FNext) VALUES (?, ?, ?, ?)"

@@ -34,12 +34,17 @@ struct VoucherFacts {
 // Completes what a caller left open (year, period, group, accounts and currencies given by number)
 // and holds the voucher against the rules of the books: NoLines, NotBalanced, BadAccount,
 // BadCurrency, BadSide, BadGroup, PeriodClosed, WrongPeriod, Required, BadNumber, BadValue,
-// TooLarge. The number is not given yet.
+// TooLarge, NotAtRate, NegativeAmount. The number is not given yet.
 void ApplyRules(Database& db, const VoucherFacts& facts, VoucherTree& tree);
 
+// Numbers that callers give end far below those that a row can hold: the counter goes on behind
+// them, and must not come to its end by one slip.
+inline constexpr Long kLargestGivenNumber = 999'999'999;
+
 // Gives the voucher its number in year, period and group: the next one for 0, otherwise the one it
-// asks for. NumberTaken when another voucher has it.
-void GiveNumber(Database& db, VoucherTree& tree);
+// asks for. NumberTaken when another voucher has it; BadNumber beyond kLargestGivenNumber, unless
+// the voucher as it is stored (null for a new one) has that number already.
+void GiveNumber(Database& db, const VoucherTree* stored, VoucherTree& tree);
 
 // Refuses what is not open for change: PeriodClosed, VoucherDeleted, VoucherPosted, VoucherChecked.
 void RequireOpenPeriod(const LedgerRules& rules, const VoucherTree& tree);

@@ -26,7 +26,7 @@ constexpr auto Joined(const Column (&... lists)[N]) {
 
 constexpr Column kGroupName[] = {{"FGroup", ColumnType::kText}};
 constexpr Column kVersion[] = {{"FVersion", ColumnType::kLong}};
-constexpr Column kExtra[] = {{"FExtra", ColumnType::kText}};
+constexpr Column kExtra[] = {{kExtraColumn, ColumnType::kText}};
 constexpr Column kLineKey[] = {{"FVoucherID", ColumnType::kLong}, {"FEntryID", ColumnType::kLong}};
 constexpr Column kDetailKey[] = {{"FVoucherID", ColumnType::kLong},
                                  {"FEntryID", ColumnType::kLong},

@@ -154,6 +154,80 @@ TEST_P(BooksCheckTest, BalancesAreTheSumsOfPostedLines) {
   EXPECT_EQ(AfterBreaking("DELETE FROM t_Balance WHERE FAccountID = 1"), cash);
 }
 
+TEST_P(BooksCheckTest, SumsThatAgreeModuloAPowerOfTwoAreNoSums) {
+  // Two lines of 2^63 and two more units in the balance are what is there in 64 bits.
+  for (int i = 0; i < 2; ++i) {
+    Break("INSERT INTO t_VoucherEntry SELECT FVoucherID, FEntryID + 10, FAccountID, FDC,"
+          " -9223372036854775807 - 1, FCurrencyID, 0, 0, 0, 0, 0, '', '', '', 0, 0, '', '', ''"
+          " FROM t_VoucherEntry WHERE FVoucherID = 3 AND FEntryID > " +
+          std::to_string(10 * i));
+  }
+  Break("UPDATE t_Voucher SET FEntryCount = (SELECT COUNT(*) FROM t_VoucherEntry e"
+        " WHERE e.FVoucherID = 3) WHERE FVoucherID = 3");
+  const std::string breaches = Breaches();
+  EXPECT_NE(breaches.find("VoucherTotals Voucher 3"), std::string::npos) << breaches;
+  EXPECT_NE(breaches.find("LineSize Voucher 3 2024/1 Receipts 3, line 11\n"), std::string::npos)
+      << breaches;
+  EXPECT_NE(breaches.find("Balance Account 1 1000\n"), std::string::npos) << breaches;
+}
+
+TEST_P(BooksCheckTest, LinesAreNotTooLarge) {
+  const std::string line = "LineSize Voucher 1 2024/1 Receipts 1, line 1\n";
+  const auto breaches = [&](const std::string& set) {
+    return AfterBreaking("UPDATE t_VoucherEntry SET " + set +
+                         " WHERE FVoucherID = 1 AND FEntryID = 1");
+  };
+  EXPECT_EQ(breaches("FQuantity = 1.1e12"), line);
+  EXPECT_EQ(breaches("FQuantity = 1e300"), line);
+  EXPECT_EQ(breaches("FQuantity = -1.1e12"), line);
+  EXPECT_EQ(breaches("FQuantity = 0, FAmountFor = 4611686018427387904"), line);
+  EXPECT_EQ(breaches("FAmountFor = 4611686018427387903"), "");
+}
+
+TEST_P(BooksCheckTest, TheLinesOfAVoucherAddUp) {
+  EXPECT_EQ(AfterBreaking("UPDATE t_VoucherEntry SET FAmountFor = 4611686018427387903"
+                          " WHERE FVoucherID = 1"),
+            "");
+  Break("INSERT INTO t_VoucherEntry SELECT FVoucherID, 3, FAccountID, FDC, 0, FCurrencyID,"
+        " 4611686018427387903, 0, 0, 0, 0, '', '', '', 0, 0, '', '', '' FROM t_VoucherEntry WHERE"
+        " FVoucherID = 1 AND FEntryID = 1");
+  EXPECT_EQ(AfterBreaking("UPDATE t_Voucher SET FEntryCount = 3 WHERE FVoucherID = 1"),
+            "VoucherSize Voucher 1 2024/1 Receipts 1\n");
+}
+
+TEST_P(BooksCheckTest, TheSizeOfWhatIsPostedIsThatOfThePostedLines) {
+  EXPECT_EQ(AfterBreaking("UPDATE t_Posted SET FSize = FSize + 1"), "Posted Books 0 \n");
+  EXPECT_EQ(AfterBreaking("UPDATE t_Posted SET FSize = FSize - 1"), "");
+  EXPECT_EQ(AfterBreaking("INSERT INTO t_Posted (FSize) VALUES (0)"), "Posted Books 0 \n");
+  EXPECT_EQ(AfterBreaking("DELETE FROM t_Posted"), "Posted Books 0 \n");
+}
+
+TEST_P(BooksCheckTest, ForeignAmountsGoWithTheirRates) {
+  const std::string line = "LineRate Voucher 1 2024/1 Receipts 1, line 1\n";
+  const auto breaches = [&](const std::string& set) {
+    return AfterBreaking("UPDATE t_VoucherEntry SET FCurrencyID = 2, " + set +
+                         " WHERE FVoucherID = 1 AND FEntryID = 1");
+  };
+  EXPECT_EQ(breaches("FAmountFor = 1000000, FExchangeRate = 0.8"), line);
+  EXPECT_EQ(breaches("FAmountFor = 1250000, FExchangeRate = 0.8"), "");
+  EXPECT_EQ(AfterBreaking("UPDATE t_Currency SET FOperator = '/' WHERE FCurrencyID = 2"), line);
+  EXPECT_EQ(breaches("FAmountFor = 800000, FExchangeRate = 0.8"), "");
+  EXPECT_EQ(breaches("FAmountFor = 1250100, FExchangeRate = 0"), "");
+}
+
+TEST_P(BooksCheckTest, TextsAreNotTooLong) {
+  const std::string text =
+      std::string(Books().Dialect("CAST(zeroblob(1000001) AS TEXT)", "repeat('x', 1000001)"));
+  EXPECT_EQ(AfterBreaking("UPDATE t_Voucher SET FExplanation = " + text + " WHERE FVoucherID = 2"),
+            "TextLength Database 2 t_Voucher\n");
+  Break("UPDATE t_Voucher SET FExplanation = ''");
+  EXPECT_EQ(AfterBreaking("UPDATE t_VoucherEntry SET FExtra = " + text + " WHERE FVoucherID = 1"),
+            "TextLength Database 1 t_VoucherEntry\n");
+  Break("UPDATE t_VoucherEntry SET FExtra = ''");
+  EXPECT_EQ(AfterBreaking("UPDATE t_Account SET FMessage = " + text + " WHERE FAccountID = 3"),
+            "TextLength Database 3 t_Account\n");
+}
+
 TEST_P(BooksCheckTest, NothingElseIsInTheBalances) {
   EXPECT_EQ(AfterBreaking("INSERT INTO t_Balance (FAccountID, FCurrencyID, FYear, FPeriod, FDebit,"
                           " FCredit, FDebitFor, FCreditFor, FDebitQty, FCreditQty)"

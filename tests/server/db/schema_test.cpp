@@ -55,6 +55,48 @@ TEST_P(SchemaTest, OldBooksAreUpgradedWithWhatIsInThem) {
   }
 }
 
+TEST_P(SchemaTest, TheSizeOfWhatIsPostedIsAddedUpWhateverItIs) {
+  const auto size_of = [&](const std::vector<std::string>& lines) {
+    const std::string old = OldBooks(2);
+    {
+      Database db(ConnectionText::Parse(old), Database::Opening::kExisting);
+      db.ExecuteScript(std::string(
+          db.Dialect("PRAGMA foreign_keys = OFF;", "SET session_replication_role = replica;")));
+      const std::string rest = "'', '', 0, 0, '', '', '')";
+      std::string voucher = "INSERT INTO t_Voucher VALUES (1";
+      for (const auto& column : ColumnsOf("t_Voucher")) {
+        if (column == "FVoucherID" || column == "fvoucherid") continue;
+        const bool is_posted = column == "FPosted" || column == "fposted";
+        voucher += is_posted ? ", 1" : ", 0";
+      }
+      db.ExecuteScript(voucher + ");");
+      int number = 0;
+      for (const std::string& amounts : lines) {
+        db.ExecuteScript("INSERT INTO t_VoucherEntry (FVoucherID, FEntryID, FAccountID, FDC,"
+                         " FAmount, FAmountFor, FQuantity, FCurrencyID, FExchangeRate, FUnitPrice,"
+                         " FMeasureUnitID, FMeasureUnit, FMeasureUnitNumber, FExplanation,"
+                         " FCashFlowItem, FSettleTypeID, FSettleNo, FTransNo, FExtra) VALUES (1, " +
+                         std::to_string(++number) + ", 1, 1, " + amounts + ", 1, 0, 0, 0, '', " +
+                         rest + ";");
+      }
+      db.ExecuteScript("INSERT INTO t_Counter VALUES (0, 0, 0, 2147483648);");
+    }
+    EXPECT_EQ(Upgrade(old), 2);
+    Database db(ConnectionText::Parse(old), Database::Opening::kExisting);
+    const auto size = db.QueryValue<std::int64_t>("SELECT FSize FROM t_Posted");
+    EXPECT_EQ(db.QueryValue<std::int64_t>("SELECT FNext FROM t_Counter"), 1);
+    RemoveBooks(old);
+    return size.value_or(-1);
+  };
+  EXPECT_EQ(size_of({}), 0);
+  EXPECT_EQ(size_of({"5, -7, 0.0000025", "-3, 0, -0.0000045", "1, 1, 0.0000014"}), 7 + 5 + 1);
+  EXPECT_EQ(size_of({"4611686018427387903, 0, 0", "-4611686018427387903, 0, 0", "1, 0, 0"}),
+            INT64_MAX);
+  EXPECT_EQ(size_of({"4611686018427387903, 0, 0", "4611686018427387903, 0, 1e12",
+                     "4611686018427387903, 0, 0"}),
+            INT64_MAX);
+}
+
 TEST_P(SchemaTest, AnUpgradeThatFailsLeavesTheBooksAsTheyWere) {
   const std::string old = OldBooks(1);
   int statements = 1;

@@ -44,6 +44,8 @@ TEST_P(SettingsTest, TextsAreKeptAsTheyAre) {
   EXPECT_EQ(List("Base"), odd + "=" + odd + odd + ";");
   Set("PA", "Long", std::string(100'000, 'x'));
   EXPECT_EQ(List("PA").size(), 100'006u);
+  Set("PA", "Longest", std::string(1'000'000, 'x'));
+  EXPECT_EQ(RefusalOf([&] { Set("PA", "Too long", std::string(1'000'001, 'x')); }), "BadValue");
   EXPECT_EQ(RefusalOf([&] { Set("Base", "", "x"); }), "Required");
   EXPECT_EQ(RefusalOf([&] { Set("Base", std::string("a\0b", 3), "x"); }), "BadValue");
   EXPECT_EQ(RefusalOf([&] { Set("Base", "x", "\xFF"); }), "BadValue");

@@ -29,8 +29,8 @@ void UseInVoucher(RecordBooks& books, Long currency) {
                        {"FDC", side},
                        {"FAmount", qdclgl::Currency(7)},
                        {"FCurrencyID", currency},
-                       {"FAmountFor", qdclgl::Currency(5)},
-                       {"FExchangeRate", 1.4}}));
+                       {"FAmountFor", qdclgl::Currency(7)},
+                       {"FExchangeRate", 1.0}}));
   }
   books.Call("QDSVGLVoucher.VoucherUpdate", "Create", books.props,
              Row({{"FDate", DateTime::FromYmd(2024, 1, 31)},
@@ -120,6 +120,26 @@ TEST_P(CurrencyTest, ACurrencyThatIsMarkedAlreadyIsNotMarkedAgain) {
   Call("QDSVGLAccount.AccountUpdate", "Delete", props, account);
   Delete(id);
   EXPECT_EQ(Detail(id), nullptr) << "nothing uses it any longer";
+}
+
+TEST_P(CurrencyTest, WhatStoredAmountsGoByStays) {
+  const Long id = Create(Row({{"FNumber", "USD"}}));
+  const auto outcome = [&](Long currency, std::string_view key, const Variant& value) {
+    const Ref<Dictionary> row = Detail(currency);
+    row->Put(key, value);
+    return RefusalOf([&] { Update(currency, row); });
+  };
+  EXPECT_EQ(outcome(id, "FOperator", "/"), "none") << "nothing uses it yet";
+  EXPECT_EQ(outcome(id, "FOperator", "*"), "none");
+  EXPECT_EQ(outcome(1, "FScale", Integer{3}), "none");
+  UseInVoucher(*this, id);
+  UseInVoucher(*this, 1);
+  const std::string before = State();
+  EXPECT_EQ(outcome(id, "FOperator", "/"), "InUse");
+  EXPECT_EQ(outcome(1, "FScale", Integer{2}), "InUse");
+  EXPECT_EQ(State(), before);
+  EXPECT_EQ(outcome(id, "FScale", Integer{4}), "none");
+  EXPECT_EQ(outcome(id, "FExchangeRate", 3.0), "none");
 }
 
 QDCLGL_BOOKS_TEST(CurrencyTest);

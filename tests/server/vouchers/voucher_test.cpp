@@ -1,5 +1,7 @@
 #include "qdclgl/server/vouchers/voucher.h"
 
+#include <cmath>
+
 #include "qdclgl/server/db/database.h"
 #include "qdclgl/server/db/refusals.h"
 #include "tests/server/ledger_fixture.h"
@@ -286,6 +288,167 @@ TEST_P(VoucherServer, AQuoteInATextStaysAText) {
   EXPECT_EQ(List("FReference = '''); DROP TABLE t_Voucher; --'")->RecordCount(), 1);
 }
 
+TEST_P(VoucherServer, AForeignAmountGoesWithItsRate) {
+  const auto outcome = [&](Currency amount, Cells cells) {
+    return ErrorText([&] {
+      Save(Voucher("2024-01-15", {Line("1000", amount, 0, cells), Line("3000", 0, amount)}));
+    });
+  };
+  const auto in_dollars = [&](Currency amount, Currency amount_for, double rate) {
+    return outcome(amount,
+                   {{"FCurrencyID", Long{2}}, {"FAmountFor", amount_for}, {"FExchangeRate", rate}});
+  };
+  const std::string start = "8004422E: The new voucher of 2024-01-15: line 1: ";
+  EXPECT_EQ(in_dollars(90, 100, 0.8), start + "100 times 0.8 is not 90.");
+  EXPECT_EQ(in_dollars(-80, 100, 0.8), start + "100 times 0.8 is not -80.");
+  EXPECT_EQ(in_dollars(80, 100, 0.8), "no error");
+  EXPECT_EQ(in_dollars(-80, -100, 0.8), "no error");
+  // One unit of the last decimal, whichever way somebody rounds: 33.333 times 1.1 is 36.6663.
+  EXPECT_EQ(in_dollars(Currency::FromUnits(366'700), Currency::FromUnits(333'330), 1.1),
+            "no error");
+  EXPECT_EQ(in_dollars(Currency::FromUnits(366'600), Currency::FromUnits(333'330), 1.1),
+            "no error");
+  EXPECT_EQ(in_dollars(Currency::FromUnits(366'800), Currency::FromUnits(333'330), 1.1),
+            start + "33.333 times 1.1 is not 36.68.");
+  // A difference of rates, and a line that tells no rate.
+  EXPECT_EQ(in_dollars(5, 0, 1.1), "no error");
+  EXPECT_EQ(in_dollars(90, 100, 0), "no error");
+  EXPECT_EQ(in_dollars(Currency::FromUnits(INT64_MAX / 4), Currency::FromUnits(INT64_MAX / 4), 1),
+            "no error");
+  // The base currency has no rate to keep.
+  EXPECT_EQ(outcome(5, {{"FAmountFor", Currency(7)}, {"FExchangeRate", 2.0}}), "no error");
+  EXPECT_EQ(Breaches(), "");
+}
+
+TEST_P(VoucherServer, ACurrencyWhoseOperatorDividesIsDividedByItsRate) {
+  Call("QDSVGLCurrency.CurrencyUpdate", "Create", props,
+       Row({{"FNumber", "JPY"}, {"FOperator", "/"}, {"FExchangeRate", 160.0}}));
+  const auto in_yen = [&](Currency amount, Currency amount_for) {
+    return ErrorText([&] {
+      Save(Voucher(
+          "2024-01-15",
+          {Line("1000", amount, 0,
+                {{"FCurrencyNumber", "JPY"}, {"FAmountFor", amount_for}, {"FExchangeRate", 160.0}}),
+           Line("3000", 0, amount)}));
+    });
+  };
+  EXPECT_EQ(in_yen(10, 1600), "no error");
+  EXPECT_EQ(in_yen(1600, 10),
+            "8004422E: The new voucher of 2024-01-15: line 1: 10 divided by 160 is not 1600.");
+  EXPECT_EQ(Breaches(), "");
+}
+
+TEST_P(VoucherServer, RedInkIsRefusedWhereTheBooksWantNone) {
+  const auto outcome = [&](const Ref<Dictionary>& voucher) {
+    return ErrorText([&] { Save(voucher); });
+  };
+  const auto red_in_dollars = [&] {
+    return Voucher("2024-01-15",
+                   {Line("1000", 1, 0, {{"FCurrencyID", Long{2}}, {"FAmountFor", Currency(-1)}}),
+                    Line("3000", 0, 1)});
+  };
+  EXPECT_EQ(outcome(Sale(-5)), "no error");
+  EXPECT_EQ(outcome(red_in_dollars()), "no error");
+  SetSetting("NoNegativeAmounts", "1");
+  const std::string refused = "8004422F: The new voucher of 2024-01-15: line 1: its amount is "
+                              "negative; these books want it on the other side.";
+  EXPECT_EQ(outcome(Sale(-5)), refused);
+  EXPECT_EQ(outcome(red_in_dollars()), refused);
+  EXPECT_EQ(outcome(Sale(5)), "no error");
+  EXPECT_EQ(Breaches(), "") << "what was stored before stays";
+}
+
+TEST_P(VoucherServer, AGivenNumberLeavesRoomForThoseThatFollow) {
+  const auto save = [&](Long number) {
+    const Ref<Dictionary> voucher = Sale(1, "2024-01-15", {{"FNumber", number}});
+    const std::string outcome = ErrorText([&] { Save(voucher); });
+    return outcome == "no error" ? CStr(voucher->Value("FNumber")) : outcome;
+  };
+  for (const Long number : {Long{INT32_MAX}, Long{1'000'000'000}}) {
+    EXPECT_EQ(save(number), "80044233: Voucher 2024/1 Receipts " + std::to_string(number) +
+                                ": a number that is given is at most 999999999.");
+  }
+  EXPECT_EQ(save(0), "1");
+  EXPECT_EQ(save(999'999'999), "999999999");
+  EXPECT_EQ(save(0), "1000000000");
+  EXPECT_EQ(save(0), "1000000001");
+  // A voucher keeps the number that the server has given it.
+  const Ref<Dictionary> voucher = Read(3);
+  ASSERT_EQ(CLng(voucher->Value("FNumber")), 1'000'000'000);
+  voucher->Value("FExplanation", "changed");
+  Update(3, voucher);
+  EXPECT_EQ(CLng(Read(3)->Value("FNumber")), 1'000'000'000);
+  EXPECT_EQ(Breaches(), "");
+}
+
+TEST_P(VoucherServer, TextsAndKeysWithoutAColumnHaveTheirBounds) {
+  const auto outcome = [&](const Ref<Dictionary>& voucher) {
+    return ErrorText([&] { Save(voucher); });
+  };
+  const std::string text(1'000'001, 'x');
+  EXPECT_EQ(outcome(Sale(1, "2024-01-15", {{"FExplanation", text}})),
+            "80044212: The value of FExplanation has more than 1000000 bytes.");
+  Ref<Dictionary> sent = Sale(1);
+  LineAt(sent, 2)->Value("FExplanation", text);
+  EXPECT_EQ(outcome(sent),
+            "80044212: Line 2: The value of FExplanation has more than 1000000 bytes.");
+  EXPECT_EQ(outcome(Sale(1, "2024-01-15", {{"Memo", text}})),
+            "80044212: The keys that have no column are longer than 1000000 bytes.");
+  EXPECT_EQ(outcome(Sale(1, "2024-01-15", {{"Memo", text.substr(10'000)}})), "no error");
+
+  sent = Sale(1);
+  for (int i = 0; i < 10'000; ++i) sent->Put(RowKey("K" + std::to_string(i)), Long{i});
+  const Long id = Save(sent);
+  const Ref<Dictionary> read = Read(id);
+  for (int i = 0; i < 10'000; ++i) {
+    ASSERT_EQ(CLng(read->Value("K" + std::to_string(i))), i);
+  }
+  sent->Put(RowKey("One more"), Long{1});
+  EXPECT_EQ(outcome(sent), "80044212: The keys that have no column hold more than 10000 values.");
+}
+
+TEST_P(VoucherServer, RowsThatHoldEachOtherManyTimesOverAreRefused) {
+  const auto nested = [&](int levels, bool twice) {
+    auto row = Make<Dictionary>();
+    row->Value("Leaf", Long{1});
+    for (int i = 1; i < levels; ++i) {
+      auto above = Make<Dictionary>();
+      above->Value("One", Variant(row));
+      if (twice) above->Value("Other", Variant(row));
+      row = above;
+    }
+    return ErrorText([&] { Save(Sale(1, "2024-01-15", {{"Nested", Variant(row)}})); });
+  };
+  EXPECT_EQ(nested(22, true),
+            "80044212: The keys that have no column hold more than 10000 values.");
+  EXPECT_EQ(nested(50, false), "no error");
+  EXPECT_EQ(nested(51, false),
+            "80044212: The keys that have no column are nested deeper than 50 levels.");
+}
+
+TEST_P(VoucherServer, KeysOfAllTypesComeBackInTheirOrder) {
+  auto list = Make<Vector>();
+  list->Append(Variant(Long{-1}));
+  list->Append(Null);
+  list->Append(Variant(Make<Vector>()));
+  auto row = Make<Dictionary>();
+  row->Value("Z", "text \"\\ \u00e9");
+  row->Value("A", 2.5);
+  row->Value("Currency", Currency::FromUnits(5));
+  row->Value("Empty row", Variant(Make<Dictionary>()));
+  list->Append(Variant(row));
+  const Ref<Dictionary> voucher = Read(Save(Sale(1, "2024-01-15",
+                                                 {{"List", Variant(list)},
+                                                  {"Flag", true},
+                                                  {"Date", "no date"},
+                                                  {"Day", DateTime::FromYmd(2024, 2, 29)}})));
+  EXPECT_EQ(StateText(voucher->Value("List")),
+            "[-1, Null, [], {Z: \"text \"\\ \u00e9\", A: 2.5#, Currency: 0.0005@, Empty row: {}}]");
+  EXPECT_EQ(CStr(voucher->Value("Date")), "no date");
+  EXPECT_EQ(StateText(voucher->Value("Day")), "#2024-02-29#");
+  EXPECT_TRUE(CBool(voucher->Value("Flag")));
+}
+
 // ---- Changing ----
 
 TEST_P(VoucherServer, AnUpdateReplacesTheTreeAndRaisesTheVersion) {
@@ -484,6 +647,19 @@ TEST_P(VoucherServer, CashFlowItemsAreToldAndCleared) {
   EXPECT_EQ(Call(kInfo, "CheckExistCashProfit", props, ByRef(id)).As<Long>(), 0);
 }
 
+TEST_P(VoucherServer, ARowFromBeforeItsCashFlowItemsWereClearedIsNotSavedOverThem) {
+  Ref<Dictionary> sent = Sale(5);
+  LineAt(sent, 1)->Value("FCashFlowItem", Long{4});
+  Long id = Save(sent);
+  const Ref<Dictionary> stale = Read(id);
+  Call(kUpdate, "ClearCashFlow", props, ByRef(id));
+  const std::string before = State();
+  EXPECT_EQ(RefusalOf([&] { Update(id, stale); }), "Changed");
+  EXPECT_EQ(State(), before);
+  EXPECT_EQ(CLng(LineAt(Read(id), 1)->Value("FCashFlowItem")), 0);
+  Update(id, Read(id));
+}
+
 // ---- Balances and periods ----
 
 TEST_P(VoucherServer, PostingMovesTheBalancesAndUnpostingTakesThemBack) {
@@ -539,9 +715,129 @@ TEST_P(VoucherServer, ABalanceThatWouldNotFitIsRefusedAndNothingMoves) {
   const Long first = Save(Sale(huge)), second = Save(Sale(huge));
   Step("Post", first);
   const std::string before = State();
-  EXPECT_EQ(ErrorText([&] { Step("Post", second); }),
-            "8004422D: The balance of account 1000 in period 2024/1 would be too large.");
+  EXPECT_EQ(
+      ErrorText([&] { Step("Post", second); }),
+      "8004422D: Voucher 2024/1 Receipts 2: with it, what is posted would be too large to add "
+      "up.");
   EXPECT_EQ(State(), before);
+}
+
+// The balances of currencies and quantities as well, from both lists.
+TEST_P(VoucherServer, WhatWouldNotAddUpIsRefusedWhereverItWouldBeAddedUp) {
+  const Currency huge = Currency::FromUnits(INT64_MAX / 2);
+  // Two accounts below one parent, red ink, and two periods: each row of balances would hold it.
+  const Long first = Save(Voucher("2024-01-15", {Line("4000.01", huge, 0), Line("2000", 0, huge)}));
+  const Long second =
+      Save(Voucher("2024-02-15", {Line("4000.02", huge, 0), Line("2000", 0, huge)}));
+  const Long red = Save(Voucher("2024-03-15", {Line("4000.01", -huge, 0), Line("2000", 0, -huge)}));
+  Step("Post", first);
+  const std::string before = State();
+  for (const Long id : {second, red}) {
+    EXPECT_EQ(RefusalOf([&] { Step("Post", id); }), "TooLarge");
+    EXPECT_EQ(State(), before);
+  }
+  EXPECT_EQ(RecomputedText(), BalanceText());
+  Step("UnPost", first);
+  Step("Post", red);
+  EXPECT_EQ(RecomputedText(), BalanceText());
+  Step("UnPost", red);
+  Step("Post", second);
+  EXPECT_EQ(RecomputedText(2024, 2, 2), BalanceText(2024, 2, 2));
+  EXPECT_EQ(Breaches(), "");
+}
+
+TEST_P(VoucherServer, ForeignAmountsAndQuantitiesThatWouldNotAddUpAreRefused) {
+  const auto refused = [&](Cells cells) {
+    const Long one = Save(Voucher("2024-01-15", {Line("1000", 1, 0, cells), Line("3000", 0, 1)}));
+    const Long other = Save(Voucher("2024-02-15", {Line("1000", 1, 0, cells), Line("3000", 0, 1)}));
+    const Long third = Save(Voucher("2024-02-15", {Line("1000", 1, 0, cells), Line("3000", 0, 1)}));
+    Step("Post", one);
+    Step("Post", other);
+    const std::string refusal = RefusalOf([&] { Step("Post", third); });
+    EXPECT_EQ(RecomputedText(), BalanceText());
+    EXPECT_EQ(Breaches(), "");
+    Step("UnPost", one);
+    Step("UnPost", other);
+    return refusal;
+  };
+  EXPECT_EQ(refused({{"FCurrencyID", Long{2}},
+                     {"FAmountFor", Currency::FromUnits(INT64_MAX / 2 - 20'000)}}),
+            "TooLarge");
+  std::vector<Ref<Dictionary>> lines = {Line("3000", 0, 8)};
+  for (int i = 0; i < 8; ++i) lines.push_back(Line("1000", 1, 0, {{"FQuantity", 1e12}}));
+  const Long id = Save(Voucher("2024-01-15", lines));
+  Step("Post", id);
+  lines.push_back(Line("1000", 1, 0, {{"FQuantity", 1e12}}));
+  lines.push_back(Line("1000", -1, 0, {{"FQuantity", 1e12}}));
+  EXPECT_EQ(ErrorText([&] { Save(Voucher("2024-01-15", lines)); }),
+            "8004422D: The new voucher of 2024-01-15: its lines are too large to add up.");
+  const Long other = Save(Voucher("2024-02-15", {Line("1000", 1, 0, {{"FQuantity", 1e12}}),
+                                                 Line("2000", 0, 1, {{"FQuantity", 1e12}})}));
+  EXPECT_EQ(RefusalOf([&] { Step("Post", other); }), "TooLarge");
+  EXPECT_EQ(RecomputedText(), BalanceText());
+  EXPECT_EQ(Breaches(), "");
+}
+
+TEST_P(VoucherServer, LinesThatWouldWrapAroundAreRefused) {
+  // Modulo 2^64 these eight are -4 units.
+  std::vector<Ref<Dictionary>> lines;
+  for (int i = 0; i < 4; ++i) {
+    lines.push_back(Line("1000", Currency::FromUnits(INT64_MAX / 2), 0));
+    lines.push_back(Line("3000", 0, Currency::FromUnits(INT64_MAX / 2)));
+  }
+  const std::string before = State();
+  EXPECT_EQ(ErrorText([&] { Save(Voucher("2024-01-15", lines)); }),
+            "8004422D: The new voucher of 2024-01-15: its lines are too large to add up.");
+  EXPECT_EQ(State(), before);
+}
+
+TEST_P(VoucherServer, AVoucherOfAnOlderProgramThatWouldNotAddUpIsNotPosted) {
+  const Long id = Save(Sale(1));
+  Books().Execute("UPDATE t_VoucherEntry SET FQuantity = 6e12, FAmount = ? WHERE FVoucherID = ?",
+                  INT64_MAX / 2, id);
+  const std::string before = State();
+  EXPECT_EQ(ErrorText([&] { Step("Post", id); }),
+            "8004422D: Voucher 2024/1 Receipts 1: its lines are too large to add up.");
+  EXPECT_EQ(State(), before);
+}
+
+TEST_P(VoucherServer, BooksOfAnOlderProgramThatDoNotAddUpAreMendedByUnposting) {
+  const Long fine = Save(Sale(2)), wrong = Save(Sale(1));
+  Step("Post", fine);
+  Step("Post", wrong);
+  // Foreign amounts of the base currency are in no balance; as an upgrade leaves the size.
+  Books().Execute("UPDATE t_VoucherEntry SET FAmountFor = ? WHERE FVoucherID = ?", INT64_MAX,
+                  wrong);
+  Books().Execute("UPDATE t_Posted SET FSize = ?", INT64_MAX);
+  const Long next = Save(Sale(3));
+  EXPECT_EQ(RefusalOf([&] { Step("Post", next); }), "TooLarge");
+  Step("UnPost", wrong);
+  EXPECT_EQ(Books().QueryValue<std::int64_t>("SELECT FSize FROM t_Posted"), 2 * 20'000);
+  EXPECT_EQ(RefusalOf([&] { Step("Post", wrong); }), "TooLarge");
+  Step("Post", next);
+  Long id = wrong;
+  Call(kUpdate, "Delete", props, ByRef(id), true, "M", "A");
+  EXPECT_EQ(RecomputedText(), BalanceText());
+  EXPECT_EQ(Breaches(), "");
+}
+
+TEST_P(VoucherServer, QuantitiesAreRoundedAlikeInBothLists) {
+  const auto quantity = [&](std::string_view method) {
+    return TextOf(Call("QDSVGLBalance.BalanceInfo", method, props, Long{0}, Long{0}, Long{0},
+                       "FCurrencyID = 1 AND FAccountNumber = '1000'")
+                      .As<Recordset>(),
+                  {"FDebitQty"});
+  };
+  // Halves of a millionth, which the databases round either way, and what is next to one.
+  double sum = 0;
+  for (const double value :
+       {0.0000005, 0.0000015, 0.0000025, -0.0000005, 0.00000049999999999999994}) {
+    Step("Post", Save(Voucher("2024-01-15",
+                              {Line("1000", 1, 0, {{"FQuantity", value}}), Line("3000", 0, 1)})));
+    sum += std::round(value * 1e6) / 1e6;
+    EXPECT_EQ(quantity("GetListFromLines"), quantity("GetList")) << value << " " << sum;
+  }
+  EXPECT_EQ(Breaches(), "");
 }
 
 TEST_P(VoucherServer, ClosingNeedsEverythingPostedAndShutsThePeriod) {

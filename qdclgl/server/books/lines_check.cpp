@@ -1,0 +1,187 @@
+#include "qdclgl/server/books/lines_check.h"
+
+#include <array>
+#include <map>
+
+#include "qdclgl/server/books/wide_sum.h"
+#include "qdclgl/server/periods/calendar.h"
+#include "qdclgl/server/records/currency.h"
+#include "qdclgl/server/vouchers/exchange.h"
+#include "qdclgl/server/vouchers/line_size.h"
+
+namespace qdclgl::server {
+
+namespace {
+
+// Debit, credit, both in the currency, both quantities, as t_Balance has them.
+using Balance = std::array<WideSum, 6>;
+using BalanceKey = std::array<Long, 4>;  // account, currency, year, period
+
+struct Voucher {
+  std::string name;
+  Long year = 0, period = 0, entry_count = 0;
+  std::int64_t debit_total = 0, credit_total = 0;
+  bool posted = false;
+  Long lines = 0;
+  WideSum debit = {}, credit = {};  // of its lines
+  std::int64_t size = 0;
+  bool is_too_large = false;
+};
+
+struct Line {
+  Long voucher, number, account, currency, side;
+  std::int64_t amount, amount_for;
+  double rate, quantity;
+};
+
+class LinesCheck {
+ public:
+  LinesCheck(Database& db, Findings& findings) : db_(db), findings_(findings) {}
+
+  void Run() {
+    ReadVouchers();
+    ReadExchanges();
+    ReadLines();
+    CheckVouchers();
+    CheckPosted();
+    TakeAwayStoredBalances();
+    CheckBalances();
+  }
+
+ private:
+  void ReadVouchers() {
+    for (const auto& [id, name, year, period, count, debit, credit, posted] :
+         db_.Query<Long, std::string, Long, Long, Long, std::int64_t, std::int64_t, bool>(
+             "SELECT v.FVoucherID, " + std::string(kVoucherName) +
+             ", v.FYear, v.FPeriod, v.FEntryCount, v.FDebitTotal, v.FCreditTotal, v.FPosted" +
+             std::string(kFromVouchers))) {
+      vouchers_[id] = {.name = name,
+                       .year = year,
+                       .period = period,
+                       .entry_count = count,
+                       .debit_total = debit,
+                       .credit_total = credit,
+                       .posted = posted};
+    }
+  }
+
+  void ReadExchanges() {
+    const Long scale =
+        db_.QueryValue<Long>("SELECT FScale FROM t_Currency WHERE FCurrencyID = ?", kBaseCurrency)
+            .value_or(0);
+    for (const auto& [id, sign] :
+         db_.Query<Long, std::string>("SELECT FCurrencyID, FOperator FROM t_Currency")) {
+      exchanges_[id] = {.divides = sign == "/", .scale = scale};
+    }
+  }
+
+  void ReadLines() {
+    for (const auto& [voucher, number, account, currency, side, amount, amount_for, rate,
+                      quantity] :
+         db_.Query<Long, Long, Long, Long, Long, std::int64_t, std::int64_t, double, double>(
+             "SELECT FVoucherID, FEntryID, FAccountID, FCurrencyID, FDC, FAmount, FAmountFor,"
+             " FExchangeRate, FQuantity FROM t_VoucherEntry ORDER BY FVoucherID, FEntryID")) {
+      const auto found = vouchers_.find(voucher);
+      if (found == vouchers_.end()) continue;  // the foreign keys are another rule
+      Add(found->second,
+          {voucher, number, account, currency, side, amount, amount_for, rate, quantity});
+    }
+  }
+
+  void Add(Voucher& voucher, const Line& line) {
+    ++voucher.lines;
+    (line.side == 1 ? voucher.debit : voucher.credit).Add(line.amount);
+    if (!IsAmountInRange(line.amount) || !IsAmountInRange(line.amount_for) ||
+        !IsQuantityInRange(line.quantity)) {
+      Report("LineSize", voucher, line, "Its amount or its quantity is too large.");
+    } else if (!AddLine(voucher.size, line.amount, line.amount_for, line.quantity)) {
+      voucher.is_too_large = true;
+    }
+    const auto exchange = exchanges_.find(line.currency);
+    if (line.currency != kBaseCurrency && exchange != exchanges_.end() &&
+        !IsAtRate(Currency::FromUnits(line.amount), Currency::FromUnits(line.amount_for), line.rate,
+                  exchange->second)) {
+      Report("LineRate", voucher, line, "Its amount is not its foreign amount at its rate.");
+    }
+    if (!voucher.posted) return;
+    Balance& balance = balances_[{line.account, line.currency, voucher.year, voucher.period}];
+    const std::size_t credit = line.side == 1 ? 0 : 1;
+    balance[credit].Add(line.amount);
+    balance[2 + credit].Add(line.currency == kBaseCurrency ? line.amount : line.amount_for);
+    balance[4 + credit].Add(IsQuantityInRange(line.quantity) ? Millionths(line.quantity) : 0);
+  }
+
+  void Report(std::string_view rule, const Voucher& voucher, const Line& line,
+              std::string_view problem) {
+    findings_.Add(rule, "Voucher", line.voucher,
+                  voucher.name + ", line " + std::to_string(line.number), problem);
+  }
+
+  void CheckVouchers() {
+    for (const auto& [id, voucher] : vouchers_) {
+      const auto report = [&, id = id, &name = voucher.name](std::string_view rule,
+                                                             std::string_view problem) {
+        findings_.Add(rule, "Voucher", id, name, problem);
+      };
+      if (voucher.lines == 0) report("VoucherLines", "It has no lines.");
+      if (voucher.lines != voucher.entry_count || voucher.debit != WideSum(voucher.debit_total) ||
+          voucher.credit != WideSum(voucher.credit_total)) {
+        report("VoucherTotals", "Its totals or its number of lines are not those of its lines.");
+      }
+      if (voucher.debit != voucher.credit) report("VoucherBalance", "Debits and credits differ.");
+      if (voucher.is_too_large) report("VoucherSize", "Its lines are too large to add up.");
+    }
+  }
+
+  void CheckPosted() {
+    WideSum posted;
+    for (const auto& [id, voucher] : vouchers_) {
+      if (voucher.posted) posted.Add(voucher.size);
+    }
+    const auto stored = db_.Query<std::int64_t>("SELECT FSize FROM t_Posted");
+    if (stored.size() != 1 || posted != WideSum(std::get<0>(stored.front()))) {
+      findings_.Add("Posted", "Books", 0, "",
+                    "The size of what is posted is not that of the posted lines, or they are too "
+                    "large to add up.");
+    }
+  }
+
+  void TakeAwayStoredBalances() {
+    for (const auto& [account, currency, year, period, debit, credit, debit_for, credit_for,
+                      debit_quantity, credit_quantity] :
+         db_.Query<Long, Long, Long, Long, std::int64_t, std::int64_t, std::int64_t, std::int64_t,
+                   std::int64_t, std::int64_t>(
+             "SELECT FAccountID, FCurrencyID, FYear, FPeriod, FDebit, FCredit, FDebitFor,"
+             " FCreditFor, FDebitQty, FCreditQty FROM t_Balance")) {
+      Balance& rest = balances_[{account, currency, year, period}];
+      const std::array stored = {debit,      credit,         debit_for,
+                                 credit_for, debit_quantity, credit_quantity};
+      for (std::size_t i = 0; i < rest.size(); ++i) rest[i].Subtract(stored[i]);
+    }
+  }
+
+  // What is left when the stored balances are taken away should be nothing.
+  void CheckBalances() {
+    for (const auto& [key, rest] : balances_) {
+      if (rest == Balance()) continue;
+      const auto number =
+          db_.QueryValue<std::string>("SELECT FNumber FROM t_Account WHERE FAccountID = ?", key[0]);
+      findings_.Add("Balance", "Account", key[0], number.value_or("?"),
+                    "Its balance in currency " + std::to_string(key[1]) + ", period " +
+                        AccountingPeriod{key[2], key[3]}.ToText() +
+                        " is not the sum of its posted lines.");
+    }
+  }
+
+  Database& db_;
+  Findings& findings_;
+  std::map<Long, Voucher> vouchers_;
+  std::map<Long, Exchange> exchanges_;
+  std::map<BalanceKey, Balance> balances_;
+};
+
+}  // namespace
+
+void CheckLines(Database& db, Findings& findings) { LinesCheck(db, findings).Run(); }
+
+}  // namespace qdclgl::server

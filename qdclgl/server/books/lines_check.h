@@ -1,0 +1,11 @@
+// The check of vouchers' lines: their sums, what they may be, and the balances that posting keeps
+// of them.
+#pragma once
+
+#include "qdclgl/server/books/findings.h"
+
+namespace qdclgl::server {
+
+void CheckLines(Database& db, Findings& findings);
+
+}  // namespace qdclgl::server
