@@ -25,7 +25,7 @@
 #include "qdclgl/frame/session/session.h"
 #include "qdclgl/frame/session/startup.h"
 #include "qdclgl/server/db/connection_text.h"
-#include "qdclgl/server/db/database.h"
+#include "qdclgl/server/db/connections.h"
 #include "qdclgl/server/server.h"
 
 namespace {
@@ -66,7 +66,7 @@ void Compare(const char* name, int rounds, double goal, const std::function<void
 
 // Runs a work in several processes at once.
 void InProcesses(int count, const std::function<void(int)>& work) {
-  server::Database::CloseAll();
+  server::Connections::OfThisThread().CloseAll();
   std::vector<pid_t> children;
   for (int i = 0; i < count; ++i) {
     const pid_t child = fork();
@@ -77,7 +77,7 @@ void InProcesses(int count, const std::function<void(int)>& work) {
         std::fprintf(stderr, "%s\n", error.what());
         _exit(1);
       }
-      server::Database::CloseAll();
+      server::Connections::OfThisThread().CloseAll();
       _exit(0);
     }
     children.push_back(child);
@@ -100,7 +100,7 @@ void CompareSQLite(const std::filesystem::path& folder) {
     const std::string connection = "Provider=SQLite;Data Source=" + ours +
                                    (full ? ";Synchronous=Full;" : ";Synchronous=Normal;");
     bench::MakeBooks("Provider=SQLite;Data Source=" + theirs + ";");
-    server::Database::CloseAll();
+    server::Connections::OfThisThread().CloseAll();
     bench::MakeBooks(connection);
     const auto raw = bench::RawSQLite(theirs, full);
     constexpr int kVouchers = 500;
@@ -194,7 +194,7 @@ int main(int count, char** arguments) {
     std::filesystem::remove_all(folder);
     return 1;
   }
-  server::Database::CloseAll();
+  server::Connections::OfThisThread().CloseAll();
   std::filesystem::remove_all(folder);
   return 0;
 }

@@ -5,24 +5,28 @@
 
 namespace qdclgl::cli {
 
-Batch::Batch(std::string props) : props_(std::move(props)) { Call("Begin"); }
+namespace {
+
+constexpr const char* kBatch = "QDSVGLBatch.BatchUpdate";
+
+}  // namespace
+
+Batch::Batch(std::string props) : props_(std::move(props)) {
+  CreateObject(kBatch)->Call("Begin", props_, true);
+}
 
 Batch::~Batch() {
   if (!is_open_) return;
   try {
-    Call("RollBack");
+    CreateObject(kBatch)->Call("RollBack", props_);
   } catch (const Error&) {
     // The error that brought us here tells more than this one.
   }
 }
 
 void Batch::Commit() {
+  CreateObject(kBatch)->Call("Commit", props_);
   is_open_ = false;
-  Call("Commit");
-}
-
-void Batch::Call(const char* method) {
-  CreateObject("QDSVGLBatch.BatchUpdate")->Call(method, props_);
 }
 
 }  // namespace qdclgl::cli

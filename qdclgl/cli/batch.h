@@ -1,5 +1,6 @@
 // Many saves in one transaction of the database: as fast as one, as lasting as each. A save that is
-// refused leaves the others alone; what is not committed is taken back.
+// refused leaves the others alone; what is not committed is taken back. Where a save goes by what
+// was looked up, the look belongs into the batch as well: batches come one after the other.
 #pragma once
 
 #include <string>
@@ -19,8 +20,6 @@ class Batch {
   void Commit();
 
  private:
-  void Call(const char* method);
-
   std::string props_;
   bool is_open_ = true;
 };

@@ -107,11 +107,11 @@ void Store(const ChartRow& row, Names& names) {
 
 }  // namespace
 
-Names::Names(NewCurrencies new_currencies)
-    : new_currencies_(new_currencies),
-      accounts_(IdsBy<AccountSet>("FNumber", "FAccountID")),
-      currencies_(IdsBy<CurrencySet>("FNumber", "FCurrencyID")),
-      groups_(IdsBy<VoucherGroupSet>("FName", "FGroupID")) {
+void Names::Refresh() {
+  accounts_ = IdsBy<AccountSet>("FNumber", "FAccountID");
+  currencies_ = IdsBy<CurrencySet>("FNumber", "FCurrencyID");
+  groups_ = IdsBy<VoucherGroupSet>("FName", "FGroupID");
+  above_.clear();
   for (const auto& [number, id] : accounts_) above_.insert(NumberAbove(number));
 }
 
@@ -201,6 +201,7 @@ ChartResult ImportChart(const std::string& path, const std::string& props, Names
   std::ranges::sort(rows, {}, &ChartRow::number);
 
   Batch batch(props);
+  names.Refresh();
   for (const ChartRow& row : rows) {
     progress.Show("accounts", result.stored, sheet.Share());
     if (names.Account(row.number) != 0) {

@@ -18,8 +18,11 @@ class Names {
  public:
   static constexpr Long kBaseCurrency = 1;
 
-  // Reads accounts, currencies and groups of the books. The library's session must be there.
-  explicit Names(NewCurrencies new_currencies);
+  explicit Names(NewCurrencies new_currencies) : new_currencies_(new_currencies) {}
+
+  // Reads accounts, currencies and groups of the books. What goes by them belongs into the same
+  // batch. The library's session must be there.
+  void Refresh();
 
   // 0 when there is none.
   Long Account(const std::string& number) const;

@@ -63,8 +63,9 @@ class JournalImport {
  private:
   void StoreAll(std::vector<JournalVoucher>& vouchers) {
     if (vouchers.empty()) return;
-    const std::unordered_set<std::string> known = KnownOf(vouchers);
     Batch batch(props_);
+    names_.Refresh();
+    const std::unordered_set<std::string> known = KnownOf(vouchers);
     for (const JournalVoucher& voucher : vouchers) {
       if (known.contains(voucher.key)) {
         PassOver(voucher);

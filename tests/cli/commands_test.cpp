@@ -195,7 +195,7 @@ TEST_P(Commands, TheDoctorTellsWhatIsWrongAndWhere) {
   EXPECT_EQ(Run({"doctor"}).out, "The books are in order.\n");
   EXPECT_EQ(Run({"doctor", "--json"}).out, "[]\n");
   {
-    server::Database db(server::ConnectionText::Parse(book), server::Database::Opening::kExisting);
+    server::Database db(server::ConnectionText::Parse(book));
     db.ExecuteScript("UPDATE t_VoucherEntry SET FAmount = FAmount + 1 WHERE FVoucherID = 1"
                      " AND FEntryID = 1;");
   }

@@ -11,7 +11,7 @@
 #include "qdclgl/frame/containers/dictionary.h"
 #include "qdclgl/frame/session/startup.h"
 #include "qdclgl/server/access/login.h"
-#include "qdclgl/server/db/database.h"
+#include "qdclgl/server/db/connections.h"
 #include "qdclgl/server/server.h"
 
 namespace qdclgl::server::testing {
@@ -51,7 +51,7 @@ std::string NewConnectionText(DatabaseKind kind) {
 }
 
 void RemoveBooks(const std::string& connection) {
-  Database::CloseAll();
+  Connections::OfThisThread().CloseAll();
   const ConnectionText text = ConnectionText::Parse(connection);
   if (text.IsSQLite()) {
     for (const char* ending : {"", "-wal", "-shm"}) {
@@ -59,9 +59,62 @@ void RemoveBooks(const std::string& connection) {
       std::filesystem::remove(std::string(text[connection_key::kDataSource]) + ending, ignored);
     }
   } else {
-    Database db(text.Without(connection_key::kSchema), Database::Opening::kExisting);
+    Database db(text.Without(connection_key::kSchema));
     db.ExecuteScript("DROP SCHEMA IF EXISTS " + std::string(text[connection_key::kSchema]) +
                      " CASCADE;");
+  }
+}
+
+namespace {
+
+std::string Part(const std::string& text, std::string_view key) {
+  return std::string(ConnectionText::Parse(text)[key]);
+}
+
+// Gives all tables and counters of ids of a schema the rows of another one, and drops the tables
+// that a test has made besides, in one message to the server.
+void CopySchema(Database& db, const std::string& from_books, const std::string& to_books) {
+  const std::string from = Part(from_books, connection_key::kSchema) + ".";
+  const std::string to = Part(to_books, connection_key::kSchema) + ".";
+  std::string sql = "DO $$ BEGIN SET LOCAL session_replication_role = replica; ";
+  for (const auto& [table] : db.Query<std::string>(
+           "SELECT table_name FROM information_schema.tables WHERE table_schema = '" +
+           Part(to_books, connection_key::kSchema) +
+           "' AND table_name NOT IN (SELECT table_name FROM information_schema.tables"
+           " WHERE table_schema = current_schema())")) {
+    sql += "DROP TABLE " + to + table + " CASCADE; ";
+  }
+  for (const auto& [table] :
+       db.Query<std::string>("SELECT table_name FROM information_schema.tables"
+                             " WHERE table_schema = current_schema()")) {
+    sql += "DELETE FROM " + to + table + "; INSERT INTO " + to + table + " SELECT * FROM " + from +
+           table + "; ";
+  }
+  for (const auto& [sequence] : db.Query<std::string>(
+           "SELECT sequencename FROM pg_sequences WHERE schemaname = current_schema()")) {
+    sql += "PERFORM setval('" + to + sequence + "', last_value, is_called) FROM " + from +
+           sequence + "; ";
+  }
+  db.Execute(sql + "END $$");
+}
+
+}  // namespace
+
+void CopyBooks(const std::string& from, const std::string& to) {
+  const ConnectionText text = ConnectionText::Parse(from);
+  if (!text.IsSQLite()) {
+    return CopySchema(*Connections::OfThisThread().To(text.Canonical().ToText(), nullptr), from,
+                      to);
+  }
+  RemoveBooks(to);
+  CopyFilesOf(from, to);
+}
+
+void CopyFilesOf(const std::string& from, const std::string& to) {
+  for (const char* ending : {"", "-wal"}) {
+    const std::string file = Part(from, connection_key::kDataSource) + ending;
+    if (!std::filesystem::exists(file)) continue;
+    std::filesystem::copy_file(file, Part(to, connection_key::kDataSource) + ending);
   }
 }
 
@@ -83,14 +136,14 @@ class NewBooks {
   std::string Take() {
     if (kind_ == DatabaseKind::kSQLite) {
       std::string copy = NewConnectionText(kind_);
-      std::filesystem::copy_file(Part(Model(), connection_key::kDataSource),
-                                 Part(copy, connection_key::kDataSource));
+      CopyBooks(Model(), copy);
       return copy;
     }
     if (done_with_.empty()) return Made();
     std::string books = std::move(done_with_.back());
     done_with_.pop_back();
-    Refill(books);
+    if (!refiller_) refiller_ = std::make_unique<Database>(ConnectionText::Parse(Model()));
+    CopySchema(*refiller_, Model(), books);
     return books;
   }
 
@@ -98,16 +151,12 @@ class NewBooks {
     if (kind_ == DatabaseKind::kSQLite) {
       RemoveBooks(books);
     } else {
-      Database::CloseAll();
+      Connections::OfThisThread().CloseAll();
       done_with_.push_back(books);
     }
   }
 
  private:
-  static std::string Part(const std::string& text, std::string_view key) {
-    return std::string(ConnectionText::Parse(text)[key]);
-  }
-
   std::string Made() const {
     std::string text = NewConnectionText(kind_);
     CreateObject("QDSVGLBooks.BooksUpdate")->Call("Create", text, "EUR", Long{2024});
@@ -120,41 +169,10 @@ class NewBooks {
     return model_;
   }
 
-  // Gives all tables and counters of ids the rows of the model, and drops the tables that a test
-  // has made besides, in one message to the server.
-  void Refill(const std::string& books) {
-    if (!refiller_) {
-      refiller_ =
-          std::make_unique<Database>(ConnectionText::Parse(Model()), Database::Opening::kExisting);
-    }
-    const std::string from = Part(model_, connection_key::kSchema) + ".";
-    const std::string to = Part(books, connection_key::kSchema) + ".";
-    std::string sql = "DO $$ BEGIN SET LOCAL session_replication_role = replica; ";
-    for (const auto& [table] : refiller_->Query<std::string>(
-             "SELECT table_name FROM information_schema.tables WHERE table_schema = '" +
-             Part(books, connection_key::kSchema) +
-             "' AND table_name NOT IN (SELECT table_name FROM information_schema.tables"
-             " WHERE table_schema = current_schema())")) {
-      sql += "DROP TABLE " + to + table + " CASCADE; ";
-    }
-    for (const auto& [table] :
-         refiller_->Query<std::string>("SELECT table_name FROM information_schema.tables"
-                                       " WHERE table_schema = current_schema()")) {
-      sql += "DELETE FROM " + to + table + "; INSERT INTO " + to + table + " SELECT * FROM " +
-             from + table + "; ";
-    }
-    for (const auto& [sequence] : refiller_->Query<std::string>(
-             "SELECT sequencename FROM pg_sequences WHERE schemaname = current_schema()")) {
-      sql += "PERFORM setval('" + to + sequence + "', last_value, is_called) FROM " + from +
-             sequence + "; ";
-    }
-    refiller_->Execute(sql + "END $$");
-  }
-
   DatabaseKind kind_;
   std::string model_;
   std::vector<std::string> done_with_;  // PostgreSQL
-  std::unique_ptr<Database> refiller_;
+  std::unique_ptr<Database> refiller_;  // PostgreSQL, from the model
 };
 
 // They are removed before the process ends.

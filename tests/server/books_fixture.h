@@ -22,6 +22,11 @@ std::string NameOf(const ::testing::TestParamInfo<DatabaseKind>& info);
 // A connection text for books that are not there yet, and will be removed by RemoveBooks.
 std::string NewConnectionText(DatabaseKind kind);
 void RemoveBooks(const std::string& connection);
+// Gives books the content of others: a copy of the file, with this thread's connections closed
+// before, or, in a schema that has books already, of the rows.
+void CopyBooks(const std::string& from, const std::string& to);
+// SQLite: copies the file with the saves that wait beside it, as they are at the moment.
+void CopyFilesOf(const std::string& from, const std::string& to);
 
 class TestBooks {
  public:

@@ -26,7 +26,7 @@ class RecordBooks : public TestBooks {
  public:
   using TestBooks::TestBooks;
 
-  // The connection that the components use in this thread.
+  // The connection that the components use for the session in this thread.
   Database& Books() const;
   // Every row of every table, as text.
   std::string State() const;

@@ -11,6 +11,7 @@
 #include "qdclgl/frame/platform/machine.h"
 #include "qdclgl/frame/platform/platform.h"
 #include "qdclgl/frame/vocabulary/text.h"
+#include "qdclgl/server/db/connections.h"
 #include "qdclgl/server/db/refusals.h"
 #include "qdclgl/server/db/schema.h"
 
@@ -120,6 +121,12 @@ unsigned RolesFrom(std::string_view text) {
 }
 
 Caller Enter(std::string_view props, const Right& right) {
+  Caller caller = EnterBatch(props, right);
+  caller.db.RequireSound();
+  return caller;
+}
+
+Caller EnterBatch(std::string_view props, const Right& right) {
   constexpr std::string_view kMark = "<>1";
   const bool marked = props.starts_with(kMark);
   if (marked) props.remove_prefix(kMark.size());
@@ -131,8 +138,9 @@ Caller Enter(std::string_view props, const Right& right) {
     Refuse(refusal::kNotPermitted, "User " + session->user_name + " (" + RolesText(session->roles) +
                                        ") may not " + std::string(right.what) + ".");
   }
-  Database& db = Database::Of(session->connection);
-  return {std::move(session), db, marked};
+  std::shared_ptr<Database> connection = Connections::OfThisThread().To(session->books, session);
+  Database& db = *connection;
+  return {std::move(session), std::move(connection), db, marked};
 }
 
 void SetPasswordCost(PasswordCost cost) { password_cost = cost; }
@@ -159,7 +167,9 @@ String SessionUpdate::Login(std::string_view connection, std::string_view UserNa
     const std::filesystem::path file{text[connection_key::kDataSource]};
     text = text.With(connection_key::kCatalog, file.stem().string());
   }
-  Database& db = Database::Of(text.ToText());
+  const std::string books = text.Canonical().ToText();
+  const std::shared_ptr<Database> kept = Connections::OfThisThread().To(books, nullptr);
+  Database& db = *kept;
   RequireCurrentSchema(db);
   const auto user = db.QueryRow<Long, std::string, std::string, unsigned, bool>(
       "SELECT FUserID, FName, FPassword, FRoles, FDisabled FROM t_User WHERE FName = ?", UserName);
@@ -172,6 +182,7 @@ String SessionUpdate::Login(std::string_view connection, std::string_view UserNa
   }
   auto session = std::make_shared<Session>();
   session->connection = text.ToText();
+  session->books = books;
   session->props = text.With(connection_key::kSession, NewToken()).ToText();
   session->user_id = std::get<0>(*user);
   session->user_name = std::get<1>(*user);
@@ -188,13 +199,16 @@ String SessionUpdate::Login(std::string_view connection, std::string_view UserNa
 
 void SessionUpdate::Logout(std::string_view PropsString) {
   Sessions& sessions = AllSessions();
-  const std::lock_guard lock(sessions.mutex);
-  const auto found = sessions.by_props.find(PropsString);
-  if (found == sessions.by_props.end()) {
-    Refuse(refusal::kNotLoggedIn, "There is no session to end.");
+  {
+    const std::lock_guard lock(sessions.mutex);
+    const auto found = sessions.by_props.find(PropsString);
+    if (found == sessions.by_props.end()) {
+      Refuse(refusal::kNotLoggedIn, "There is no session to end.");
+    }
+    if (sessions.current == found->second) sessions.current = nullptr;
+    sessions.by_props.erase(found);
   }
-  if (sessions.current == found->second) sessions.current = nullptr;
-  sessions.by_props.erase(found);
+  Connections::OfThisThread().EndOrphanedBatches();
 }
 
 Variant CacheFacade::GetItem(Long ProcessID, std::string_view Key) {

@@ -35,6 +35,7 @@ unsigned RolesFrom(std::string_view text);
 struct Session {
   std::string props;       // the PropsString
   std::string connection;  // the same without the session
+  std::string books;       // what that means
   Long user_id = 0;
   std::string user_name;
   unsigned roles = 0;
@@ -51,6 +52,7 @@ struct Session {
 // A call of a server method: who calls, and the books that are meant.
 struct Caller {
   std::shared_ptr<const Session> session;
+  std::shared_ptr<Database> connection;
   Database& db;
   bool marked;  // the connection text stood behind the mark "<>1" of an automatic save
 };
@@ -62,8 +64,11 @@ struct Right {
   std::string_view what;
 };
 
-// The caller behind a PropsString. NotLoggedIn without a session, NotPermitted without the right.
+// The caller behind a PropsString. NotLoggedIn without a session, NotPermitted without the right,
+// BatchFailed until a batch in which the database has failed is rolled back.
 Caller Enter(std::string_view props, const Right& right);
+// The same for who ends that batch.
+Caller EnterBatch(std::string_view props, const Right& right);
 
 // A salted, memory-hard hash of a password.
 std::string HashedPassword(std::string_view password);
@@ -86,7 +91,7 @@ class SessionUpdate final : public Object {
             "PropsString. With Outer the session store answers as at an outer login. Errors: "
             "LoginRefused, NoBooks, WrongSchema, BadConnectionText.")
   QD_METHOD(void, Logout, (std::string_view PropsString),
-            "Ends the session. NotLoggedIn when there is none.")
+            "Ends the session, and rolls back its batch. NotLoggedIn when there is none.")
 };
 
 class CacheFacade final : public Object {

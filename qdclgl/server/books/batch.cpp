@@ -4,16 +4,17 @@ namespace qdclgl::server {
 
 QD_DEFINE_MEMBERS(BatchUpdate)
 
-namespace {
+void BatchUpdate::Begin(std::string_view PropsString, Boolean Alone) {
+  const Caller caller = Enter(PropsString, RightTo<BatchUpdate>("Begin"));
+  caller.db.BeginBatch(caller.session, Alone);
+}
 
-Database& BooksOf(std::string_view props) { return Enter(props, BatchUpdate::kSaveInBatches).db; }
+void BatchUpdate::Commit(std::string_view PropsString) {
+  Enter(PropsString, RightTo<BatchUpdate>("Commit")).db.CommitBatch();
+}
 
-}  // namespace
-
-void BatchUpdate::Begin(std::string_view PropsString) { BooksOf(PropsString).BeginBatch(); }
-
-void BatchUpdate::Commit(std::string_view PropsString) { BooksOf(PropsString).CommitBatch(); }
-
-void BatchUpdate::RollBack(std::string_view PropsString) { BooksOf(PropsString).RollBackBatch(); }
+void BatchUpdate::RollBack(std::string_view PropsString) {
+  EnterBatch(PropsString, RightTo<BatchUpdate>("RollBack")).db.RollBackBatch();
+}
 
 }  // namespace qdclgl::server

@@ -1,13 +1,12 @@
 #include "qdclgl/server/books/books.h"
 
-#include <filesystem>
-
 #include "qdclgl/frame/objects/class_table.h"
 #include "qdclgl/frame/platform/platform.h"
 #include "qdclgl/frame/values/value_rules.h"
 #include "qdclgl/frame/vocabulary/text.h"
 #include "qdclgl/server/access/login.h"
 #include "qdclgl/server/books/books_check.h"
+#include "qdclgl/server/db/new_books.h"
 #include "qdclgl/server/db/refusals.h"
 #include "qdclgl/server/db/schema.h"
 #include "qdclgl/server/periods/calendar.h"
@@ -32,22 +31,16 @@ void BooksUpdate::Create(std::string_view connection, std::string_view CurrencyN
   const AccountingPeriod first{nYear != 0 ? nYear : CurrentPlatform().Today().ToParts().year, 1};
   calendar.SpanOf(first);
 
-  std::error_code ignored;
-  const std::filesystem::path file{text[connection_key::kDataSource]};
-  if (text.IsSQLite() && std::filesystem::exists(file, ignored)) {
-    Refuse(refusal::kBooksExist, "There is a file " + file.string() + " already.");
-  }
-  const auto create = [&] {
-    Database db(text, Database::Opening::kCreate);
-    Transaction transaction(db, Transaction::Kind::kChangeRules);
-    if (SchemaVersion(db) != 0) Refuse(refusal::kBooksExist, "The database holds books already.");
+  // Hashing takes its time on purpose, so it is done before others have to wait.
+  const std::string password = HashedPassword(Password);
+  MakeBooks(text, [&](Database& db) {
     Migrate(db, CurrentSchemaVersion());
     db.Execute("INSERT INTO t_Currency (FVersion, FNumber, FName, FExchangeRate, FOperator, FScale,"
                " FFixRate, FDeleted, UUID) VALUES (1, ?, ?, 1, '*', 2, 1, 0, '')",
                currency, currency);
     db.Execute(
         "INSERT INTO t_User (FVersion, FName, FPassword, FRoles, FDisabled) VALUES (1, ?, ?, ?, 0)",
-        UserName, HashedPassword(Password), static_cast<Long>(Role::kAdministrator));
+        UserName, password, static_cast<Long>(Role::kAdministrator));
     using namespace setting;
     PutGlSetting(db, kStartYear, std::to_string(first.year));
     PutGlSetting(db, kStartPeriod, std::to_string(first.period));
@@ -56,23 +49,11 @@ void BooksUpdate::Create(std::string_view connection, std::string_view CurrencyN
     PutGlSetting(db, kPeriodCount, std::to_string(PeriodCount));
     PutGlSetting(db, kPeriodByMonth, by_month ? "1" : "0");
     PutGlSetting(db, kYearStartMonth, std::to_string(StartMonth));
-    transaction.Commit();
-  };
-  try {
-    create();
-  } catch (...) {
-    // The file was not there before, so half-made books are nobody's.
-    if (text.IsSQLite()) {
-      for (const char* ending : {"", "-wal", "-shm"}) {
-        std::filesystem::remove(file.string() + ending, ignored);
-      }
-    }
-    throw;
-  }
+  });
 }
 
 Long BooksUpdate::Upgrade(std::string_view connection) {
-  Database db(ConnectionText::Parse(connection), Database::Opening::kExisting);
+  Database db(ConnectionText::Parse(connection));
   Transaction transaction(db, Transaction::Kind::kChangeRules);
   const int version = SchemaVersion(db);
   if (version == 0 || version > CurrentSchemaVersion()) RequireCurrentSchema(db);
@@ -82,7 +63,7 @@ Long BooksUpdate::Upgrade(std::string_view connection) {
 }
 
 Long BooksInfo::Version(std::string_view connection) {
-  Database db(ConnectionText::Parse(connection), Database::Opening::kExisting);
+  Database db(ConnectionText::Parse(connection));
   return SchemaVersion(db);
 }
 

@@ -1,6 +1,7 @@
 #include "qdclgl/server/db/connection_text.h"
 
 #include <array>
+#include <filesystem>
 
 #include "qdclgl/frame/vocabulary/text.h"
 #include "qdclgl/server/db/refusals.h"
@@ -149,6 +150,21 @@ std::string ConnectionText::ToText() const {
     text += ';';
   }
   return text;
+}
+
+ConnectionText ConnectionText::Canonical() const {
+  ConnectionText result = Without(kSession).With(kProvider, IsSQLite() ? "SQLite" : "PostgreSQL");
+  if (!IsSQLite()) return result;
+  for (const std::string_view key : {kHost, kPort, kCatalog, kSchema, kUser, kPassword}) {
+    result = result.Without(key);
+  }
+  const std::filesystem::path file{(*this)[kDataSource]};
+  std::error_code unknown;
+  const std::filesystem::path path =
+      std::filesystem::weakly_canonical(std::filesystem::absolute(file, unknown), unknown);
+  result = result.With(kDataSource, path.empty() ? file.string() : path.string());
+  const bool normal = EqualsIgnoringAsciiCase((*this)[kSynchronous], "Normal");
+  return normal ? result.With(kSynchronous, "Normal") : result.Without(kSynchronous);
 }
 
 std::string ConnectionText::ForMessage() const {

@@ -41,6 +41,11 @@ class ConnectionText {
   ConnectionText With(std::string_view key, std::string_view value) const;
   std::string ToText() const;
 
+  // What it says about where the books are and how they are reached, in the one spelling for that:
+  // texts that mean the same have one canonical text. A relative path is one of the folder that the
+  // process is in now.
+  ConnectionText Canonical() const;
+
   // The text as an error may show it: no password, no session.
   std::string ForMessage() const;
 

@@ -1,25 +1,13 @@
 #include "qdclgl/server/db/database.h"
 
-// The parts of SOCI that need Boost's headers are not used here.
-#include <soci/soci-config.h>
-#undef SOCI_HAVE_BOOST
-#include <soci/postgresql/soci-postgresql.h>
-#include <soci/soci.h>
-#include <soci/sqlite3/soci-sqlite3.h>
-
-#include <algorithm>
-#include <filesystem>
-#include <map>
-#include <unordered_map>
+#include <chrono>
+#include <thread>
 
 #include "qdclgl/frame/vocabulary/text.h"
+#include "qdclgl/server/db/driver.h"
 #include "qdclgl/server/db/refusals.h"
 
 namespace qdclgl::server {
-
-bool IsStorable(std::string_view text) {
-  return text.find('\0') == std::string_view::npos && IsUtf8(text);
-}
 
 namespace {
 
@@ -28,295 +16,61 @@ std::function<void(std::string_view)>& StatementHook() {
   return hook;
 }
 
-// What the database says, on one line. The statement and its values, which may hold secrets, are
-// left out.
-std::string MessageOf(const soci::soci_error& error) {
-  std::string message = error.get_error_message();
-  std::ranges::replace(message, '\n', ' ');
-  return message.substr(0, message.find_last_not_of(' ') + 1);
+// `text` between quotes of a kind, doubled inside.
+std::string Quoted(std::string_view text, char quote) {
+  std::string quoted(1, quote);
+  for (const char c : text) quoted.append(c == quote ? 2 : 1, c);
+  return quoted + quote;
 }
 
-// The one place where a failure of the database becomes an error of ours. `broken` becomes true
-// when the connection is lost.
-template <class Operation>
-auto Translated(bool& broken, Operation operation) -> decltype(operation()) {
-  try {
-    return operation();
-  } catch (const soci::sqlite3_soci_error& error) {
-    constexpr int kBusy = 5, kLocked = 6;
-    if (error.result() == kBusy || error.result() == kLocked) {
-      Refuse(refusal::kDatabaseBusy, "Other programs are writing to the books; try again.");
-    }
-    Refuse(refusal::kDatabaseFailed, "SQLite: " + MessageOf(error));
-  } catch (const soci::postgresql_soci_error& error) {
-    const std::string state = error.sqlstate();
-    if (state.starts_with("08") || state.starts_with("57P") || state == "     ") {
-      broken = true;
-      Refuse(refusal::kConnectionLost, "PostgreSQL: " + MessageOf(error));
-    }
-    if (state == "40001" || state == "40P01" || state == "55P03") {
-      Refuse(refusal::kDatabaseBusy, "Other programs are writing to the same records; try again.");
-    }
-    Refuse(refusal::kDatabaseFailed, "PostgreSQL: " + MessageOf(error));
-  } catch (const soci::soci_error& error) {
-    Refuse(refusal::kDatabaseFailed, MessageOf(error));
-  }
+// What changes when the server of PostgreSQL starts again, or loses its memory in a crash.
+constexpr std::string_view kServerRun =
+    "concat_ws(' ', extract(epoch FROM pg_postmaster_start_time()),"
+    " (SELECT extract(epoch FROM stats_reset) FROM pg_stat_bgwriter))";
+
+// SQLite lets in one writer at a time. PostgreSQL is told with locks of our own, which cost less
+// than locking the rows of accounts and settings that each save reads. They count for one schema,
+// which may be about to be made.
+std::string Lock(std::string_view function, std::string_view schema, int what) {
+  std::string place = "current_schema()";
+  if (!schema.empty()) place = "COALESCE(" + place + ", " + Quoted(schema, '\'') + "::name)";
+  return std::string(function) + "(hashtext(" + place + "), " + std::to_string(what) + ")";
 }
 
-std::string SQLiteOptions(const ConnectionText& text) {
-  // The connection option is a word in double quotes; a file name may hold anything else.
-  const std::string_view file = text[connection_key::kDataSource];
-  if (file.find('"') != file.npos) {
-    Refuse(refusal::kBadConnectionText, "The name of a SQLite file can't hold a double quote.");
-  }
-  return "timeout=60 dbname=\"" + std::string(file) + "\"";
-}
-
-std::string PostgreSQLOptions(const ConnectionText& text) {
-  std::string options;
-  const auto add = [&](std::string_view word, std::string_view value) {
-    if (value.empty()) return;
-    options.append(word).append("='");
-    for (const char c : value) {
-      if (c == '\'' || c == '\\') options += '\\';
-      options += c;
-    }
-    options += "' ";
-  };
-  add("host", text[connection_key::kHost]);
-  add("port", text[connection_key::kPort]);
-  add("dbname", text[connection_key::kCatalog]);
-  add("user", text[connection_key::kUser]);
-  add("password", text[connection_key::kPassword]);
-  add("connect_timeout", "10");
-  return options;
-}
-
-// An identifier in double quotes.
-std::string Quoted(std::string_view name) {
-  std::string quoted = "\"";
-  for (const char c : name) quoted.append(c == '"' ? 2 : 1, c);
-  return quoted + '"';
-}
-
-// SOCI's placeholders have names.
-std::string WithNamedPlaceholders(std::string_view sql) {
-  std::string result;
-  int count = 0;
-  bool in_text = false;
-  for (const char c : sql) {
-    if (c == '\'') in_text = !in_text;
-    if (c == '?' && !in_text) {
-      result += ":p" + std::to_string(++count);
-    } else {
-      result += c;
-    }
-  }
-  return result;
-}
+constexpr int kRules = 0, kBatchAlone = 1;
 
 }  // namespace
 
-// ---- Statement ----
+// ---- The connection ----
 
-namespace {
-
-// A place that SOCI binds to: one of the three values is used.
-struct Slot {
-  Storage storage = Storage::kWhole;
-  soci::indicator indicator = soci::i_ok;
-  long long whole = 0;
-  double real = 0;
-  std::string text;
-
-  void BindTo(soci::statement& statement, bool result) {
-    switch (storage) {
-      case Storage::kWhole: return Bind(statement, whole, result);
-      case Storage::kReal: return Bind(statement, real, result);
-      case Storage::kText: return Bind(statement, text, result);
-    }
-  }
-
- private:
-  template <class T>
-  void Bind(soci::statement& statement, T& variable, bool result) {
-    if (result) {
-      statement.exchange(soci::into(variable, indicator));
-    } else {
-      statement.exchange(soci::use(variable, indicator));
-    }
-  }
-};
-
-std::vector<Slot> Slots(std::span<const Storage> types) {
-  std::vector<Slot> slots(types.size());
-  for (std::size_t i = 0; i < types.size(); ++i) slots[i].storage = types[i];
-  return slots;
-}
-
-}  // namespace
-
-struct Statement::State {
-  bool& broken;  // the connection's
-  std::string sql;
-  soci::statement statement;
-  std::vector<Slot> parameters;
-  std::vector<Slot> results;
-  bool open = false;
-};
-
-struct Database::State {
-  soci::session session;
-  std::unordered_map<std::string, std::unique_ptr<Statement>> statements;
-};
-
-Statement::Statement(Database& database, std::string_view sql, std::span<const Storage> parameters,
-                     std::span<const Storage> results)
-    : state_(new State{database.broken_, std::string(sql),
-                       soci::statement(database.state_->session), Slots(parameters),
-                       Slots(results)}) {
-  Translated(state_->broken, [&] {
-    soci::statement& statement = state_->statement;
-    statement.alloc();
-    for (Slot& slot : state_->results) slot.BindTo(statement, true);
-    for (Slot& slot : state_->parameters) slot.BindTo(statement, false);
-    statement.prepare(WithNamedPlaceholders(sql));
-    statement.define_and_bind();
-  });
-}
-
-Statement::~Statement() = default;
-
-void Statement::Set(std::size_t position, std::int64_t value) {
-  state_->parameters[position].indicator = soci::i_ok;
-  state_->parameters[position].whole = value;
-}
-
-void Statement::Set(std::size_t position, double value) {
-  state_->parameters[position].indicator = soci::i_ok;
-  state_->parameters[position].real = value;
-}
-
-void Statement::Set(std::size_t position, std::string_view value) {
-  // One database would cut the text at the zero byte, the other keep it.
-  if (!IsStorable(value)) {
-    Refuse(refusal::kBadValue, "A text holds a zero byte or is not UTF-8.");
-  }
-  state_->parameters[position].indicator = soci::i_ok;
-  state_->parameters[position].text.assign(value);
-}
-
-void Statement::SetNull(std::size_t position) {
-  state_->parameters[position].indicator = soci::i_null;
-}
-
-std::int64_t Statement::Execute() {
-  if (StatementHook()) StatementHook()(state_->sql);
-  return Run();
-}
-
-std::int64_t Statement::Run() {
-  return Translated(state_->broken, [&] {
-    state_->statement.execute(true);
-    return static_cast<std::int64_t>(state_->statement.get_affected_rows());
-  });
-}
-
-void Statement::Open() {
-  if (StatementHook()) StatementHook()(state_->sql);
-  Reset();
-  Translated(state_->broken, [&] { state_->statement.execute(false); });
-  state_->open = true;
-}
-
-bool Statement::Fetch() {
-  if (!state_->open) return false;
-  state_->open = Translated(state_->broken, [&] { return state_->statement.fetch(); });
-  return state_->open;
-}
-
-void Statement::Reset() {
-  while (state_->open) Fetch();
-}
-
-bool Statement::IsNull(std::size_t position) const {
-  return state_->results[position].indicator == soci::i_null;
-}
-
-std::int64_t Statement::Whole(std::size_t position) const {
-  return IsNull(position) ? 0 : state_->results[position].whole;
-}
-
-double Statement::Real(std::size_t position) const {
-  return IsNull(position) ? 0 : state_->results[position].real;
-}
-
-const std::string& Statement::Text(std::size_t position) const {
-  static const std::string kEmpty;
-  return IsNull(position) ? kEmpty : state_->results[position].text;
-}
-
-// ---- Database ----
-
-Database::Database(const ConnectionText& text, Opening opening)
-    : is_sqlite_(text.IsSQLite()), state_(std::make_unique<State>()) {
-  if (is_sqlite_ && opening == Opening::kExisting) {
-    std::error_code ignored;
-    if (!std::filesystem::is_regular_file(text[connection_key::kDataSource], ignored)) {
-      Refuse(refusal::kNoBooks,
-             "There is no file " + std::string(text[connection_key::kDataSource]) + ".");
-    }
-  }
-  Translated(broken_, [&] {
-    if (is_sqlite_) {
-      state_->session.open(soci::sqlite3, SQLiteOptions(text));
-    } else {
-      try {
-        state_->session.open(soci::postgresql, PostgreSQLOptions(text));
-      } catch (const soci::soci_error& error) {
-        // It carries no state that would tell what is wrong; its text does.
-        Refuse(refusal::kConnectionLost, std::string("PostgreSQL: ") + error.what());
-      }
-    }
-  });
+Database::Database(const ConnectionText& text)
+    : text_(text), is_sqlite_(text.IsSQLite()), driver_(std::make_unique<Driver>(text)) {
   if (is_sqlite_) {
     const bool normal = EqualsIgnoringAsciiCase(text[connection_key::kSynchronous], "Normal");
     Command(normal ? "PRAGMA synchronous = NORMAL" : "PRAGMA synchronous = FULL");
     Command("PRAGMA foreign_keys = ON");
     Command("PRAGMA case_sensitive_like = ON");
-    if (opening == Opening::kCreate) Command("PRAGMA journal_mode = WAL");
   } else {
     Command("SET client_min_messages = warning");
     const std::string_view schema = text[connection_key::kSchema];
-    if (!schema.empty()) {
-      if (opening == Opening::kCreate) {
-        Command("CREATE SCHEMA IF NOT EXISTS " + Quoted(schema));
-      }
-      Command("SET search_path TO " + Quoted(schema));
-    }
+    if (!schema.empty()) Command("SET search_path TO " + Quoted(schema, '"'));
+    server_run_ = driver_->Run("SELECT " + std::string(kServerRun));
   }
 }
 
 Database::~Database() = default;
 
-namespace {
+bool Database::IsStale() const { return driver_->IsStale(); }
 
-std::map<std::string, std::unique_ptr<Database>>& Connections() {
-  thread_local std::map<std::string, std::unique_ptr<Database>> connections;
-  return connections;
+void Database::SetStatementHook(std::function<void(std::string_view sql)> hook) {
+  StatementHook() = std::move(hook);
 }
 
-}  // namespace
-
-Database& Database::Of(const std::string& connection) {
-  std::unique_ptr<Database>& database = Connections()[connection];
-  if (!database || database->broken_) {
-    database = std::make_unique<Database>(ConnectionText::Parse(connection), Opening::kExisting);
-  }
-  return *database;
+void Database::CallStatementHook(std::string_view sql) {
+  if (StatementHook()) StatementHook()(sql);
 }
 
-void Database::CloseAll() { Connections().clear(); }
+// ---- Statements ----
 
 Statement& Database::Prepared(std::string_view sql, std::span<const Storage> parameters,
                               std::span<const Storage> results) {
@@ -326,31 +80,25 @@ Statement& Database::Prepared(std::string_view sql, std::span<const Storage> par
   key += ' ';
   for (const Storage type : results) key += static_cast<char>('a' + static_cast<int>(type));
   key += sql;
-  auto found = state_->statements.find(key);
-  if (found == state_->statements.end()) {
+  auto found = statements_.find(key);
+  if (found == statements_.end()) {
     auto statement = std::make_unique<Statement>(*this, sql, parameters, results);
-    found = state_->statements.emplace(std::move(key), std::move(statement)).first;
+    found = statements_.emplace(std::move(key), std::move(statement)).first;
   }
   return *found->second;
 }
 
 void Database::Command(std::string_view sql) {
-  if (StatementHook()) StatementHook()(sql);
-  Translated(broken_, [&] { state_->session << sql; });
+  CallStatementHook(sql);
+  RequireSound();
+  Watched([&] { driver_->Run(sql); });
 }
 
-void Database::Transact(std::string_view sql) {
-  if (StatementHook()) StatementHook()(sql);
-  Run(sql);
-}
-
-void Database::Run(std::string_view sql) {
-  if (is_sqlite_) {
-    // Preparing costs SQLite more than running.
-    Prepared(sql, {}, {}).Run();
-  } else {
-    Translated(broken_, [&] { state_->session << sql; });
-  }
+std::string Database::Run(std::string_view sql) {
+  if (!is_sqlite_) return Watched([&] { return driver_->Run(sql); });
+  // Preparing costs SQLite more than running.
+  Prepared(sql, {}, {}).Run();
+  return "";
 }
 
 void Database::ExecuteScript(std::string_view script) {
@@ -363,96 +111,201 @@ void Database::ExecuteScript(std::string_view script) {
   }
 }
 
-void Database::BeginBatch() {
-  if (in_batch_) Refuse(refusal::kBadBatch, "A batch is under way in these books already.");
-  Transact(is_sqlite_ ? "BEGIN IMMEDIATE" : "BEGIN");
-  in_batch_ = true;
+void Database::MakeSchema() {
+  const std::string_view schema = text_[connection_key::kSchema];
+  if (!schema.empty()) Command("CREATE SCHEMA IF NOT EXISTS " + Quoted(schema, '"'));
+}
+
+// ---- Failures ----
+
+void Database::NoteFailure(const Error& error) {
+  // Who waited too long has lost nothing but the time.
+  if (error.number() == refusal::kDatabaseBusy && driver_->IsInTransaction()) return;
+  failed_ = true;
+}
+
+void Database::RequireSound() const {
+  if (!failed_) return;
+  if (InBatch()) {
+    Refuse(refusal::kBatchFailed,
+           "The database has failed in the batch; nothing of it is saved. Roll it back first.");
+  }
+  Refuse(refusal::kDatabaseFailed, "The transaction has failed; nothing of it is saved.");
+}
+
+void Database::RequireWritable() const {
+  if (driver_->IsReadOnly()) {
+    Refuse(refusal::kReadOnly, "The file of the books, or its folder, can't be written to.");
+  }
+  if (is_beside_batch_) {
+    Refuse(refusal::kDatabaseBusy,
+           "Another session has a batch under way in this thread; end that first.");
+  }
+}
+
+void Database::RollBack(int level) noexcept {
+  depth_ = level;
+  // A query that an exception cut short still holds its rows.
+  for (const auto& [key, statement] : statements_) statement->Reset();
+  try {
+    if (level > 0 && !failed_) {
+      const std::string name = "SAVEPOINT level" + std::to_string(level);
+      Run("ROLLBACK TO " + name);
+      Run("RELEASE " + name);
+      return;
+    }
+  } catch (const std::exception&) {
+    failed_ = true;
+  }
+  try {
+    if (!driver_->IsLost() && driver_->IsInTransaction()) Run("ROLLBACK");
+  } catch (const std::exception&) {
+    driver_->GiveUp();
+  }
+  if (level == 0 && !InBatch()) failed_ = false;
+}
+
+// ---- Commits ----
+
+void Database::Commit() {
+  CallStatementHook("COMMIT");
+  RequireSound();
+  try {
+    // Committing a transaction that the database has given up would look like success.
+    if (!driver_->IsTransactionSound()) {
+      Refuse(refusal::kDatabaseFailed, "The transaction was over before its end.");
+    }
+    Run("COMMIT");
+  } catch (const Error& error) {
+    NoteFailure(error);
+    if (!failed_ || !IsCommittedAfterAll()) throw;
+    failed_ = false;
+  }
+}
+
+bool Database::IsCommittedAfterAll() {
+  if (!writes_) return false;
+  if (!is_sqlite_) return driver_->IsLost() && IsCommittedInPostgreSQL();
+  if (driver_->FailedInWriting()) return false;
+  // Nobody sees it now. But what reached the log before the failure would count when the log is
+  // next recovered, so it is written over.
+  try {
+    if (driver_->IsInTransaction()) driver_->Run("ROLLBACK");
+    driver_->Run("PRAGMA user_version = " + driver_->Run("PRAGMA user_version"));
+  } catch (const Error& error) {
+    Refuse(refusal::kOutcomeUnknown,
+           "The database failed at the very end of a change, and whether it is saved shows only "
+           "when the books are next opened. " +
+               error.description());
+  }
+  return false;
+}
+
+bool Database::IsCommittedInPostgreSQL() const {
+  if (transaction_id_.empty()) return false;
+  const std::string question = "SELECT CASE WHEN " + std::string(kServerRun) + " = '" +
+                               server_run_ + "' THEN pg_xact_status('" + transaction_id_ + "') END";
+  using Clock = std::chrono::steady_clock;
+  constexpr std::chrono::seconds kPatience(10);
+  constexpr std::chrono::milliseconds kPause(50);
+  for (const auto end = Clock::now() + kPatience; Clock::now() < end;
+       std::this_thread::sleep_for(kPause)) {
+    try {
+      const std::string answer = Driver(text_).Run(question);
+      if (answer == "committed") return true;
+      if (answer == "aborted") return false;
+      if (answer.empty()) break;  // the ids are of another run of the server
+    } catch (const Error&) {
+      continue;  // the server may come back
+    }
+  }
+  Refuse(refusal::kOutcomeUnknown,
+         "The connection was lost at the very end of a change, and the server can't be asked "
+         "whether it is saved.");
+}
+
+// ---- Batches ----
+
+void Database::BeginBatch(const BatchOwner& owner, bool alone) {
+  if (InBatch()) Refuse(refusal::kBadBatch, "A batch is under way in these books already.");
+  RequireWritable();
+  std::string begin(Dialect("BEGIN IMMEDIATE", "BEGIN"));
+  if (alone && !is_sqlite_) {
+    begin +=
+        "; SELECT " + Lock("pg_advisory_xact_lock", text_[connection_key::kSchema], kBatchAlone);
+  }
+  CallStatementHook(begin);
+  try {
+    Run(begin);
+  } catch (const Error&) {
+    RollBack(0);
+    throw;
+  }
+  batch_ = owner;
   depth_ = 1;
+  writes_ = true;
+  transaction_id_.clear();
 }
 
 void Database::CommitBatch() {
-  if (!in_batch_) Refuse(refusal::kBadBatch, "No batch is under way in these books.");
-  Transact("COMMIT");
-  in_batch_ = false;
+  if (!InBatch()) Refuse(refusal::kBadBatch, "No batch is under way in these books.");
+  Commit();
+  batch_.reset();
   depth_ = 0;
 }
 
 void Database::RollBackBatch() {
-  if (!in_batch_) Refuse(refusal::kBadBatch, "No batch is under way in these books.");
-  in_batch_ = false;
-  depth_ = 0;
+  if (!InBatch()) Refuse(refusal::kBadBatch, "No batch is under way in these books.");
+  batch_.reset();
   RollBack(0);
-}
-
-void Database::RollBack(int level) noexcept {
-  try {
-    // A query that an exception cut short still holds its rows.
-    for (const auto& [key, statement] : state_->statements) statement->Reset();
-    if (level > 0) {
-      const std::string name = "SAVEPOINT level" + std::to_string(level);
-      Run("ROLLBACK TO " + name);
-      Run("RELEASE " + name);
-    } else {
-      Run("ROLLBACK");
-    }
-  } catch (const std::exception&) {
-    broken_ = true;
-  }
-}
-
-void Database::SetStatementHook(std::function<void(std::string_view sql)> hook) {
-  StatementHook() = std::move(hook);
 }
 
 // ---- Transaction ----
 
-namespace {
-
-// SQLite lets in one writer at a time. PostgreSQL is told with a lock of our own, which costs less
-// than locking the rows of accounts and settings that each save reads.
-constexpr std::string_view kSharedLock =
-    "SELECT pg_advisory_xact_lock_shared(hashtext(current_schema()), 0)";
-constexpr std::string_view kExclusiveLock =
-    "SELECT pg_advisory_xact_lock(hashtext(current_schema()), 0)";
-
-}  // namespace
-
 Transaction::Transaction(Database& database, Kind kind)
     : database_(database), level_(database.depth_) {
+  const bool writes = kind != Kind::kRead;
+  database.RequireSound();
+  if (writes) database.RequireWritable();
   std::string begin = level_ > 0 ? "SAVEPOINT level" + std::to_string(level_) : "BEGIN";
-  if (kind == Kind::kRead) {
+  if (!writes) {
     if (level_ == 0) begin += database.Dialect("", " ISOLATION LEVEL REPEATABLE READ READ ONLY");
   } else if (database.is_sqlite_) {
     if (level_ == 0) begin += " IMMEDIATE";
   } else {
-    // One message to the server for both.
-    begin.append("; ").append(kind == Kind::kSave ? kSharedLock : kExclusiveLock);
+    // One message to the server for all of it.
+    begin += "; SELECT pg_current_xact_id(), " +
+             Lock(kind == Kind::kSave ? "pg_advisory_xact_lock_shared" : "pg_advisory_xact_lock",
+                  database.text_[connection_key::kSchema], kRules);
   }
-  if (StatementHook()) StatementHook()(begin);
+  Database::CallStatementHook(begin);
   try {
-    database.Run(begin);
+    const std::string id = database.Run(begin);
+    if (writes) database.transaction_id_ = id;
   } catch (const Error&) {
     // The lock may have failed behind the beginning.
-    if (!database.is_sqlite_) database.RollBack(level_);
+    database.RollBack(level_);
     throw;
   }
+  if (level_ == 0) database.writes_ = writes;
   ++database.depth_;
 }
 
 void Transaction::Commit() {
-  if (level_ > 0) {
-    database_.Transact("RELEASE SAVEPOINT level" + std::to_string(level_));
+  if (level_ == 0) {
+    database_.Commit();
   } else {
-    database_.Transact("COMMIT");
+    const std::string release = "RELEASE SAVEPOINT level" + std::to_string(level_);
+    Database::CallStatementHook(release);
+    database_.RequireSound();
+    database_.Run(release);
   }
   open_ = false;
   database_.depth_ = level_;
 }
 
 Transaction::~Transaction() {
-  if (!open_) return;
-  database_.depth_ = level_;
-  database_.RollBack(level_);
+  if (open_) database_.RollBack(level_);
 }
 
 }  // namespace qdclgl::server

@@ -5,7 +5,6 @@
 #pragma once
 
 #include <array>
-#include <concepts>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -14,108 +13,29 @@
 #include <string>
 #include <string_view>
 #include <tuple>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
-#include "qdclgl/frame/values/values.h"
+#include "qdclgl/frame/vocabulary/errors.h"
 #include "qdclgl/server/db/connection_text.h"
+#include "qdclgl/server/db/statement.h"
 
 namespace qdclgl::server {
 
-// Whether a text is UTF-8 without zero bytes: what every database holds alike.
-bool IsStorable(std::string_view text);
-
-// How the database holds a value: whole numbers (amounts are counted in ten-thousandths, truth
-// values are 0 and 1), real numbers, texts.
-enum class Storage : std::uint8_t { kWhole, kReal, kText };
-
-namespace detail {
-
-template <class T>
-struct StorageOf;
-template <std::integral T>
-struct StorageOf<T> {
-  static constexpr Storage kStorage = Storage::kWhole;
-  static std::int64_t Out(T value) { return static_cast<std::int64_t>(value); }
-  static T In(std::int64_t value) { return static_cast<T>(value); }
-};
-template <>
-struct StorageOf<Currency> {
-  static constexpr Storage kStorage = Storage::kWhole;
-  static std::int64_t Out(Currency value) { return value.units(); }
-  static Currency In(std::int64_t value) { return Currency::FromUnits(value); }
-};
-template <>
-struct StorageOf<double> {
-  static constexpr Storage kStorage = Storage::kReal;
-  static double Out(double value) { return value; }
-  static double In(double value) { return value; }
-};
-template <>
-struct StorageOf<std::string> {
-  static constexpr Storage kStorage = Storage::kText;
-  static std::string_view Out(const std::string& value) { return value; }
-  static std::string In(const std::string& value) { return value; }
-};
-template <>
-struct StorageOf<std::string_view> : StorageOf<std::string> {
-  static std::string_view Out(std::string_view value) { return value; }
-};
-template <>
-struct StorageOf<const char*> : StorageOf<std::string> {
-  static std::string_view Out(const char* value) { return value; }
-};
-
-}  // namespace detail
-
-class Database;
-
-// A prepared statement. Its parameters are set in order, then it is executed; rows are fetched to
-// the end (or the statement is reset), which frees what the database holds for it.
-class Statement {
- public:
-  Statement(Database& database, std::string_view sql, std::span<const Storage> parameters,
-            std::span<const Storage> results);
-  ~Statement();
-
-  void Set(std::size_t position, std::int64_t value);
-  void Set(std::size_t position, double value);
-  void Set(std::size_t position, std::string_view value);
-  void SetNull(std::size_t position);
-
-  // Runs a statement without rows; the number of rows it changed.
-  std::int64_t Execute();
-  // The same past the hook.
-  std::int64_t Run();
-  // Runs a query; Fetch then steps through its rows and is false behind the last one.
-  void Open();
-  bool Fetch();
-  void Reset();
-
-  // The columns of the current row. A Null reads as 0 or "".
-  bool IsNull(std::size_t position) const;
-  std::int64_t Whole(std::size_t position) const;
-  double Real(std::size_t position) const;
-  const std::string& Text(std::size_t position) const;
-
- private:
-  struct State;
-  std::unique_ptr<State> state_;
-};
+class Driver;
 
 class Database {
  public:
-  // The connection of this thread to the books of a text as ConnectionText::ToText has it, without
-  // a session; made on first use and kept. Errors: NoBooks, ConnectionLost, DatabaseFailed.
-  static Database& Of(const std::string& connection);
-  // Closes this thread's connections, before a file is moved, say.
-  static void CloseAll();
-
-  enum class Opening { kExisting, kCreate };
-  Database(const ConnectionText& text, Opening opening);
+  // Errors: NoBooks, ConnectionLost, DatabaseFailed.
+  explicit Database(const ConnectionText& text);
   ~Database();
   Database(const Database&) = delete;
   Database& operator=(const Database&) = delete;
+
+  // Whether this connection is no more of use: it is lost, or would be another one if it were made
+  // now. Nothing is lost with it but a batch.
+  bool IsStale() const;
 
   bool IsSQLite() const { return is_sqlite_; }
   // The text that this database understands: the first for SQLite, the second for PostgreSQL.
@@ -164,12 +84,25 @@ class Database {
 
   // Several statements without values, as the schema's migrations are.
   void ExecuteScript(std::string_view script);
+  // Makes the schema that the connection text names, where it is missing.
+  void MakeSchema();
 
-  // A batch: many saves in one transaction, each a savepoint in it. BadBatch when one is under way
-  // or none is.
-  void BeginBatch();
+  // A batch: many saves in one transaction, each a savepoint in it. It belongs to its owner and
+  // is over with it. Once the database has failed in it, it does nothing more and waits for its
+  // RollBackBatch. `alone` waits until no other such batch is under way. BadBatch when a batch is
+  // under way or none is.
+  using BatchOwner = std::shared_ptr<const void>;
+  void BeginBatch(const BatchOwner& owner, bool alone);
   void CommitBatch();
   void RollBackBatch();
+  bool InBatch() const { return batch_.has_value(); }
+  bool InBatchOf(const BatchOwner& owner) const { return InBatch() && batch_->lock() == owner; }
+  bool IsBatchOrphaned() const { return InBatch() && batch_->expired(); }
+  // BatchFailed when the database has failed in the batch under way.
+  void RequireSound() const;
+  // Whether another session's batch is under way in this thread: it would wait for itself if
+  // anything were written beside it.
+  void SetBesideBatch(bool beside) { is_beside_batch_ = beside; }
 
   // Called with the text of each statement before it runs; a test makes it raise. Null: nothing.
   static void SetStatementHook(std::function<void(std::string_view sql)> hook);
@@ -177,7 +110,6 @@ class Database {
  private:
   friend class Statement;
   friend class Transaction;
-  struct State;
 
   template <class... Columns, class... Values>
   Statement& Bound(std::string_view sql, const Values&... values) {
@@ -205,20 +137,47 @@ class Database {
     else return Storage_::In(statement.Text(position));
   }
 
+  static void CallStatementHook(std::string_view sql);
+
+  // Runs an operation of the driver. What fails in a transaction takes all of it.
+  template <class Operation>
+  auto Watched(Operation operation) -> decltype(operation()) {
+    try {
+      return operation();
+    } catch (const Error& error) {
+      if (depth_ > 0) NoteFailure(error);
+      throw;
+    }
+  }
+  void NoteFailure(const Error& error);
   // Runs a statement once.
   void Command(std::string_view sql);
-  // Runs a word of the transaction language, the second past the hook.
-  void Transact(std::string_view sql);
-  void Run(std::string_view sql);
-  // Takes back what is under way, to the savepoint of a level above 0. A connection that can't is
-  // given up: the next caller gets a new one.
+  // The same past the hook and for the words of the transaction language: what they give.
+  std::string Run(std::string_view sql);
+  // Ends the outermost transaction. When it raises anything but DatabaseBusy, or OutcomeUnknown,
+  // nothing of the transaction is there or will ever be.
+  void Commit();
+  // Behind a commit that failed: whether the transaction is in the books after all.
+  bool IsCommittedAfterAll();
+  bool IsCommittedInPostgreSQL() const;
+  void RequireWritable() const;
+  // Takes back what is under way, to the savepoint of a level above 0; after a failure, all of it.
+  // A connection that can't is given up: the next caller gets a new one.
   void RollBack(int level) noexcept;
 
+  ConnectionText text_;
   bool is_sqlite_;
-  bool broken_ = false;
-  std::unique_ptr<State> state_;
-  bool in_batch_ = false;
-  int depth_ = 0;  // transactions and savepoints under way
+  std::unique_ptr<Driver> driver_;
+  std::unordered_map<std::string, std::unique_ptr<Statement>> statements_;
+  std::optional<std::weak_ptr<const void>> batch_;  // its owner
+  bool is_beside_batch_ = false;
+  int depth_ = 0;        // transactions and savepoints under way
+  bool failed_ = false;  // the transaction under way: nothing more happens in it
+  bool writes_ = false;  // the transaction under way
+  // PostgreSQL, of the transaction under way: by what the database can be asked for it later. Ids
+  // count on as long as the server runs without a crash.
+  std::string transaction_id_;
+  std::string server_run_;
 };
 
 // A transaction, or a savepoint inside a batch or another transaction. Without a Commit it is

@@ -22,6 +22,9 @@
   REFUSAL(0x08, DatabaseBusy, "Others kept the database busy for too long; try again.")         \
   REFUSAL(0x09, ConnectionLost, "The connection to the database is lost; try again.")           \
   REFUSAL(0x0A, BadBatch, "A batch is under way already, or there is none to end.")             \
+  REFUSAL(0x0B, BatchFailed, "The database has failed in the batch; roll it back.")             \
+  REFUSAL(0x0C, OutcomeUnknown, "Whether the change is saved can't be told now.")               \
+  REFUSAL(0x0D, ReadOnly, "The books can only be read here.")                                   \
   REFUSAL(0x10, BadFilter, "The filter text can't be understood.")                              \
   REFUSAL(0x11, BadSort, "The sort text can't be understood.")                                  \
   REFUSAL(0x12, BadValue, "A value does not fit its column.")                                   \

@@ -6,6 +6,7 @@
 #include "qdclgl/frame/platform/platform.h"
 #include "qdclgl/frame/session/session.h"
 #include "qdclgl/frame/session/startup.h"
+#include "qdclgl/server/db/connections.h"
 #include "tests/server/books_state.h"
 
 namespace qdclgl::server::testing {
@@ -114,7 +115,7 @@ TEST_P(LoginTest, OtherThreadsWorkInTheSameSession) {
   std::thread([&] {
     SetApartmentStarted(true);
     periods = TextOf(*Call("QDSVBase.SystemProfile", "ListProfiles", props, "GL").As<Dictionary>());
-    Database::CloseAll();
+    Connections::OfThisThread().CloseAll();
   }).join();
   EXPECT_NE(periods.find("CurrentYear=2024"), std::string::npos);
 }

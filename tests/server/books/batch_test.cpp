@@ -1,8 +1,11 @@
 #include "qdclgl/server/books/batch.h"
 
+#include <atomic>
+#include <chrono>
 #include <thread>
 
 #include "qdclgl/frame/session/startup.h"
+#include "qdclgl/server/db/connections.h"
 #include "qdclgl/server/db/refusals.h"
 #include "tests/server/books_state.h"
 
@@ -23,7 +26,7 @@ class BatchTest : public RecordsTest {
       SetApartmentStarted(true);
       groups = TextOf(Call("QDSVGLVoucherGroup.VoucherGroupInfo", "GetList", props).As<Recordset>(),
                       {"FName"});
-      Database::CloseAll();
+      Connections::OfThisThread().CloseAll();
     }).join();
     return groups;
   }
@@ -85,7 +88,7 @@ TEST_P(BatchTest, BatchesDoNotNestAndEndOnce) {
 TEST_P(BatchTest, AConnectionThatIsClosedInABatchRollsItBack) {
   Begin();
   AddGroup("Receipts");
-  Database::CloseAll();
+  Connections::OfThisThread().CloseAll();
   EXPECT_EQ(RefusalOf([&] { Commit(); }), "BadBatch");
   EXPECT_EQ(GroupsForOthers(), "");
 }
@@ -100,6 +103,67 @@ TEST_P(BatchTest, ACommitThatFailsCanBeRepeated) {
   Database::SetStatementHook(nullptr);
   Commit();
   EXPECT_EQ(GroupsForOthers(), "Receipts\n");
+}
+
+TEST_P(BatchTest, ABatchBelongsToItsSession) {
+  AddUser("ann", "administrator");
+  const std::string mine = props, hers = Login("ann");
+  props = mine;
+  Begin();
+  AddGroup("Mine");
+  const std::string within = State();
+  props = hers;
+  EXPECT_NE(State(), within) << "what is in the batch is for its session alone";
+  EXPECT_EQ(RefusalOf([&] { AddGroup("Hers"); }), "DatabaseBusy") << "it would wait for the batch";
+  EXPECT_EQ(RefusalOf([&] { Begin(); }), "DatabaseBusy");
+  EXPECT_EQ(RefusalOf([&] { Commit(); }), "BadBatch");
+  EXPECT_EQ(RefusalOf([&] { RollBack(); }), "BadBatch");
+  props = mine;
+  EXPECT_EQ(State(), within);
+  RollBack();
+  props = hers;
+  AddGroup("Hers");
+  props = mine;
+  Begin();
+  AddGroup("Mine");
+  Commit();
+  EXPECT_EQ(GroupsForOthers(), "Hers\nMine\n");
+}
+
+TEST_P(BatchTest, ABatchIsOverWithItsSession) {
+  const std::string before = State();
+  Begin();
+  AddGroup("Receipts");
+  Call("QDSVGLSession.SessionUpdate", "Logout", props);
+  Login("administrator");
+  EXPECT_EQ(State(), before);
+  Begin();
+  AddGroup("Payments");
+  std::thread([&] { Call("QDSVGLSession.SessionUpdate", "Logout", props); }).join();
+  Login("administrator");
+  EXPECT_EQ(State(), before) << "the thread of the batch did not hear of the logout";
+  Begin();
+  Commit();
+}
+
+TEST_P(BatchTest, ABatchThatIsAloneWaitsForTheOtherOne) {
+  std::atomic<bool> has_begun{false};
+  std::string groups_for_the_second;
+  Call(kBatch, "Begin", props, true);
+  AddGroup("Receipts");
+  std::thread second([&] {
+    SetApartmentStarted(true);
+    Call(kBatch, "Begin", props, true);
+    has_begun = true;
+    groups_for_the_second = GroupsForOthers();
+    Call(kBatch, "RollBack", props);
+    Connections::OfThisThread().CloseAll();
+  });
+  std::this_thread::sleep_for(std::chrono::milliseconds(200));
+  EXPECT_FALSE(has_begun);
+  Commit();
+  second.join();
+  EXPECT_EQ(groups_for_the_second, "Receipts\n");
 }
 
 TEST_P(BatchTest, WhoCanSaveNothingBeginsNoBatch) {
@@ -118,6 +182,44 @@ TEST_P(BatchTest, WhoCanSaveNothingBeginsNoBatch) {
 }
 
 QDCLGL_BOOKS_TEST(BatchTest);
+
+// A file that can grow by so many pages and no further, as on a disk that is full.
+class FullDiskTest : public BatchTest {
+ protected:
+  void AllowPages(Long more) {
+    Database& db = Books();
+    const Long pages = *db.QueryValue<Long>("PRAGMA page_count");
+    db.QueryValue<Long>("PRAGMA max_page_count = " + std::to_string(pages + more));
+  }
+};
+
+TEST_P(FullDiskTest, ADiskThatFillsUpInABatchTakesAllOfItAndNoMore) {
+  const Long group = AddGroup("Receipts"), from = AddAccount("1000"), to = AddAccount("2000");
+  const std::string before = State();
+  for (const Long pages : {0, 1, 2, 3, 5, 8}) {
+    AllowPages(pages);
+    Begin();
+    std::string refusal;
+    for (int i = 0; i < 2000 && (i == 0 || refusal == "none"); ++i) {
+      refusal = RefusalOf([&] { AddVoucher(group, from, to, Currency(5)); });
+    }
+    EXPECT_EQ(refusal, "DatabaseFailed");
+    EXPECT_EQ(RefusalOf([&] { AddVoucher(group, from, to, Currency(5)); }), "BatchFailed");
+    EXPECT_EQ(RefusalOf([&] { State(); }), "BatchFailed");
+    EXPECT_EQ(RefusalOf([&] { Begin(); }), "BatchFailed");
+    EXPECT_EQ(RefusalOf([&] { Commit(); }), "BatchFailed");
+    EXPECT_EQ(RefusalOf([&] { Commit(); }), "BatchFailed") << "until it is rolled back";
+    RollBack();
+    ASSERT_EQ(State(), before) << pages;
+  }
+  AllowPages(1000);
+  Begin();
+  AddVoucher(group, from, to, Currency(5));
+  Commit();
+  EXPECT_EQ(Breaches(), "");
+}
+
+QDCLGL_BOOKS_TEST_OF(FullDiskTest, kSQLite);
 
 }  // namespace
 }  // namespace qdclgl::server::testing

@@ -1,6 +1,7 @@
 #include "qdclgl/server/books/books_check.h"
 
 #include "qdclgl/frame/objects/conversions.h"
+#include "qdclgl/server/db/connections.h"
 #include "tests/server/ledger_fixture.h"
 
 namespace qdclgl::server::testing {
@@ -324,7 +325,7 @@ TEST_P(BooksCheckOfSQLiteTest, DamageIsFound) {
   Break("PRAGMA writable_schema = ON");
   Break("UPDATE sqlite_master SET sql = 'CREATE INDEX t_Account_Parent ON t_Account (FLevel)'"
         " WHERE name = 't_Account_Parent'");
-  Database::CloseAll();
+  Connections::OfThisThread().CloseAll();
   const auto list = Call("QDSVGLBooks.BooksInfo", "Check", props).As<Recordset>();
   ASSERT_FALSE(list->Eof());
   for (; !list->Eof(); list->MoveNext()) {

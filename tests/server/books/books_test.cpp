@@ -127,7 +127,7 @@ class LostConnectionTest : public BooksUpdateTest {};
 TEST_P(LostConnectionTest, ALostConnectionIsMadeAnew) {
   const auto cut = [&] {
     const auto backend = Books().QueryValue<Long>("SELECT pg_backend_pid()").value_or(0);
-    Database other(ConnectionText::Parse(connection), Database::Opening::kExisting);
+    Database other(ConnectionText::Parse(connection));
     other.QueryValue<bool>("SELECT CASE WHEN pg_terminate_backend(?, 5000) THEN 1 ELSE 0 END",
                            backend);
   };
@@ -142,8 +142,12 @@ TEST_P(LostConnectionTest, ALostConnectionIsMadeAnew) {
   AddGroup("Payments");
   cut();
   EXPECT_EQ(RefusalOf([&] { AddGroup("Transfers"); }), "ConnectionLost");
-  EXPECT_EQ(RefusalOf([&] { Call("QDSVGLBatch.BatchUpdate", "Commit", props); }), "BadBatch")
+  EXPECT_EQ(RefusalOf([&] { AddGroup("Transfers"); }), "BatchFailed");
+  EXPECT_EQ(RefusalOf(read), "BatchFailed") << "not even a look past the batch";
+  EXPECT_EQ(RefusalOf([&] { Call("QDSVGLBatch.BatchUpdate", "Begin", props); }), "BatchFailed");
+  EXPECT_EQ(RefusalOf([&] { Call("QDSVGLBatch.BatchUpdate", "Commit", props); }), "BatchFailed")
       << "what was in the batch is lost, and nobody shall think otherwise";
+  Call("QDSVGLBatch.BatchUpdate", "RollBack", props);
   EXPECT_EQ(TextOf(Call("QDSVGLVoucherGroup.VoucherGroupInfo", "GetList", props).As<Recordset>(),
                    {"FName"}),
             "Receipts\n");

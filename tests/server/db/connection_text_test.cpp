@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "tests/server/books_state.h"
 
 namespace qdclgl::server::testing {
@@ -51,6 +53,24 @@ TEST(ConnectionTextTest, WhatIsNoConnectionTextIsRefused) {
   EXPECT_EQ(Refused(std::string_view("a=b\0", 4)), "BadConnectionText");
   EXPECT_EQ(Refused(std::string_view("books\0.db", 9)), "BadConnectionText");
   EXPECT_EQ(Refused("Provider=SQLite;Data Source=\xFF\xFE.db"), "none") << "file names are bytes";
+}
+
+TEST(ConnectionTextTest, TextsThatMeanTheSameHaveOneCanonicalText) {
+  const auto canonical = [](std::string_view text) {
+    return ConnectionText::Parse(text).Canonical().ToText();
+  };
+  const std::string folder = std::filesystem::canonical(".").string();
+  const std::string same = "Provider=SQLite;Data Source=" + folder + "/a.db;";
+  for (const char* text :
+       {"a.db", "./a.db", "x/../a.db", ".//a.db", "provider=sqlite;data source=a.db;",
+        "Data Source=a.db;Provider=SQLITE;Initial catalog=A;Synchronous=full;Session=1;"}) {
+    EXPECT_EQ(canonical(text), same) << text;
+  }
+  EXPECT_EQ(canonical("Provider=SQLite;Data Source=a.db;Synchronous=NORMAL"),
+            "Provider=SQLite;Data Source=" + folder + "/a.db;Synchronous=Normal;");
+  EXPECT_NE(canonical("b.db"), same);
+  EXPECT_EQ(canonical("Provider=postgresql;Initial catalog=b;Session=1;Host=h;Data Source=x"),
+            canonical("host=h;Initial Catalog=b;Provider=PostgreSQL;Data source=x"));
 }
 
 TEST(ConnectionTextTest, KeysCanBePutInAndTakenOut) {

@@ -1,5 +1,7 @@
 #include "qdclgl/server/db/schema.h"
 
+#include "qdclgl/server/db/connections.h"
+#include "qdclgl/server/db/new_books.h"
 #include "qdclgl/server/db/refusals.h"
 #include "tests/server/books_state.h"
 
@@ -17,13 +19,12 @@ class SchemaTest : public RecordsTest {
   // Books as an older program made them, with some rows in them.
   std::string OldBooks(int version) {
     const std::string text = NewConnectionText(GetParam());
-    Database db(ConnectionText::Parse(text), Database::Opening::kCreate);
-    Transaction transaction(db, Transaction::Kind::kChangeRules);
-    Migrate(db, version);
-    db.Execute("INSERT INTO t_VoucherGroup (FVersion, FName, FStandard, FLimitMulti, FDRange,"
-               " FCRange, FDCRange, FNDRange, FNCRange, FNDCRange, FDeleted, UUID)"
-               " VALUES (1, 'Receipts', 0, 0, '', '', '', '', '', '', 0, '')");
-    transaction.Commit();
+    MakeBooks(ConnectionText::Parse(text), [&](Database& db) {
+      Migrate(db, version);
+      db.Execute("INSERT INTO t_VoucherGroup (FVersion, FName, FStandard, FLimitMulti, FDRange,"
+                 " FCRange, FDCRange, FNDRange, FNCRange, FNDCRange, FDeleted, UUID)"
+                 " VALUES (1, 'Receipts', 0, 0, '', '', '', '', '', '', 0, '')");
+    });
     return text;
   }
 };
@@ -46,10 +47,10 @@ TEST_P(SchemaTest, OldBooksAreUpgradedWithWhatIsInThem) {
     EXPECT_EQ(Version(old), version);
     EXPECT_EQ(RefusalOf([&] { Call("QDSVGLSession.SessionUpdate", "Login", old, "x", ""); }),
               "WrongSchema");
-    Database::CloseAll();
+    Connections::OfThisThread().CloseAll();
     EXPECT_EQ(Upgrade(old), version);
     EXPECT_EQ(Version(old), CurrentSchemaVersion());
-    Database db(ConnectionText::Parse(old), Database::Opening::kExisting);
+    Database db(ConnectionText::Parse(old));
     EXPECT_EQ(db.QueryValue<std::string>("SELECT FName FROM t_VoucherGroup"), "Receipts");
     RemoveBooks(old);
   }

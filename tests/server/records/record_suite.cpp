@@ -7,6 +7,7 @@
 
 #include "qdclgl/frame/containers/vector.h"
 #include "qdclgl/frame/session/startup.h"
+#include "qdclgl/server/db/connections.h"
 #include "qdclgl/server/db/refusals.h"
 
 namespace qdclgl::server::testing {
@@ -273,7 +274,7 @@ void RecordSuite::InAnotherSession(const std::function<void()>& operation) {
     SetApartmentStarted(true);
     Login("administrator");
     operation();
-    Database::CloseAll();
+    Connections::OfThisThread().CloseAll();
   }).join();
   props = own;
 }

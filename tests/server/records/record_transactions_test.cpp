@@ -5,6 +5,7 @@
 
 #include "qdclgl/frame/platform/machine.h"
 #include "qdclgl/frame/session/startup.h"
+#include "qdclgl/server/db/connections.h"
 #include "tests/server/records/record_suite.h"
 
 namespace qdclgl::server::testing {
@@ -102,7 +103,7 @@ TEST_P(RecordSuite, OfSessionsThatSaveAtOnceOneGetsThrough) {
       together.arrive_and_wait();
       creates[i] = RefusalOf([&] { Call(kind.update, "Create", own, row); });
       row = nullptr;
-      Database::CloseAll();
+      Connections::OfThisThread().CloseAll();
     });
   }
   for (std::thread& thread : threads) thread.join();
