@@ -5,7 +5,7 @@
 #include <map>
 #include <set>
 
-#include "qdclgl/server/access/login.h"
+#include "qdclgl/server/access/session.h"
 #include "qdclgl/server/db/columns.h"
 #include "qdclgl/server/periods/calendar.h"
 #include "qdclgl/server/periods/settings.h"

@@ -93,6 +93,10 @@ std::string PostgreSQLOptions(const ConnectionText& text) {
   add("dbname", text[connection_key::kCatalog]);
   add("user", text[connection_key::kUser]);
   add("password", text[connection_key::kPassword]);
+  add("sslmode", text[connection_key::kSslMode]);
+  add("sslrootcert", text[connection_key::kSslRootCert]);
+  add("sslcert", text[connection_key::kSslCert]);
+  add("sslkey", text[connection_key::kSslKey]);
   add("connect_timeout", "10");
   return options;
 }
@@ -358,6 +362,14 @@ void Database::Run(std::string_view sql) {
   }
 }
 
+std::optional<std::string> Database::RunForText(const std::string& script) {
+  return Translated(broken_, [&]() -> std::optional<std::string> {
+    std::string text;
+    state_->session << script, soci::into(text);
+    return state_->session.got_data() ? std::optional(text) : std::nullopt;
+  });
+}
+
 void Database::ExecuteScript(std::string_view script) {
   while (true) {
     const auto end = script.find(';');
@@ -422,7 +434,7 @@ constexpr std::string_view kExclusiveLock =
 
 }  // namespace
 
-Transaction::Transaction(Database& database, Kind kind)
+Transaction::Transaction(Database& database, Kind kind, std::string_view question)
     : database_(database), level_(database.depth_) {
   std::string begin = level_ > 0 ? "SAVEPOINT level" + std::to_string(level_) : "BEGIN";
   if (kind == Kind::kRead) {
@@ -434,11 +446,18 @@ Transaction::Transaction(Database& database, Kind kind)
     begin.append("; ").append(kind == Kind::kSave ? kSharedLock : kExclusiveLock);
   }
   if (StatementHook()) StatementHook()(begin);
+  if (database.is_sqlite_) database.Run(begin);
   try {
-    database.Run(begin);
+    if (question.empty()) {
+      if (!database.is_sqlite_) database.Run(begin);
+    } else if (database.is_sqlite_) {
+      answer_ = database.QueryValue<std::string>(question);
+    } else {
+      answer_ = database.RunForText(begin.append("; ").append(question));
+    }
   } catch (const Error&) {
-    // The lock may have failed behind the beginning.
-    if (!database.is_sqlite_) database.RollBack(level_);
+    // The lock or the question may have failed behind the beginning.
+    database.RollBack(level_);
     throw;
   }
   ++database.depth_;

@@ -167,6 +167,7 @@ class Database {
 
   // A batch: many saves in one transaction, each a savepoint in it. BadBatch when one is under way
   // or none is.
+  bool IsInBatch() const { return in_batch_; }
   void BeginBatch();
   void CommitBatch();
   void RollBackBatch();
@@ -210,6 +211,8 @@ class Database {
   // Runs a word of the transaction language, the second past the hook.
   void Transact(std::string_view sql);
   void Run(std::string_view sql);
+  // Runs several statements of PostgreSQL in one message; the text that the last one gives.
+  std::optional<std::string> RunForText(const std::string& script);
   // Takes back what is under way, to the savepoint of a level above 0. A connection that can't is
   // given up: the next caller gets a new one.
   void RollBack(int level) noexcept;
@@ -230,17 +233,23 @@ class Transaction {
   // settings, the current period. kChangeRules is for what changes those: it waits until no save is
   // under way, and saves wait for it.
   enum class Kind { kRead, kSave, kChangeRules };
-  Transaction(Database& database, Kind kind);
+  // `question` is a query of one text without values. It is asked once no rule can change any more,
+  // and costs no message of its own.
+  Transaction(Database& database, Kind kind, std::string_view question = {});
   ~Transaction();
   Transaction(const Transaction&) = delete;
   Transaction& operator=(const Transaction&) = delete;
 
   void Commit();
 
+  // The first row's answer to the question, nothing without a row.
+  const std::optional<std::string>& answer() const { return answer_; }
+
  private:
   Database& database_;
   int level_;
   bool open_ = true;
+  std::optional<std::string> answer_;
 };
 
 }  // namespace qdclgl::server

@@ -22,6 +22,7 @@
   REFUSAL(0x08, DatabaseBusy, "Others kept the database busy for too long; try again.")         \
   REFUSAL(0x09, ConnectionLost, "The connection to the database is lost; try again.")           \
   REFUSAL(0x0A, BadBatch, "A batch is under way already, or there is none to end.")             \
+  REFUSAL(0x0E, LoginDelayed, "Logins have failed; the next one has to wait.")                  \
   REFUSAL(0x10, BadFilter, "The filter text can't be understood.")                              \
   REFUSAL(0x11, BadSort, "The sort text can't be understood.")                                  \
   REFUSAL(0x12, BadValue, "A value does not fit its column.")                                   \
@@ -44,8 +45,9 @@
   REFUSAL(0x29, VoucherPosted, "The voucher is posted.")                                        \
   REFUSAL(0x2A, VoucherDeleted, "The voucher is deleted.")                                      \
   REFUSAL(0x2B, WrongStep, "The voucher is not in the state that the step needs.")              \
-  REFUSAL(0x2C, OwnVoucher, "Who prepared a voucher does not check it.")                        \
+  REFUSAL(0x2C, OwnVoucher, "Who had a hand in a voucher does not take this step.")             \
   REFUSAL(0x2D, TooLarge, "An amount or a total is beyond what the books can hold.")            \
+  REFUSAL(0x2E, VoucherCashed, "The voucher is cashed.")                                        \
   REFUSAL(0x30, NoParent, "The account above is missing.")                                      \
   REFUSAL(0x31, ParentInUse, "The account above has lines of its own.")                         \
   REFUSAL(0x32, HasChildren, "The account has sub-accounts.")                                   \

@@ -108,6 +108,9 @@ std::vector<Ref<Dictionary>> RowsOf(const Ref<Recordset>& list) {
 }
 
 RecordSuite::RecordSuite() : RecordBooks(GetParam().database), kind(*GetParam().kind) {
+  const std::string own = props;
+  other_session_ = Login("administrator");
+  props = own;
   if (kind.prepare != nullptr) kind.prepare(*this);
 }
 
@@ -270,7 +273,7 @@ void RecordSuite::InAnotherSession(const std::function<void()>& operation) {
   const std::string own = props;
   std::thread([&] {
     SetApartmentStarted(true);
-    Login("administrator");
+    props = other_session_;
     operation();
     Database::CloseAll();
   }).join();
