@@ -41,8 +41,10 @@ void ApplyRules(Database& db, const VoucherFacts& facts, VoucherTree& tree);
 // asks for. NumberTaken when another voucher has it.
 void GiveNumber(Database& db, VoucherTree& tree);
 
-// Refuses what is not open for change: PeriodClosed, VoucherDeleted, VoucherPosted, VoucherChecked.
+// Refuses what is not open for change: PeriodClosed, VoucherDeleted, and what somebody has signed,
+// as VoucherPosted, VoucherChecked, VoucherCashed.
 void RequireOpenPeriod(const LedgerRules& rules, const VoucherTree& tree);
+void RequireUnsigned(const VoucherTree& tree);
 void RequireChangeable(const LedgerRules& rules, const VoucherTree& tree);
 
 }  // namespace qdclgl::server

@@ -600,6 +600,7 @@ TEST_P(VoucherServer, TheTrailTellsEveryDeedWithWhatChanged) {
   voucher->Value("_Entries").As<Vector>()->Append(Variant(Line("2000", 0, 2)));
   Call(kUpdate, "Update", "<>1" + props, ByRef(id), voucher);
   for (const char* step : {"Check", "Approve", "Cash", "Post", "UnPost"}) Step(step, id);
+  Step("Cash", id, false);
   Step("Approve", id, false);
   Step("Check", id, false);
   Call(kUpdate, "ClearCashFlow", props, ByRef(id));
@@ -619,8 +620,8 @@ TEST_P(VoucherServer, TheTrailTellsEveryDeedWithWhatChanged) {
   const std::string start = std::to_string(id) + "|2024/1 Receipts 1|";
   expected += start + "Create|1||\n";
   expected += start + "Update|2|FReference, line 1 FAmount, line 2 FAmount, line 3 added|\n";
-  for (const char* action : {"Check", "Approve", "Cash", "Post", "UnPost", "UnApprove", "UnCheck",
-                             "ClearCashFlow", "Delete", "Purge"}) {
+  for (const char* action : {"Check", "Approve", "Cash", "Post", "UnPost", "UnCash", "UnApprove",
+                             "UnCheck", "ClearCashFlow", "Delete", "Purge"}) {
     expected += start + action + "|1||\n";
   }
   expected += std::to_string(automatic) + "|2024/1 Receipts 2|Create|2||\n";
