@@ -81,6 +81,8 @@ String SessionUpdate::Login(std::string_view connection, std::string_view UserNa
   session->address = GetIPAddress();
   const Caller caller{session, Database::Of(session->connection), false, kAnything};
   Database& db = caller.db;
+  // It would take back what is noted down here.
+  Database::AbandonBatchOf(session->connection);
   RequireCurrentSchema(db);
 
   LoginAttempt attempt(db, UserName);
@@ -110,6 +112,7 @@ String SessionUpdate::Login(std::string_view connection, std::string_view UserNa
 void SessionUpdate::Logout(std::string_view PropsString) {
   const std::shared_ptr<const Session> session = EndSession(PropsString);
   if (!session) Refuse(refusal::kNotLoggedIn, "There is no session to end.");
+  Database::AbandonBatchOf(session->connection);
   const Caller caller{session, Database::Of(session->connection), false, kAnything};
   Transaction transaction(caller.db, Transaction::Kind::kSave);
   AuditSession(caller, "Logout");

@@ -14,12 +14,14 @@ class SessionUpdate final : public Object {
  public:
   static constexpr std::string_view kProgID = "QDSVGLSession.SessionUpdate";
 
-  QD_METHOD(String, Login,
-            (std::string_view ConnectionText, std::string_view UserName, std::string_view Password,
-             Boolean Outer = false),
-            "Makes a session of this process, in place of the one before, and returns its "
-            "PropsString. With Outer the session store answers as at an outer login. Errors: "
-            "LoginRefused, LoginDelayed, NoBooks, WrongSchema, BadConnectionText.")
+  QD_METHOD(
+      String, Login,
+      (std::string_view ConnectionText, std::string_view UserName, std::string_view Password,
+       Boolean Outer = false),
+      "Makes a session of this process, in place of the one before, and returns its "
+      "PropsString. With Outer the session store answers as at an outer login. A batch of this "
+      "thread in these books is taken back, and so it is at the logout. Errors: LoginRefused, "
+      "LoginDelayed, NoBooks, WrongSchema, BadConnectionText.")
   QD_METHOD(void, Logout, (std::string_view PropsString),
             "Ends the session. NotLoggedIn when there is none.")
 };

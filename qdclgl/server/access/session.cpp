@@ -34,6 +34,17 @@ Sessions& AllSessions() {
   Refuse(refusal::kNotLoggedIn, sentence + " log in first.");
 }
 
+// The batch of a session that is over would hold up others for good.
+void AbandonBatchOf(std::string_view props) {
+  std::string connection;
+  try {
+    connection = ConnectionText::Parse(props).Without(connection_key::kSession).ToText();
+  } catch (const Error&) {
+    return;  // it never was a session's
+  }
+  Database::AbandonBatchOf(connection);
+}
+
 // The session behind a PropsString, which lasts on from this call.
 std::shared_ptr<const Session> UsedSession(std::string_view props) {
   Sessions& sessions = AllSessions();
@@ -43,11 +54,15 @@ std::shared_ptr<const Session> UsedSession(std::string_view props) {
     const auto found = sessions.by_props.find(props);
     if (found != sessions.by_props.end()) session = found->second;
   }
-  if (!session) RefuseSession("There is no session behind the connection text;");
+  if (!session) {
+    AbandonBatchOf(props);
+    RefuseSession("There is no session behind the connection text;");
+  }
   const std::int64_t now = SecondsNow();
   const std::int64_t before = session->last_call.exchange(now);
   if (session->idle_seconds != 0 && now - before > session->idle_seconds) {
     EndSession(props);
+    AbandonBatchOf(props);
     RefuseSession("The session of " + session->user_name + " has ended for want of use;");
   }
   return session;
@@ -137,6 +152,7 @@ void Caller::Confirm(const std::optional<std::string>& standing_text) const {
   const std::string& name = session->user_name;
   const auto end = [&](const char* reason) {
     EndSession(session->props);
+    AbandonBatchOf(session->props);
     RefuseSession("The session of " + name + " has ended: " + reason);
   };
   if (!standing_text) end("there is no such user any more;");
@@ -173,9 +189,12 @@ Caller Enter(std::string_view props, const Right& right) {
   return caller;
 }
 
-CallersTransaction::CallersTransaction(const Caller& caller, Kind kind)
+CallersTransaction::CallersTransaction(const Caller& caller, Kind kind) try
     : Transaction(caller.db, kind, StandingQuery(std::to_string(caller.session->user_id))) {
   caller.Confirm(answer());
+} catch (const Error& error) {
+  // The transaction is over by now, and a batch around it goes with the session.
+  if (error.number() == refusal::kNotLoggedIn) AbandonBatchOf(caller.session->props);
 }
 
 }  // namespace qdclgl::server

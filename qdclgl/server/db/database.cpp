@@ -325,6 +325,13 @@ Database& Database::Of(const std::string& connection) {
   return *database;
 }
 
+void Database::AbandonBatchOf(const std::string& connection) {
+  const auto found = Connections().find(connection);
+  if (found == Connections().end() || !found->second) return;
+  Database& db = *found->second;
+  if (db.in_batch_ && db.depth_ == 1) db.RollBackBatch();
+}
+
 void Database::CloseAll() { Connections().clear(); }
 
 Statement& Database::Prepared(std::string_view sql, std::span<const Storage> parameters,

@@ -108,6 +108,9 @@ class Database {
   // The connection of this thread to the books of a text as ConnectionText::ToText has it, without
   // a session; made on first use and kept. Errors: NoBooks, ConnectionLost, DatabaseFailed.
   static Database& Of(const std::string& connection);
+  // Takes back the batch that is under way on that connection of this thread, if there is one and
+  // no transaction is at work inside it: who began it is gone.
+  static void AbandonBatchOf(const std::string& connection);
   // Closes this thread's connections, before a file is moved, say.
   static void CloseAll();
 

@@ -143,6 +143,38 @@ TEST_P(StandingTest, ASessionLastsEightHoursWithoutASettingAndForeverWithZero) {
   EXPECT_EQ(RefusalOf([&] { BalanceText(); }), "none");
 }
 
+TEST_P(StandingTest, ABatchEndsWithTheSessionThatBeganIt) {
+  const auto batch = [&](const char* method) {
+    return RefusalOf([&] { Call("QDSVGLBatch.BatchUpdate", method, props); });
+  };
+  const auto is_free = [&] { return !Books().IsInBatch(); };
+  const std::string before = State();
+  std::int64_t now = 1'700'000'000;
+  SetClock([&] { return now; });
+  BalanceText();
+  EXPECT_EQ(batch("Begin"), "none");
+  Save(Sale(5));
+  now += 9 * 60 * 60;
+  EXPECT_EQ(batch("Commit"), "NotLoggedIn") << "nobody used it";
+  EXPECT_TRUE(is_free());
+  EXPECT_EQ(State(), before);
+
+  Login("anna");
+  EXPECT_EQ(batch("Begin"), "none");
+  Save(Sale(5));
+  Books().Execute("UPDATE t_User SET FDisabled = 1 WHERE FName = 'anna'");
+  EXPECT_EQ(RefusalOf([&] { Save(Sale(6)); }), "NotLoggedIn");
+  EXPECT_TRUE(is_free());
+  EXPECT_EQ(Books().QueryValue<Long>("SELECT COUNT(*) FROM t_Voucher"), 0);
+
+  Login("anna");
+  EXPECT_EQ(batch("Begin"), "none");
+  Save(Sale(5));
+  Call("QDSVGLSession.SessionUpdate", "Logout", props);
+  EXPECT_TRUE(is_free());
+  EXPECT_EQ(Books().QueryValue<Long>("SELECT COUNT(*) FROM t_Voucher"), 0);
+}
+
 // The look at the user rides along with what is asked anyhow.
 TEST_P(StandingTest, ASaveAndItsReadingCostNoStatementMore) {
   const Long id = Save(Sale(5));
