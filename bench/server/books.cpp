@@ -42,7 +42,8 @@ void LogInTo(const std::string& connection) {
 }
 
 void MakeBooks(const std::string& connection) {
-  CreateObject("QDSVGLBooks.BooksUpdate")->Call("Create", connection, "EUR", Long{2024});
+  CreateObject("QDSVGLBooks.BooksUpdate")
+      ->Call("Create", connection, "EUR", Long{2024}, Named("NoPassword", true));
   LogInTo(connection);
   Batch()->Call("Begin", GetPropsString());
   Make<VoucherGroupSet>()->CreateNew("General")->SaveChanges();

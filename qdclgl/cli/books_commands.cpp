@@ -1,6 +1,10 @@
 // The books as a whole: making and upgrading them, their periods, their health.
+#include <utility>
+
 #include "qdclgl/cli/program.h"
+#include "qdclgl/frame/containers/recordset.h"
 #include "qdclgl/frame/objects/late_bound.h"
+#include "qdclgl/frame/platform/platform.h"
 #include "qdclgl/frame/session/server_gateway.h"
 #include "qdclgl/settings/system_profile.h"
 
@@ -20,17 +24,28 @@ struct InitOptions {
   Long year = 0;
   Long periods = 12;
   Long start_month = 1;
+  bool no_password = false;
+  std::string program_role;
 };
 
 int Init(const InitOptions& options, const Console& console) {
   const Login& login = options.login;
+  if (options.no_password == !Login::Password().empty()) {
+    throw UsageError("init takes the administrator's password from QDCLGL_PASSWORD, or "
+                     "--no-password");
+  }
   login.StartServer();
   CreateObject("QDSVGLBooks.BooksUpdate")
       ->Call("Create", login.book, options.currency, options.year, options.periods,
-             options.start_month, login.user, Login::Password());
+             options.start_month, login.user, Login::Password(), options.no_password,
+             options.program_role);
   login.Open();
   console.out << "The books are made, in " << options.currency << ". ";
   PrintCurrentPeriod(console);
+  if (options.no_password) {
+    console.out << "User " << login.user
+                << " has no password: whoever reaches the books can do everything in them.\n";
+  }
   return kDone;
 }
 
@@ -45,6 +60,12 @@ void AddInit(Program& program) {
   AddWhole(*command, "--year", options->year, "The year that the books begin in [this year]");
   AddWhole(*command, "--periods", options->periods, "Periods in a year [12]");
   AddWhole(*command, "--start-month", options->start_month, "The month a year begins with [1]");
+  command->add_flag("--no-password", options->no_password,
+                    "Makes the administrator without a password");
+  command
+      ->add_option("--program-role", options->program_role,
+                   "The PostgreSQL role that programs log in with, another one than the owner")
+      ->type_name("ROLE");
 }
 
 void AddUpgrade(Program& program) {
@@ -62,14 +83,110 @@ void AddUpgrade(Program& program) {
       });
 }
 
-void AddPeriodStep(Program& program, const char* name, const char* help, const char* method) {
-  const auto login = std::make_shared<Login>();
-  program.AddForBooks(name, help, *login, [login, &program, method] {
-    const std::string props = login->Open();
-    CreateObject("QDSVGLPeriod.PeriodUpdate")->Call(method, props);
-    PrintCurrentPeriod(program.console());
-    return kDone;
-  });
+// ---- Periods ----
+
+// The vouchers of a period that are not posted.
+Long CountOpen(const std::string& props, Long year, Long period) {
+  Long options = 0;
+  std::string filter = "FPosted = FALSE AND FYear = " + std::to_string(year) +
+                       " AND FPeriod = " + std::to_string(period);
+  std::string sort;
+  return CreateObject("QDSVGLVoucher.VoucherInfo")
+      ->Call("GetList", props, ByRef(options), ByRef(filter), ByRef(sort))
+      .As<Recordset>()
+      ->RecordCount();
+}
+
+// Tells what a closing will do.
+void AnnounceClosing(const std::string& props, const Console& console) {
+  const auto profile = Make<SystemProfile>();
+  Long year = profile->GLGetCurrentYear(), period = profile->GLGetCurrentPeriod();
+  DateTime start, end;
+  CreateObject("QDCPeriodDate.clsPeriodDate")
+      ->Call("GetPeriodStartEnd", props, ByRef(period), ByRef(year), ByRef(start), ByRef(end));
+  console.out << "This closes period " << year << "/" << period << ", " << start.ToText() << " to "
+              << end.ToText()
+              << ": none of its vouchers can be unposted any more, and none is added to it.\n";
+  if (CurrentPlatform().Today().days <= end.days) {
+    console.out << "The period has not ended yet.\n";
+  }
+  if (const Long open = CountOpen(props, year, period); open > 0) {
+    console.out << open << (open == 1 ? " voucher" : " vouchers")
+                << " of the period must be posted first.\n";
+  }
+}
+
+// Whether somebody agrees. UsageError when there is nobody to ask.
+bool IsAgreed(const Console& console) {
+  if (console.answers == nullptr) {
+    throw UsageError("close asks before it closes, and nobody is there to answer; say --yes");
+  }
+  console.out << "Close it? [y/N] " << std::flush;
+  std::string answer;
+  std::getline(*console.answers, answer);
+  return answer == "y" || answer == "Y" || answer == "yes";
+}
+
+struct CloseOptions {
+  Login login;
+  bool yes = false;
+};
+
+int Close(const CloseOptions& options, const Console& console) {
+  const std::string props = options.login.Open();
+  AnnounceClosing(props, console);
+  if (!options.yes && !IsAgreed(console)) {
+    console.out << "Nothing is closed.\n";
+    return kRefused;
+  }
+  CreateObject("QDSVGLPeriod.PeriodUpdate")->Call("Close", props);
+  PrintCurrentPeriod(console);
+  return kDone;
+}
+
+void AddClose(Program& program) {
+  const auto options = std::make_shared<CloseOptions>();
+  CLI::App* command =
+      program.AddForBooks("close", "Closes the current period", options->login,
+                          [options, &program] { return Close(*options, program.console()); });
+  command->add_flag("--yes", options->yes, "Closes without a question");
+}
+
+struct ReopenOptions {
+  Login login;
+  std::string to;
+};
+
+// "2024/3" as year and period.
+std::pair<Long, Long> PeriodFrom(const std::string& text) {
+  const std::size_t slash = text.find('/');
+  if (slash == text.npos) throw UsageError("--to takes a period such as 2024/3");
+  return {WholeOption("--to", text.substr(0, slash)), WholeOption("--to", text.substr(slash + 1))};
+}
+
+int Reopen(const ReopenOptions& options, const Console& console) {
+  const auto period = options.to.empty() ? std::pair<Long, Long>() : PeriodFrom(options.to);
+  const std::string props = options.login.Open();
+  const auto update = CreateObject("QDSVGLPeriod.PeriodUpdate");
+  if (options.to.empty()) {
+    update->Call("Reopen", props);
+  } else {
+    update->Call("ReopenTo", props, period.first, period.second);
+  }
+  PrintCurrentPeriod(console);
+  return kDone;
+}
+
+void AddReopen(Program& program) {
+  const auto options = std::make_shared<ReopenOptions>();
+  CLI::App* command =
+      program.AddForBooks("reopen", "Reopens the period that was closed last", options->login,
+                          [options, &program] { return Reopen(*options, program.console()); });
+  command
+      ->add_option("--to", options->to,
+                   "Reopens all periods back to this one, whatever is posted behind it; for "
+                   "administrators")
+      ->type_name("YEAR/PERIOD");
 }
 
 struct DoctorOptions {
@@ -104,8 +221,8 @@ void AddDoctor(Program& program) {
 void AddBooksCommands(Program& program) {
   AddInit(program);
   AddUpgrade(program);
-  AddPeriodStep(program, "close", "Closes the current period", "Close");
-  AddPeriodStep(program, "reopen", "Reopens the period that was closed last", "Reopen");
+  AddClose(program);
+  AddReopen(program);
   AddDoctor(program);
 }
 

@@ -10,6 +10,7 @@ ExitCode ExitCodeOf(const Error& error) {
   using namespace server::refusal;
   switch (error.number()) {
     case kLoginRefused:
+    case kLoginDelayed:
     case kBadConnectionText:
     case kNoBooks:
     case kWrongSchema:

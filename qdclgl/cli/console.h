@@ -1,6 +1,7 @@
 // Where a run of the program writes, and how it ends.
 #pragma once
 
+#include <istream>
 #include <ostream>
 #include <stdexcept>
 #include <string>
@@ -13,7 +14,8 @@ namespace qdclgl::cli {
 struct Console {
   std::ostream& out;
   std::ostream& err;
-  bool shows_progress = false;  // somebody watches err
+  bool shows_progress = false;      // somebody watches err
+  std::istream* answers = nullptr;  // somebody answers questions here; null: nobody
 };
 
 enum ExitCode : int {

@@ -29,15 +29,6 @@ std::string FromEnvironment(const char* variable) {
   return value == nullptr ? "" : value;
 }
 
-// As an option's text is read: what is wrong with it is wrong usage.
-Long WholeOption(const std::string& name, const std::string& text) {
-  try {
-    return ReadWhole(text);
-  } catch (const BadCell& bad) {
-    throw CLI::ValidationError(name, bad.what());
-  }
-}
-
 }  // namespace
 
 void Login::StartServer() const {
@@ -112,6 +103,14 @@ std::string FilterText(std::string_view text) {
   std::string quoted = "'";
   for (const char c : text) quoted.append(c == '\'' ? 2 : 1, c);
   return quoted + "'";
+}
+
+Long WholeOption(const std::string& name, const std::string& text) {
+  try {
+    return ReadWhole(text);
+  } catch (const BadCell& bad) {
+    throw CLI::ValidationError(name, bad.what());
+  }
 }
 
 int Program::RunChosen() { return chosen_(); }

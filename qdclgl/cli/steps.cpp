@@ -56,8 +56,9 @@ constexpr Step kSteps[] = {
      [](VoucherSet& vouchers, Long id) { vouchers.Post(id); }},
     {"unpost", "Takes postings back", "FPosted = TRUE", "unposted",
      [](VoucherSet& vouchers, Long id) { vouchers.UnPost(id); }},
-    {"remove", "Deletes vouchers; their numbers stay taken", "FChecked = FALSE AND FPosted = FALSE",
-     "removed", [](VoucherSet& vouchers, Long id) { vouchers.Remove(id); }},
+    {"remove", "Deletes vouchers; their numbers stay taken",
+     "FChecked = FALSE AND FPosted = FALSE AND FCashierID < 1", "removed",
+     [](VoucherSet& vouchers, Long id) { vouchers.Remove(id); }},
 };
 
 }  // namespace

@@ -19,6 +19,7 @@ struct UserOptions {
   std::string name;
   std::string roles;
   bool set_password = false;
+  bool no_password = false;
   bool disable = false;
   bool enable = false;
   bool remove = false;
@@ -60,14 +61,17 @@ int ChangeUser(const UserOptions& options, const Console& console) {
   if (!options.roles.empty()) user->Value("FRoles", options.roles);
   if (options.disable || options.enable) user->Value("FDisabled", options.disable);
   if (is_new) {
-    if (options.set_password) user->Value("FPassword", password);
+    if (options.set_password || options.no_password) user->Value("FPassword", password);
     update->Call("Create", props, user);
   } else {
     Long id = user->Value("FUserID").As<Long>();
     if (!options.roles.empty() || options.disable || options.enable) {
       update->Call("Update", props, ByRef(id), user);
     }
-    if (options.set_password) update->Call("SetPassword", props, ByRef(id), password);
+    if (options.set_password || options.no_password) {
+      update->Call("SetPassword", props, ByRef(id), password, Login::Password(),
+                   options.no_password);
+    }
   }
   console.out << "User " << options.name << (is_new ? " is made.\n" : " is changed.\n");
   return kDone;
@@ -93,13 +97,16 @@ void AddUserCommand(Program& program) {
           "--roles", options->roles,
           "What the user may do: reader, preparer, checker, cashier, poster, administrator")
       ->type_name("ROLES");
-  command->add_flag("--set-password", options->set_password,
-                    "Gives the password in QDCLGL_NEW_PASSWORD");
+  auto* set_password = command->add_flag("--set-password", options->set_password,
+                                         "Gives the password in QDCLGL_NEW_PASSWORD");
+  auto* no_password =
+      command->add_flag("--no-password", options->no_password, "Lets the user in without one");
   auto* remove = command->add_flag("--remove", options->remove, "Removes the user");
   auto* disable =
       command->add_flag("--disable", options->disable, "Keeps the user from logging in");
   auto* enable = command->add_flag("--enable", options->enable, "Lets the user log in again");
   disable->excludes(enable);
+  no_password->excludes(set_password);
   remove->excludes(disable)->excludes(enable);
 }
 

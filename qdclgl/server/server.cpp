@@ -5,6 +5,7 @@
 
 #include "qdclgl/frame/session/server_gateway.h"
 #include "qdclgl/server/access/audit.h"
+#include "qdclgl/server/access/login.h"
 #include "qdclgl/server/books/batch.h"
 #include "qdclgl/server/books/books.h"
 #include "qdclgl/server/periods/period.h"

@@ -10,7 +10,7 @@
 #include <sstream>
 
 #include "qdclgl/cli/program.h"
-#include "qdclgl/server/access/login.h"
+#include "qdclgl/server/access/password.h"
 
 namespace qdclgl::cli::testing {
 
@@ -90,7 +90,7 @@ RunResult CliTest::Run(std::vector<std::string> arguments) const {
 }
 
 void CliTest::Init(const std::string& year) const {
-  ASSERT_EQ(Run({"init", "--year", year}).code, 0);
+  ASSERT_EQ(Run({"init", "--no-password", "--year", year}).code, 0);
   const std::string chart = folder.Write("accounts.csv", "number,name,dc\n"
                                                          "1000,Cash,1\n1001,Bank,1\n1002,Goods,1\n"
                                                          "2000,Equity,-1\n2000.01,Capital,-1\n");

@@ -1,8 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <nlohmann/json.hpp>
+#include <sstream>
 
 #include "qdclgl/api/api_table.h"
+#include "qdclgl/cli/program.h"
 #include "qdclgl/frame/session/server_gateway.h"
 #include "qdclgl/server/db/database.h"
 #include "tests/cli/cli_fixture.h"
@@ -24,12 +27,31 @@ class Commands : public CliTest {
 
 TEST_P(Commands, InitMakesBooksOnce) {
   EXPECT_EQ(
-      Run({"init", "--currency", "usd", "--year", "2023", "--periods", "4", "--start-month", "04"})
+      Run({"init", "--no-password", "--currency", "usd", "--year", "2023", "--periods", "4",
+           "--start-month", "04"})
           .out,
-      "The books are made, in usd. The current period is 2023/1.\n");
-  const RunResult again = Run({"init"});
+      "The books are made, in usd. The current period is 2023/1.\n"
+      "User administrator has no password: whoever reaches the books can do everything in them.\n");
+  const RunResult again = Run({"init", "--no-password"});
   EXPECT_EQ(again.code, 1);
   EXPECT_TRUE(again.err.starts_with("qdclgl: 80044205: ")) << again.err;
+}
+
+TEST_P(Commands, AnAdministratorWithoutAPasswordIsAskedForExpressly) {
+  const RunResult silent = Run({"init"});
+  EXPECT_EQ(silent.code, 2);
+  EXPECT_NE(silent.err.find("--no-password"), std::string::npos) << silent.err;
+  setenv("QDCLGL_PASSWORD", "sesame", 1);
+  EXPECT_EQ(Run({"init", "--no-password"}).code, 2) << "one or the other";
+  EXPECT_EQ(Run({"init", "--year", "2024"}).out,
+            "The books are made, in EUR. The current period is 2024/1.\n");
+  setenv("QDCLGL_NEW_PASSWORD", "open", 1);
+  EXPECT_EQ(Run({"user", "administrator", "--set-password"}).code, 0) << "the old one is known";
+  EXPECT_EQ(Run({"users"}).code, 5);
+  setenv("QDCLGL_PASSWORD", "open", 1);
+  EXPECT_EQ(Run({"users"}).code, 0);
+  unsetenv("QDCLGL_PASSWORD");
+  unsetenv("QDCLGL_NEW_PASSWORD");
 }
 
 TEST_P(Commands, ListsAreTablesCsvOrJson) {
@@ -165,14 +187,50 @@ TEST_P(Commands, BalancesCoverWhatIsAskedFor) {
 
 TEST_P(Commands, PeriodsCloseAndReopen) {
   InitWithVouchers();
-  const RunResult early = Run({"close"});
+  const std::string first =
+      "This closes period 2024/1, 2024-01-01 to 2024-01-31: none of its vouchers can be unposted "
+      "any more, and none is added to it.\n";
+  const RunResult early = Run({"close", "--yes"});
   EXPECT_EQ(early.code, 1);
   EXPECT_TRUE(early.err.starts_with("qdclgl: 80044250: ")) << early.err;
+  EXPECT_EQ(early.out, first + "1 voucher of the period must be posted first.\n");
   ASSERT_EQ(Run({"post", "1"}).code, 0);
-  EXPECT_EQ(Run({"close"}).out, "The current period is 2024/2.\n");
+  EXPECT_EQ(Run({"close", "--yes"}).out, first + "The current period is 2024/2.\n");
   EXPECT_EQ(Run({"unpost", "1"}).code, 1);
   EXPECT_EQ(Run({"reopen"}).out, "The current period is 2024/1.\n");
   EXPECT_EQ(Run({"reopen"}).code, 1);
+}
+
+TEST_P(Commands, CloseTellsWhatItWillDoAndAsks) {
+  InitWithVouchers();
+  ASSERT_EQ(Run({"post", "1"}).code, 0);
+  const auto answered = [&](const std::string& answer) {
+    std::istringstream answers(answer);
+    std::ostringstream out, err;
+    const int code = cli::Run({"close", book}, {out, err, false, &answers});
+    return std::to_string(code) + " " + out.str().substr(out.str().find('\n') + 1);
+  };
+  const RunResult nobody = Run({"close"});
+  EXPECT_EQ(nobody.code, 2);
+  EXPECT_NE(nobody.err.find("--yes"), std::string::npos) << nobody.err;
+  for (const char* no : {"n\n", "\n", "", "never\n"}) {
+    EXPECT_EQ(answered(no), "1 Close it? [y/N] Nothing is closed.\n");
+  }
+  EXPECT_EQ(answered("y\n"), "0 Close it? [y/N] The current period is 2024/2.\n");
+}
+
+TEST_P(Commands, APrematureCloseIsTakenBackBehindLaterPostings) {
+  InitWithVouchers();
+  ASSERT_EQ(Run({"post", "1", "2"}).code, 0);
+  for (int i = 0; i < 2; ++i) ASSERT_EQ(Run({"close", "--yes"}).code, 0);
+  ASSERT_EQ(Run({"reopen"}).out, "The current period is 2024/2.\n");
+  EXPECT_TRUE(Run({"reopen"}).err.starts_with("qdclgl: 80044251: "));
+  EXPECT_EQ(Run({"reopen", "--to", "2024/1"}).out, "The current period is 2024/1.\n");
+  EXPECT_EQ(Run({"unpost", "1"}).code, 0);
+  for (const char* wrong : {"2024", "2024-1", "a/b", "2024/"}) {
+    EXPECT_EQ(Run({"reopen", "--to", wrong}).code, 2) << wrong;
+  }
+  EXPECT_EQ(Run({"reopen", "--to", "2024/1"}).code, 1) << "it is open";
 }
 
 TEST_P(Commands, TheAuditTrailTellsOfOneVoucher) {

@@ -42,7 +42,7 @@ class Household : public CliTest {};
 TEST_P(Household, TheImportReproducesTheBalances) {
   const std::string data = DataFolder();
   if (!std::filesystem::exists(data)) GTEST_SKIP() << "there is no folder " << data;
-  ASSERT_EQ(Run({"init", "--year", "2021", "--currency", "USD"}).code, 0);
+  ASSERT_EQ(Run({"init", "--no-password", "--year", "2021", "--currency", "USD"}).code, 0);
   const RunResult result =
       Run({"import", "--accounts", data + "/accounts.csv", "--journal", data + "/journal.csv",
            "--new-currencies", "--check-all", "--post-all"});

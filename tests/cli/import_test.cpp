@@ -294,7 +294,7 @@ TEST_P(Import, AnAmountThatIsNotAtItsRateIsReported) {
                                 "b,2024-01-05,1000,80,,USD,100,0.8\nb,2024-01-05,1001,,80,,,\n");
   const RunResult result = Run({"import", "--journal", journal, "--new-currencies"});
   EXPECT_EQ(result.code, 3);
-  EXPECT_EQ(result.err, journal + ":2:1: 8004422E: The new voucher of 2024-01-05 (a): line 1: 100 "
+  EXPECT_EQ(result.err, journal + ":2:1: 80044260: The new voucher of 2024-01-05 (a): line 1: 100 "
                                   "times 0.8 is not 90.\n");
   EXPECT_EQ(References(), "b ");
 }

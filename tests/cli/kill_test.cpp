@@ -68,7 +68,7 @@ TEST_P(Kill, AKilledImportContinuesAndEndsInTheSameBooks) {
   EXPECT_EQ(last.code, 0) << last.err;
 
   const std::string other = server::testing::NewConnectionText(GetParam());
-  ASSERT_EQ(RunInProcess({"init", other, "--year", "2024"}).code, 0);
+  ASSERT_EQ(RunInProcess({"init", other, "--no-password", "--year", "2024"}).code, 0);
   ASSERT_EQ(RunInProcess(
                 {"import", other, "--accounts", folder.Path("accounts.csv"), "--journal", journal})
                 .code,

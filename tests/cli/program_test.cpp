@@ -40,7 +40,7 @@ TEST(Program, HelpAndVersionGoToTheOutput) {
 TEST(Program, EachListOfTheServerIsACommand) {
   const Folder folder;
   const std::string book = folder.Path("books.db");
-  ASSERT_EQ(RunProgram({"init", book, "--year", "2024"}).code, 0);
+  ASSERT_EQ(RunProgram({"init", book, "--no-password", "--year", "2024"}).code, 0);
   for (const server::ServerComponent& component : server::ServerComponents()) {
     if (component.list == nullptr) continue;
     const RunResult plain = RunProgram({std::string(component.list->name), book});
@@ -84,8 +84,8 @@ TEST(Program, BooksThatAreNotThereAreFive) {
 TEST(Program, UsersAreMadeChangedAndRemoved) {
   const Folder folder;
   const std::string book = folder.Path("books.db");
-  ASSERT_EQ(RunProgram({"init", book, "--year", "2024"}).code, 0);
-  EXPECT_EQ(RunProgram({"user", book, "o'hara", "--roles", "checker"}).out,
+  ASSERT_EQ(RunProgram({"init", book, "--no-password", "--year", "2024"}).code, 0);
+  EXPECT_EQ(RunProgram({"user", book, "o'hara", "--roles", "checker", "--no-password"}).out,
             "User o'hara is made.\n");
   EXPECT_EQ(RunProgram({"users", book, "--csv", "--user", "o'hara"}).out,
             "FUserID,FVersion,FName,FRoles,FDisabled\n1,1,administrator,administrator,false\n"
@@ -103,7 +103,7 @@ TEST(Program, UsersAreMadeChangedAndRemoved) {
 
 TEST(Program, BooksMayBeCalledAsACommandIs) {
   const Folder folder;
-  EXPECT_EQ(RunProgram({"init", folder.Path("check"), "--year", "2024"}).code, 0);
+  EXPECT_EQ(RunProgram({"init", folder.Path("check"), "--no-password", "--year", "2024"}).code, 0);
   EXPECT_EQ(RunProgram({"vouchers", folder.Path("check")}).code, 0);
 }
 
@@ -119,7 +119,7 @@ TEST(Program, TheExampleBooksComeInWhole) {
   const Folder folder;
   const std::string book = folder.Path("books.db");
   const std::string examples = QDCLGL_SOURCE_DIR "/examples/books/";
-  ASSERT_EQ(RunProgram({"init", book, "--year", "2024"}).code, 0);
+  ASSERT_EQ(RunProgram({"init", book, "--no-password", "--year", "2024"}).code, 0);
   const RunResult result =
       RunProgram({"import", book, "--accounts", examples + "accounts.csv", "--journal",
                   examples + "journal.csv", "--new-currencies", "--check-all", "--post-all"});
@@ -137,7 +137,7 @@ TEST(Program, TheExampleOpensEditsAndSaves) {
   const Folder folder;
   const std::string book = folder.Path("books.db");
   setenv("QDCLGL_REGISTRY", folder.Path("registry").c_str(), 1);
-  ASSERT_EQ(RunProgram({"init", book, "--year", "2024"}).code, 0);
+  ASSERT_EQ(RunProgram({"init", book, "--no-password", "--year", "2024"}).code, 0);
   const std::string chart = folder.Write("a.csv", "number,name,dc\n1,Cash,1\n2,Capital,-1\n");
   const std::string journal =
       folder.Write("j.csv", "voucher,date,account,debit,credit,explanation\n"

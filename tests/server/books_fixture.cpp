@@ -10,7 +10,7 @@
 
 #include "qdclgl/frame/containers/dictionary.h"
 #include "qdclgl/frame/session/startup.h"
-#include "qdclgl/server/access/login.h"
+#include "qdclgl/server/access/password.h"
 #include "qdclgl/server/db/connections.h"
 #include "qdclgl/server/server.h"
 
@@ -159,7 +159,8 @@ class NewBooks {
  private:
   std::string Made() const {
     std::string text = NewConnectionText(kind_);
-    CreateObject("QDSVGLBooks.BooksUpdate")->Call("Create", text, "EUR", Long{2024});
+    CreateObject("QDSVGLBooks.BooksUpdate")
+        ->Call("Create", text, "EUR", Long{2024}, Named("NoPassword", true));
     return text;
   }
 
@@ -212,6 +213,7 @@ void TestBooks::AddUser(const std::string& name, const std::string& roles) {
   auto user = Make<Dictionary>();
   user->Value("FName", name);
   user->Value("FRoles", roles);
+  user->Value("FPassword", "");
   Call("QDSVGLUser.UserUpdate", "Create", props, user);
 }
 

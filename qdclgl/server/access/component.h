@@ -8,7 +8,7 @@
 #include <string_view>
 
 #include "qdclgl/frame/objects/class_table.h"
-#include "qdclgl/server/access/login.h"
+#include "qdclgl/server/access/session.h"
 
 namespace qdclgl::server {
 

@@ -1,16 +1,15 @@
 #include "qdclgl/server/access/login.h"
 
-#include <sodium.h>
-
-#include <atomic>
+#include <charconv>
 #include <filesystem>
-#include <map>
-#include <mutex>
 
 #include "qdclgl/frame/objects/class_table.h"
 #include "qdclgl/frame/platform/machine.h"
 #include "qdclgl/frame/platform/platform.h"
-#include "qdclgl/frame/vocabulary/text.h"
+#include "qdclgl/server/access/audit.h"
+#include "qdclgl/server/access/clock.h"
+#include "qdclgl/server/access/login_attempt.h"
+#include "qdclgl/server/access/password.h"
 #include "qdclgl/server/db/connections.h"
 #include "qdclgl/server/db/refusals.h"
 #include "qdclgl/server/db/schema.h"
@@ -23,43 +22,8 @@ QD_DEFINE_MEMBERS(ShareProps)
 
 namespace {
 
-constexpr std::pair<Role, std::string_view> kRoles[] = {
-    {Role::kReader, "reader"},   {Role::kPreparer, "preparer"},
-    {Role::kChecker, "checker"}, {Role::kCashier, "cashier"},
-    {Role::kPoster, "poster"},   {Role::kAdministrator, "administrator"},
-};
-
-// The sessions of this process. Threads share them; each has database connections of its own.
-struct Sessions {
-  std::mutex mutex;
-  std::map<std::string, std::shared_ptr<const Session>, std::less<>> by_props;
-  std::shared_ptr<const Session> current;  // what the session stores answer from
-};
-
-Sessions& AllSessions() {
-  static Sessions sessions;
-  return sessions;
-}
-
-void StartSodium() {
-  if (sodium_init() < 0) Refuse(refusal::kDatabaseFailed, "The password library does not start.");
-}
-
-std::atomic<PasswordCost> password_cost = PasswordCost::kInteractive;
-
-std::string NewToken() {
-  unsigned char bytes[16];
-  randombytes_buf(bytes, sizeof bytes);
-  char text[2 * sizeof bytes + 1];
-  return sodium_bin2hex(text, sizeof text, bytes, sizeof bytes);
-}
-
-std::shared_ptr<const Session> SessionOf(std::string_view props) {
-  Sessions& sessions = AllSessions();
-  const std::lock_guard lock(sessions.mutex);
-  const auto found = sessions.by_props.find(props);
-  return found == sessions.by_props.end() ? nullptr : found->second;
-}
+constexpr Right kAnything{Role::kReader, "log in"};
+constexpr std::int64_t kMinutesWithoutUse = 8 * 60;  // unless the books have a setting
 
 // The values that the session stores know, by key; case matters.
 Variant SessionValue(const Session& session, std::string_view key) {
@@ -81,134 +45,90 @@ Variant SessionValue(const Session& session, std::string_view key) {
 }
 
 Variant StoredValue(Long process_id, std::string_view key) {
-  Sessions& sessions = AllSessions();
-  std::shared_ptr<const Session> session;
-  {
-    const std::lock_guard lock(sessions.mutex);
-    session = sessions.current;
-  }
+  const std::shared_ptr<const Session> session = CurrentSession();
   if (!session || process_id != CurrentPlatform().ProcessId()) return {};
   return SessionValue(*session, key);
 }
 
-}  // namespace
-
-std::string RolesText(unsigned roles) {
-  std::string text;
-  for (const auto& [role, word] : kRoles) {
-    if ((roles & static_cast<unsigned>(role)) == 0) continue;
-    if (!text.empty()) text += ", ";
-    text += word;
-  }
-  return text;
+std::int64_t IdleSeconds(const std::string& setting) {
+  std::int64_t minutes = kMinutesWithoutUse;
+  std::from_chars(setting.data(), setting.data() + setting.size(), minutes);
+  return minutes * 60;
 }
 
-unsigned RolesFrom(std::string_view text) {
-  unsigned roles = 0;
-  while (!text.empty()) {
-    const std::size_t end = std::min(text.find(','), text.size());
-    const std::string_view word = TrimBlanks(text.substr(0, end));
-    text.remove_prefix(std::min(end + 1, text.size()));
-    if (word.empty()) continue;
-    unsigned role = 0;
-    for (const auto& [known, name] : kRoles) {
-      if (EqualsIgnoringAsciiCase(name, word)) role = static_cast<unsigned>(known);
-    }
-    if (role == 0) Refuse(refusal::kBadValue, "There is no role \"" + std::string(word) + "\".");
-    roles |= role;
-  }
-  return roles;
-}
-
-Caller Enter(std::string_view props, const Right& right) {
-  Caller caller = EnterBatch(props, right);
-  caller.db.RequireSound();
-  return caller;
-}
-
-Caller EnterBatch(std::string_view props, const Right& right) {
-  constexpr std::string_view kMark = "<>1";
-  const bool marked = props.starts_with(kMark);
-  if (marked) props.remove_prefix(kMark.size());
-  std::shared_ptr<const Session> session = SessionOf(props);
-  if (!session) {
-    Refuse(refusal::kNotLoggedIn, "There is no session behind the connection text; log in first.");
-  }
-  if (!session->May(right.role) && !(right.role == Role::kReader && session->roles != 0)) {
-    Refuse(refusal::kNotPermitted, "User " + session->user_name + " (" + RolesText(session->roles) +
-                                       ") may not " + std::string(right.what) + ".");
-  }
+// Who logs in or out, with the connection of the session's batch where it has one.
+Caller CallerOf(const std::shared_ptr<const Session>& session) {
   std::shared_ptr<Database> connection = Connections::OfThisThread().To(session->books, session);
   Database& db = *connection;
-  return {std::move(session), std::move(connection), db, marked};
+  return {session, std::move(connection), db, false, kAnything};
 }
 
-void SetPasswordCost(PasswordCost cost) { password_cost = cost; }
-
-std::string HashedPassword(std::string_view password) {
-  StartSodium();
-  char hash[crypto_pwhash_STRBYTES];
-  const bool least = password_cost == PasswordCost::kLeast;
-  if (crypto_pwhash_str(hash, password.data(), password.size(),
-                        least ? crypto_pwhash_OPSLIMIT_MIN : crypto_pwhash_OPSLIMIT_INTERACTIVE,
-                        least ? crypto_pwhash_MEMLIMIT_MIN : crypto_pwhash_MEMLIMIT_INTERACTIVE) !=
-      0) {
-    Refuse(refusal::kDatabaseFailed, "There is not enough memory to hash a password.");
-  }
-  return hash;
+void AuditSession(const Caller& caller, std::string_view action) {
+  const Session& session = *caller.session;
+  WriteAudit(caller, {.subject = "Session",
+                      .record_id = session.user_id,
+                      .record = session.user_name,
+                      .action = action});
 }
+
+}  // namespace
 
 String SessionUpdate::Login(std::string_view connection, std::string_view UserName,
                             std::string_view Password, Boolean Outer) {
-  StartSodium();
   ConnectionText text = ConnectionText::Parse(connection).Without(connection_key::kSession);
   if (text[connection_key::kCatalog].empty()) {
     // The library finds the books' name in its session's connection text.
     const std::filesystem::path file{text[connection_key::kDataSource]};
     text = text.With(connection_key::kCatalog, file.stem().string());
   }
-  const std::string books = text.Canonical().ToText();
-  const std::shared_ptr<Database> kept = Connections::OfThisThread().To(books, nullptr);
-  Database& db = *kept;
-  RequireCurrentSchema(db);
-  const auto user = db.QueryRow<Long, std::string, std::string, unsigned, bool>(
-      "SELECT FUserID, FName, FPassword, FRoles, FDisabled FROM t_User WHERE FName = ?", UserName);
-  // An unknown user costs as much time as a wrong password, and is told the same.
-  if (!user) HashedPassword(Password);
-  const bool fits = user && crypto_pwhash_str_verify(std::get<2>(*user).c_str(), Password.data(),
-                                                     Password.size()) == 0;
-  if (!fits || std::get<4>(*user)) {
-    Refuse(refusal::kLoginRefused, "The user or the password is wrong, or the user is disabled.");
-  }
   auto session = std::make_shared<Session>();
   session->connection = text.ToText();
-  session->books = books;
-  session->props = text.With(connection_key::kSession, NewToken()).ToText();
-  session->user_id = std::get<0>(*user);
-  session->user_name = std::get<1>(*user);
-  session->roles = std::get<3>(*user);
+  session->books = text.Canonical().ToText();
+  session->user_name = UserName;
   session->outer = Outer;
   session->machine_name = GetMachineName();
   session->address = GetIPAddress();
-  Sessions& sessions = AllSessions();
-  const std::lock_guard lock(sessions.mutex);
-  sessions.by_props[session->props] = session;
-  sessions.current = session;
+  const Caller caller = CallerOf(session);
+  Database& db = caller.db;
+  RequireCurrentSchema(db);
+  // A login is noted down, but where the books can only be read.
+  if (!db.IsReadOnly()) db.RequireWritable();
+
+  LoginAttempt attempt(db, UserName);
+  const auto user = db.QueryRow<Long, std::string, unsigned, bool, std::string>(
+      "SELECT FUserID, FPassword, FRoles, FDisabled, COALESCE((SELECT FValue FROM t_SystemProfile"
+      " WHERE FCategory = 'Base' AND FKey = 'SessionMinutes'), '') FROM t_User WHERE FName = ?",
+      UserName);
+  const auto [id, hash, roles, is_disabled, idle_minutes] =
+      user.value_or(std::tuple(Long{0}, std::string(kNoHash), 0u, true, std::string()));
+  session->user_id = id;
+  // An unknown user costs as much time as a wrong password, and is told the same.
+  attempt.Require(caller, hash, Password, !is_disabled,
+                  "The user or the password is wrong, or the user is disabled.");
+  session->props = text.With(connection_key::kSession, NewToken()).ToText();
+  session->roles = roles;
+  session->idle_seconds = IdleSeconds(idle_minutes);
+  session->last_call = SecondsNow();
+
+  if (!db.IsReadOnly()) {
+    Transaction transaction(db, Transaction::Kind::kSave);
+    LoginAttempt::Forget(db, UserName);
+    AuditSession(caller, "Login");
+    transaction.Commit();
+  }
+  KeepSession(session);
   return session->props;
 }
 
 void SessionUpdate::Logout(std::string_view PropsString) {
-  Sessions& sessions = AllSessions();
-  {
-    const std::lock_guard lock(sessions.mutex);
-    const auto found = sessions.by_props.find(PropsString);
-    if (found == sessions.by_props.end()) {
-      Refuse(refusal::kNotLoggedIn, "There is no session to end.");
-    }
-    if (sessions.current == found->second) sessions.current = nullptr;
-    sessions.by_props.erase(found);
-  }
-  Connections::OfThisThread().EndOrphanedBatches();
+  const std::shared_ptr<const Session> session = EndSession(PropsString);
+  if (!session) Refuse(refusal::kNotLoggedIn, "There is no session to end.");
+  const Caller caller = CallerOf(session);
+  caller.db.EndBatchOf(session);
+  if (caller.db.IsReadOnly()) return;
+  Transaction transaction(caller.db, Transaction::Kind::kSave);
+  AuditSession(caller, "Logout");
+  transaction.Commit();
 }
 
 Variant CacheFacade::GetItem(Long ProcessID, std::string_view Key) {

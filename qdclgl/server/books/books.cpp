@@ -4,9 +4,11 @@
 #include "qdclgl/frame/platform/platform.h"
 #include "qdclgl/frame/values/value_rules.h"
 #include "qdclgl/frame/vocabulary/text.h"
-#include "qdclgl/server/access/login.h"
+#include "qdclgl/server/access/password.h"
+#include "qdclgl/server/access/session.h"
 #include "qdclgl/server/books/books_check.h"
 #include "qdclgl/server/db/new_books.h"
+#include "qdclgl/server/db/program_role.h"
 #include "qdclgl/server/db/refusals.h"
 #include "qdclgl/server/db/schema.h"
 #include "qdclgl/server/periods/calendar.h"
@@ -19,13 +21,15 @@ QD_DEFINE_MEMBERS(BooksInfo)
 
 void BooksUpdate::Create(std::string_view connection, std::string_view CurrencyNumber, Long nYear,
                          Long PeriodCount, Long StartMonth, std::string_view UserName,
-                         std::string_view Password) {
+                         std::string_view Password, Boolean NoPassword,
+                         std::string_view ProgramRole) {
   const ConnectionText text = ConnectionText::Parse(connection);
   const std::string currency = ToUpper(CurrencyNumber);
   if (currency.empty() || !IsValidCode(currency, 8, false)) {
     Refuse(refusal::kBadNumber, "The base currency's number has 1 to 8 letters and digits.");
   }
   if (UserName.empty()) Refuse(refusal::kRequired, "The administrator has a name.");
+  RequirePassword(Password, NoPassword);
   const bool by_month = PeriodCount > 0 && 12 % PeriodCount == 0;
   const Calendar calendar(PeriodCount, by_month, StartMonth);
   const AccountingPeriod first{nYear != 0 ? nYear : CurrentPlatform().Today().ToParts().year, 1};
@@ -49,6 +53,7 @@ void BooksUpdate::Create(std::string_view connection, std::string_view CurrencyN
     PutGlSetting(db, kPeriodCount, std::to_string(PeriodCount));
     PutGlSetting(db, kPeriodByMonth, by_month ? "1" : "0");
     PutGlSetting(db, kYearStartMonth, std::to_string(StartMonth));
+    if (!ProgramRole.empty()) GrantToProgramRole(db, ProgramRole);
   });
 }
 
@@ -58,6 +63,7 @@ Long BooksUpdate::Upgrade(std::string_view connection) {
   const int version = SchemaVersion(db);
   if (version == 0 || version > CurrentSchemaVersion()) RequireCurrentSchema(db);
   Migrate(db, CurrentSchemaVersion());
+  GrantToProgramRoles(db);
   transaction.Commit();
   return version;
 }

@@ -13,17 +13,22 @@ class BooksUpdate final : public Object {
  public:
   static constexpr std::string_view kProgID = "QDSVGLBooks.BooksUpdate";
 
-  QD_METHOD(void, Create,
-            (std::string_view ConnectionText, std::string_view CurrencyNumber, Long nYear = {},
-             Long PeriodCount = 12, Long StartMonth = 1,
-             std::string_view UserName = "administrator", std::string_view Password = ""),
-            "Makes empty books with a base currency (id 1) and an administrator; a SQLite file is "
-            "made, a PostgreSQL database must be there. They begin with the first period of the "
-            "year, this year for 0. A count of periods that does not divide 12 is counted in "
-            "weeks. Errors: BooksExist, BadSetting, BadNumber, Required.")
+  QD_METHOD(
+      void, Create,
+      (std::string_view ConnectionText, std::string_view CurrencyNumber, Long nYear = {},
+       Long PeriodCount = 12, Long StartMonth = 1, std::string_view UserName = "administrator",
+       std::string_view Password = "", Boolean NoPassword = false,
+       std::string_view ProgramRole = ""),
+      "Makes empty books with a base currency (id 1) and an administrator; a SQLite file is "
+      "made, a PostgreSQL database must be there. They begin with the first period of the "
+      "year, this year for 0. A count of periods that does not divide 12 is counted in "
+      "weeks. An empty password only with NoPassword. ProgramRole is the PostgreSQL role that "
+      "programs will log in with, when it is not the one that makes the books and so owns "
+      "the tables. Errors: BooksExist, BadSetting, BadNumber, Required, BadValue.")
   QD_METHOD(Long, Upgrade, (std::string_view ConnectionText),
             "Brings books of an older version to this program's version, all or nothing, and "
-            "returns the version they had. WrongSchema for books of a newer one.")
+            "returns the version they had. WrongSchema for books of a newer one. On PostgreSQL the "
+            "owner of the tables does it.")
 };
 
 class BooksInfo final : public Object {

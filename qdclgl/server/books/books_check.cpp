@@ -3,7 +3,7 @@
 #include <map>
 #include <set>
 
-#include "qdclgl/server/access/login.h"
+#include "qdclgl/server/access/session.h"
 #include "qdclgl/server/books/findings.h"
 #include "qdclgl/server/books/lines_check.h"
 #include "qdclgl/server/books/texts_check.h"

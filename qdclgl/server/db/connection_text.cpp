@@ -1,5 +1,6 @@
 #include "qdclgl/server/db/connection_text.h"
 
+#include <algorithm>
 #include <array>
 #include <filesystem>
 
@@ -12,8 +13,11 @@ namespace {
 
 using namespace connection_key;
 
-constexpr std::array kKeys = {kProvider, kDataSource, kSynchronous, kHost,     kPort,
-                              kCatalog,  kSchema,     kUser,        kPassword, kSession};
+constexpr std::array kKeys = {kProvider,    kDataSource, kSynchronous, kHost,     kPort,
+                              kCatalog,     kSchema,     kUser,        kPassword, kSslMode,
+                              kSslRootCert, kSslCert,    kSslKey,      kSession};
+constexpr std::array<std::string_view, 6> kSslModes = {"disable", "allow",     "prefer",
+                                                       "require", "verify-ca", "verify-full"};
 
 std::string_view Trimmed(std::string_view text) {
   const auto first = text.find_first_not_of(" \t");
@@ -106,6 +110,11 @@ ConnectionText ConnectionText::Parse(std::string_view text) {
     }
   } else if (EqualsIgnoringAsciiCase(result[kProvider], "PostgreSQL")) {
     need(kCatalog);
+    const std::string_view mode = result[kSslMode];
+    if (!mode.empty() && std::ranges::find(kSslModes, mode) == kSslModes.end()) {
+      Refuse(refusal::kBadConnectionText,
+             "\"Sslmode\" is disable, allow, prefer, require, verify-ca or verify-full.");
+    }
   } else {
     Refuse(refusal::kBadConnectionText,
            "The provider is SQLite or PostgreSQL, not \"" + std::string(result[kProvider]) + "\".");

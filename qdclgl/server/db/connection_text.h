@@ -21,6 +21,12 @@ inline constexpr std::string_view kCatalog = "Initial catalog";  // PostgreSQL: 
 inline constexpr std::string_view kSchema = "Schema";  // PostgreSQL: one of many books in it
 inline constexpr std::string_view kUser = "User ID";   // PostgreSQL: the database's user
 inline constexpr std::string_view kPassword = "Password";
+// PostgreSQL: whether the connection is encrypted and who the server must be, as the database's own
+// client reads them; the certificates are files.
+inline constexpr std::string_view kSslMode = "Sslmode";
+inline constexpr std::string_view kSslRootCert = "Sslrootcert";
+inline constexpr std::string_view kSslCert = "Sslcert";
+inline constexpr std::string_view kSslKey = "Sslkey";
 inline constexpr std::string_view kSession = "Session";  // put in by the login
 }  // namespace connection_key
 

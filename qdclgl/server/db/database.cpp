@@ -133,8 +133,10 @@ void Database::RequireSound() const {
   Refuse(refusal::kDatabaseFailed, "The transaction has failed; nothing of it is saved.");
 }
 
+bool Database::IsReadOnly() const { return driver_->IsReadOnly(); }
+
 void Database::RequireWritable() const {
-  if (driver_->IsReadOnly()) {
+  if (IsReadOnly()) {
     Refuse(refusal::kReadOnly, "The file of the books, or its folder, can't be written to.");
   }
   if (is_beside_batch_) {
@@ -260,9 +262,13 @@ void Database::RollBackBatch() {
   RollBack(0);
 }
 
+void Database::EndBatchOf(const BatchOwner& owner) {
+  if (InBatchOf(owner) && depth_ == 1) RollBackBatch();
+}
+
 // ---- Transaction ----
 
-Transaction::Transaction(Database& database, Kind kind)
+Transaction::Transaction(Database& database, Kind kind, std::string_view question)
     : database_(database), level_(database.depth_) {
   const bool writes = kind != Kind::kRead;
   database.RequireSound();
@@ -273,22 +279,42 @@ Transaction::Transaction(Database& database, Kind kind)
   } else if (database.is_sqlite_) {
     if (level_ == 0) begin += " IMMEDIATE";
   } else {
-    // One message to the server for all of it.
-    begin += "; SELECT pg_current_xact_id(), " +
+    begin += "; SELECT " +
              Lock(kind == Kind::kSave ? "pg_advisory_xact_lock_shared" : "pg_advisory_xact_lock",
                   database.text_[connection_key::kSchema], kRules);
   }
   Database::CallStatementHook(begin);
   try {
-    const std::string id = database.Run(begin);
-    if (writes) database.transaction_id_ = id;
+    Begin(std::move(begin), writes, question);
   } catch (const Error&) {
-    // The lock may have failed behind the beginning.
+    // The lock or the question may have failed behind the beginning.
     database.RollBack(level_);
     throw;
   }
   if (level_ == 0) database.writes_ = writes;
   ++database.depth_;
+}
+
+void Transaction::Begin(std::string script, bool writes, std::string_view question) {
+  if (database_.is_sqlite_) {
+    database_.Run(script);
+    if (!question.empty()) answer_ = database_.QueryValue<std::string>(question);
+    return;
+  }
+  // One message to the server for all of it: the id of the transaction comes back, and behind a
+  // blank the answer.
+  if (writes) {
+    script += "; SELECT pg_current_xact_id()";
+    if (!question.empty()) {
+      script += " || COALESCE(' ' || (";
+      script.append(question).append("), '')");
+    }
+  }
+  const std::string told = database_.Run(script);
+  if (!writes) return;
+  const std::size_t blank = told.find(' ');
+  database_.transaction_id_ = told.substr(0, blank);
+  if (blank != told.npos) answer_ = told.substr(blank + 1);
 }
 
 void Transaction::Commit() {

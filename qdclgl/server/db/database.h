@@ -95,11 +95,19 @@ class Database {
   void BeginBatch(const BatchOwner& owner, bool alone);
   void CommitBatch();
   void RollBackBatch();
+  // Takes back the owner's batch, if there is one here and no transaction is at work inside it.
+  void EndBatchOf(const BatchOwner& owner);
   bool InBatch() const { return batch_.has_value(); }
   bool InBatchOf(const BatchOwner& owner) const { return InBatch() && batch_->lock() == owner; }
   bool IsBatchOrphaned() const { return InBatch() && batch_->expired(); }
-  // BatchFailed when the database has failed in the batch under way.
+  // Whether the database has not failed in the transaction under way. BatchFailed when it has failed
+  // in the batch.
+  bool IsSound() const { return !failed_; }
   void RequireSound() const;
+  // Whether the books can only be read here: their file, or its folder, can't be written to.
+  bool IsReadOnly() const;
+  // ReadOnly; DatabaseBusy beside another session's batch.
+  void RequireWritable() const;
   // Whether another session's batch is under way in this thread: it would wait for itself if
   // anything were written beside it.
   void SetBesideBatch(bool beside) { is_beside_batch_ = beside; }
@@ -160,7 +168,6 @@ class Database {
   // Behind a commit that failed: whether the transaction is in the books after all.
   bool IsCommittedAfterAll();
   bool IsCommittedInPostgreSQL() const;
-  void RequireWritable() const;
   // Takes back what is under way, to the savepoint of a level above 0; after a failure, all of it.
   // A connection that can't is given up: the next caller gets a new one.
   void RollBack(int level) noexcept;
@@ -189,17 +196,25 @@ class Transaction {
   // settings, the current period. kChangeRules is for what changes those: it waits until no save is
   // under way, and saves wait for it.
   enum class Kind { kRead, kSave, kChangeRules };
-  Transaction(Database& database, Kind kind);
+  // `question` is a query of one text without values, for who writes. It is asked once no rule can
+  // change any more, and costs no message of its own.
+  Transaction(Database& database, Kind kind, std::string_view question = {});
   ~Transaction();
   Transaction(const Transaction&) = delete;
   Transaction& operator=(const Transaction&) = delete;
 
   void Commit();
 
+  // The first row's answer to the question, nothing without a row.
+  const std::optional<std::string>& answer() const { return answer_; }
+
  private:
+  void Begin(std::string script, bool writes, std::string_view question);
+
   Database& database_;
   int level_;
   bool open_ = true;
+  std::optional<std::string> answer_;
 };
 
 }  // namespace qdclgl::server

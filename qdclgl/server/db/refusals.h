@@ -25,6 +25,7 @@
   REFUSAL(0x0B, BatchFailed, "The database has failed in the batch; roll it back.")             \
   REFUSAL(0x0C, OutcomeUnknown, "Whether the change is saved can't be told now.")               \
   REFUSAL(0x0D, ReadOnly, "The books can only be read here.")                                   \
+  REFUSAL(0x0E, LoginDelayed, "Logins have failed; the next one has to wait.")                  \
   REFUSAL(0x10, BadFilter, "The filter text can't be understood.")                              \
   REFUSAL(0x11, BadSort, "The sort text can't be understood.")                                  \
   REFUSAL(0x12, BadValue, "A value does not fit its column.")                                   \
@@ -47,10 +48,9 @@
   REFUSAL(0x29, VoucherPosted, "The voucher is posted.")                                        \
   REFUSAL(0x2A, VoucherDeleted, "The voucher is deleted.")                                      \
   REFUSAL(0x2B, WrongStep, "The voucher is not in the state that the step needs.")              \
-  REFUSAL(0x2C, OwnVoucher, "Who prepared a voucher does not check it.")                        \
+  REFUSAL(0x2C, OwnVoucher, "Who had a hand in a voucher does not take this step.")             \
   REFUSAL(0x2D, TooLarge, "An amount or a total is beyond what the books can hold.")            \
-  REFUSAL(0x2E, NotAtRate, "A line's amount is its foreign amount at its rate.")                \
-  REFUSAL(0x2F, NegativeAmount, "The books take no negative amounts.")                          \
+  REFUSAL(0x2E, VoucherCashed, "The voucher is cashed.")                                        \
   REFUSAL(0x30, NoParent, "The account above is missing.")                                      \
   REFUSAL(0x31, ParentInUse, "The account above has lines of its own.")                         \
   REFUSAL(0x32, HasChildren, "The account has sub-accounts.")                                   \
@@ -60,7 +60,9 @@
   REFUSAL(0x42, BadSetting, "The setting can't have that value.")                               \
   REFUSAL(0x50, NotAllPosted, "The period has vouchers that are not posted.")                   \
   REFUSAL(0x51, LaterPostings, "Vouchers are posted in the period or behind it.")               \
-  REFUSAL(0x52, FirstPeriod, "The books begin with this period.")
+  REFUSAL(0x52, FirstPeriod, "The books begin with this period.")                               \
+  REFUSAL(0x60, NotAtRate, "A line's amount is its foreign amount at its rate.")                \
+  REFUSAL(0x61, NegativeAmount, "The books take no negative amounts.")
 
 namespace qdclgl::server {
 

@@ -2,7 +2,7 @@
 
 #include "qdclgl/frame/objects/class_table.h"
 #include "qdclgl/server/access/audit.h"
-#include "qdclgl/server/access/login.h"
+#include "qdclgl/server/access/session.h"
 #include "qdclgl/server/db/refusals.h"
 #include "qdclgl/server/periods/settings.h"
 
@@ -11,6 +11,15 @@ namespace qdclgl::server {
 QD_DEFINE_MEMBERS(PeriodUpdate)
 
 namespace {
+
+// FirstPeriod for a period before the books' first one.
+void RequireInBooks(Database& db, AccountingPeriod period) {
+  const AccountingPeriod first{SettingNumber(GlSetting(db, setting::kStartYear)),
+                               SettingNumber(GlSetting(db, setting::kStartPeriod))};
+  if (period < first) {
+    Refuse(refusal::kFirstPeriod, "The books begin with period " + first.ToText() + ".");
+  }
+}
 
 void MoveTo(const Caller& caller, AccountingPeriod period, AccountingPeriod closed,
             std::string_view action) {
@@ -23,8 +32,8 @@ void MoveTo(const Caller& caller, AccountingPeriod period, AccountingPeriod clos
 }  // namespace
 
 void PeriodUpdate::Close(std::string_view PropsString) {
-  const Caller caller = Enter(PropsString, RightTo<PeriodUpdate>("Close"));
-  Transaction transaction(caller.db, Transaction::Kind::kChangeRules);
+  const Caller caller = EnterUnconfirmed(PropsString, RightTo<PeriodUpdate>("Close"));
+  CallersTransaction transaction(caller, Transaction::Kind::kChangeRules);
   const LedgerRules rules = LedgerRules::Of(caller.db);
   const AccountingPeriod current = rules.current;
   const auto open = caller.db.Query<std::string, Long>(
@@ -45,27 +54,42 @@ void PeriodUpdate::Close(std::string_view PropsString) {
 }
 
 void PeriodUpdate::Reopen(std::string_view PropsString) {
-  const Caller caller = Enter(PropsString, RightTo<PeriodUpdate>("Reopen"));
-  Transaction transaction(caller.db, Transaction::Kind::kChangeRules);
+  const Caller caller = EnterUnconfirmed(PropsString, RightTo<PeriodUpdate>("Reopen"));
+  CallersTransaction transaction(caller, Transaction::Kind::kChangeRules);
   const LedgerRules rules = LedgerRules::Of(caller.db);
   const AccountingPeriod current = rules.current;
-  const AccountingPeriod start{SettingNumber(GlSetting(caller.db, setting::kStartYear)),
-                               SettingNumber(GlSetting(caller.db, setting::kStartPeriod))};
-  if (current <= start) {
-    Refuse(refusal::kFirstPeriod, "The books begin with period " + start.ToText() + ".");
-  }
+  const AccountingPeriod reopened = rules.calendar.Before(current);
+  RequireInBooks(caller.db, reopened);
   const auto posted = caller.db.QueryRow<Long, Long>(
       "SELECT FYear, FPeriod FROM t_Voucher WHERE FPosted = 1 AND FYear * 1000 + FPeriod >= ?"
       " ORDER BY FYear, FPeriod LIMIT 1",
       std::int64_t{current.year} * 1000 + current.period);
   if (posted) {
     const AccountingPeriod period{std::get<0>(*posted), std::get<1>(*posted)};
-    Refuse(refusal::kLaterPostings, "Period " + rules.calendar.Before(current).ToText() +
+    Refuse(refusal::kLaterPostings, "Period " + reopened.ToText() +
                                         " can't be reopened: vouchers are posted in period " +
                                         period.ToText() + ".");
   }
-  const AccountingPeriod reopened = rules.calendar.Before(current);
   MoveTo(caller, reopened, reopened, "Reopen");
+  transaction.Commit();
+}
+
+void PeriodUpdate::ReopenTo(std::string_view PropsString, Long nYear, Long Period) {
+  const Caller caller = EnterUnconfirmed(PropsString, RightTo<PeriodUpdate>("ReopenTo"));
+  CallersTransaction transaction(caller, Transaction::Kind::kChangeRules);
+  const LedgerRules rules = LedgerRules::Of(caller.db);
+  const AccountingPeriod wanted{nYear, Period};
+  rules.calendar.SpanOf(wanted);  // it must be one of the calendar's
+  RequireInBooks(caller.db, wanted);
+  if (wanted >= rules.current) {
+    Refuse(refusal::kBadValue, "Period " + wanted.ToText() + " is not closed; the books stand at " +
+                                   rules.current.ToText() + ".");
+  }
+  // Each period that is open again stands on the trail.
+  for (AccountingPeriod period = rules.current; period > wanted;) {
+    period = rules.calendar.Before(period);
+    MoveTo(caller, period, period, "Reopen");
+  }
   transaction.Commit();
 }
 

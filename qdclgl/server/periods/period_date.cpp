@@ -1,7 +1,7 @@
 #include "qdclgl/server/periods/period_date.h"
 
 #include "qdclgl/frame/objects/class_table.h"
-#include "qdclgl/server/access/login.h"
+#include "qdclgl/server/access/session.h"
 #include "qdclgl/server/periods/settings.h"
 
 namespace qdclgl::server {

@@ -7,9 +7,10 @@
 #include "qdclgl/frame/vocabulary/strings.h"
 #include "qdclgl/frame/vocabulary/text.h"
 #include "qdclgl/server/access/audit.h"
-#include "qdclgl/server/access/login.h"
+#include "qdclgl/server/access/session.h"
 #include "qdclgl/server/db/columns.h"
 #include "qdclgl/server/db/refusals.h"
+#include "qdclgl/server/periods/setting_types.h"
 
 namespace qdclgl::server {
 
@@ -103,12 +104,22 @@ LedgerRules LedgerRules::From(const std::map<std::string, std::string, std::less
     return found == settings.end() || found->second.empty() ? otherwise
                                                             : SettingNumber(found->second);
   };
+  // What former versions may have let in counts as on: these switches guard the books.
+  const auto is_on = [&](std::string_view key) {
+    const auto found = settings.find(key);
+    return found != settings.end() && !found->second.empty() && found->second != "0";
+  };
   const AccountingPeriod current{number(kCurrentYear, 0), number(kCurrentPeriod, 0)};
   if (current.period == 0) Refuse(refusal::kBadSetting, "The books have no current period.");
   return {Calendar(number(kPeriodCount, 12), number(kPeriodByMonth, 1) != 0,
                    number(kYearStartMonth, 1)),
-          current, number(kCheckBeforePost, 0) != 0, number(kCheckerNotPreparer, 0) != 0,
-          number(kNoNegativeAmounts, 0) != 0};
+          current,
+          is_on(kCheckBeforePost),
+          is_on(kCheckerNotPreparer),
+          is_on(kApproverNotPreparer),
+          is_on(kCashierNotPreparer),
+          is_on(kPosterNotPreparer),
+          is_on(kNoNegativeAmounts)};
 }
 
 AccountingPeriod CurrentPeriod(Database& db) { return LedgerRules::Of(db).current; }
@@ -128,14 +139,15 @@ Ref<Dictionary> ServerProfile::ListProfiles(std::string_view PropsString,
 
 void ServerProfile::SetProfile(std::string_view PropsString, const String& Category,
                                const String& ProfileID, const String& Value) {
-  const Caller caller = Enter(PropsString, RightTo<ServerProfile>("SetProfile"));
+  const Caller caller = EnterUnconfirmed(PropsString, RightTo<ServerProfile>("SetProfile"));
   const std::string_view category = CategoryNamed(Category);
   if (ProfileID.empty()) Refuse(refusal::kRequired, "A setting has a name.");
   if (Utf16Length(ProfileID) > kLongestName) {
     Refuse(refusal::kBadValue,
            "A setting's name has at most " + std::to_string(kLongestName) + " characters.");
   }
-  Transaction transaction(caller.db, Transaction::Kind::kChangeRules);
+  CheckSettingType(category, ProfileID, Value);
+  CallersTransaction transaction(caller, Transaction::Kind::kChangeRules);
   if (category == strings::categories::GL) CheckGlSetting(caller.db, ProfileID, Value);
   PutSetting(caller.db, category, ProfileID, Value);
   WriteAudit(caller, {.subject = "Setting",

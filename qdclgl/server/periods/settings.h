@@ -21,8 +21,12 @@ inline constexpr std::string_view kPeriodCount = "PeriodCount";          // 12
 inline constexpr std::string_view kPeriodByMonth = "PeriodByMonth";      // 1; 0: by weeks
 inline constexpr std::string_view kYearStartMonth = "YearStartMonth";    // 1
 inline constexpr std::string_view kCheckBeforePost = "CheckBeforePost";  // 1: post needs check
-inline constexpr std::string_view kCheckerNotPreparer = "CheckerNotPreparer";  // 1: two people
-inline constexpr std::string_view kNoNegativeAmounts = "NoNegativeAmounts";    // 1: no red ink
+// 1: who made a voucher or changed a part of it does not take the step.
+inline constexpr std::string_view kCheckerNotPreparer = "CheckerNotPreparer";
+inline constexpr std::string_view kApproverNotPreparer = "ApproverNotPreparer";
+inline constexpr std::string_view kCashierNotPreparer = "CashierNotPreparer";
+inline constexpr std::string_view kPosterNotPreparer = "PosterNotPreparer";
+inline constexpr std::string_view kNoNegativeAmounts = "NoNegativeAmounts";  // 1: no red ink
 }  // namespace setting
 
 // The number at the beginning of a setting's text, rounded; 0 when there is none.
@@ -38,6 +42,9 @@ struct LedgerRules {
   AccountingPeriod current;  // the books stand here: it and all behind it are open
   bool check_before_post;
   bool checker_not_preparer;
+  bool approver_not_preparer;
+  bool cashier_not_preparer;
+  bool poster_not_preparer;
   bool no_negative_amounts;
 
   static LedgerRules Of(Database& db);
@@ -66,7 +73,8 @@ class ServerProfile final : public Object {
              const String& Value),
             "Writes a setting; administrators only. UnknownCategory; SettingFixed for a setting "
             "that closing keeps, or that dates and periods of present vouchers rest on; BadSetting "
-            "for a calendar or a switch that can't be.")
+            "for a value that is not of the setting's type and range, as settings.md tells them. "
+            "Settings that nobody knows take any text.")
 };
 
 class BaseInfo final : public Object {

@@ -32,7 +32,7 @@ RecordSave::RecordSave(const Caller& caller, const MasterData& kind, const Ref<D
     : caller_(caller),
       kind_(kind),
       sent_(sent ? sent : throw Error(error_number::kObjectNotSet)),
-      transaction_(caller.db, Transaction::Kind::kChangeRules),
+      transaction_(caller, Transaction::Kind::kChangeRules),
       record_(kind.Taken(*sent, nullptr)) {}
 
 RecordSave::RecordSave(const Caller& caller, const MasterData& kind, const Ref<Dictionary>& sent,
@@ -40,7 +40,7 @@ RecordSave::RecordSave(const Caller& caller, const MasterData& kind, const Ref<D
     : caller_(caller),
       kind_(kind),
       sent_(sent ? sent : throw Error(error_number::kObjectNotSet)),
-      transaction_(caller.db, Transaction::Kind::kChangeRules),
+      transaction_(caller, Transaction::Kind::kChangeRules),
       id_(id),
       stored_(kind.Require(caller.db, id)) {
   const Long version = Normalized(kVersion, sent->Value(kVersion.name)).As<Long>();
@@ -131,7 +131,7 @@ void RecordSave::Commit() {
 RecordRemoval::RecordRemoval(const Caller& caller, const MasterData& kind, Long id)
     : caller_(caller),
       kind_(kind),
-      transaction_(caller.db, Transaction::Kind::kChangeRules),
+      transaction_(caller, Transaction::Kind::kChangeRules),
       id_(id),
       stored_(kind.Require(caller.db, id)) {}
 
@@ -168,7 +168,7 @@ void RecordRemoval::Commit(std::string_view machine_name, std::string_view addre
 // ---- The component that writes ----
 
 Long RecordUpdate::Create(std::string_view PropsString, const Ref<Dictionary>& dict) {
-  const Caller caller = Enter(PropsString, kind().writing());
+  const Caller caller = EnterUnconfirmed(PropsString, kind().writing());
   RecordSave save(caller, kind(), dict);
   save.Run();
   return save.id();
@@ -176,13 +176,13 @@ Long RecordUpdate::Create(std::string_view PropsString, const Ref<Dictionary>& d
 
 void RecordUpdate::Update(std::string_view PropsString, const Long& RecordID,
                           const Ref<Dictionary>& dict) {
-  const Caller caller = Enter(PropsString, kind().writing());
+  const Caller caller = EnterUnconfirmed(PropsString, kind().writing());
   RecordSave(caller, kind(), dict, RecordID).Run();
 }
 
 void RecordUpdate::Delete(std::string_view PropsString, const Long& RecordID,
                           std::string_view MachineName, std::string_view IPAddress) {
-  const Caller caller = Enter(PropsString, kind().writing());
+  const Caller caller = EnterUnconfirmed(PropsString, kind().writing());
   RecordRemoval removal(caller, kind(), RecordID);
   kind().description().remove(removal);
   removal.Commit(MachineName, IPAddress);

@@ -48,7 +48,7 @@ class RecordSave {
   const Caller& caller_;
   const MasterData& kind_;
   Ref<Dictionary> sent_;
-  Transaction transaction_;
+  CallersTransaction transaction_;
   Long id_ = 0;
   Ref<Dictionary> stored_;
   Ref<Dictionary> record_;
@@ -75,7 +75,7 @@ class RecordRemoval {
  private:
   const Caller& caller_;
   const MasterData& kind_;
-  Transaction transaction_;
+  CallersTransaction transaction_;
   Long id_;
   Ref<Dictionary> stored_;
 };

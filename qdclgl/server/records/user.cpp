@@ -2,6 +2,8 @@
 // leave the server. Some enabled administrator remains, whatever happens to users; a call that
 // would leave none is refused as InUse.
 #include "qdclgl/server/access/audit.h"
+#include "qdclgl/server/access/login_attempt.h"
+#include "qdclgl/server/access/password.h"
 #include "qdclgl/server/db/list.h"
 #include "qdclgl/server/db/refusals.h"
 #include "qdclgl/server/records/record_save.h"
@@ -79,6 +81,22 @@ void Remove(RecordRemoval& removal) {
   RequireAdministrator(removal);
 }
 
+// What is kept of the password that comes with a new user; none for a row without one.
+std::string SentHash(const Dictionary& sent) {
+  const Variant& password = sent.Value(kPassword);
+  if (password.IsEmpty() || password.IsNull()) return std::string(kNoHash);
+  return HashedPassword(Normalized(kSentPassword, password).As<String>());
+}
+
+void RequireOldPassword(const Caller& caller, std::string_view password) {
+  const Session& session = *caller.session;
+  LoginAttempt attempt(caller.db, session.user_name);
+  const auto hash = caller.db.QueryValue<std::string>(
+      "SELECT FPassword FROM t_User WHERE FUserID = ?", session.user_id);
+  attempt.Require(caller, hash.value_or(std::string(kNoHash)), password, true,
+                  "The old password is wrong.");
+}
+
 void CopyIdAndVersion(const Dictionary& from, Dictionary& to) {
   for (const std::string_view key : {"FUserID", "FVersion"}) to.Put(key, from.Value(key));
 }
@@ -105,8 +123,9 @@ class UserUpdate final : public RecordUpdate {
   using RecordUpdate::RecordUpdate;
 
   QD_METHOD(Long, Create, (std::string_view PropsString, const Ref<Dictionary>& dict),
-            "Saves a new user, with the password under FPassword, none without the key; id and "
-            "version come back in the row too. Administrators only. Errors: Required, NameTaken, "
+            "Saves a new user, with the password under FPassword, which may be an empty text; "
+            "without the key nobody logs in as the user before a password is set. Id and version "
+            "come back in the row too. Administrators only. Errors: Required, NameTaken, "
             "BadValue.")
   QD_METHOD(void, Update,
             (std::string_view PropsString, const Long& UserID, const Ref<Dictionary>& dict),
@@ -114,9 +133,11 @@ class UserUpdate final : public RecordUpdate {
             "Administrators only. Errors: NotFound, NoVersion, Changed, InUse, and those of "
             "Create.")
   QD_METHOD(void, SetPassword,
-            (std::string_view PropsString, const Long& UserID, std::string_view Password),
-            "Gives a user another password: oneself with id 0 or the own one, others by "
-            "administrators. NotFound.")
+            (std::string_view PropsString, const Long& UserID, std::string_view Password,
+             std::string_view OldPassword = "", Boolean NoPassword = false),
+            "Gives a user another password: oneself with id 0 or the own one, for which the old "
+            "one is asked; others by administrators, who need none. An empty password only with "
+            "NoPassword. Errors: NotFound, Required, LoginRefused, LoginDelayed.")
   QD_INHERITED(Delete)
 };
 
@@ -134,11 +155,10 @@ Ref<Dictionary> UserInfo::GetDetail(std::string_view PropsString, const Long& Us
 }
 
 Long UserUpdate::Create(std::string_view PropsString, const Ref<Dictionary>& dict) {
-  const Caller caller = Enter(PropsString, kind().writing());
+  const Caller caller = EnterUnconfirmed(PropsString, kind().writing());
   const Ref<Dictionary> row = WithRoleBits(dict);
   // Hashing takes its time on purpose, so it is done before others have to wait.
-  const std::string hash =
-      HashedPassword(Normalized(kSentPassword, dict->Value(kPassword)).As<String>());
+  const std::string hash = SentHash(*dict);
   RecordSave save(caller, kind(), row);
   save.record().Put(kPassword, hash);
   save.Run();
@@ -148,7 +168,7 @@ Long UserUpdate::Create(std::string_view PropsString, const Ref<Dictionary>& dic
 
 void UserUpdate::Update(std::string_view PropsString, const Long& UserID,
                         const Ref<Dictionary>& dict) {
-  const Caller caller = Enter(PropsString, kind().writing());
+  const Caller caller = EnterUnconfirmed(PropsString, kind().writing());
   const Ref<Dictionary> row = WithRoleBits(dict);
   RecordSave save(caller, kind(), row, UserID);
   if (dict->Contains(kPassword)) {
@@ -160,16 +180,19 @@ void UserUpdate::Update(std::string_view PropsString, const Long& UserID,
 }
 
 void UserUpdate::SetPassword(std::string_view PropsString, const Long& UserID,
-                             std::string_view Password) {
-  const Caller caller = Enter(PropsString, kOwnPassword);
-  const Long own = caller.session->user_id;
+                             std::string_view Password, std::string_view OldPassword,
+                             Boolean NoPassword) {
+  const Long own = Enter(PropsString, kOwnPassword).session->user_id;
   const Long id = UserID == 0 ? own : UserID;
-  if (id != own) Enter(PropsString, kPasswordsOfOthers);
+  const Caller caller = Enter(PropsString, id == own ? kOwnPassword : kPasswordsOfOthers);
+  RequirePassword(Password, NoPassword);
+  if (id == own) RequireOldPassword(caller, OldPassword);
   const std::string hash = HashedPassword(Password);
-  Transaction transaction(caller.db, Transaction::Kind::kChangeRules);
+  CallersTransaction transaction(caller, Transaction::Kind::kChangeRules);
   const Ref<Dictionary> user = kind().Require(caller.db, id);
   caller.db.Execute("UPDATE t_User SET FPassword = ? WHERE FUserID = ?", hash, id);
   const std::string name = MasterData::NameOf(*user);
+  LoginAttempt::Forget(caller.db, name);
   WriteAudit(caller, {.subject = "User", .record_id = id, .record = name, .action = "SetPassword"});
   transaction.Commit();
 }

@@ -25,7 +25,7 @@ class VoucherGroupUpdate final : public RecordUpdate {
 void VoucherGroupUpdate::Delete(std::string_view PropsString, const Long& VoucherGroupID,
                                 std::string_view MachineName, std::string_view IPAddress,
                                 const Long& lngDelSign) {
-  const Caller caller = Enter(PropsString, kind().writing());
+  const Caller caller = EnterUnconfirmed(PropsString, kind().writing());
   RecordRemoval removal(caller, kind(), VoucherGroupID);
   if (lngDelSign != 0) {
     removal.Mark();

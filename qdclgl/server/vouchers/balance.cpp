@@ -1,7 +1,7 @@
 #include "qdclgl/server/vouchers/balance.h"
 
 #include "qdclgl/frame/objects/class_table.h"
-#include "qdclgl/server/access/login.h"
+#include "qdclgl/server/access/session.h"
 #include "qdclgl/server/db/list.h"
 #include "qdclgl/server/db/refusals.h"
 #include "qdclgl/server/periods/calendar.h"

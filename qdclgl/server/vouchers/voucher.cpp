@@ -4,10 +4,11 @@
 #include "qdclgl/frame/objects/conversions.h"
 #include "qdclgl/frame/objects/variant_kind.h"
 #include "qdclgl/server/access/audit.h"
-#include "qdclgl/server/access/login.h"
+#include "qdclgl/server/access/session.h"
 #include "qdclgl/server/db/list.h"
 #include "qdclgl/server/db/refusals.h"
 #include "qdclgl/server/vouchers/posting.h"
+#include "qdclgl/server/vouchers/voucher_editors.h"
 #include "qdclgl/server/vouchers/voucher_rules.h"
 #include "qdclgl/server/vouchers/voucher_tree.h"
 
@@ -23,8 +24,8 @@ constexpr Integer kNobody = -1;
 
 // ---- Reading ----
 
-Ref<Dictionary> DetailOf(Database& db, Long id, bool show_deleted) {
-  const std::optional<VoucherTree> tree = VoucherTree::Read(db, id);
+Ref<Dictionary> DetailOf(const Caller& caller, Long id, bool show_deleted) {
+  const std::optional<VoucherTree> tree = VoucherTree::Read(caller, id);
   if (!tree || (tree->state.Get<"FDeleted">() && !show_deleted)) return nullptr;
   return tree->ToRow();
 }
@@ -117,8 +118,8 @@ const Dictionary& RequireRow(const Ref<Dictionary>& row) {
 template <class Step>
 void TakeStep(std::string_view props, const Right& right, Long id, std::string_view action,
               Step step) {
-  const Caller caller = Enter(props, right);
-  Transaction transaction(caller.db, Transaction::Kind::kSave);
+  const Caller caller = EnterUnconfirmed(props, right);
+  CallersTransaction transaction(caller, Transaction::Kind::kSave);
   const LedgerRules rules = LedgerRules::Of(caller.db);
   const VoucherTree tree = Held(caller.db, id);
   if (tree.state.Get<"FDeleted">()) {
@@ -142,6 +143,18 @@ void Sign(const Caller& caller, Long id, bool signs, const std::string& id_colum
                     signs ? std::string_view(caller.session->user_name) : "", id);
 }
 
+// OwnVoucher when the books want somebody else for the step, and the caller made the voucher or
+// changed a part of it.
+void RequireOtherHands(const Caller& caller, const VoucherTree& tree, bool is_wanted,
+                       const std::string& step) {
+  const Session& session = *caller.session;
+  if (!is_wanted || !HadAHandIn(caller.db, tree, session.user_id)) return;
+  const bool prepared = tree.state.Get<"FPreparerID">() == session.user_id;
+  Refuse(refusal::kOwnVoucher, "Voucher " + tree.Name() + ": " + session.user_name +
+                                   (prepared ? " prepared it" : " had a hand in it") +
+                                   "; somebody else must " + step + " it.");
+}
+
 // WrongStep unless the condition holds.
 void RequireStep(bool condition, const VoucherTree& tree, const char* reason) {
   if (!condition) Refuse(refusal::kWrongStep, "Voucher " + tree.Name() + ": " + reason);
@@ -153,8 +166,8 @@ void RequireStep(bool condition, const VoucherTree& tree, const char* reason) {
 
 Ref<Dictionary> VoucherInfo::GetDetail(std::string_view PropsString, Long VoucherID,
                                        Boolean ShowDeleted) {
-  const Caller caller = Enter(PropsString, kRead);
-  return DetailOf(caller.db, VoucherID, ShowDeleted);
+  const Caller caller = EnterUnconfirmed(PropsString, kRead);
+  return DetailOf(caller, VoucherID, ShowDeleted);
 }
 
 Ref<Dictionary> VoucherInfo::GetDetailByNumber(std::string_view PropsString, Long nYear,
@@ -162,7 +175,7 @@ Ref<Dictionary> VoucherInfo::GetDetailByNumber(std::string_view PropsString, Lon
                                                Boolean ShowDeleted) {
   const Caller caller = Enter(PropsString, kRead);
   const Long id = FindByNumber(caller.db, nYear, Period, Group, Number, ShowDeleted);
-  return id != 0 ? DetailOf(caller.db, id, ShowDeleted) : nullptr;
+  return id != 0 ? DetailOf(caller, id, ShowDeleted) : nullptr;
 }
 
 Ref<Recordset> VoucherInfo::GetList(std::string_view PropsString, Long& ListOptions, String& Filter,
@@ -200,7 +213,7 @@ Long VoucherInfo::CheckExistCashProfit(std::string_view PropsString, const Long&
 
 Long VoucherUpdate::Create(std::string_view PropsString, const Ref<Dictionary>& Voucher,
                            const Variant& Kind) {
-  const Caller caller = Enter(PropsString, kSave);
+  const Caller caller = EnterUnconfirmed(PropsString, kSave);
   VoucherTree tree = VoucherTree::FromRow(RequireRow(Voucher));
   tree.state.Put<"FVersion">(1);
   tree.state.Put<"FOwnerGroupID">(kNobody);
@@ -210,7 +223,7 @@ Long VoucherUpdate::Create(std::string_view PropsString, const Ref<Dictionary>& 
   tree.state.Put<"FPosterID">(kNobody);
   SetPreparer(caller, tree);
 
-  Transaction transaction(caller.db, Transaction::Kind::kSave);
+  CallersTransaction transaction(caller, Transaction::Kind::kSave);
   ApplyRules(caller.db, VoucherFacts::Of(caller.db, tree), tree);
   GiveNumber(caller.db, nullptr, tree);
   tree.Insert(caller.db);
@@ -224,10 +237,10 @@ Long VoucherUpdate::Create(std::string_view PropsString, const Ref<Dictionary>& 
 
 void VoucherUpdate::Update(std::string_view PropsString, const Long& VoucherID,
                            const Ref<Dictionary>& Voucher) {
-  const Caller caller = Enter(PropsString, kSave);
+  const Caller caller = EnterUnconfirmed(PropsString, kSave);
   VoucherTree tree = VoucherTree::FromRow(RequireRow(Voucher));
 
-  Transaction transaction(caller.db, Transaction::Kind::kSave);
+  CallersTransaction transaction(caller, Transaction::Kind::kSave);
   VoucherTree stored = Held(caller.db, VoucherID);
   RequireVersion(stored, *Voucher);
   const VoucherFacts facts = VoucherFacts::Of(caller.db, tree);
@@ -235,6 +248,8 @@ void VoucherUpdate::Update(std::string_view PropsString, const Long& VoucherID,
   stored.ReadLines(caller.db);
   tree.state = stored.state;
   tree.state.Put<"FVersion">(stored.state.Get<"FVersion">() + 1);
+  const Long preparer = stored.state.Get<"FPreparerID">();
+  if (preparer != caller.session->user_id) AddEditor(caller.db, stored, preparer);
   SetPreparer(caller, tree);
   ApplyRules(caller.db, facts, tree);
   GiveNumber(caller.db, &stored, tree);
@@ -246,13 +261,14 @@ void VoucherUpdate::Update(std::string_view PropsString, const Long& VoucherID,
 
 void VoucherUpdate::Delete(std::string_view PropsString, const Long& VoucherID, Boolean Purge,
                            std::string_view MachineName, std::string_view IPAddress) {
-  const Caller caller = Enter(PropsString, RightTo<VoucherUpdate>("Delete"));
+  const Caller caller = EnterUnconfirmed(PropsString, RightTo<VoucherUpdate>("Delete"));
   Database& db = caller.db;
-  Transaction transaction(db, Transaction::Kind::kSave);
+  CallersTransaction transaction(caller, Transaction::Kind::kSave);
   const VoucherTree tree = Held(db, VoucherID);
   const LedgerRules rules = LedgerRules::Of(db);
   // A voucher that is marked already can still be removed for good.
   if (Purge && tree.state.Get<"FDeleted">()) {
+    RequireUnsigned(tree);
     RequireOpenPeriod(rules, tree);
   } else {
     RequireChangeable(rules, tree);
@@ -260,6 +276,7 @@ void VoucherUpdate::Delete(std::string_view PropsString, const Long& VoucherID, 
   if (Purge) {
     db.Execute("DELETE FROM t_VoucherDetail WHERE FVoucherID = ?", VoucherID);
     db.Execute("DELETE FROM t_VoucherEntry WHERE FVoucherID = ?", VoucherID);
+    RemoveEditors(db, VoucherID);
     db.Execute("DELETE FROM t_Voucher WHERE FVoucherID = ?", VoucherID);
   } else {
     db.Execute("UPDATE t_Voucher SET FDeleted = 1, FVersion = FVersion + 1 WHERE FVoucherID = ?",
@@ -278,17 +295,12 @@ void VoucherUpdate::Check(std::string_view PropsString, const Long& VoucherID,
                           const Boolean& Checked) {
   TakeStep(PropsString, RightTo<VoucherUpdate>("Check"), VoucherID, Checked ? "Check" : "UnCheck",
            [&](const Caller& caller, const LedgerRules& rules, const VoucherTree& tree) {
-             const Session& session = *caller.session;
              RequireStep(!tree.state.Get<"FPosted">(), tree, "it is posted.");
              RequireStep(tree.state.Get<"FChecked">() != Checked, tree,
                          Checked ? "it is checked already." : "it is not checked.");
              RequireStep(tree.state.Get<"FApproveID">() == kNobody, tree,
                          "it is approved; take the approval back first.");
-             if (Checked && rules.checker_not_preparer &&
-                 tree.state.Get<"FPreparerID">() == session.user_id) {
-               Refuse(refusal::kOwnVoucher, "Voucher " + tree.Name() + ": " + session.user_name +
-                                                " prepared it; somebody else must check it.");
-             }
+             RequireOtherHands(caller, tree, Checked && rules.checker_not_preparer, "check");
              Sign(caller, VoucherID, Checked, "FCheckerID", "FChecker", "FChecked");
            });
 }
@@ -297,11 +309,12 @@ void VoucherUpdate::Approve(std::string_view PropsString, const Long& VoucherID,
                             const Boolean& Approved) {
   TakeStep(PropsString, RightTo<VoucherUpdate>("Approve"), VoucherID,
            Approved ? "Approve" : "UnApprove",
-           [&](const Caller& caller, const LedgerRules&, const VoucherTree& tree) {
+           [&](const Caller& caller, const LedgerRules& rules, const VoucherTree& tree) {
              RequireStep(!tree.state.Get<"FPosted">(), tree, "it is posted.");
              RequireStep(tree.state.Get<"FChecked">(), tree, "it is not checked.");
              RequireStep((tree.state.Get<"FApproveID">() != kNobody) != Approved, tree,
                          Approved ? "it is approved already." : "it is not approved.");
+             RequireOtherHands(caller, tree, Approved && rules.approver_not_preparer, "approve");
              Sign(caller, VoucherID, Approved, "FApproveID", "FApprover");
            });
 }
@@ -309,12 +322,13 @@ void VoucherUpdate::Approve(std::string_view PropsString, const Long& VoucherID,
 void VoucherUpdate::Cash(std::string_view PropsString, const Long& VoucherID, const Boolean& Cashed,
                          const Variant& Voucher) {
   TakeStep(PropsString, RightTo<VoucherUpdate>("Cash"), VoucherID, Cashed ? "Cash" : "UnCash",
-           [&](const Caller& caller, const LedgerRules&, const VoucherTree& tree) {
+           [&](const Caller& caller, const LedgerRules& rules, const VoucherTree& tree) {
              if (!Voucher.IsMissing()) {
                RequireVersion(tree, RequireRow(Voucher.As<Dictionary>()));
              }
              RequireStep((tree.state.Get<"FCashierID">() != kNobody) != Cashed, tree,
                          Cashed ? "it is cashed already." : "it is not cashed.");
+             RequireOtherHands(caller, tree, Cashed && rules.cashier_not_preparer, "cash");
              Sign(caller, VoucherID, Cashed, "FCashierID", "FCashier");
            });
 }
@@ -329,6 +343,7 @@ void MovePosting(std::string_view props, Long id, Direction direction) {
                          posts ? "it is posted already." : "it is not posted.");
              RequireStep(!posts || !rules.check_before_post || tree.state.Get<"FChecked">(), tree,
                          "it is not checked, as the books want it before posting.");
+             RequireOtherHands(caller, tree, posts && rules.poster_not_preparer, "post");
              MoveBalances(caller.db, id, tree.Name(),
                           {tree.header.Get<"FYear">(), tree.header.Get<"FPeriod">()}, direction);
              Sign(caller, id, posts, "FPosterID", "FPoster", "FPosted");
@@ -346,10 +361,11 @@ void VoucherUpdate::UnPost(std::string_view PropsString, const Long& VoucherID) 
 }
 
 void VoucherUpdate::ClearCashFlow(std::string_view PropsString, const Long& VoucherID) {
-  const Caller caller = Enter(PropsString, kSave);
-  Transaction transaction(caller.db, Transaction::Kind::kSave);
+  const Caller caller = EnterUnconfirmed(PropsString, kSave);
+  CallersTransaction transaction(caller, Transaction::Kind::kSave);
   const VoucherTree tree = Held(caller.db, VoucherID);
   RequireChangeable(LedgerRules::Of(caller.db), tree);
+  AddEditor(caller.db, tree, caller.session->user_id);
   caller.db.Execute("UPDATE t_VoucherEntry SET FCashFlowItem = 0 WHERE FVoucherID = ?", VoucherID);
   // A row that was read before still has them.
   caller.db.Execute("UPDATE t_Voucher SET FVersion = FVersion + 1 WHERE FVoucherID = ?", VoucherID);

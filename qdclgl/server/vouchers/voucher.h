@@ -77,36 +77,40 @@ class VoucherUpdate final : public Object {
             (std::string_view PropsString, const Long& VoucherID, const Ref<Dictionary>& Voucher),
             "Saves a changed voucher, its lines and details in place of the former ones; the new "
             "version is written into the row. \"<>1\" before the connection text marks an "
-            "automatic save. Errors: Changed, NoVersion, VoucherChecked, VoucherPosted and all the "
-            "rules of the books.")
+            "automatic save. Errors: Changed, NoVersion, VoucherChecked, VoucherCashed, "
+            "VoucherPosted and all the rules of the books.")
   QD_METHOD(void, Delete,
             (std::string_view PropsString, const Long& VoucherID, Boolean Purge = {},
              std::string_view MachineName = "", std::string_view IPAddress = ""),
             "Marks a voucher as deleted; its number stays taken. With Purge its rows are removed. "
-            "VoucherChecked, VoucherPosted, PeriodClosed.")
+            "VoucherChecked, VoucherCashed, VoucherPosted, PeriodClosed.")
   QD_METHOD(void, Check,
             (std::string_view PropsString, const Long& VoucherID, const Boolean& Checked),
             "Checks a voucher or takes the check back. WrongStep when it is in that state already "
-            "or approved; OwnVoucher when setting CheckerNotPreparer is on and the caller prepared "
-            "it.")
-  QD_METHOD(void, Approve,
-            (std::string_view PropsString, const Long& VoucherID, const Boolean& Approved),
-            "Approves a checked voucher or takes the approval back. WrongStep.")
-  QD_METHOD(void, Cash,
-            (std::string_view PropsString, const Long& VoucherID, const Boolean& Cashed,
-             const Variant& Voucher = Missing),
-            "Marks a voucher as cashed by the caller or takes that back. Of a row that comes along "
-            "only the version counts: Changed when it is an old one. WrongStep.")
+            "or approved; OwnVoucher when setting CheckerNotPreparer is on and the caller made the "
+            "voucher or changed a part of it.")
+  QD_METHOD(
+      void, Approve, (std::string_view PropsString, const Long& VoucherID, const Boolean& Approved),
+      "Approves a checked voucher or takes the approval back. WrongStep; OwnVoucher by setting "
+      "ApproverNotPreparer.")
+  QD_METHOD(
+      void, Cash,
+      (std::string_view PropsString, const Long& VoucherID, const Boolean& Cashed,
+       const Variant& Voucher = Missing),
+      "Marks a voucher as cashed by the caller or takes that back. Of a row that comes along "
+      "only the version counts: Changed when it is an old one. WrongStep; OwnVoucher by setting "
+      "CashierNotPreparer.")
   QD_METHOD(void, Post, (std::string_view PropsString, const Long& VoucherID),
             "Posts a voucher into the balances of its period. WrongStep when it is posted already, "
-            "or not checked and setting CheckBeforePost is on; PeriodClosed; TooLarge when what is "
-            "posted would not add up any more.")
+            "or not checked and setting CheckBeforePost is on; OwnVoucher by setting "
+            "PosterNotPreparer; PeriodClosed; TooLarge when what is posted would not add up any "
+            "more.")
   QD_METHOD(void, UnPost, (std::string_view PropsString, const Long& VoucherID),
             "Takes a posted voucher out of the balances again. WrongStep, PeriodClosed.")
   QD_METHOD(
       void, ClearCashFlow, (std::string_view PropsString, const Long& VoucherID),
       "Takes the cash flow items off the voucher's lines; the voucher has a new version then. "
-      "VoucherChecked, VoucherPosted, PeriodClosed.")
+      "VoucherChecked, VoucherCashed, VoucherPosted, PeriodClosed.")
 };
 
 }  // namespace qdclgl::server

@@ -341,13 +341,20 @@ void RequireOpenPeriod(const LedgerRules& rules, const VoucherTree& tree) {
   }
 }
 
-void RequireChangeable(const LedgerRules& rules, const VoucherTree& tree) {
+void RequireUnsigned(const VoucherTree& tree) {
   const auto refuse = [&](std::int32_t number, const char* reason) {
     Refuse(number, Sentence(tree) + reason);
   };
-  if (tree.state.Get<"FDeleted">()) refuse(refusal::kVoucherDeleted, "it is deleted.");
   if (tree.state.Get<"FPosted">()) refuse(refusal::kVoucherPosted, "it is posted.");
   if (tree.state.Get<"FChecked">()) refuse(refusal::kVoucherChecked, "it is checked.");
+  if (tree.state.Get<"FCashierID">() > 0) refuse(refusal::kVoucherCashed, "it is cashed.");
+}
+
+void RequireChangeable(const LedgerRules& rules, const VoucherTree& tree) {
+  if (tree.state.Get<"FDeleted">()) {
+    Refuse(refusal::kVoucherDeleted, Sentence(tree) + "it is deleted.");
+  }
+  RequireUnsigned(tree);
   RequireOpenPeriod(rules, tree);
 }
 

@@ -46,8 +46,10 @@ inline constexpr Long kLargestGivenNumber = 999'999'999;
 // the voucher as it is stored (null for a new one) has that number already.
 void GiveNumber(Database& db, const VoucherTree* stored, VoucherTree& tree);
 
-// Refuses what is not open for change: PeriodClosed, VoucherDeleted, VoucherPosted, VoucherChecked.
+// Refuses what is not open for change: PeriodClosed, VoucherDeleted, and what somebody has signed,
+// as VoucherPosted, VoucherChecked, VoucherCashed.
 void RequireOpenPeriod(const LedgerRules& rules, const VoucherTree& tree);
+void RequireUnsigned(const VoucherTree& tree);
 void RequireChangeable(const LedgerRules& rules, const VoucherTree& tree);
 
 }  // namespace qdclgl::server

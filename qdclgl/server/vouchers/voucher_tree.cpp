@@ -127,9 +127,8 @@ Cells CellsFrom(const Statement& statement, std::span<const Column> columns, std
 }
 
 const std::string kReadHeader = "SELECT " + NamesOf(kStateColumns, "v.") + ", " +
-                                NamesOf(kHeaderColumns, "v.") +
-                                ", g.FName, v.FExtra FROM t_Voucher v"
-                                " JOIN t_VoucherGroup g ON g.FGroupID = v.FGroupID"
+                                NamesOf(kHeaderColumns, "v.") + ", g.FName, v.FExtra";
+const std::string kFromHeader = " FROM t_Voucher v JOIN t_VoucherGroup g ON g.FGroupID = v.FGroupID"
                                 " WHERE v.FVoucherID = ?";
 
 }  // namespace
@@ -184,39 +183,72 @@ Ref<Dictionary> VoucherTree::ToRow() const {
 
 namespace {
 
-std::optional<VoucherTree> ReadHeader(Database& db, const std::string& sql, Long id) {
-  static constexpr Storage kParameters[] = {Storage::kWhole};
-  static const std::vector<Storage> kResults = [] {
-    return StoragesOf(Joined(kStateColumns, kHeaderColumns, kGroupName, kExtra));
-  }();
-  Statement& statement = db.Prepared(sql, kParameters, kResults);
-  statement.Set(0, std::int64_t{id});
-  statement.Open();
-  if (!statement.Fetch()) return std::nullopt;
+const std::vector<Storage>& HeaderResults() {
+  static const std::vector<Storage> kResults =
+      StoragesOf(Joined(kStateColumns, kHeaderColumns, kGroupName, kExtra));
+  return kResults;
+}
+
+VoucherTree HeaderFrom(const Statement& statement) {
   VoucherTree tree;
   tree.state = CellsFrom<StateCells>(statement, kStateColumns, 0);
   tree.header = CellsFrom<HeaderCells>(statement, kHeaderColumns, std::size(kStateColumns));
   constexpr std::size_t kBehind = std::size(kStateColumns) + std::size(kHeaderColumns);
   tree.group = statement.Text(kBehind);
   tree.extras = statement.Text(kBehind + 1);
+  return tree;
+}
+
+// Reads a header and confirms the caller by one query.
+std::optional<VoucherTree> ReadHeader(const Caller& caller, Long id) {
+  static constexpr Storage kParameters[] = {Storage::kWhole, Storage::kWhole};
+  static const std::string kSql =
+      kReadHeader + ", (" + StandingQuery("?") + ") AS standing" + kFromHeader;
+  static const std::vector<Storage> kResults = [] {
+    std::vector<Storage> results = HeaderResults();
+    results.push_back(Storage::kText);
+    return results;
+  }();
+  Statement& statement = caller.db.Prepared(kSql, kParameters, kResults);
+  statement.Set(0, std::int64_t{caller.session->user_id});
+  statement.Set(1, std::int64_t{id});
+  statement.Open();
+  if (!statement.Fetch()) {
+    caller.Confirm();
+    return std::nullopt;
+  }
+  const std::size_t place = HeaderResults().size();
+  std::optional<std::string> standing;
+  if (!statement.IsNull(place)) standing = statement.Text(place);
+  VoucherTree tree = HeaderFrom(statement);
   statement.Reset();
+  caller.Confirm(standing);
   return tree;
 }
 
 }  // namespace
 
 std::optional<VoucherTree> VoucherTree::Hold(Database& db, Long id) {
-  static const std::string kHold = kReadHeader + " FOR UPDATE OF v";
-  return ReadHeader(db, db.IsSQLite() ? kReadHeader : kHold, id);
+  static constexpr Storage kParameters[] = {Storage::kWhole};
+  static const std::string kSQLite = kReadHeader + kFromHeader;
+  static const std::string kPostgreSQL = kSQLite + " FOR UPDATE OF v";
+  Statement& statement =
+      db.Prepared(db.Dialect(kSQLite, kPostgreSQL), kParameters, HeaderResults());
+  statement.Set(0, std::int64_t{id});
+  statement.Open();
+  if (!statement.Fetch()) return std::nullopt;
+  VoucherTree tree = HeaderFrom(statement);
+  statement.Reset();
+  return tree;
 }
 
-std::optional<VoucherTree> VoucherTree::Read(Database& db, Long id) {
+std::optional<VoucherTree> VoucherTree::Read(const Caller& caller, Long id) {
   // Without a transaction, which would cost PostgreSQL two more messages: every change of a voucher
   // raises its version, so that lines tell which header they belong to.
   constexpr int kMostAttempts = 100;
   for (int attempt = 0; attempt < kMostAttempts; ++attempt) {
-    std::optional<VoucherTree> tree = ReadHeader(db, kReadHeader, id);
-    if (!tree || tree->ReadLines(db)) return tree;
+    std::optional<VoucherTree> tree = ReadHeader(caller, id);
+    if (!tree || tree->ReadLines(caller.db)) return tree;
   }
   Refuse(refusal::kDatabaseBusy,
          "Others kept changing the voucher with the id " + std::to_string(id) + "; try again.");
@@ -312,7 +344,8 @@ std::vector<StoredTable> VoucherTables() {
   header.insert(header.end(), kHeaderTable.begin(), kHeaderTable.end());
   return {{"t_Voucher", header},
           {"t_VoucherEntry", {kLineTable.begin(), kLineTable.end()}},
-          {"t_VoucherDetail", {kDetailTable.begin(), kDetailTable.end()}}};
+          {"t_VoucherDetail", {kDetailTable.begin(), kDetailTable.end()}},
+          {"t_VoucherEditor", {{"FVoucherID", ColumnType::kLong}, {"FUserID", ColumnType::kLong}}}};
 }
 
 void VoucherTree::Insert(Database& db) {

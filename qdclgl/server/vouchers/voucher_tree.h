@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "qdclgl/frame/containers/dictionary.h"
+#include "qdclgl/server/access/session.h"
 #include "qdclgl/server/db/columns.h"
 #include "qdclgl/server/db/list.h"
 
@@ -150,7 +151,8 @@ struct VoucherTree {
   Ref<Dictionary> ToRow() const;
 
   // One state of the voucher, whoever saves it meanwhile. Nothing when there is no such voucher.
-  static std::optional<VoucherTree> Read(Database& db, Long id);
+  // Confirms the caller along the way.
+  static std::optional<VoucherTree> Read(const Caller& caller, Long id);
   // Reads the header alone, and keeps others from changing the voucher before the transaction ends.
   static std::optional<VoucherTree> Hold(Database& db, Long id);
   // Reads lines and details. False when they are not those of the header's version.
@@ -165,7 +167,7 @@ struct VoucherTree {
 // FAmount, line 3 added".
 std::string ChangesBetween(const VoucherTree& before, const VoucherTree& now);
 
-// The tables of headers, lines and details.
+// The tables of headers, lines, details and editors.
 std::vector<StoredTable> VoucherTables();
 
 // The list of headers.

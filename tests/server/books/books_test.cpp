@@ -54,7 +54,7 @@ TEST_P(BooksUpdateTest, EverythingCanBeChosen) {
 }
 
 TEST_P(BooksUpdateTest, WithoutAYearTheBooksBeginInThisOne) {
-  Call(kBooks, "Create", fresh, "EUR");
+  Call(kBooks, "Create", fresh, "EUR", Named("NoPassword", true));
   props = Call("QDSVGLSession.SessionUpdate", "Login", fresh, "administrator", "").As<String>();
   const std::string year = std::to_string(CurrentPlatform().Today().ToParts().year);
   EXPECT_NE(Settings().find("CurrentYear=" + year + ";"), std::string::npos);
@@ -62,14 +62,16 @@ TEST_P(BooksUpdateTest, WithoutAYearTheBooksBeginInThisOne) {
 
 TEST_P(BooksUpdateTest, BooksAreNotMadeTwice) {
   const std::string before = State();
-  EXPECT_EQ(RefusalOf([&] { Call(kBooks, "Create", connection, "EUR"); }), "BooksExist");
+  EXPECT_EQ(
+      RefusalOf([&] { Call(kBooks, "Create", connection, "EUR", Named("NoPassword", true)); }),
+      "BooksExist");
   EXPECT_EQ(State(), before);
 }
 
 TEST_P(BooksUpdateTest, BooksThatCantBeAreNotBegun) {
   const auto refusal = [&](std::string_view currency, Long year = 2024, Long count = 12,
                            Long month = 1, std::string_view user = "a",
-                           std::string_view password = "") {
+                           std::string_view password = "x") {
     return RefusalOf(
         [&] { Call(kBooks, "Create", fresh, currency, year, count, month, user, password); });
   };
@@ -84,6 +86,7 @@ TEST_P(BooksUpdateTest, BooksThatCantBeAreNotBegun) {
   EXPECT_EQ(refusal("EUR", 2024, 53), "BadSetting");
   EXPECT_EQ(refusal("EUR", 2024, 12, 13), "BadSetting");
   EXPECT_EQ(refusal("EUR", 2024, 12, 1, ""), "Required");
+  EXPECT_EQ(refusal("EUR", 2024, 12, 1, "a", ""), "Required") << "no password, and nobody said so";
   EXPECT_EQ(FreshBooks(), nothing);
   EXPECT_EQ(refusal("EUR", 2024, 12, 1, std::string_view("a\0b", 3)), "BadValue");
   EXPECT_EQ(FreshBooks(), nothing);
@@ -98,7 +101,8 @@ TEST_P(BooksUpdateTest, HalfMadeBooksAreTakenAway) {
     Database::SetStatementHook([&](std::string_view) {
       if (++count == statements) throw Error(4711, "test", "this statement fails");
     });
-    const std::string refusal = RefusalOf([&] { Call(kBooks, "Create", fresh, "EUR"); });
+    const std::string refusal =
+        RefusalOf([&] { Call(kBooks, "Create", fresh, "EUR", Named("NoPassword", true)); });
     Database::SetStatementHook(nullptr);
     if (refusal == "none") break;
     ASSERT_EQ(refusal, "error 4711");
@@ -117,7 +121,8 @@ TEST_P(BooksFileTest, AFileOfSomethingElseIsLeftAlone) {
   ASSERT_NE(other, nullptr);
   std::fputs("my diary, which is quite long and no database at all", other);
   std::fclose(other);
-  EXPECT_EQ(RefusalOf([&] { Call(kBooks, "Create", fresh, "EUR"); }), "BooksExist");
+  EXPECT_EQ(RefusalOf([&] { Call(kBooks, "Create", fresh, "EUR", Named("NoPassword", true)); }),
+            "BooksExist");
   EXPECT_EQ(RefusalOf([&] { Version(fresh); }), "DatabaseFailed");
   EXPECT_EQ(std::filesystem::file_size(file), 52u);
 }

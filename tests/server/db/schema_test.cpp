@@ -60,7 +60,7 @@ TEST_P(SchemaTest, TheSizeOfWhatIsPostedIsAddedUpWhateverItIs) {
   const auto size_of = [&](const std::vector<std::string>& lines) {
     const std::string old = OldBooks(2);
     {
-      Database db(ConnectionText::Parse(old), Database::Opening::kExisting);
+      Database db(ConnectionText::Parse(old));
       db.ExecuteScript(std::string(
           db.Dialect("PRAGMA foreign_keys = OFF;", "SET session_replication_role = replica;")));
       const std::string rest = "'', '', 0, 0, '', '', '')";
@@ -83,7 +83,7 @@ TEST_P(SchemaTest, TheSizeOfWhatIsPostedIsAddedUpWhateverItIs) {
       db.ExecuteScript("INSERT INTO t_Counter VALUES (0, 0, 0, 2147483648);");
     }
     EXPECT_EQ(Upgrade(old), 2);
-    Database db(ConnectionText::Parse(old), Database::Opening::kExisting);
+    Database db(ConnectionText::Parse(old));
     const auto size = db.QueryValue<std::int64_t>("SELECT FSize FROM t_Posted");
     EXPECT_EQ(db.QueryValue<std::int64_t>("SELECT FNext FROM t_Counter"), 1);
     RemoveBooks(old);

@@ -1,6 +1,9 @@
 #include "qdclgl/server/periods/settings.h"
 
+#include <map>
+
 #include "qdclgl/frame/vocabulary/strings.h"
+#include "qdclgl/settings/system_profile.h"
 #include "tests/server/books_state.h"
 
 namespace qdclgl::server::testing {
@@ -84,9 +87,11 @@ TEST_P(SettingsTest, TheCalendarStaysOnceThereAreVouchers) {
 
 TEST_P(SettingsTest, SavingIsOnTheAuditTrail) {
   Set("Base", "Offline", "1");
-  EXPECT_EQ(TextOf(Call("QDSVGLAudit.AuditInfo", "GetList", props).As<Recordset>(),
-                   {"FSubject", "FRecord", "FAction", "FChanges"}),
-            "Setting Base.Offline Update 1\n");
+  EXPECT_EQ(
+      TextOf(
+          Call("QDSVGLAudit.AuditInfo", "GetList", props, "FSubject <> 'Session'").As<Recordset>(),
+          {"FSubject", "FRecord", "FAction", "FChanges"}),
+      "Setting Base.Offline Update 1\n");
 }
 
 TEST_P(SettingsTest, OnlyAdministratorsWrite) {
@@ -116,6 +121,69 @@ TEST_P(SettingsTest, ClientsAskWhetherToWorkOffLine) {
   EXPECT_FALSE(offline("DESK"));
   Set("Base", "Offline", "1");
   EXPECT_TRUE(offline("OTHER"));
+}
+
+TEST_P(SettingsTest, ASettingTakesWhatIsOfItsTypeAndRangeAlone) {
+  const auto taken = [&](const char* category, const char* key,
+                         std::initializer_list<const char*> values) {
+    std::string text;
+    for (const char* value : values) {
+      const std::string refusal = RefusalOf([&] { Set(category, key, value); });
+      if (refusal == "none") text += std::string(text.empty() ? "" : " ") + "'" + value + "'";
+      else EXPECT_EQ(refusal, "BadSetting") << key << " " << value;
+    }
+    return text;
+  };
+  for (const char* key : {"CheckBeforePost", "CheckerNotPreparer", "ApproverNotPreparer",
+                          "CashierNotPreparer", "PosterNotPreparer", "PeriodByMonth"}) {
+    EXPECT_EQ(taken("GL", key,
+                    {"True", "yes", "on", "1e20", "2", "-1", "1.0", " 1", "1 ", "false", "0x1", "1",
+                     "0"}),
+              "'1' '0'")
+        << key;
+  }
+  EXPECT_EQ(taken("Base", "Offline", {"True", "YES", "on", "off", "2", "1e20", "0", "1", "desk"}),
+            "'0' '1' 'desk'");
+  EXPECT_EQ(taken("Base", "SessionMinutes", {"-1", "10081", "1e3", "5 min", "0", "10080"}),
+            "'0' '10080'");
+  EXPECT_EQ(taken("GL", "YearStartMonth", {"0", "13", "1e20", "7.0", "July", "7"}), "'7'");
+  EXPECT_EQ(taken("SC", "SCIntTaxRate", {"inf", "nan", "1,5", "1e999", "5%", "0.05", "1e-2"}),
+            "'0.05' '1e-2'");
+  EXPECT_EQ(taken("SC", "SCDateToday",
+                  {"31.1.2024", "2024-13-01", "2024-02-30", "2024-01/31", "soon", "2024-02-29",
+                   "2024/02/29"}),
+            "'2024-02-29' '2024/02/29'");
+  EXPECT_EQ(SentenceOf([&] { Set("GL", "CheckBeforePost", "True"); }),
+            "Setting CheckBeforePost of GL is 0 or 1, not \"True\".");
+}
+
+TEST_P(SettingsTest, SettingsOfCallersOwnTakeAnyText) {
+  for (const char* value : {"True", "yes", "1e20", ""}) {
+    Set("GL", "MyOwn", value);
+    Set("SC", "CheckBeforePost", value);
+  }
+}
+
+// Each option that the library reads by a member of its own is known here by the same type.
+TEST_P(SettingsTest, WhatTheLibraryReadsIsOfTheTypeThatItReads) {
+  const std::map<std::string, std::pair<const char*, const char*>> values = {
+      {"Boolean", {"1", "2"}},
+      {"Integer", {"32767", "32768"}},
+      {"Long", {"2147483647", "2147483648"}},
+      {"Double", {"0.5", "half"}},
+      {"Date", {"2024-01-31", "January"}}};
+  const std::string option = "Settlement option ";
+  int options = 0;
+  for (const ClassMember& member : SystemProfile::Table().members()) {
+    const std::string help(member.row.help);
+    if (!help.starts_with(option)) continue;
+    const std::string key = help.substr(option.size(), help.find_first_of(".,;") - option.size());
+    const auto [right, wrong] = values.at(std::string(member.row.type));
+    EXPECT_EQ(RefusalOf([&, text = right] { Set("SC", key, text); }), "none") << key;
+    EXPECT_EQ(RefusalOf([&, text = wrong] { Set("SC", key, text); }), "BadSetting") << key;
+    ++options;
+  }
+  EXPECT_EQ(options, 53);
 }
 
 QDCLGL_BOOKS_TEST(SettingsTest);

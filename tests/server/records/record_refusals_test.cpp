@@ -254,9 +254,9 @@ TEST_P(RecordSuite, EveryMethodAsksForItsRole) {
     }
     EXPECT_EQ(State(), before) << roles;
   }
-  const std::string before = State();
   const std::string ended = Login("administrator");
   Call("QDSVGLSession.SessionUpdate", "Logout", ended);
+  const std::string before = State();
   for (const Method& method : methods) {
     ask(method, "nobody", connection, "NotLoggedIn");
     ask(method, "who has left", ended, "NotLoggedIn");

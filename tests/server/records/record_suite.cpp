@@ -110,6 +110,9 @@ std::vector<Ref<Dictionary>> RowsOf(const Ref<Recordset>& list) {
 }
 
 RecordSuite::RecordSuite() : RecordBooks(GetParam().database), kind(*GetParam().kind) {
+  const std::string own = props;
+  other_session_ = Login("administrator");
+  props = own;
   if (kind.prepare != nullptr) kind.prepare(*this);
 }
 
@@ -272,7 +275,7 @@ void RecordSuite::InAnotherSession(const std::function<void()>& operation) {
   const std::string own = props;
   std::thread([&] {
     SetApartmentStarted(true);
-    Login("administrator");
+    props = other_session_;
     operation();
     Connections::OfThisThread().CloseAll();
   }).join();

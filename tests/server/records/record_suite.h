@@ -159,6 +159,8 @@ class RecordSuite : public ::testing::TestWithParam<RecordCase>, protected Recor
 
  private:
   Variant ValueOf(const RecordKind::Column& column, Values values, int number) const;
+
+  std::string other_session_;
 };
 
 // Kinds whose records are found by a text, can be used by others, can be marked deleted.
