@@ -3,11 +3,13 @@
 #include <filesystem>
 
 #include "qdclgl/frame/objects/class_table.h"
+#include "qdclgl/frame/platform/machine.h"
 #include "qdclgl/frame/platform/platform.h"
 #include "qdclgl/frame/values/value_rules.h"
 #include "qdclgl/frame/vocabulary/text.h"
 #include "qdclgl/server/access/login.h"
 #include "qdclgl/server/books/books_check.h"
+#include "qdclgl/server/books/trail_beginning.h"
 #include "qdclgl/server/db/refusals.h"
 #include "qdclgl/server/db/schema.h"
 #include "qdclgl/server/periods/calendar.h"
@@ -17,6 +19,20 @@ namespace qdclgl::server {
 
 QD_DEFINE_MEMBERS(BooksUpdate)
 QD_DEFINE_MEMBERS(BooksInfo)
+
+namespace {
+
+// Who makes or upgrades books, which have no sessions meanwhile.
+Caller CallerFromHere(Database& db, Long user_id, std::string_view user_name) {
+  Session session;
+  session.user_id = user_id;
+  session.user_name = user_name;
+  session.machine_name = GetMachineName();
+  session.address = GetIPAddress();
+  return {std::make_shared<const Session>(std::move(session)), db, false};
+}
+
+}  // namespace
 
 void BooksUpdate::Create(std::string_view connection, std::string_view CurrencyNumber, Long nYear,
                          Long PeriodCount, Long StartMonth, std::string_view UserName,
@@ -56,6 +72,8 @@ void BooksUpdate::Create(std::string_view connection, std::string_view CurrencyN
     PutGlSetting(db, kPeriodCount, std::to_string(PeriodCount));
     PutGlSetting(db, kPeriodByMonth, by_month ? "1" : "0");
     PutGlSetting(db, kYearStartMonth, std::to_string(StartMonth));
+    constexpr Long kAdministrator = 1;
+    BeginTrail(CallerFromHere(db, kAdministrator, UserName), "Create");
     transaction.Commit();
   };
   try {
@@ -77,6 +95,9 @@ Long BooksUpdate::Upgrade(std::string_view connection) {
   const int version = SchemaVersion(db);
   if (version == 0 || version > CurrentSchemaVersion()) RequireCurrentSchema(db);
   Migrate(db, CurrentSchemaVersion());
+  // Nobody is logged in.
+  if (version < CurrentSchemaVersion() && !HasTrailBegun(db))
+    BeginTrail(CallerFromHere(db, 0, ""), "Upgrade");
   transaction.Commit();
   return version;
 }
@@ -86,9 +107,9 @@ Long BooksInfo::Version(std::string_view connection) {
   return SchemaVersion(db);
 }
 
-Ref<Recordset> BooksInfo::Check(std::string_view PropsString) {
+Ref<Recordset> BooksInfo::Check(std::string_view PropsString, std::string_view KeptHead) {
   const Caller caller = Enter(PropsString, RightTo<BooksInfo>("Check"));
-  return CheckBooks(caller.db);
+  return CheckBooks(caller.db, KeptHead);
 }
 
 }  // namespace qdclgl::server

@@ -6,6 +6,8 @@
 #include <set>
 
 #include "qdclgl/server/access/login.h"
+#include "qdclgl/server/books/findings.h"
+#include "qdclgl/server/books/trail_check.h"
 #include "qdclgl/server/db/columns.h"
 #include "qdclgl/server/periods/calendar.h"
 #include "qdclgl/server/periods/settings.h"
@@ -17,30 +19,6 @@ namespace qdclgl::server {
 namespace {
 
 constexpr Long kNobody = -1;
-
-// The list of breaches as it grows.
-class Findings {
- public:
-  void Add(std::string_view rule, std::string_view subject, Long id, std::string_view record,
-           std::string_view problem) {
-    list_->AddRow({rule, subject, id, record, problem});
-  }
-
-  // A breach for each row (id, record) of a query.
-  template <class... Values>
-  void AddRows(Database& db, std::string_view rule, std::string_view subject,
-               std::string_view problem, std::string_view sql, const Values&... values) {
-    for (const auto& [id, record] : db.Query<Long, std::string>(sql, values...)) {
-      Add(rule, subject, id, record, problem);
-    }
-  }
-
-  Ref<Recordset> list() const { return list_; }
-
- private:
-  Ref<Recordset> list_ =
-      Recordset::Create({"FRule", "FSubject", "FRecordID", "FRecord", "FProblem"});
-};
 
 // Totals of books that keep the rules stay far inside 64 bits. Others may not, and are compared
 // modulo 2^64.
@@ -299,7 +277,7 @@ void CheckDatabase(Database& db, Findings& findings) {
 
 }  // namespace
 
-Ref<Recordset> CheckBooks(Database& db) {
+Ref<Recordset> CheckBooks(Database& db, std::string_view kept_head) {
   const Transaction transaction(db, Transaction::Kind::kRead);
   Findings findings;
   CheckLinesAndBalances(db, findings);
@@ -308,6 +286,7 @@ Ref<Recordset> CheckBooks(Database& db) {
   CheckCurrencies(db, findings);
   CheckUsers(db, findings);
   CheckSettings(db, findings);
+  CheckTrail(db, kept_head, findings);
   CheckDatabase(db, findings);
   return findings.list();
 }

@@ -14,6 +14,7 @@
 
 #include "qdclgl/frame/vocabulary/text.h"
 #include "qdclgl/server/db/refusals.h"
+#include "qdclgl/server/db/sqlite_functions.h"
 
 namespace qdclgl::server {
 
@@ -285,6 +286,7 @@ Database::Database(const ConnectionText& text, Opening opening)
     }
   });
   if (is_sqlite_) {
+    DefineSQLiteFunctions(state_->session);
     const bool normal = EqualsIgnoringAsciiCase(text[connection_key::kSynchronous], "Normal");
     Command(normal ? "PRAGMA synchronous = NORMAL" : "PRAGMA synchronous = FULL");
     Command("PRAGMA foreign_keys = ON");
