@@ -80,7 +80,8 @@ struct DoctorOptions {
 
 int Examine(const DoctorOptions& options, const Console& console) {
   const std::string props = options.login.Open();
-  const auto problems = CreateObject("QDSVGLBooks.BooksInfo")->Call("Check", props, options.head).As<Recordset>();
+  const auto problems =
+      CreateObject("QDSVGLBooks.BooksInfo")->Call("Check", props, options.head).As<Recordset>();
   if (problems->Eof() && options.format == Format::kPlain) {
     console.out << "The books are in order.\n";
     return kDone;

@@ -54,8 +54,7 @@ void ShortenChanges(const Ref<Recordset>& deeds) {
   if (deeds->Eof()) return;
   const Long position = deeds->FieldPosition("FChanges");
   for (; !deeds->Eof(); deeds->MoveNext()) {
-    deeds->SetFieldValue(position,
-                         server::ShortChanges(deeds->FieldValue(position).As<String>()));
+    deeds->SetFieldValue(position, server::ShortChanges(deeds->FieldValue(position).As<String>()));
   }
   deeds->MoveFirst();
 }

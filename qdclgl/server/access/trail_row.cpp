@@ -189,16 +189,19 @@ std::string ValueText(const Json& value) {
   return value.is_string() ? value.get<std::string>() : value.dump();
 }
 
+// An exception of the library for what is no object.
+const Json::object_t& MembersOf(const Json& json) { return json.get_ref<const Json::object_t&>(); }
+
 void AddShort(std::string& text, const std::string& where, const Json& changes) {
   const auto add = [&](const std::string& change) {
     text += (text.empty() ? "" : "; ") + where + change;
   };
-  for (const auto& [key, change] : changes.items()) {
+  for (const auto& [key, change] : MembersOf(changes)) {
     if (change.is_array()) {
       add(key + ": " + ValueText(change.at(0)) + " -> " + ValueText(change.at(1)));
       continue;
     }
-    for (const auto& [number, row] : change.items()) {
+    for (const auto& [number, row] : MembersOf(change)) {
       const std::string name = std::string(NounOf(key)) + " " + number;
       if (row.contains("new")) add(name + " added");
       else if (row.contains("old")) add(name + " removed");
@@ -210,7 +213,7 @@ void AddShort(std::string& text, const std::string& where, const Json& changes) 
 // "FNumber 1, FReference R, lines 2"
 std::string ShortWhole(const Json& row) {
   std::string text;
-  for (const auto& [key, value] : row.items()) {
+  for (const auto& [key, value] : MembersOf(row)) {
     if (!text.empty()) text += ", ";
     text += value.is_array() ? std::string(NounOf(key)) + "s " + std::to_string(value.size())
                              : key + " " + ValueText(value);

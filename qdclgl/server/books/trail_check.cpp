@@ -23,19 +23,22 @@ bool IsZero(const Json& value) {
   return value == Json(0) || value == Json(false) || value == Json("");
 }
 
+// An exception of the library for what is no object.
+const Json::object_t& MembersOf(const Json& json) { return json.get_ref<const Json::object_t&>(); }
+
 void Apply(const Json& changes, Json& row);
 
 // Rows are added and removed at the end of a list.
 void ApplyToList(const Json& changes, Json::array_t& list) {
   std::size_t left = list.size();
-  for (const auto& [number, change] : changes.items()) {
+  for (const auto& [number, change] : MembersOf(changes)) {
     const std::size_t at = std::stoul(number) - 1;
     if (change.contains("old")) {
       left = std::min(left, at);
     } else if (change.contains("new")) {
       left = std::max(left, at + 1);
       if (at >= list.size()) list.resize(at + 1);
-      list[at] = change["new"];
+      list[at] = change.at("new");
     } else {
       Apply(change, list.at(at));
     }
@@ -45,7 +48,7 @@ void ApplyToList(const Json& changes, Json::array_t& list) {
 
 // Takes the changes of a row, as ChangesText writes them, into a whole row.
 void Apply(const Json& changes, Json& row) {
-  for (const auto& [key, change] : changes.items()) {
+  for (const auto& [key, change] : MembersOf(changes)) {
     if (change.is_array()) {
       if (IsZero(change.at(1))) row.erase(key);
       else row[key] = change.at(1);
@@ -66,7 +69,7 @@ std::string ValueText(const Json& row, const std::string& key) {
 std::string Difference(const Json& trail, const Json& books, const std::string& where = "") {
   std::set<std::string> keys;
   for (const Json* row : {&trail, &books}) {
-    for (const auto& [key, value] : row->items()) keys.insert(key);
+    for (const auto& [key, value] : MembersOf(*row)) keys.insert(key);
   }
   for (const std::string& key : keys) {
     const Json in_trail = trail.value(key, Json()), in_books = books.value(key, Json());
@@ -206,9 +209,9 @@ class ChainCheck {
 
   void CheckOne(std::string_view subject, Long id, std::span<const AuditRow> rows, bool has_state,
                 const TrailedRecord* record) {
-    const std::string name =
-        rows.empty() || (record != nullptr && !record->name.empty()) ? record->name
-                                                                     : rows.back().record;
+    const std::string name = rows.empty() || (record != nullptr && !record->name.empty())
+                                 ? record->name
+                                 : rows.back().record;
     if (const std::string problem = BreakIn(rows); !problem.empty()) {
       return findings_.Add("Trail", subject, id, name, problem);
     }

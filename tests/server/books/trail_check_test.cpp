@@ -136,10 +136,10 @@ TEST_P(TrailCheckTest, EachValueOfTheBooksThatIsChangedIsSeen) {
     for (const Column& column : table.columns) {
       const std::string name(column.name), id(table.columns.front().name);
       if (name == "FIndex") continue;  // a line's only detail stays its first one
-      EXPECT_NE(ProblemsAfter(
-                    "UPDATE " + std::string(table.name) + " SET " + name + " = " + name +
-                    (StorageOf(column.type) == Storage::kText ? " || '1'" : " * -1 + 1") + " WHERE " +
-                    id + " = (SELECT MAX(" + id + ") FROM " + std::string(table.name) + ")"),
+      EXPECT_NE(ProblemsAfter("UPDATE " + std::string(table.name) + " SET " + name + " = " + name +
+                              (StorageOf(column.type) == Storage::kText ? " || '1'" : " * -1 + 1") +
+                              " WHERE " + id + " = (SELECT MAX(" + id + ") FROM " +
+                              std::string(table.name) + ")"),
                 "")
           << table.name << "." << name;
     }
@@ -148,8 +148,8 @@ TEST_P(TrailCheckTest, EachValueOfTheBooksThatIsChangedIsSeen) {
 }
 
 TEST_P(TrailCheckTest, EachSettingThatIsChangedIsSeen) {
-  for (const auto& [category, key] : Books().Query<std::string, std::string>(
-           "SELECT FCategory, FKey FROM t_SystemProfile")) {
+  for (const auto& [category, key] :
+       Books().Query<std::string, std::string>("SELECT FCategory, FKey FROM t_SystemProfile")) {
     const std::string which = " WHERE FCategory = '" + category + "' AND FKey = '" + key + "'";
     EXPECT_NE(ProblemsAfter("UPDATE t_SystemProfile SET FValue = FValue || '0'" + which), "")
         << key;
@@ -179,9 +179,10 @@ TEST_P(TrailCheckTest, RecordsThatComeAndGoPastTheTrailAreFound) {
   EXPECT_EQ(ProblemsAfter("DELETE FROM t_User WHERE FUserID = 2"),
             "Record User 2 It is gone, and its trail still has it.\n");
   // Not even a password that is put in place of another one passes.
-  EXPECT_TRUE(ProblemsAfter("UPDATE t_User SET FPassword = (SELECT FPassword FROM t_User WHERE"
-                            " FUserID = 2) WHERE FUserID = 1")
-                  .starts_with("Record User 1 It was changed past the trail: FPassword is \"finger"));
+  EXPECT_TRUE(
+      ProblemsAfter("UPDATE t_User SET FPassword = (SELECT FPassword FROM t_User WHERE"
+                    " FUserID = 2) WHERE FUserID = 1")
+          .starts_with("Record User 1 It was changed past the trail: FPassword is \"finger"));
 }
 
 TEST_P(TrailCheckTest, ATrailThatWasCutOffDoesNotLeadToTheHeadThatWasKept) {

@@ -64,16 +64,16 @@ TEST_P(MasterDataTest, RecordsAreSavedFoundAndRemoved) {
             "2 A1 Oval\n");
   Call("QDSVGLSeal.SealUpdate", "Delete", props, id);
   EXPECT_EQ(Call("QDSVGLSeal.SealInfo", "GetDetail", props, id).As<Dictionary>(), nullptr);
-  EXPECT_EQ(TextOf(Call("QDSVGLAudit.AuditInfo", "GetList", props, "FSubject = 'Seal'")
-                       .As<Recordset>(),
-                   {"FRecord", "FAction", "FChanges"}),
-            "A1 (Round) Create "
-            R"({"new":{"FVersion":1,"FNumber":"A1","FName":"Round","FWidth":2.5}})"
-            "\nA1 (Oval) Update "
-            R"({"FVersion":[1,2],"FName":["Round","Oval"]})"
-            "\nA1 (Oval) Delete "
-            R"({"old":{"FVersion":2,"FNumber":"A1","FName":"Oval","FWidth":2.5}})"
-            "\n");
+  EXPECT_EQ(
+      TextOf(Call("QDSVGLAudit.AuditInfo", "GetList", props, "FSubject = 'Seal'").As<Recordset>(),
+             {"FRecord", "FAction", "FChanges"}),
+      "A1 (Round) Create "
+      R"({"new":{"FVersion":1,"FNumber":"A1","FName":"Round","FWidth":2.5}})"
+      "\nA1 (Oval) Update "
+      R"({"FVersion":[1,2],"FName":["Round","Oval"]})"
+      "\nA1 (Oval) Delete "
+      R"({"old":{"FVersion":2,"FNumber":"A1","FName":"Oval","FWidth":2.5}})"
+      "\n");
 }
 
 TEST_P(MasterDataTest, RefusalsCallRecordsAsPeopleDo) {

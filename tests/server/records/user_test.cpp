@@ -171,8 +171,8 @@ TEST_P(UserTest, ANewPasswordIsOnTheAuditTrailWithoutItsText) {
   EXPECT_TRUE(changes.starts_with("{\"FPassword\":[\"fingerprint ")) << changes;
   const auto trail =
       TextOf(Call("QDSVGLAudit.AuditInfo", "GetList", props).As<Recordset>(), {"FChanges"});
-  const auto hash = Books().QueryValue<std::string>(
-      "SELECT FPassword FROM t_User WHERE FUserID = ?", id);
+  const auto hash =
+      Books().QueryValue<std::string>("SELECT FPassword FROM t_User WHERE FUserID = ?", id);
   for (const std::string& secret : {std::string("sesame"), std::string("argon2"), *hash}) {
     EXPECT_EQ(trail.find(secret), trail.npos) << secret;
   }

@@ -597,8 +597,10 @@ TEST_P(VoucherServer, TheTrailTellsEveryDeedWithOldAndNewValues) {
   voucher->Value("FReference", "R");
   LineAt(voucher, 1)->Value("FAmount", Currency(9));
   LineAt(voucher, 1)->Value("FCashFlowItem", Long{3});
-  LineAt(voucher, 1)->Value("_Details").As<Vector>()->Append(
-      Variant(qdclgl::testing::Row({{"FItemClassID", Long{4}}, {"FValue", "x"}})));
+  LineAt(voucher, 1)
+      ->Value("_Details")
+      .As<Vector>()
+      ->Append(Variant(qdclgl::testing::Row({{"FItemClassID", Long{4}}, {"FValue", "x"}})));
   LineAt(voucher, 2)->Value("FAmount", Currency(7));
   voucher->Value("_Entries").As<Vector>()->Append(Variant(Line("2000", 0, 2)));
   Call(kUpdate, "Update", "<>1" + props, ByRef(id), voucher);
@@ -609,8 +611,7 @@ TEST_P(VoucherServer, TheTrailTellsEveryDeedWithOldAndNewValues) {
   Call(kUpdate, "Delete", props, ByRef(id), false, "DESK", "10.0.0.2");
   Call(kUpdate, "Delete", props, ByRef(id), true, "DESK", "10.0.0.2");
   Call(kUpdate, "Create", props, Sale(1), Integer{2});
-  const std::string first_line =
-      R"({"FAccountID":1,"FDC":1,"FAmount":"5","FCurrencyID":1})";
+  const std::string first_line = R"({"FAccountID":1,"FDC":1,"FAmount":"5","FCurrencyID":1})";
   const std::string second_line = R"({"FAccountID":3,"FAmount":"5","FCurrencyID":1})";
   const std::string start =
       R"("FDate":"2024-01-15","FYear":2024,"FPeriod":1,"FGroupID":1,"FNumber":)";
