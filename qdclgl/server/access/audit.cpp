@@ -53,36 +53,32 @@ std::string DigestOf(const AuditRow& row) {
 }
 
 // One statement finds the row before, takes the time and makes the hash as HashBehind does. So the
-// trail costs a save one statement and no message more than that, and what stands in a row belongs
-// to one moment.
+// trail costs a save one message, and what stands in a row belongs to one moment.
 std::string InsertSql(bool is_sqlite) {
   const auto dialect = [&](const std::string& sqlite, const std::string& postgresql) {
     return is_sqlite ? sqlite : postgresql;
   };
-  const std::string hashed =
-      "COALESCE(former.FHash, '') || ' ' || CAST(COALESCE(former.FNumber, 0) + 1 AS TEXT) || ' ' ||"
-      " now.FTime || ' ' || now.FConnection || ' ' || CAST(? AS TEXT)";
-  const std::string hash = dialect("sha256_digits(" + hashed + ")",
-                                   "encode(sha256(convert_to(" + hashed + ", 'UTF8')), 'hex')");
+  const auto former = [](const std::string& column) {
+    return "(SELECT " + column +
+           " FROM t_Audit WHERE FSubject = ? AND FRecordID = ? ORDER BY FNumber DESC LIMIT 1)";
+  };
   const std::string clock = dialect(
       "strftime('%Y-%m-%dT%H:%M:%SZ', 'now')",
       "to_char(statement_timestamp() AT TIME ZONE 'UTC', 'YYYY-MM-DD\"T\"HH24:MI:SS\"Z\"')");
-  const std::string latest = dialect("MAX", "GREATEST");
+  const std::string time =
+      dialect("MAX", "GREATEST") + "(" + clock +
+      ", COALESCE((SELECT FTime FROM t_Audit ORDER BY FAuditID DESC LIMIT 1), ''))";
   const std::string address = dialect("''", "COALESCE(host(inet_client_addr()), '')");
+  const std::string hashed = "COALESCE(" + former("FHash || ' ' || CAST(FNumber + 1 AS TEXT)") +
+                             ", ' 1') || ' ' || " + time + " || ' ' || " + address +
+                             " || ' ' || CAST(? AS TEXT)";
   return "INSERT INTO t_Audit (FUserID, FUserName, FMachineName, FIPAddress, FSubject, FRecordID,"
          " FRecord, FAction, FOrigin, FChanges, FTime, FConnection, FNumber, FHash)"
-         " SELECT CAST(? AS INTEGER), CAST(? AS TEXT), CAST(? AS TEXT), CAST(? AS TEXT),"
-         " CAST(? AS TEXT), CAST(? AS INTEGER), CAST(? AS TEXT), CAST(? AS TEXT),"
-         " CAST(? AS INTEGER), CAST(? AS TEXT), now.FTime, now.FConnection,"
-         " COALESCE(former.FNumber, 0) + 1, " +
-         hash + " FROM (SELECT " + latest + "(" + clock +
-         ", COALESCE((SELECT FTime FROM t_Audit ORDER BY FAuditID DESC LIMIT 1), '')) AS FTime, " +
-         address +
-         " AS FConnection) now LEFT JOIN (SELECT FNumber, FHash FROM t_Audit WHERE FSubject = ?"
-         " AND FRecordID = ? ORDER BY FNumber DESC LIMIT 1) former ON 1 = 1"
-         " RETURNING FAuditID, FTime,"
-         " (SELECT COALESCE(MAX(FLastAuditID), 0) FROM t_AuditSeal),"
-         " (SELECT COALESCE(MAX(FTime), '') FROM t_AuditSeal)";
+         " VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, " +
+         time + ", " + address + ", COALESCE(" + former("FNumber") + ", 0) + 1, " +
+         dialect("sha256_digits(" + hashed + ")",
+                 "encode(sha256(convert_to(" + hashed + ", 'UTF8')), 'hex')") +
+         ")";
 }
 
 }  // namespace
@@ -109,12 +105,11 @@ void WriteAudit(const Caller& caller, const Deed& deed) {
   row.origin = deed.origin;
   row.changes = deed.changes;
   static const std::string kSQLite = InsertSql(true), kPostgreSQL = InsertSql(false);
-  const auto written = caller.db.QueryRow<Long, std::string, Long, std::string>(
-      caller.db.IsSQLite() ? kSQLite : kPostgreSQL, row.user_id, row.user_name, row.machine_name,
-      row.address, row.subject, row.record_id, row.record, row.action, row.origin, row.changes,
-      DigestOf(row), row.subject, row.record_id);
-  const auto& [id, time, sealed_id, sealed_time] = *written;
-  if (IsSealDue(id, time, sealed_id, sealed_time)) SealUpTo(caller.db, id);
+  caller.db.Execute(caller.db.IsSQLite() ? kSQLite : kPostgreSQL, row.user_id, row.user_name,
+                    row.machine_name, row.address, row.subject, row.record_id, row.record,
+                    row.action, row.origin, row.changes, row.subject, row.record_id, row.subject,
+                    row.record_id, DigestOf(row));
+  SealIfDue(caller.db);
 }
 
 std::vector<AuditRow> AuditRowsOf(Database& db, std::string_view subject, Long first, Long last) {

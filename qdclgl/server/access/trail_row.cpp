@@ -23,16 +23,22 @@ namespace {
 
 // ---- Writing ----
 
+constexpr std::size_t kUsualLength = 1024;
+
 void AppendText(std::string& out, std::string_view text) {
   static constexpr char kDigits[] = "0123456789abcdef";
   out += '"';
-  for (const char c : text) {
-    if (static_cast<unsigned char>(c) < 0x20) {
-      out.append("\\u00").append(1, kDigits[c >> 4]).append(1, kDigits[c & 15]);
-      continue;
-    }
-    if (c == '"' || c == '\\') out += '\\';
-    out += c;
+  const auto is_plain = [](char c) {
+    return static_cast<unsigned char>(c) >= 0x20 && c != '"' && c != '\\';
+  };
+  for (auto at = text.begin(); at != text.end();) {
+    const auto end = std::find_if_not(at, text.end(), is_plain);
+    out.append(at, end);
+    at = end;
+    if (at == text.end()) break;
+    const char c = *at++;
+    if (c == '"' || c == '\\') out.append(1, '\\').append(1, c);
+    else out.append("\\u00").append(1, kDigits[c >> 4]).append(1, kDigits[c & 15]);
   }
   out += '"';
 }
@@ -163,12 +169,14 @@ void AppendChanges(std::string& out, const TrailRow* before, const TrailRow* aft
 
 std::string WholeText(const TrailRow& row) {
   std::string text;
+  text.reserve(kUsualLength);
   AppendWhole(text, row);
   return text;
 }
 
 std::string ChangesText(const TrailRow* before, const TrailRow* after) {
   std::string text;
+  text.reserve(kUsualLength);
   AppendChanges(text, before, after);
   return text;
 }

@@ -1,7 +1,9 @@
 #include "qdclgl/server/access/trail_seal.h"
 
 #include <algorithm>
+#include <chrono>
 #include <iterator>
+#include <optional>
 #include <sstream>
 
 #include "qdclgl/server/db/sha256.h"
@@ -30,6 +32,8 @@ std::vector<TrailSeal> Seals(Database& db, const std::string& which) {
   }
   return seals;
 }
+
+constexpr const char* kNewest = "ORDER BY FSealID DESC LIMIT 1";
 
 TrailSeal FirstOf(const std::vector<TrailSeal>& seals) {
   return seals.empty() ? TrailSeal() : seals.front();
@@ -89,16 +93,13 @@ TrailSeal Mark(Database& db, const TrailSeal& former, Long last_id, const std::s
 
 }  // namespace
 
-bool IsSealDue(Long id, std::string_view time, Long sealed_id, std::string_view sealed_time) {
-  if (sealed_id == 0) return false;  // the first seal is that of the books' making
-  return id - sealed_id >= kLongestBlock ||
-         time.substr(0, kTenMinutes) != sealed_time.substr(0, kTenMinutes);
-}
+namespace {
 
+// Seals the rows up to this one, or marks them.
 void SealUpTo(Database& db, Long id) {
   if (!TakeSealLock(db)) return;
   const std::string others = OthersUnderWay(db);
-  TrailSeal last = FirstOf(Seals(db, "ORDER BY FSealID DESC LIMIT 1"));
+  TrailSeal last = FirstOf(Seals(db, kNewest));
   if (last.number > 0 && last.hash.empty()) {
     if (AnyInBoth(last.under_way, others)) {
       if (id <= last.last_id) return;
@@ -112,6 +113,38 @@ void SealUpTo(Database& db, Long id) {
   if (id <= last.last_id) return;
   const TrailSeal seal = Mark(db, last, id, others);
   if (others.empty()) Close(db, seal);
+}
+
+// When a connection looked last whether a seal is due.
+struct LastLook {
+  int deeds = 0;  // since then
+  std::optional<std::chrono::steady_clock::time_point> time;
+
+  bool IsLongAgo() {
+    constexpr int kDeeds = 100;
+    const auto now = std::chrono::steady_clock::now();
+    if (time && ++deeds < kDeeds && now - *time < std::chrono::minutes(1)) return false;
+    deeds = 0;
+    time = now;
+    return true;
+  }
+};
+
+}  // namespace
+
+bool IsSealDue(Long id, std::string_view time, Long sealed_id, std::string_view sealed_time) {
+  if (sealed_id == 0) return false;  // the first seal is that of the books' making
+  return id - sealed_id >= kLongestBlock ||
+         time.substr(0, kTenMinutes) != sealed_time.substr(0, kTenMinutes);
+}
+
+void SealIfDue(Database& db) {
+  if (!db.Kept<LastLook>().IsLongAgo()) return;
+  const auto row = db.QueryRow<Long, std::string>(
+      "SELECT FAuditID, FTime FROM t_Audit ORDER BY FAuditID DESC LIMIT 1");
+  const auto& [id, time] = *row;
+  const TrailSeal last = FirstOf(Seals(db, kNewest));
+  if (IsSealDue(id, time, last.last_id, last.time)) SealUpTo(db, id);
 }
 
 void SealTrail(Database& db) {

@@ -25,10 +25,11 @@ struct TrailSeal {
   std::string hash = {};       // "" while the end is only marked
 };
 
-// Whether it is time for a seal behind the row that was just written.
+// Whether it is time for a seal behind the last row, when the last block ended there.
 bool IsSealDue(Long id, std::string_view time, Long sealed_id, std::string_view sealed_time);
-// Seals the rows up to this one, or marks them.
-void SealUpTo(Database& db, Long id);
+// Behind a row that was just written: seals or marks the rows up to it when it is time. Looks with
+// the first row of a connection, and then now and again, so that most rows cost nothing.
+void SealIfDue(Database& db);
 // Seals all rows; in a transaction that changes rules, so that nobody else is writing.
 void SealTrail(Database& db);
 

@@ -104,8 +104,8 @@ class TrailedState {
       is_there_ = true;
     } else if (changes.starts_with(kOld)) {
       is_there_ = false;
-    } else if (is_there_ && !changes.empty()) {
-      // What stands before the first whole row former versions wrote.
+    } else if (is_there_ && changes.starts_with('{')) {
+      // What stands before the first whole row former versions wrote; other texts are remarks.
       if (!parsed_) parsed_ = Json::parse(whole_);
       Apply(Json::parse(changes), *parsed_);
     }

@@ -4,16 +4,19 @@
 // for each connection and kept. A connection belongs to one thread.
 #pragma once
 
+#include <any>
 #include <array>
 #include <concepts>
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <tuple>
+#include <typeindex>
 #include <utility>
 #include <vector>
 
@@ -171,6 +174,14 @@ class Database {
   void CommitBatch();
   void RollBackBatch();
 
+  // What somebody keeps with the connection, a value of a type of his own.
+  template <class T>
+  T& Kept() {
+    std::any& value = kept_[typeid(T)];
+    if (!value.has_value()) value = T();
+    return *std::any_cast<T>(&value);
+  }
+
   // Called with the text of each statement before it runs; a test makes it raise. Null: nothing.
   static void SetStatementHook(std::function<void(std::string_view sql)> hook);
 
@@ -217,6 +228,7 @@ class Database {
   bool is_sqlite_;
   bool broken_ = false;
   std::unique_ptr<State> state_;
+  std::map<std::type_index, std::any> kept_;
   bool in_batch_ = false;
   int depth_ = 0;  // transactions and savepoints under way
 };

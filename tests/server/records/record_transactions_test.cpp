@@ -217,7 +217,9 @@ TEST_P(RecordSuite, DeedsAreOnTheAuditTrail) {
     for (const Column* column : Written()) {
       const std::string name(column->name);
       EXPECT_EQ(row.contains(name), IsOnTrail(column->*values)) << name;
-      if (row.contains(name)) EXPECT_EQ(row[name], OnTrail(column->*values)) << name;
+      if (row.contains(name)) {
+        EXPECT_EQ(row[name], OnTrail(column->*values)) << name;
+      }
     }
   };
   const Ref<Dictionary> row = Sent(Values::kSample);
