@@ -101,9 +101,23 @@ const std::string kLineSql =
     " FMeasureUnitNumber, FExplanation, FCashFlowItem, FSettleTypeID, FSettleNo, FTransNo, FExtra)"
     " VALUES (?, ?, ?, ?, 1000000, 1, 0, 0, 0, 0, 0, '', '', 'Goods received', 0, 0, '', '', '')";
 
-const char* const kAuditSql =
-    "INSERT INTO t_Audit (FTime, FUserID, FUserName, FMachineName, FIPAddress, FSubject, FRecordID,"
-    " FRecord, FAction, FOrigin, FChanges) VALUES ('2024-01-15T10:00:00Z', 1, 'administrator',"
-    " 'HOST', '10.0.0.1', 'Voucher', ?, '2024/1 General 1', 'Create', 1, '')";
+const std::string kAuditSql = [] {
+  std::string lines;
+  for (int i = 0; i < 4; ++i) {
+    lines += std::string(i == 0 ? "" : ",") +
+             R"({"FAccountID":100,"FDC":1,"FAmount":"100","FCurrencyID":1,)"
+             R"("FExplanation":"Goods received"})";
+  }
+  return "INSERT INTO t_Audit (FTime, FUserID, FUserName, FMachineName, FIPAddress, FSubject,"
+         " FRecordID, FRecord, FAction, FOrigin, FNumber, FHash, FChanges) VALUES"
+         " ('2024-01-15T10:00:00Z', 1, 'administrator', 'HOST', '10.0.0.1', 'Voucher', ?,"
+         " '2024/1 General 1', 'Create', 1, 1, '" +
+         std::string(64, 'a') + "', '" +
+         R"({"new":{"FVersion":1,"FDate":"2024-01-15","FYear":2024,"FPeriod":1,"FGroupID":1,)"
+         R"("FNumber":1,"FFootNote":" ","FOwnerGroupID":-1,"FPreparerID":1,)"
+         R"("FPreparer":"administrator","FCheckerID":-1,"FApproveID":-1,"FCashierID":-1,)"
+         R"("FPosterID":-1,"_Entries":[)" +
+         lines + "]}}')";
+}();
 
 }  // namespace bench

@@ -35,6 +35,6 @@ void SumLines(const std::string& file);
 extern const char* const kCounterSql;
 extern const std::string kHeaderSql;
 extern const std::string kLineSql;
-extern const char* const kAuditSql;
+extern const std::string kAuditSql;
 
 }  // namespace bench

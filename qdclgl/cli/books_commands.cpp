@@ -191,12 +191,14 @@ void AddReopen(Program& program) {
 
 struct DoctorOptions {
   Login login;
+  std::string head;
   Format format = Format::kPlain;
 };
 
 int Examine(const DoctorOptions& options, const Console& console) {
   const std::string props = options.login.Open();
-  const auto problems = CreateObject("QDSVGLBooks.BooksInfo")->Call("Check", props).As<Recordset>();
+  const auto problems =
+      CreateObject("QDSVGLBooks.BooksInfo")->Call("Check", props, options.head).As<Recordset>();
   if (problems->Eof() && options.format == Format::kPlain) {
     console.out << "The books are in order.\n";
     return kDone;
@@ -213,6 +215,10 @@ void AddDoctor(Program& program) {
   CLI::App* command =
       program.AddForBooks("doctor", "Tests every rule that the books must keep", options->login,
                           [options, &program] { return Examine(*options, program.console()); });
+  command
+      ->add_option("--expect-head", options->head,
+                   "A head of the audit trail that was kept elsewhere (audit --head)")
+      ->type_name("HEAD");
   AddFormat(*command, options->format);
 }
 

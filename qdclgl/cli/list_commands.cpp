@@ -17,7 +17,10 @@ struct ListOptions {
   Format format = Format::kPlain;
   std::string filter;
   std::string sort;
+  // Of the audit trail alone.
   Long voucher = 0;
+  bool whole = false;
+  bool head = false;
 };
 
 // The components that have a list, by its name.
@@ -46,9 +49,24 @@ Ref<Recordset> Fetch(const server::ServerComponent& component, const std::string
       .As<Recordset>();
 }
 
+// Puts what people read at a glance in place of what the trail tells.
+void ShortenChanges(const Ref<Recordset>& deeds) {
+  if (deeds->Eof()) return;
+  const Long position = deeds->FieldPosition("FChanges");
+  for (; !deeds->Eof(); deeds->MoveNext()) {
+    deeds->SetFieldValue(position, server::ShortChanges(deeds->FieldValue(position).As<String>()));
+  }
+  deeds->MoveFirst();
+}
+
 int Print(const server::ServerComponent& component, const ListOptions& options,
           const Console& console) {
   const std::string props = options.login.Open();
+  const bool is_trail = component.prog_id == server::AuditInfo::kProgID;
+  if (options.head) {
+    console.out << CreateObject(component.prog_id)->Call("GetHead", props).As<String>() << '\n';
+    return kDone;
+  }
   std::string filter = options.filter;
   if (options.voucher != 0) {
     const std::string one =
@@ -57,7 +75,9 @@ int Print(const server::ServerComponent& component, const ListOptions& options,
   }
   std::istringstream words{std::string(component.list->columns)};
   const std::vector<std::string> columns{std::istream_iterator<std::string>(words), {}};
-  WriteRecordset(console.out, options.format, Fetch(component, props, filter, options.sort),
+  const Ref<Recordset> rows = Fetch(component, props, filter, options.sort);
+  if (is_trail && options.format == Format::kPlain && !options.whole) ShortenChanges(rows);
+  WriteRecordset(console.out, options.format, rows,
                  std::vector<std::string_view>(columns.begin(), columns.end()));
   return kDone;
 }
@@ -76,6 +96,9 @@ void AddListCommands(Program& program) {
         ->type_name("COLUMNS");
     if (component->prog_id == server::AuditInfo::kProgID) {
       AddWhole(*command, "--voucher", options->voucher, "The deeds on this voucher alone");
+      command->add_flag("--whole", options->whole, "What has changed as the trail keeps it");
+      command->add_flag("--head", options->head,
+                        "Seals the trail and prints the seal, to be kept elsewhere");
     }
     AddFormat(*command, options->format);
   }

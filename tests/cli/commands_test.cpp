@@ -247,6 +247,39 @@ TEST_P(Commands, TheAuditTrailTellsOfOneVoucher) {
             1u);
 }
 
+TEST_P(Commands, TheAuditTrailTellsChangesInShortOrWhole) {
+  InitWithVouchers();
+  ASSERT_EQ(Run({"check", "2"}).code, 0);
+  const std::string in_short = Run({"audit", "--voucher", "2"}).out;
+  EXPECT_NE(in_short.find("FVersion: 1 -> 2; FChecked: false -> true; FCheckerID: -1 -> 1;"
+                          " FChecker:  -> administrator"),
+            std::string::npos)
+      << in_short;
+  EXPECT_EQ(in_short.find('{'), std::string::npos) << in_short;
+  const std::string changes =
+      R"({"FVersion":[1,2],"FChecked":[false,true],"FCheckerID":[-1,1],)"
+      R"("FChecker":["","administrator"]})";
+  EXPECT_NE(Run({"audit", "--voucher", "2", "--whole"}).out.find(changes), std::string::npos);
+  const auto deeds = nlohmann::json::parse(Run({"audit", "--voucher", "2", "--json"}).out);
+  EXPECT_EQ(deeds[1]["FChanges"], changes);
+}
+
+TEST_P(Commands, TheDoctorExpectsTheHeadThatAuditPrinted) {
+  InitWithVouchers();
+  const std::string line = Run({"audit", "--head"}).out;
+  ASSERT_TRUE(line.ends_with('\n'));
+  const std::string head = line.substr(0, line.size() - 1);
+  EXPECT_EQ(head.substr(0, 2), "2-");
+  ASSERT_EQ(Run({"check", "2"}).code, 0);
+  EXPECT_EQ(Run({"doctor", "--expect-head", head}).out, "The books are in order.\n");
+  const RunResult other = Run({"doctor", "--expect-head", "3-" + head.substr(2), "--json"});
+  EXPECT_EQ(other.code, 4);
+  const auto findings = nlohmann::json::parse(other.out);
+  ASSERT_EQ(findings.size(), 1u);
+  EXPECT_EQ(findings[0]["FRule"], "Head");
+  EXPECT_EQ(findings[0]["FRecord"], "3-" + head.substr(2));
+}
+
 TEST_P(Commands, TheDoctorTellsWhatIsWrongAndWhere) {
   InitWithVouchers();
   ASSERT_EQ(Run({"post", "1"}).code, 0);

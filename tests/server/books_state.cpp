@@ -93,6 +93,19 @@ std::string RecordBooks::Breaches() const {
                 {"FRule", "FSubject", "FRecordID", "FRecord"});
 }
 
+void RecordBooks::Break(std::string_view sql) const {
+  Database& db = Books();
+  if (db.IsSQLite()) {
+    db.ExecuteScript("PRAGMA foreign_keys = OFF;");
+    db.ExecuteScript(std::string(sql) + ";");
+    db.ExecuteScript("PRAGMA foreign_keys = ON;");
+  } else {
+    db.ExecuteScript("SET session_replication_role = replica;");
+    db.ExecuteScript(std::string(sql) + ";");
+    db.ExecuteScript("SET session_replication_role = DEFAULT;");
+  }
+}
+
 Long RecordBooks::AddAccount(std::string_view number, std::string_view name) {
   return Call("QDSVGLAccount.AccountUpdate", "Create", props,
               Row({{"FNumber", number}, {"FName", name.empty() ? number : name}}))

@@ -1,10 +1,9 @@
 #include "qdclgl/server/access/audit.h"
 
-#include <chrono>
-#include <ctime>
-
 #include "qdclgl/frame/objects/class_table.h"
+#include "qdclgl/server/access/trail_seal.h"
 #include "qdclgl/server/db/list.h"
+#include "qdclgl/server/db/sha256.h"
 
 namespace qdclgl::server {
 
@@ -19,46 +18,152 @@ constexpr Column kColumns[] = {
     {"FSubject", ColumnType::kText},     {"FRecordID", ColumnType::kLong},
     {"FRecord", ColumnType::kText},      {"FAction", ColumnType::kText},
     {"FOrigin", ColumnType::kLong},      {"FChanges", ColumnType::kText},
+    {"FConnection", ColumnType::kText},  {"FNumber", ColumnType::kLong},
+    {"FHash", ColumnType::kText},
 };
 
-// "2024-01-31T13:05:00Z"
-std::string Now() {
-  const std::time_t now = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
-  std::tm parts{};
-#ifdef _WIN32
-  gmtime_s(&parts, &now);
-#else
-  gmtime_r(&now, &parts);
-#endif
-  char text[sizeof "2024-01-31T13:05:00Z"];
-  std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &parts);
-  return text;
+// A hash of what the writer of a row knows beforehand. Each value stands behind its length, so that
+// no two rows have one text.
+class Digest {
+ public:
+  Digest& Add(std::string_view value) {
+    text_.append(std::to_string(value.size())).append(1, ':').append(value);
+    return *this;
+  }
+  Digest& Add(Long value) { return Add(std::to_string(value)); }
+  std::string Digits() const { return Sha256Of(text_); }
+
+ private:
+  std::string text_;
+};
+
+std::string DigestOf(const AuditRow& row) {
+  return Digest()
+      .Add(row.user_id)
+      .Add(row.user_name)
+      .Add(row.machine_name)
+      .Add(row.address)
+      .Add(row.subject)
+      .Add(row.record_id)
+      .Add(row.record)
+      .Add(row.action)
+      .Add(row.origin)
+      .Add(row.changes)
+      .Digits();
+}
+
+// One statement finds the row before, takes the time and makes the hash as HashBehind does. So the
+// trail costs a save one message, and what stands in a row belongs to one moment.
+std::string InsertSql(bool is_sqlite) {
+  const auto dialect = [&](const std::string& sqlite, const std::string& postgresql) {
+    return is_sqlite ? sqlite : postgresql;
+  };
+  const auto former = [](const std::string& column) {
+    return "(SELECT " + column +
+           " FROM t_Audit WHERE FSubject = ? AND FRecordID = ? ORDER BY FNumber DESC LIMIT 1)";
+  };
+  const std::string clock = dialect(
+      "strftime('%Y-%m-%dT%H:%M:%SZ', 'now')",
+      "to_char(statement_timestamp() AT TIME ZONE 'UTC', 'YYYY-MM-DD\"T\"HH24:MI:SS\"Z\"')");
+  const std::string time =
+      dialect("MAX", "GREATEST") + "(" + clock +
+      ", COALESCE((SELECT FTime FROM t_Audit ORDER BY FAuditID DESC LIMIT 1), ''))";
+  const std::string address = dialect("''", "COALESCE(host(inet_client_addr()), '')");
+  const std::string hashed = "COALESCE(" + former("FHash || ' ' || CAST(FNumber + 1 AS TEXT)") +
+                             ", ' 1') || ' ' || " + time + " || ' ' || " + address +
+                             " || ' ' || CAST(? AS TEXT)";
+  return "INSERT INTO t_Audit (FUserID, FUserName, FMachineName, FIPAddress, FSubject, FRecordID,"
+         " FRecord, FAction, FOrigin, FChanges, FTime, FConnection, FNumber, FHash)"
+         " VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, " +
+         time + ", " + address + ", COALESCE(" + former("FNumber") + ", 0) + 1, " +
+         dialect("sha256_digits(" + hashed + ")",
+                 "encode(sha256(convert_to(" + hashed + ", 'UTF8')), 'hex')") +
+         ")";
 }
 
 }  // namespace
 
+std::string AuditRow::HashBehind(std::string_view previous) const {
+  return Sha256Of(std::string(previous) + " " + std::to_string(number) + " " + time + " " +
+                  connection + " " + DigestOf(*this));
+}
+
 void WriteAudit(const Caller& caller, const Deed& deed) {
   const Session& session = *caller.session;
   const auto or_session = [](std::string_view given, const std::string& own) {
-    return given.empty() ? std::string_view(own) : given;
+    return given.empty() ? own : std::string(given);
   };
-  caller.db.Execute(
-      "INSERT INTO t_Audit (FTime, FUserID, FUserName, FMachineName, FIPAddress, FSubject,"
-      " FRecordID, FRecord, FAction, FOrigin, FChanges)"
-      " VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)",
-      Now(), session.user_id, session.user_name,
-      or_session(deed.machine_name, session.machine_name),
-      or_session(deed.address, session.address), deed.subject, deed.record_id, deed.record,
-      deed.action, deed.origin, deed.changes);
+  AuditRow row;
+  row.user_id = session.user_id;
+  row.user_name = session.user_name;
+  row.machine_name = or_session(deed.machine_name, session.machine_name);
+  row.address = or_session(deed.address, session.address);
+  row.subject = deed.subject;
+  row.record_id = deed.record_id;
+  row.record = deed.record;
+  row.action = deed.action;
+  row.origin = deed.origin;
+  row.changes = deed.changes;
+  static const std::string kSQLite = InsertSql(true), kPostgreSQL = InsertSql(false);
+  caller.db.Execute(caller.db.IsSQLite() ? kSQLite : kPostgreSQL, row.user_id, row.user_name,
+                    row.machine_name, row.address, row.subject, row.record_id, row.record,
+                    row.action, row.origin, row.changes, row.subject, row.record_id, row.subject,
+                    row.record_id, DigestOf(row));
+  SealIfDue(caller.db);
 }
 
-StoredTable AuditTable() { return {"t_Audit", {std::begin(kColumns), std::end(kColumns)}}; }
+std::vector<AuditRow> AuditRowsOf(Database& db, std::string_view subject, Long first, Long last) {
+  static const std::string kSql = "SELECT " + NamesOf(kColumns) +
+                                  " FROM t_Audit WHERE FSubject = ? AND FRecordID BETWEEN ? AND ?"
+                                  " ORDER BY FRecordID, FNumber";
+  static constexpr Storage kParameters[] = {Storage::kText, Storage::kWhole, Storage::kWhole};
+  static const std::vector<Storage> kResults = StoragesOf(kColumns);
+  Statement& statement = db.Prepared(kSql, kParameters, kResults);
+  statement.Set(0, subject);
+  statement.Set(1, std::int64_t{first});
+  statement.Set(2, std::int64_t{last});
+  std::vector<AuditRow> rows;
+  for (statement.Open(); statement.Fetch();) {
+    const auto text = [&](std::size_t position) { return statement.Text(position); };
+    const auto whole = [&](std::size_t position) {
+      return static_cast<Long>(statement.Whole(position));
+    };
+    rows.push_back({.id = whole(0),
+                    .time = text(1),
+                    .user_id = whole(2),
+                    .user_name = text(3),
+                    .machine_name = text(4),
+                    .address = text(5),
+                    .subject = text(6),
+                    .record_id = whole(7),
+                    .record = text(8),
+                    .action = text(9),
+                    .origin = whole(10),
+                    .changes = text(11),
+                    .connection = text(12),
+                    .number = whole(13),
+                    .hash = text(14)});
+  }
+  return rows;
+}
+
+std::vector<StoredTable> AuditTables() {
+  return {{"t_Audit", {std::begin(kColumns), std::end(kColumns)}}, SealTable()};
+}
 
 Ref<Recordset> AuditInfo::GetList(std::string_view PropsString, const String& Filter,
                                   const String& Sort) {
   const Caller caller = Enter(PropsString, RightTo<AuditInfo>("GetList"));
   static constexpr ListSource kSource{"SELECT * FROM t_Audit", kColumns, "FAuditID"};
   return FetchList(caller.db, kSource, Filter, Sort);
+}
+
+String AuditInfo::GetHead(std::string_view PropsString) {
+  const Caller caller = Enter(PropsString, RightTo<AuditInfo>("GetHead"));
+  Transaction transaction(caller.db, Transaction::Kind::kChangeRules);
+  SealTrail(caller.db);
+  transaction.Commit();
+  return HeadOf(LastSeal(caller.db));
 }
 
 }  // namespace qdclgl::server

@@ -65,6 +65,7 @@ Caller CallerOf(const std::shared_ptr<const Session>& session) {
 
 void AuditSession(const Caller& caller, std::string_view action) {
   const Session& session = *caller.session;
+  caller.db.LockSessions();
   WriteAudit(caller, {.subject = "Session",
                       .record_id = session.user_id,
                       .record = session.user_name,

@@ -78,6 +78,7 @@ void LoginAttempt::CountFailure(const Caller& caller) {
   const std::string changes =
       std::to_string(*failures) + " in a row" +
       (wait == 0 ? "" : ", the next one waits " + std::to_string(wait) + " seconds");
+  db.LockSessions();
   WriteAudit(caller, {.subject = "Session",
                       .record_id = caller.session->user_id,
                       .record = user_name_,

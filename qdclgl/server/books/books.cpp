@@ -1,12 +1,14 @@
 #include "qdclgl/server/books/books.h"
 
 #include "qdclgl/frame/objects/class_table.h"
+#include "qdclgl/frame/platform/machine.h"
 #include "qdclgl/frame/platform/platform.h"
 #include "qdclgl/frame/values/value_rules.h"
 #include "qdclgl/frame/vocabulary/text.h"
 #include "qdclgl/server/access/password.h"
 #include "qdclgl/server/access/session.h"
 #include "qdclgl/server/books/books_check.h"
+#include "qdclgl/server/books/trail_beginning.h"
 #include "qdclgl/server/db/new_books.h"
 #include "qdclgl/server/db/program_role.h"
 #include "qdclgl/server/db/refusals.h"
@@ -18,6 +20,20 @@ namespace qdclgl::server {
 
 QD_DEFINE_MEMBERS(BooksUpdate)
 QD_DEFINE_MEMBERS(BooksInfo)
+
+namespace {
+
+// Who makes or upgrades books, which have no sessions meanwhile.
+Caller CallerFromHere(Database& db, Long user_id, std::string_view user_name) {
+  const auto session = std::make_shared<Session>();
+  session->user_id = user_id;
+  session->user_name = user_name;
+  session->machine_name = GetMachineName();
+  session->address = GetIPAddress();
+  return {session, nullptr, db, false, {Role::kAdministrator, "make books"}};
+}
+
+}  // namespace
 
 void BooksUpdate::Create(std::string_view connection, std::string_view CurrencyNumber, Long nYear,
                          Long PeriodCount, Long StartMonth, std::string_view UserName,
@@ -53,6 +69,8 @@ void BooksUpdate::Create(std::string_view connection, std::string_view CurrencyN
     PutGlSetting(db, kPeriodCount, std::to_string(PeriodCount));
     PutGlSetting(db, kPeriodByMonth, by_month ? "1" : "0");
     PutGlSetting(db, kYearStartMonth, std::to_string(StartMonth));
+    constexpr Long kAdministrator = 1;
+    BeginTrail(CallerFromHere(db, kAdministrator, UserName), "Create");
     if (!ProgramRole.empty()) GrantToProgramRole(db, ProgramRole);
   });
 }
@@ -63,6 +81,10 @@ Long BooksUpdate::Upgrade(std::string_view connection) {
   const int version = SchemaVersion(db);
   if (version == 0 || version > CurrentSchemaVersion()) RequireCurrentSchema(db);
   Migrate(db, CurrentSchemaVersion());
+  // Nobody is logged in.
+  if (version < CurrentSchemaVersion() && !HasTrailBegun(db)) {
+    BeginTrail(CallerFromHere(db, 0, ""), "Upgrade");
+  }
   GrantToProgramRoles(db);
   transaction.Commit();
   return version;
@@ -73,9 +95,9 @@ Long BooksInfo::Version(std::string_view connection) {
   return SchemaVersion(db);
 }
 
-Ref<Recordset> BooksInfo::Check(std::string_view PropsString) {
+Ref<Recordset> BooksInfo::Check(std::string_view PropsString, std::string_view KeptHead) {
   const Caller caller = Enter(PropsString, RightTo<BooksInfo>("Check"));
-  return CheckBooks(caller.db);
+  return CheckBooks(caller.db, KeptHead);
 }
 
 }  // namespace qdclgl::server

@@ -40,9 +40,10 @@ class BooksInfo final : public Object {
 
   QD_METHOD(Long, Version, (std::string_view ConnectionText),
             "The version of the books' schema, 0 when there are none in the database.")
-  QD_METHOD(Ref<Recordset>, Check, (std::string_view PropsString),
+  QD_METHOD(Ref<Recordset>, Check, (std::string_view PropsString, std::string_view KeptHead = ""),
             "Tests every rule that the books must keep, and lists what breaks one: FRule, "
-            "FSubject, FRecordID, FRecord, FProblem. No row: all is well.")
+            "FSubject, FRecordID, FRecord, FProblem. No row: all is well. With KeptHead, which "
+            "GetHead of AuditInfo gave some time, the audit trail must lead to it too.")
 };
 
 }  // namespace qdclgl::server

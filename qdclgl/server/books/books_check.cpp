@@ -7,6 +7,7 @@
 #include "qdclgl/server/books/findings.h"
 #include "qdclgl/server/books/lines_check.h"
 #include "qdclgl/server/books/texts_check.h"
+#include "qdclgl/server/books/trail_check.h"
 #include "qdclgl/server/db/columns.h"
 #include "qdclgl/server/periods/calendar.h"
 #include "qdclgl/server/periods/settings.h"
@@ -176,7 +177,7 @@ void CheckDatabase(Database& db, Findings& findings) {
 
 }  // namespace
 
-Ref<Recordset> CheckBooks(Database& db) {
+Ref<Recordset> CheckBooks(Database& db, std::string_view kept_head) {
   const Transaction transaction(db, Transaction::Kind::kRead);
   Findings findings;
   CheckLines(db, findings);
@@ -186,6 +187,7 @@ Ref<Recordset> CheckBooks(Database& db) {
   CheckCurrencies(db, findings);
   CheckUsers(db, findings);
   CheckSettings(db, findings);
+  CheckTrail(db, kept_head, findings);
   CheckDatabase(db, findings);
   return findings.list();
 }

@@ -37,7 +37,8 @@ std::string Lock(std::string_view function, std::string_view schema, int what) {
   return std::string(function) + "(hashtext(" + place + "), " + std::to_string(what) + ")";
 }
 
-constexpr int kRules = 0, kBatchAlone = 1;
+// 2 is that of the trail's seals.
+constexpr int kRules = 0, kBatchAlone = 1, kSessions = 3;
 
 }  // namespace
 
@@ -224,6 +225,11 @@ bool Database::IsCommittedInPostgreSQL() const {
   Refuse(refusal::kOutcomeUnknown,
          "The connection was lost at the very end of a change, and the server can't be asked "
          "whether it is saved.");
+}
+
+void Database::LockSessions() {
+  if (is_sqlite_) return;
+  Command("SELECT " + Lock("pg_advisory_xact_lock", text_[connection_key::kSchema], kSessions));
 }
 
 // ---- Batches ----

@@ -4,15 +4,18 @@
 // for each connection and kept. A connection belongs to one thread.
 #pragma once
 
+#include <any>
 #include <array>
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <tuple>
+#include <typeindex>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -87,6 +90,10 @@ class Database {
   // Makes the schema that the connection text names, where it is missing.
   void MakeSchema();
 
+  // Waits, in a transaction, until no other one writes of sessions. They have no record that a
+  // writer would have locked.
+  void LockSessions();
+
   // A batch: many saves in one transaction, each a savepoint in it. It belongs to its owner and
   // is over with it. Once the database has failed in it, it does nothing more and waits for its
   // RollBackBatch. `alone` waits until no other such batch is under way. BadBatch when a batch is
@@ -111,6 +118,14 @@ class Database {
   // Whether another session's batch is under way in this thread: it would wait for itself if
   // anything were written beside it.
   void SetBesideBatch(bool beside) { is_beside_batch_ = beside; }
+
+  // What somebody keeps with the connection, a value of a type of his own.
+  template <class T>
+  T& Kept() {
+    std::any& value = kept_[typeid(T)];
+    if (!value.has_value()) value = T();
+    return *std::any_cast<T>(&value);
+  }
 
   // Called with the text of each statement before it runs; a test makes it raise. Null: nothing.
   static void SetStatementHook(std::function<void(std::string_view sql)> hook);
@@ -176,6 +191,7 @@ class Database {
   bool is_sqlite_;
   std::unique_ptr<Driver> driver_;
   std::unordered_map<std::string, std::unique_ptr<Statement>> statements_;
+  std::map<std::type_index, std::any> kept_;
   std::optional<std::weak_ptr<const void>> batch_;  // its owner
   bool is_beside_batch_ = false;
   int depth_ = 0;        // transactions and savepoints under way

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "qdclgl/server/db/refusals.h"
+#include "qdclgl/server/db/sqlite_functions.h"
 
 namespace qdclgl::server {
 
@@ -82,6 +83,7 @@ void Driver::OpenSQLite(const ConnectionText& text) {
   }
   constexpr int kPatience = 60'000;  // milliseconds
   sqlite_api::sqlite3_busy_timeout(sqlite_->conn_, kPatience);
+  DefineSQLiteFunctions(session_);
 }
 
 void Driver::OpenPostgreSQL(const ConnectionText& text) {

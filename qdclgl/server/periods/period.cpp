@@ -1,8 +1,10 @@
 #include "qdclgl/server/periods/period.h"
 
 #include "qdclgl/frame/objects/class_table.h"
+#include "qdclgl/frame/vocabulary/strings.h"
 #include "qdclgl/server/access/audit.h"
 #include "qdclgl/server/access/session.h"
+#include "qdclgl/server/access/trail_seal.h"
 #include "qdclgl/server/db/refusals.h"
 #include "qdclgl/server/periods/settings.h"
 
@@ -23,10 +25,20 @@ void RequireInBooks(Database& db, AccountingPeriod period) {
 
 void MoveTo(const Caller& caller, AccountingPeriod period, AccountingPeriod closed,
             std::string_view action) {
+  const auto current = [&] {
+    return TrailedSettings(caller.db, strings::categories::GL,
+                           {setting::kCurrentYear, setting::kCurrentPeriod});
+  };
+  const TrailedSettings before = current();
   PutGlSetting(caller.db, setting::kCurrentYear, std::to_string(period.year));
   PutGlSetting(caller.db, setting::kCurrentPeriod, std::to_string(period.period));
+  const TrailedSettings after = current();
   const std::string record = closed.ToText();
-  WriteAudit(caller, {.subject = "Period", .record = record, .action = action});
+  WriteAudit(caller, {.subject = kPeriodSubject,
+                      .record = record,
+                      .action = action,
+                      .changes = ChangesText(&before.row(), &after.row())});
+  SealTrail(caller.db);
 }
 
 }  // namespace

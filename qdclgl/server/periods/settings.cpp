@@ -30,6 +30,14 @@ std::string_view CategoryNamed(std::string_view name) {
   return *found;
 }
 
+// "" when it is not set.
+std::string SettingOf(Database& db, std::string_view category, std::string_view key) {
+  return db
+      .QueryValue<std::string>(
+          "SELECT FValue FROM t_SystemProfile WHERE FCategory = ? AND FKey = ?", category, key)
+      .value_or("");
+}
+
 void PutSetting(Database& db, std::string_view category, std::string_view key,
                 std::string_view value) {
   if (value.size() > kLongestStoredText) {
@@ -78,14 +86,28 @@ Long SettingNumber(std::string_view text) {
 }
 
 std::string GlSetting(Database& db, std::string_view key) {
-  return db
-      .QueryValue<std::string>(
-          "SELECT FValue FROM t_SystemProfile WHERE FCategory = 'GL' AND FKey = ?", key)
-      .value_or("");
+  return SettingOf(db, strings::categories::GL, key);
 }
 
 void PutGlSetting(Database& db, std::string_view key, std::string_view value) {
   PutSetting(db, strings::categories::GL, key, value);
+}
+
+TrailedSettings::TrailedSettings(Database& db) {
+  for (const auto& [category, key, value] : db.Query<std::string, std::string, std::string>(
+           "SELECT FCategory, FKey, FValue FROM t_SystemProfile ORDER BY FCategory, FKey")) {
+    Add(category, key, value);
+  }
+}
+
+TrailedSettings::TrailedSettings(Database& db, std::string_view category,
+                                 std::initializer_list<std::string_view> keys) {
+  for (const std::string_view key : keys) Add(category, key, SettingOf(db, category, key));
+}
+
+void TrailedSettings::Add(std::string_view category, std::string_view key, std::string_view value) {
+  keys_.push_back(std::string(category) + "." + std::string(key));
+  row_.AddText(keys_.back(), value);
 }
 
 LedgerRules LedgerRules::Of(Database& db) {
@@ -149,21 +171,19 @@ void ServerProfile::SetProfile(std::string_view PropsString, const String& Categ
   CheckSettingType(category, ProfileID, Value);
   CallersTransaction transaction(caller, Transaction::Kind::kChangeRules);
   if (category == strings::categories::GL) CheckGlSetting(caller.db, ProfileID, Value);
+  const TrailedSettings before(caller.db, category, {ProfileID});
   PutSetting(caller.db, category, ProfileID, Value);
-  WriteAudit(caller, {.subject = "Setting",
+  const TrailedSettings after(caller.db, category, {ProfileID});
+  WriteAudit(caller, {.subject = kSettingSubject,
                       .record = Category + "." + ProfileID,
                       .action = "Update",
-                      .changes = Value});
+                      .changes = ChangesText(&before.row(), &after.row())});
   transaction.Commit();
 }
 
 Boolean BaseInfo::IsNeedOffline(std::string_view PropsString, Integer, const String& ComputerName) {
   const Caller caller = Enter(PropsString, RightTo<BaseInfo>("IsNeedOffline"));
-  const std::string offline =
-      caller.db
-          .QueryValue<std::string>("SELECT FValue FROM t_SystemProfile WHERE FCategory = 'Base'"
-                                   " AND FKey = 'Offline'")
-          .value_or("");
+  const std::string offline = SettingOf(caller.db, "Base", "Offline");
   return Val(offline) != 0 || (!offline.empty() && EqualsIgnoringAsciiCase(offline, ComputerName));
 }
 

@@ -1,11 +1,14 @@
 // The settings of the books, texts under a category and a key.
 #pragma once
 
+#include <deque>
+#include <initializer_list>
 #include <map>
 #include <string>
 
 #include "qdclgl/frame/containers/dictionary.h"
 #include "qdclgl/server/access/component.h"
+#include "qdclgl/server/access/trail_row.h"
 #include "qdclgl/server/db/database.h"
 #include "qdclgl/server/periods/calendar.h"
 
@@ -35,6 +38,28 @@ Long SettingNumber(std::string_view text);
 // A setting of category GL, "" when it is not set.
 std::string GlSetting(Database& db, std::string_view key);
 void PutGlSetting(Database& db, std::string_view key, std::string_view value);
+
+// On the trail all settings are one record without an id; a key is "GL.CurrentYear".
+inline constexpr std::string_view kSettingSubject = "Setting";
+// Closing and reopening are told of apart, and change settings too.
+inline constexpr std::string_view kPeriodSubject = "Period";
+// The settings as the trail tells them, all of them or those of one category and key.
+class TrailedSettings {
+ public:
+  explicit TrailedSettings(Database& db);
+  TrailedSettings(Database& db, std::string_view category,
+                  std::initializer_list<std::string_view> keys);
+  TrailedSettings(const TrailedSettings&) = delete;
+  TrailedSettings& operator=(const TrailedSettings&) = delete;
+
+  const TrailRow& row() const { return row_; }
+
+ private:
+  void Add(std::string_view category, std::string_view key, std::string_view value);
+
+  std::deque<std::string> keys_;
+  TrailRow row_;
+};
 
 // The settings that every save goes by, read at once.
 struct LedgerRules {

@@ -41,10 +41,17 @@ std::string_view ArgumentOf(std::string_view column) { return column.substr(1); 
 // ---- What the description makes ----
 
 MasterData::MasterData(Description description)
-    : description_(std::move(description)), shown_{{description_.id, ColumnType::kLong}, kVersion} {
+    : description_(std::move(description)),
+      shown_{{description_.id, ColumnType::kLong}, kVersion},
+      trailed_(shown_),
+      trail_texts_(trailed_.size()) {
   for (const RecordColumn& column : description_.columns) {
     shown_.push_back(column.column);
-    if (column.keeper != Keeper::kJoined) stored_.push_back(column.column);
+    if (column.keeper == Keeper::kJoined) continue;
+    stored_.push_back(column.column);
+    if (column.keeper == Keeper::kDerived) continue;
+    trailed_.push_back(column.column);
+    trail_texts_.push_back(column.shown);
   }
   if (description_.brief.empty()) description_.brief = description_.noun;
   if (description_.query.empty()) {
@@ -139,7 +146,7 @@ std::vector<StoredTable> MasterData::Tables() const {
   std::vector<StoredTable> tables = {
       {description_.table, {{description_.id, ColumnType::kLong}, kVersion}}};
   tables[0].columns.insert(tables[0].columns.end(), stored_.begin(), stored_.end());
-  std::ranges::copy(description_.further_tables, std::back_inserter(tables));
+  std::ranges::transform(description_.lists, std::back_inserter(tables), &RecordList::table);
   return tables;
 }
 
@@ -185,10 +192,79 @@ Long MasterData::IdWith(Database& db, std::string_view column, std::string_view 
       .value_or(0);
 }
 
+namespace {
+
+std::string NameFrom(std::string_view name, const Variant* number) {
+  return number == nullptr ? std::string(name)
+                           : number->As<String>() + " (" + std::string(name) + ")";
+}
+
+// The rows of a table with ids from `first` to `last` in its first column.
+template <class Take>
+void ReadIds(Database& db, std::string_view table, std::span<const Column> columns,
+             std::string_view order, Long first, Long last, Take take) {
+  static constexpr Storage kParameters[] = {Storage::kWhole, Storage::kWhole};
+  const std::string id(columns.front().name);
+  Statement& statement =
+      db.Prepared("SELECT " + NamesOf(columns) + " FROM " + std::string(table) + " WHERE " + id +
+                      " BETWEEN ? AND ? ORDER BY " + std::string(order),
+                  kParameters, StoragesOf(columns));
+  statement.Set(0, std::int64_t{first});
+  statement.Set(1, std::int64_t{last});
+  for (statement.Open(); statement.Fetch();) {
+    take(static_cast<Long>(statement.Whole(0)), ReadCells(statement, columns));
+  }
+}
+
+}  // namespace
+
+std::map<Long, TrailedRecord> MasterData::Trailed(Database& db, Long first, Long last) const {
+  std::map<Long, TrailedRecord> records;
+  ReadIds(db, description_.table, trailed_, description_.id, first, last,
+          [&](Long id, const std::vector<Variant>& values) {
+            auto& [called, row] = records[id];
+            const Variant *name = nullptr, *number = nullptr;
+            for (std::size_t i = 1; i < trailed_.size(); ++i) {
+              const auto [key, type] = trailed_[i];
+              if (key == kName) name = &values[i];
+              if (key == kNumber) number = &values[i];
+              if (const auto text = trail_texts_[i]; text != nullptr) {
+                row.AddText(key, text(values[i]));
+              } else {
+                row.cells.push_back({key, type, values[i]});
+              }
+            }
+            if (name != nullptr) called = NameFrom(name->TextView(), number);
+            for (const RecordList& list : description_.lists) row.lists.push_back({list.key, {}});
+          });
+  for (std::size_t i = 0; i < description_.lists.size(); ++i) {
+    const RecordList& list = description_.lists[i];
+    const std::span<const Column> columns(list.table.columns);
+    ReadIds(db, list.table.name, columns, list.order, first, last,
+            [&](Long id, const std::vector<Variant>& values) {
+              const auto record = records.find(id);
+              if (record == records.end()) return;  // the foreign keys are another rule
+              record->second.state.lists[i].rows.emplace_back().Add(columns.subspan(1),
+                                                                    std::span(values).subspan(1));
+            });
+  }
+  return records;
+}
+
+std::optional<TrailRow> MasterData::TrailOf(Database& db, Long id) const {
+  auto records = Trailed(db, id, id);
+  if (records.empty()) return std::nullopt;
+  return std::move(records.begin()->second.state);
+}
+
+std::string MasterData::Changes(Database& db, Long id,
+                                const std::optional<TrailRow>& before) const {
+  const std::optional<TrailRow> now = TrailOf(db, id);
+  return ChangesText(before ? &*before : nullptr, now ? &*now : nullptr);
+}
+
 std::string MasterData::NameOf(const Dictionary& record) {
-  const String name = record.Value(kName).As<String>();
-  const Variant* number = record.Find(kNumber);
-  return number == nullptr ? name : number->As<String>() + " (" + name + ")";
+  return NameFrom(record.Value(kName).As<String>(), record.Find(kNumber));
 }
 
 std::string MasterData::Called(const Dictionary& record) const {
@@ -222,7 +298,7 @@ void MasterData::RefuseUnknownKeys(const Dictionary& sent) const {
     const std::string_view key = sent.key_at(i);
     if (key == kMachineName.name || key == kAddress.name ||
         std::ranges::find(shown_, key, &Column::name) != shown_.end() ||
-        std::ranges::find(description_.further_keys, key) != description_.further_keys.end()) {
+        std::ranges::find(description_.lists, key, &RecordList::key) != description_.lists.end()) {
       continue;
     }
     Refuse(refusal::kBadValue, Noun() + ": there is no column \"" + std::string(key) + "\".");
@@ -264,18 +340,6 @@ void MasterData::Overwrite(Database& db, Long id, const Dictionary& record) cons
   }
   statement.Set(stored_.size(), std::int64_t{id});
   statement.Execute();
-}
-
-std::string MasterData::Changes(const Dictionary& stored, const Dictionary& record) const {
-  std::string changes;
-  for (const auto& [column, keeper, absent, shown] : description_.columns) {
-    if (keeper != Keeper::kCaller) continue;
-    const Variant before = stored.Value(column.name), after = record.Value(column.name);
-    if (Equals(before, after)) continue;
-    if (!changes.empty()) changes += "; ";
-    changes += std::string(column.name) + ": " + shown(before) + " -> " + shown(after);
-  }
-  return changes;
 }
 
 bool IsUsedInVouchers(Database& db, std::string_view column, Long id) {

@@ -11,7 +11,9 @@
 #pragma once
 
 #include <deque>
+#include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,6 +22,7 @@
 #include "qdclgl/frame/containers/recordset.h"
 #include "qdclgl/frame/objects/class_table.h"
 #include "qdclgl/server/access/component.h"
+#include "qdclgl/server/access/trail_row.h"
 #include "qdclgl/server/db/columns.h"
 
 namespace qdclgl::server {
@@ -105,16 +108,31 @@ constexpr RecordClass RecordClassOf() {
 // ---- The kind ----
 
 enum class Keeper : std::uint8_t {
-  kCaller,  // callers write it; where their row lacks the key, it stands for the absent value
-  kServer,  // the server keeps it; what callers send is passed over
-  kJoined,  // of another table, shown beside the record; what callers send is passed over
+  kCaller,   // callers write it; where their row lacks the key, it stands for the absent value
+  kServer,   // the server keeps it; what callers send is passed over
+  kDerived,  // kept likewise, and follows from other values, also of other records: not on the
+             // trail
+  kJoined,   // of another table, shown beside the record; what callers send is passed over
 };
 
 struct RecordColumn {
   Column column;
   Keeper keeper = Keeper::kCaller;
-  Variant absent = {};                          // Empty: the zero of the type
-  std::string (*shown)(const Variant&) = CStr;  // as the audit trail tells a value
+  Variant absent = {};                             // Empty: the zero of the type
+  std::string (*shown)(const Variant&) = nullptr;  // as the trail tells a value, if otherwise
+};
+
+// A list of rows that belongs to a record.
+struct RecordList {
+  std::string_view key;  // of a sent row, and on the trail
+  StoredTable table;     // its first column is the record's id
+  std::string_view order;
+};
+
+// A record as the trail tells it.
+struct TrailedRecord {
+  std::string name;
+  TrailRow state;
 };
 
 // Columns that have a meaning of their own wherever they stand, and keys of a sent row that tell
@@ -153,12 +171,11 @@ class MasterData {
     std::string_view table;
     std::string_view id;  // its column; FVersion is in every table
     TextKey key;
-    std::string_view deleted = {};      // the column that marks a record deleted
-    std::vector<RecordColumn> columns;  // all but id and version
-    std::string_view query = {};        // the table with the joined columns; otherwise the table
-    std::string_view order = {};        // of lists; otherwise by id
-    std::vector<std::string_view> further_keys = {};  // what else a sent row may hold
-    std::vector<StoredTable> further_tables = {};     // what belongs to a record elsewhere
+    std::string_view deleted = {};       // the column that marks a record deleted
+    std::vector<RecordColumn> columns;   // all but id and version
+    std::string_view query = {};         // the table with the joined columns; otherwise the table
+    std::string_view order = {};         // of lists; otherwise by id
+    std::vector<RecordList> lists = {};  // what belongs to a record elsewhere
 
     Role writer = Role::kAdministrator;
     // What a record must be to be written, what follows from one that is, and what a deletion does.
@@ -208,6 +225,13 @@ class MasterData {
   // The same for the key, in whatever case where that is ignored.
   Long IdWithKey(Database& db, std::string_view key) const;
 
+  // The records with ids from `first` to `last` as the trail tells them, by their ids.
+  std::map<Long, TrailedRecord> Trailed(Database& db, Long first, Long last) const;
+  // One of them, nothing when there is none.
+  std::optional<TrailRow> TrailOf(Database& db, Long id) const;
+  // What the trail tells of a record that was `before` and is now as it stands.
+  std::string Changes(Database& db, Long id, const std::optional<TrailRow>& before) const;
+
   // "1000 (Cash)", or "Receipts" for records without a number.
   static std::string NameOf(const Dictionary& record);
   // "Account 1000 (Cash)"
@@ -230,11 +254,12 @@ class MasterData {
   void RefuseUnknownKeys(const Dictionary& sent) const;
   Long Insert(Database& db, const Dictionary& record) const;
   void Overwrite(Database& db, Long id, const Dictionary& record) const;
-  std::string Changes(const Dictionary& stored, const Dictionary& record) const;
 
   Description description_;
   std::vector<Column> shown_;
-  std::vector<Column> stored_;  // those of them that are written
+  std::vector<Column> stored_;   // those of them that are written
+  std::vector<Column> trailed_;  // the id, and those that are on the trail
+  std::vector<std::string (*)(const Variant&)> trail_texts_;  // how, for each of them
   std::deque<std::string> texts_;
   Right reading_, writing_;
   std::string_view info_prog_id_, update_prog_id_;

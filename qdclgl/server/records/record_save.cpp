@@ -42,7 +42,8 @@ RecordSave::RecordSave(const Caller& caller, const MasterData& kind, const Ref<D
       sent_(sent ? sent : throw Error(error_number::kObjectNotSet)),
       transaction_(caller, Transaction::Kind::kChangeRules),
       id_(id),
-      stored_(kind.Require(caller.db, id)) {
+      stored_(kind.Require(caller.db, id)),
+      before_(kind.TrailOf(caller.db, id)) {
   const Long version = Normalized(kVersion, sent->Value(kVersion.name)).As<Long>();
   const Long stored_version = stored_->Value(kVersion.name).As<Long>();
   const auto refuse = [&](std::int32_t number, const std::string& reason) {
@@ -63,6 +64,7 @@ void RecordSave::Run() {
   kind_.description().check(*this);
   Write();
   if (kind_.description().follow != nullptr) kind_.description().follow(*this);
+  Audit();
   Commit();
 }
 
@@ -101,13 +103,15 @@ void RecordSave::RequireUniqueKey() const {
 }
 
 void RecordSave::Write() {
-  std::string changes;
   if (is_new()) {
     id_ = kind_.Insert(caller_.db, *record_);
   } else {
     kind_.Overwrite(caller_.db, id_, *record_);
-    changes = kind_.Changes(*stored_, *record_);
   }
+}
+
+void RecordSave::Audit() const {
+  const std::string changes = kind_.Changes(caller_.db, id_, before_);
   const std::string name = MasterData::NameOf(*record_);
   const std::string machine_name = SentText(*sent_, kMachineName);
   const std::string address = SentText(*sent_, kAddress);
@@ -133,7 +137,8 @@ RecordRemoval::RecordRemoval(const Caller& caller, const MasterData& kind, Long 
       kind_(kind),
       transaction_(caller, Transaction::Kind::kChangeRules),
       id_(id),
-      stored_(kind.Require(caller.db, id)) {}
+      stored_(kind.Require(caller.db, id)),
+      before_(kind.TrailOf(caller.db, id)) {}
 
 void RecordRemoval::Refuse(std::int32_t number, const std::string& reason) const {
   server::Refuse(number, kind_.Called(*stored_) + ": " + reason);
@@ -156,10 +161,12 @@ void RecordRemoval::Mark() {
 
 void RecordRemoval::Commit(std::string_view machine_name, std::string_view address) {
   const std::string name = MasterData::NameOf(*stored_);
+  const std::string changes = kind_.Changes(caller_.db, id_, before_);
   WriteAudit(caller_, {.subject = kind_.subject(),
                        .record_id = id_,
                        .record = name,
                        .action = "Delete",
+                       .changes = changes,
                        .machine_name = machine_name,
                        .address = address});
   transaction_.Commit();

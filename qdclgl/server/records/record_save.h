@@ -40,8 +40,10 @@ class RecordSave {
   void RequireUniqueKey() const;
 
  private:
-  // Inserts or overwrites the record, and writes the audit trail.
+  // Inserts or overwrites the record.
   void Write();
+  // Writes the audit trail, behind all that follows from the save.
+  void Audit() const;
   // Commits, and only then writes id and version into the sent row.
   void Commit();
 
@@ -51,6 +53,7 @@ class RecordSave {
   CallersTransaction transaction_;
   Long id_ = 0;
   Ref<Dictionary> stored_;
+  std::optional<TrailRow> before_;
   Ref<Dictionary> record_;
 };
 
@@ -78,6 +81,7 @@ class RecordRemoval {
   CallersTransaction transaction_;
   Long id_;
   Ref<Dictionary> stored_;
+  std::optional<TrailRow> before_;
 };
 
 }  // namespace qdclgl::server

@@ -6,6 +6,7 @@
 #include "qdclgl/server/access/password.h"
 #include "qdclgl/server/db/list.h"
 #include "qdclgl/server/db/refusals.h"
+#include "qdclgl/server/db/sha256.h"
 #include "qdclgl/server/records/record_save.h"
 
 namespace qdclgl::server {
@@ -22,6 +23,13 @@ constexpr Right kPasswordsOfOthers{Role::kAdministrator, "change the passwords o
 
 // Vouchers hold the ids of users in 16 bits.
 constexpr Long kLastUserID = 32767;
+
+// A password's hash never leaves its column. This tells whether it is the same one, and nothing
+// that a password could be tried against: the hash has a salt of its own.
+std::string FingerprintOf(const Variant& hash) {
+  constexpr std::size_t kDigits = 16;
+  return "fingerprint " + Sha256Of(hash.TextView()).substr(0, kDigits);
+}
 
 std::string RolesOf(const Variant& bits) {
   return RolesText(static_cast<unsigned>(bits.As<Long>()));
@@ -190,10 +198,16 @@ void UserUpdate::SetPassword(std::string_view PropsString, const Long& UserID,
   const std::string hash = HashedPassword(Password);
   CallersTransaction transaction(caller, Transaction::Kind::kChangeRules);
   const Ref<Dictionary> user = kind().Require(caller.db, id);
+  const std::optional<TrailRow> before = kind().TrailOf(caller.db, id);
   caller.db.Execute("UPDATE t_User SET FPassword = ? WHERE FUserID = ?", hash, id);
   const std::string name = MasterData::NameOf(*user);
   LoginAttempt::Forget(caller.db, name);
-  WriteAudit(caller, {.subject = "User", .record_id = id, .record = name, .action = "SetPassword"});
+  const std::string changes = kind().Changes(caller.db, id, before);
+  WriteAudit(caller, {.subject = kind().subject(),
+                      .record_id = id,
+                      .record = name,
+                      .action = "SetPassword",
+                      .changes = changes});
   transaction.Commit();
 }
 
@@ -210,7 +224,7 @@ const MasterData& Users() {
       .id = "FUserID",
       .key = {"FName"},
       .columns = {{{"FName", kText}},
-                  {{kPassword, kText}, Keeper::kServer},
+                  {{kPassword, kText}, Keeper::kServer, {}, FingerprintOf},
                   {{kRoles, kLong}, Keeper::kCaller, {}, RolesOf},
                   {{"FDisabled", kBoolean}}},
       .order = "FName",

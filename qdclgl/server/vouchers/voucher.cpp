@@ -75,20 +75,31 @@ void RequireVersion(const VoucherTree& stored, const Dictionary& row) {
                                 std::to_string(sent) + ".");
 }
 
+// What the trail tells of a voucher; null where there is none.
+std::string ChangesOf(const VoucherTree* before, const VoucherTree* after,
+                      VoucherTree::Trailing part = VoucherTree::Trailing::kWhole) {
+  const auto trail = [&](const VoucherTree* tree) {
+    return tree != nullptr ? tree->Trail(part) : TrailRow();
+  };
+  const TrailRow old_row = trail(before), row = trail(after);
+  return ChangesText(before != nullptr ? &old_row : nullptr, after != nullptr ? &row : nullptr);
+}
+
 std::string TextIn(const Dictionary& row, const Column& column) {
   const Variant* value = row.Find(RowKey(column.name));
   return value != nullptr ? Normalized(column, *value).Held<String>() : String();
 }
 
-void AuditSave(const Caller& caller, const VoucherTree& tree, const Dictionary& row,
-               std::string_view action, const std::string& changes, int origin) {
+// Writes the trail for a save; `before` is null for a new voucher.
+void AuditSave(const Caller& caller, const VoucherTree* before, const VoucherTree& tree,
+               const Dictionary& row, int origin) {
   const std::string machine = TextIn(row, {"MachineName", ColumnType::kText});
   const std::string address = TextIn(row, {"IPAddress", ColumnType::kText});
   WriteAudit(caller, {.subject = kSubject,
                       .record_id = tree.state.Get<"FVoucherID">(),
                       .record = tree.Name(),
-                      .action = action,
-                      .changes = changes,
+                      .action = before == nullptr ? "Create" : "Update",
+                      .changes = ChangesOf(before, &tree),
                       .machine_name = machine,
                       .address = address,
                       .origin = origin});
@@ -114,33 +125,51 @@ const Dictionary& RequireRow(const Ref<Dictionary>& row) {
   return *row;
 }
 
-// A step of the workflow: what it asks of the voucher, and what it does to it.
+// A step of the workflow: what it asks of the voucher, and what it does to it, in the tree and in
+// the books.
 template <class Step>
 void TakeStep(std::string_view props, const Right& right, Long id, std::string_view action,
               Step step) {
   const Caller caller = EnterUnconfirmed(props, right);
   CallersTransaction transaction(caller, Transaction::Kind::kSave);
   const LedgerRules rules = LedgerRules::Of(caller.db);
-  const VoucherTree tree = Held(caller.db, id);
+  VoucherTree tree = Held(caller.db, id);
   if (tree.state.Get<"FDeleted">()) {
     Refuse(refusal::kVoucherDeleted, "Voucher " + tree.Name() + ": it is deleted.");
   }
   RequireOpenPeriod(rules, tree);
+  const VoucherTree before = tree;
   step(caller, rules, tree);
-  WriteAudit(caller,
-             {.subject = kSubject, .record_id = id, .record = tree.Name(), .action = action});
+  WriteAudit(caller, {.subject = kSubject,
+                      .record_id = id,
+                      .record = tree.Name(),
+                      .action = action,
+                      .changes = ChangesOf(&before, &tree, VoucherTree::Trailing::kHeader)});
   transaction.Commit();
 }
 
-// Puts the caller's name to a step, or takes it off again: the columns of id and name, and those
+void RaiseVersion(VoucherTree& tree) {
+  tree.state.Put<"FVersion">(tree.state.Get<"FVersion">() + 1);
+}
+
+// Puts the caller's name to a step, or takes it off again: the columns of id and name, and the flag
 // that a step has besides.
-void Sign(const Caller& caller, Long id, bool signs, const std::string& id_column,
-          const std::string& name_column, const std::string& flag = "") {
-  const std::string flag_text = flag.empty() ? "" : ", " + flag + (signs ? " = 1" : " = 0");
-  caller.db.Execute("UPDATE t_Voucher SET " + id_column + " = ?, " + name_column + " = ?" +
-                        flag_text + ", FVersion = FVersion + 1 WHERE FVoucherID = ?",
-                    signs ? caller.session->user_id : kNobody,
-                    signs ? std::string_view(caller.session->user_name) : "", id);
+template <ColumnName id_column, ColumnName name_column, ColumnName... flag>
+void Sign(const Caller& caller, VoucherTree& tree, bool signs) {
+  static_assert(sizeof...(flag) <= 1);
+  const auto user = static_cast<Integer>(signs ? caller.session->user_id : kNobody);
+  const std::string name = signs ? caller.session->user_name : "";
+  tree.state.Put<id_column>(user);
+  tree.state.Put<name_column>(name);
+  (tree.state.Put<flag>(signs), ...);
+  RaiseVersion(tree);
+  static const std::string kSql =
+      "UPDATE t_Voucher SET " + std::string(id_column.view()) + " = ?, " +
+      std::string(name_column.view()) + " = ?" +
+      (std::string() + ... + (", " + std::string(flag.view()) + " = ?")) +
+      ", FVersion = FVersion + 1 WHERE FVoucherID = ?";
+  caller.db.Execute(kSql, user, name, (static_cast<void>(flag), signs)...,
+                    tree.state.Get<"FVoucherID">());
 }
 
 // OwnVoucher when the books want somebody else for the step, and the caller made the voucher or
@@ -229,7 +258,7 @@ Long VoucherUpdate::Create(std::string_view PropsString, const Ref<Dictionary>& 
   tree.Insert(caller.db);
   constexpr Long kAutomatic = 2;
   const bool automatic = !Kind.IsMissing() && CLng(Kind) == kAutomatic;
-  AuditSave(caller, tree, *Voucher, "Create", "", automatic ? 2 : 1);
+  AuditSave(caller, nullptr, tree, *Voucher, automatic ? 2 : 1);
   transaction.Commit();
   WriteBack(tree, *Voucher);
   return tree.state.Get<"FVoucherID">();
@@ -254,7 +283,7 @@ void VoucherUpdate::Update(std::string_view PropsString, const Long& VoucherID,
   ApplyRules(caller.db, facts, tree);
   GiveNumber(caller.db, &stored, tree);
   tree.Update(caller.db);
-  AuditSave(caller, tree, *Voucher, "Update", ChangesBetween(stored, tree), caller.marked ? 2 : 1);
+  AuditSave(caller, &stored, tree, *Voucher, caller.marked ? 2 : 1);
   transaction.Commit();
   WriteBack(tree, *Voucher);
 }
@@ -264,7 +293,7 @@ void VoucherUpdate::Delete(std::string_view PropsString, const Long& VoucherID, 
   const Caller caller = EnterUnconfirmed(PropsString, RightTo<VoucherUpdate>("Delete"));
   Database& db = caller.db;
   CallersTransaction transaction(caller, Transaction::Kind::kSave);
-  const VoucherTree tree = Held(db, VoucherID);
+  VoucherTree tree = Held(db, VoucherID);
   const LedgerRules rules = LedgerRules::Of(db);
   // A voucher that is marked already can still be removed for good.
   if (Purge && tree.state.Get<"FDeleted">()) {
@@ -273,12 +302,19 @@ void VoucherUpdate::Delete(std::string_view PropsString, const Long& VoucherID, 
   } else {
     RequireChangeable(rules, tree);
   }
+  std::string changes;
   if (Purge) {
+    tree.ReadLines(db);
+    changes = ChangesOf(&tree, nullptr);
     db.Execute("DELETE FROM t_VoucherDetail WHERE FVoucherID = ?", VoucherID);
     db.Execute("DELETE FROM t_VoucherEntry WHERE FVoucherID = ?", VoucherID);
     RemoveEditors(db, VoucherID);
     db.Execute("DELETE FROM t_Voucher WHERE FVoucherID = ?", VoucherID);
   } else {
+    VoucherTree marked = tree;
+    marked.state.Put<"FDeleted">(true);
+    RaiseVersion(marked);
+    changes = ChangesOf(&tree, &marked, VoucherTree::Trailing::kHeader);
     db.Execute("UPDATE t_Voucher SET FDeleted = 1, FVersion = FVersion + 1 WHERE FVoucherID = ?",
                VoucherID);
   }
@@ -286,6 +322,7 @@ void VoucherUpdate::Delete(std::string_view PropsString, const Long& VoucherID, 
                       .record_id = VoucherID,
                       .record = tree.Name(),
                       .action = Purge ? "Purge" : "Delete",
+                      .changes = changes,
                       .machine_name = MachineName,
                       .address = IPAddress});
   transaction.Commit();
@@ -294,14 +331,14 @@ void VoucherUpdate::Delete(std::string_view PropsString, const Long& VoucherID, 
 void VoucherUpdate::Check(std::string_view PropsString, const Long& VoucherID,
                           const Boolean& Checked) {
   TakeStep(PropsString, RightTo<VoucherUpdate>("Check"), VoucherID, Checked ? "Check" : "UnCheck",
-           [&](const Caller& caller, const LedgerRules& rules, const VoucherTree& tree) {
+           [&](const Caller& caller, const LedgerRules& rules, VoucherTree& tree) {
              RequireStep(!tree.state.Get<"FPosted">(), tree, "it is posted.");
              RequireStep(tree.state.Get<"FChecked">() != Checked, tree,
                          Checked ? "it is checked already." : "it is not checked.");
              RequireStep(tree.state.Get<"FApproveID">() == kNobody, tree,
                          "it is approved; take the approval back first.");
              RequireOtherHands(caller, tree, Checked && rules.checker_not_preparer, "check");
-             Sign(caller, VoucherID, Checked, "FCheckerID", "FChecker", "FChecked");
+             Sign<"FCheckerID", "FChecker", "FChecked">(caller, tree, Checked);
            });
 }
 
@@ -309,27 +346,27 @@ void VoucherUpdate::Approve(std::string_view PropsString, const Long& VoucherID,
                             const Boolean& Approved) {
   TakeStep(PropsString, RightTo<VoucherUpdate>("Approve"), VoucherID,
            Approved ? "Approve" : "UnApprove",
-           [&](const Caller& caller, const LedgerRules& rules, const VoucherTree& tree) {
+           [&](const Caller& caller, const LedgerRules& rules, VoucherTree& tree) {
              RequireStep(!tree.state.Get<"FPosted">(), tree, "it is posted.");
              RequireStep(tree.state.Get<"FChecked">(), tree, "it is not checked.");
              RequireStep((tree.state.Get<"FApproveID">() != kNobody) != Approved, tree,
                          Approved ? "it is approved already." : "it is not approved.");
              RequireOtherHands(caller, tree, Approved && rules.approver_not_preparer, "approve");
-             Sign(caller, VoucherID, Approved, "FApproveID", "FApprover");
+             Sign<"FApproveID", "FApprover">(caller, tree, Approved);
            });
 }
 
 void VoucherUpdate::Cash(std::string_view PropsString, const Long& VoucherID, const Boolean& Cashed,
                          const Variant& Voucher) {
   TakeStep(PropsString, RightTo<VoucherUpdate>("Cash"), VoucherID, Cashed ? "Cash" : "UnCash",
-           [&](const Caller& caller, const LedgerRules& rules, const VoucherTree& tree) {
+           [&](const Caller& caller, const LedgerRules& rules, VoucherTree& tree) {
              if (!Voucher.IsMissing()) {
                RequireVersion(tree, RequireRow(Voucher.As<Dictionary>()));
              }
              RequireStep((tree.state.Get<"FCashierID">() != kNobody) != Cashed, tree,
                          Cashed ? "it is cashed already." : "it is not cashed.");
              RequireOtherHands(caller, tree, Cashed && rules.cashier_not_preparer, "cash");
-             Sign(caller, VoucherID, Cashed, "FCashierID", "FCashier");
+             Sign<"FCashierID", "FCashier">(caller, tree, Cashed);
            });
 }
 
@@ -338,7 +375,7 @@ namespace {
 void MovePosting(std::string_view props, Long id, Direction direction) {
   const bool posts = direction == Direction::kPost;
   TakeStep(props, VoucherUpdate::kPost, id, posts ? "Post" : "UnPost",
-           [&](const Caller& caller, const LedgerRules& rules, const VoucherTree& tree) {
+           [&](const Caller& caller, const LedgerRules& rules, VoucherTree& tree) {
              RequireStep(tree.state.Get<"FPosted">() != posts, tree,
                          posts ? "it is posted already." : "it is not posted.");
              RequireStep(!posts || !rules.check_before_post || tree.state.Get<"FChecked">(), tree,
@@ -346,7 +383,7 @@ void MovePosting(std::string_view props, Long id, Direction direction) {
              RequireOtherHands(caller, tree, posts && rules.poster_not_preparer, "post");
              MoveBalances(caller.db, id, tree.Name(),
                           {tree.header.Get<"FYear">(), tree.header.Get<"FPeriod">()}, direction);
-             Sign(caller, id, posts, "FPosterID", "FPoster", "FPosted");
+             Sign<"FPosterID", "FPoster", "FPosted">(caller, tree, posts);
            });
 }
 
@@ -363,16 +400,21 @@ void VoucherUpdate::UnPost(std::string_view PropsString, const Long& VoucherID) 
 void VoucherUpdate::ClearCashFlow(std::string_view PropsString, const Long& VoucherID) {
   const Caller caller = EnterUnconfirmed(PropsString, kSave);
   CallersTransaction transaction(caller, Transaction::Kind::kSave);
-  const VoucherTree tree = Held(caller.db, VoucherID);
+  VoucherTree tree = Held(caller.db, VoucherID);
   RequireChangeable(LedgerRules::Of(caller.db), tree);
   AddEditor(caller.db, tree, caller.session->user_id);
+  tree.ReadLines(caller.db);
+  const VoucherTree before = tree;
+  for (VoucherLine& line : tree.lines) line.cells.Put<"FCashFlowItem">(0);
+  RaiseVersion(tree);
   caller.db.Execute("UPDATE t_VoucherEntry SET FCashFlowItem = 0 WHERE FVoucherID = ?", VoucherID);
   // A row that was read before still has them.
   caller.db.Execute("UPDATE t_Voucher SET FVersion = FVersion + 1 WHERE FVoucherID = ?", VoucherID);
   WriteAudit(caller, {.subject = kSubject,
                       .record_id = VoucherID,
                       .record = tree.Name(),
-                      .action = "ClearCashFlow"});
+                      .action = "ClearCashFlow",
+                      .changes = ChangesOf(&before, &tree)});
   transaction.Commit();
 }
 

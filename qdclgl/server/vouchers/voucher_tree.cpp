@@ -126,10 +126,12 @@ Cells CellsFrom(const Statement& statement, std::span<const Column> columns, std
   return Cells(ReadCells(statement, columns, first));
 }
 
-const std::string kReadHeader = "SELECT " + NamesOf(kStateColumns, "v.") + ", " +
-                                NamesOf(kHeaderColumns, "v.") + ", g.FName, v.FExtra";
-const std::string kFromHeader = " FROM t_Voucher v JOIN t_VoucherGroup g ON g.FGroupID = v.FGroupID"
-                                " WHERE v.FVoucherID = ?";
+const std::string kHeaderCells = "SELECT " + NamesOf(kStateColumns, "v.") + ", " +
+                                 NamesOf(kHeaderColumns, "v.") + ", g.FName, v.FExtra";
+const std::string kFromHeaders =
+    " FROM t_Voucher v JOIN t_VoucherGroup g ON g.FGroupID = v.FGroupID";
+const std::string kSelectHeader = kHeaderCells + kFromHeaders;
+const std::string kById = " WHERE v.FVoucherID = ?";
 
 }  // namespace
 
@@ -183,6 +185,7 @@ Ref<Dictionary> VoucherTree::ToRow() const {
 
 namespace {
 
+// The types of what kSelectHeader gives.
 const std::vector<Storage>& HeaderResults() {
   static const std::vector<Storage> kResults =
       StoragesOf(Joined(kStateColumns, kHeaderColumns, kGroupName, kExtra));
@@ -203,7 +206,7 @@ VoucherTree HeaderFrom(const Statement& statement) {
 std::optional<VoucherTree> ReadHeader(const Caller& caller, Long id) {
   static constexpr Storage kParameters[] = {Storage::kWhole, Storage::kWhole};
   static const std::string kSql =
-      kReadHeader + ", (" + StandingQuery("?") + ") AS standing" + kFromHeader;
+      kHeaderCells + ", (" + StandingQuery("?") + ") AS standing" + kFromHeaders + kById;
   static const std::vector<Storage> kResults = [] {
     std::vector<Storage> results = HeaderResults();
     results.push_back(Storage::kText);
@@ -230,7 +233,7 @@ std::optional<VoucherTree> ReadHeader(const Caller& caller, Long id) {
 
 std::optional<VoucherTree> VoucherTree::Hold(Database& db, Long id) {
   static constexpr Storage kParameters[] = {Storage::kWhole};
-  static const std::string kSQLite = kReadHeader + kFromHeader;
+  static const std::string kSQLite = kSelectHeader + kById;
   static const std::string kPostgreSQL = kSQLite + " FOR UPDATE OF v";
   Statement& statement =
       db.Prepared(db.Dialect(kSQLite, kPostgreSQL), kParameters, HeaderResults());
@@ -297,6 +300,56 @@ bool VoucherTree::ReadLines(Database& db) {
     if (is_same) lines[entry - 1].details.push_back(ReadCells(details, kDetailColumns, 1));
   }
   return is_same && !is_empty;
+}
+
+std::vector<VoucherTree> VoucherTree::ReadRange(Database& db, Long first, Long last) {
+  // A statement for the rows between the two ids.
+  const auto rows = [&](const std::string& sql, std::string_view table, std::string_view order,
+                        std::span<const Storage> results) -> Statement& {
+    static constexpr Storage kParameters[] = {Storage::kWhole, Storage::kWhole};
+    Statement& statement =
+        db.Prepared(sql + " WHERE " + std::string(table) + ".FVoucherID BETWEEN ? AND ? ORDER BY " +
+                        std::string(order),
+                    kParameters, results);
+    statement.Set(0, std::int64_t{first});
+    statement.Set(1, std::int64_t{last});
+    statement.Open();
+    return statement;
+  };
+  std::vector<VoucherTree> trees;
+  Statement& headers = rows(kSelectHeader, "v", "v.FVoucherID", HeaderResults());
+  while (headers.Fetch()) trees.push_back(HeaderFrom(headers));
+
+  // Lines and details come in the order of their vouchers. Those of none are left out: foreign keys
+  // are another rule.
+  const auto voucher_of = [&, at = std::size_t{0}](std::int64_t id) mutable -> VoucherTree* {
+    while (at < trees.size() && trees[at].state.Get<"FVoucherID">() < id) ++at;
+    return at < trees.size() && trees[at].state.Get<"FVoucherID">() == id ? &trees[at] : nullptr;
+  };
+  static const std::string kLines =
+      "SELECT " + NamesOf(kLineTable, "e.") + " FROM t_VoucherEntry e";
+  static const std::vector<Storage> kLineResults = StoragesOf(kLineTable);
+  Statement& line_rows = rows(kLines, "e", "e.FVoucherID, e.FEntryID", kLineResults);
+  for (auto voucher = voucher_of; line_rows.Fetch();) {
+    VoucherTree* const tree = voucher(line_rows.Whole(0));
+    if (tree == nullptr) continue;
+    VoucherLine& line = tree->lines.emplace_back();
+    line.cells = CellsFrom<LineCells>(line_rows, kLineColumns, std::size(kLineKey));
+    line.extras = line_rows.Text(kLineTable.size() - 1);
+  }
+  static const std::string kDetailRows =
+      "SELECT " + NamesOf(kDetailTable, "d.") + " FROM t_VoucherDetail d";
+  static const std::vector<Storage> kDetailResults = StoragesOf(kDetailTable);
+  Statement& detail_rows =
+      rows(kDetailRows, "d", "d.FVoucherID, d.FEntryID, d.FIndex", kDetailResults);
+  for (auto voucher = voucher_of; detail_rows.Fetch();) {
+    VoucherTree* const tree = voucher(detail_rows.Whole(0));
+    const auto entry = static_cast<std::size_t>(detail_rows.Whole(1));
+    if (tree == nullptr || entry < 1 || entry > tree->lines.size()) continue;
+    tree->lines[entry - 1].details.push_back(
+        ReadCells(detail_rows, kDetailColumns, std::size(kDetailKey)));
+  }
+  return trees;
 }
 
 namespace {
@@ -390,56 +443,44 @@ void VoucherTree::Update(Database& db) const {
   InsertLines(db, *this);
 }
 
-// ---- What has changed ----
+// ---- The trail ----
 
 namespace {
 
-void AddChange(std::string& changes, const std::string& change) {
-  if (!changes.empty()) changes += ", ";
-  changes += change;
-}
+// The version, and what steps set. Of the counts and totals between them those that the check of
+// the books finds in the lines are left out.
+constexpr std::size_t kVersionAt = PlaceOf(kStateColumns, "FVersion");
+constexpr std::size_t kDetailCountAt = PlaceOf(kStateColumns, "FDetailCount");
+constexpr std::size_t kStepsAt = PlaceOf(kStateColumns, "FOwnerGroupID");
 
-void Compare(std::string& changes, const std::string& where, std::span<const Column> columns,
-             const std::vector<Variant>& before, const std::vector<Variant>& now) {
-  for (std::size_t i = 0; i < columns.size(); ++i) {
-    if (!Equals(before[i], now[i])) AddChange(changes, where + std::string(columns[i].name));
+TrailRow TrailOf(const VoucherLine& line) {
+  TrailRow row;
+  row.Add(kLineColumns, line.cells.values());
+  row.AddText(kExtra[0].name, line.extras);
+  TrailList& details = row.lists.emplace_back(TrailList{kDetails, {}});
+  for (const std::vector<Variant>& detail : line.details) {
+    details.rows.emplace_back().Add(kDetailColumns, detail);
   }
-}
-
-// Goes through two lists side by side.
-template <class T, class CompareBoth>
-void CompareLists(std::string& changes, const std::string& word, const std::vector<T>& before,
-                  const std::vector<T>& now, CompareBoth compare) {
-  for (std::size_t i = 0; i < std::max(before.size(), now.size()); ++i) {
-    const std::string where = word + " " + std::to_string(i + 1);
-    if (i >= before.size()) {
-      AddChange(changes, where + " added");
-    } else if (i >= now.size()) {
-      AddChange(changes, where + " removed");
-    } else {
-      compare(where + " ", before[i], now[i]);
-    }
-  }
+  return row;
 }
 
 }  // namespace
 
-std::string ChangesBetween(const VoucherTree& before, const VoucherTree& now) {
-  std::string changes;
-  Compare(changes, "", kHeaderColumns, before.header.values(), now.header.values());
-  if (before.extras != now.extras) AddChange(changes, "other keys");
-  CompareLists(changes, "line", before.lines, now.lines,
-               [&](const std::string& where, const VoucherLine& old_line, const VoucherLine& line) {
-                 Compare(changes, where, kLineColumns, old_line.cells.values(),
-                         line.cells.values());
-                 if (old_line.extras != line.extras) AddChange(changes, where + "other keys");
-                 CompareLists(changes, where + "detail", old_line.details, line.details,
-                              [&](const std::string& detail, const std::vector<Variant>& old_cells,
-                                  const std::vector<Variant>& cells) {
-                                Compare(changes, detail, kDetailColumns, old_cells, cells);
-                              });
-               });
-  return changes;
+TrailRow VoucherTree::Trail(Trailing part) const {
+  const std::span<const Column> columns(kStateColumns);
+  const std::span<const Variant> values(state.values());
+  TrailRow row;
+  for (const std::size_t at : {kVersionAt, kDetailCountAt}) {
+    row.Add(columns.subspan(at, 1), values.subspan(at, 1));
+  }
+  row.Add(kHeaderColumns, header.values());
+  row.Add(columns.subspan(kStepsAt), values.subspan(kStepsAt));
+  row.AddText(kExtra[0].name, extras);
+  if (part == Trailing::kHeader) return row;
+  TrailList& entries = row.lists.emplace_back(TrailList{kEntries, {}});
+  entries.rows.reserve(lines.size());
+  for (const VoucherLine& line : lines) entries.rows.push_back(TrailOf(line));
+  return row;
 }
 
 const ListSource kVoucherList{

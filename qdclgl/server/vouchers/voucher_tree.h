@@ -10,6 +10,7 @@
 
 #include "qdclgl/frame/containers/dictionary.h"
 #include "qdclgl/server/access/session.h"
+#include "qdclgl/server/access/trail_row.h"
 #include "qdclgl/server/db/columns.h"
 #include "qdclgl/server/db/list.h"
 
@@ -157,15 +158,19 @@ struct VoucherTree {
   static std::optional<VoucherTree> Hold(Database& db, Long id);
   // Reads lines and details. False when they are not those of the header's version.
   bool ReadLines(Database& db);
+  // All vouchers with ids from `first` to `last`, without what other tables tell about lines; in a
+  // transaction that shows one state of the books.
+  static std::vector<VoucherTree> ReadRange(Database& db, Long first, Long last);
 
   // Writes a new voucher and gives it its id; or writes everything over what is there.
   void Insert(Database& db);
   void Update(Database& db) const;
-};
 
-// What is different in `now`, key by key, as the audit trail tells it: "FExplanation, line 2
-// FAmount, line 3 added".
-std::string ChangesBetween(const VoucherTree& before, const VoucherTree& now);
+  // The voucher as the trail tells it: all but its id and what follows from its lines. Without
+  // lines, where those don't change.
+  enum class Trailing { kHeader, kWhole };
+  TrailRow Trail(Trailing part) const;
+};
 
 // The tables of headers, lines, details and editors.
 std::vector<StoredTable> VoucherTables();

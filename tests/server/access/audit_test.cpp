@@ -12,9 +12,25 @@ class AuditTest : public RecordsTest {
     return Call("QDSVGLAudit.AuditInfo", "GetList", props, ByRef(filter), ByRef(sort))
         .As<Recordset>();
   }
+  std::string Head() { return Call("QDSVGLAudit.AuditInfo", "GetHead", props).As<String>(); }
 };
 
-TEST_P(AuditTest, NewBooksHaveAnEmptyTrail) { EXPECT_EQ(List()->RecordCount(), 0); }
+TEST_P(AuditTest, TheTrailOfNewBooksTellsOfTheirMaking) {
+  const auto list = List();
+  EXPECT_EQ(TextOf(list, {"FUserID", "FUserName", "FSubject", "FRecordID", "FRecord", "FAction",
+                          "FNumber"}),
+            "1 administrator Setting 0  Create 1\n"
+            "1 administrator Currency 1 EUR (EUR) Create 1\n"
+            "1 administrator User 1 administrator Create 1\n");
+  EXPECT_EQ(TextOf(List("FSubject <> 'User'"), {"FChanges"}),
+            R"({"new":{"GL.CurrentPeriod":"1","GL.CurrentYear":"2024","GL.PeriodByMonth":"1",)"
+            R"("GL.PeriodCount":"12","GL.StartPeriod":"1","GL.StartYear":"2024",)"
+            R"("GL.YearStartMonth":"1"}})"
+            "\n"
+            R"({"new":{"FVersion":1,"FNumber":"EUR","FName":"EUR","FExchangeRate":1,)"
+            R"("FOperator":"*","FScale":2,"FFixRate":1}})"
+            "\n");
+}
 
 TEST_P(AuditTest, ADeedTellsWhoWhatWhereAndWhen) {
   AddUser("anna", "administrator");
@@ -34,8 +50,9 @@ TEST_P(AuditTest, ADeedTellsWhoWhatWhereAndWhen) {
 
 TEST_P(AuditTest, TheTrailIsListedInOrderUnlessSorted) {
   for (const char* name : {"b", "a", "c"}) AddGroup(name);
-  EXPECT_EQ(TextOf(List(), {"FRecord"}), "b\na\nc\n");
-  EXPECT_EQ(TextOf(List("FSubject <> 'Session'", "FRecord DESC"), {"FRecord"}), "c\nb\na\n");
+  const std::string groups = "FSubject = 'VoucherGroup'";
+  EXPECT_EQ(TextOf(List(groups), {"FRecord"}), "b\na\nc\n");
+  EXPECT_EQ(TextOf(List(groups, "FRecord DESC"), {"FRecord"}), "c\nb\na\n");
   EXPECT_EQ(TextOf(List("FRecord IN ('a', 'c') AND FTime > '2024-01-01'"), {"FRecord"}), "a\nc\n");
   EXPECT_EQ(RefusalOf([&] { List("FPassword = ''"); }), "BadFilter");
   EXPECT_EQ(RefusalOf([&] { List("", "FAuditID; DELETE FROM t_Audit"); }), "BadSort");
@@ -44,15 +61,17 @@ TEST_P(AuditTest, TheTrailIsListedInOrderUnlessSorted) {
 TEST_P(AuditTest, RefusedCallsLeaveNoTrace) {
   AddGroup("Receipts");
   EXPECT_EQ(RefusalOf([&] { AddGroup("Receipts"); }), "NameTaken");
-  EXPECT_EQ(List()->RecordCount(), 1);
+  EXPECT_EQ(List("FSubject = 'VoucherGroup'")->RecordCount(), 1);
 }
 
 TEST_P(AuditTest, EveryReaderReadsAndStrangersDoNot) {
   AddUser("anna", "reader");
   Login("anna");
-  EXPECT_EQ(List()->RecordCount(), 1);
-  EXPECT_EQ(RefusalOf([&] { Call("QDSVGLAudit.AuditInfo", "GetList", connection); }),
-            "NotLoggedIn");
+  EXPECT_EQ(List()->RecordCount(), 4);
+  EXPECT_NE(Head(), "");
+  for (const char* method : {"GetList", "GetHead"}) {
+    EXPECT_EQ(RefusalOf([&] { Call("QDSVGLAudit.AuditInfo", method, connection); }), "NotLoggedIn");
+  }
 }
 
 QDCLGL_BOOKS_TEST(AuditTest);

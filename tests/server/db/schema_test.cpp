@@ -1,5 +1,10 @@
 #include "qdclgl/server/db/schema.h"
 
+#include <fstream>
+#include <map>
+#include <set>
+
+#include "qdclgl/frame/vocabulary/text.h"
 #include "qdclgl/server/db/connections.h"
 #include "qdclgl/server/db/new_books.h"
 #include "qdclgl/server/db/refusals.h"
@@ -98,6 +103,116 @@ TEST_P(SchemaTest, TheSizeOfWhatIsPostedIsAddedUpWhateverItIs) {
             INT64_MAX);
 }
 
+// The rows of every table but t_Schema, over the columns that it has in this state of the books: a
+// line for each row, by table.
+using Tables = std::map<std::string, std::vector<std::string>>;  // columns by table
+Tables TablesIn(Database& db) {
+  Tables tables;
+  for (const auto& [table, column] :
+       db.IsSQLite()
+           ? db.Query<std::string, std::string>(
+                 "SELECT m.name, c.name FROM sqlite_master m, pragma_table_info(m.name) c"
+                 " WHERE m.type = 'table' AND m.name LIKE 't\\_%' ESCAPE '\\' ORDER BY c.cid")
+           : db.Query<std::string, std::string>(
+                 "SELECT table_name, column_name FROM information_schema.columns"
+                 " WHERE table_schema = current_schema() ORDER BY ordinal_position")) {
+    if (table != "t_Schema" && table != "t_schema") tables[table].push_back(column);
+  }
+  return tables;
+}
+std::set<std::string> RowsOf(Database& db, const Tables& tables) {
+  std::set<std::string> rows;
+  for (const auto& [table, columns] : tables) {
+    std::string cells;
+    for (const std::string& column : columns) cells += " || '|' || CAST(" + column + " AS TEXT)";
+    for (const auto& [row] :
+         db.Query<std::string>("SELECT '" + table + "'" + cells + " FROM " + table)) {
+      rows.insert(row);
+    }
+  }
+  return rows;
+}
+
+// Books as a program of a former version left them, from a file of this folder.
+class FormerBooksTest : public SchemaTest {
+ protected:
+  static std::string FileOf(int version) {
+    return QDCLGL_SOURCE_DIR "/tests/server/db/books/version-" + std::to_string(version) + ".sql";
+  }
+  static bool IsKept(int version) { return std::ifstream(FileOf(version)).good(); }
+  std::string FormerBooks(int version) {
+    const std::string text = NewConnectionText(GetParam());
+    MakeBooks(ConnectionText::Parse(text), [&](Database& db) {
+      Migrate(db, version);
+      std::ifstream file(FileOf(version));
+      for (std::string line; std::getline(file, line);) {
+        if (!line.starts_with("--")) db.Execute(line.substr(0, line.rfind(';')));
+      }
+      if (db.IsSQLite()) return;
+      for (const auto& [table, id] : db.Query<std::string, std::string>(
+               "SELECT table_name, column_name FROM information_schema.columns"
+               " WHERE table_schema = current_schema() AND is_identity = 'YES'")) {
+        db.QueryValue<Long>("SELECT setval(pg_get_serial_sequence('" + table + "', '" + id +
+                            "'), (SELECT COALESCE(MAX(" + id + "), 0) + 1 FROM " + table +
+                            "), false)");
+      }
+    });
+    return text;
+  }
+};
+
+TEST_P(FormerBooksTest, AreUpgradedWithEverythingThatIsInThem) {
+  int version = 1;
+  for (; IsKept(version); ++version) {
+    const std::string former = FormerBooks(version);
+    Tables tables;
+    std::set<std::string> before;
+    {
+      Database db(ConnectionText::Parse(former));
+      tables = TablesIn(db);
+      before = RowsOf(db, tables);
+    }
+    ASSERT_GT(before.size(), 40u);
+    EXPECT_EQ(Upgrade(former), version);
+    props = Call("QDSVGLSession.SessionUpdate", "Login", former, "administrator", "").As<String>();
+    std::set<std::string> after = RowsOf(Books(), tables);
+    // The trail alone has grown.
+    std::erase_if(after, [&](const std::string& row) {
+      return FoldAsciiCase(row).starts_with("t_audit|") && !before.contains(row);
+    });
+    EXPECT_EQ(after, before);
+    EXPECT_EQ(Breaches(), "");
+    RemoveBooks(former);
+  }
+  EXPECT_GE(version, 3) << "there are no former books in " << FileOf(1);
+}
+
+TEST_P(FormerBooksTest, HaveAWholeTrailFromThereOn) {
+  const std::string former = FormerBooks(2);
+  Upgrade(former);
+  props = Call("QDSVGLSession.SessionUpdate", "Login", former, "administrator", "").As<String>();
+  const auto trail = [&](const std::string& filter) {
+    return TextOf(Call("QDSVGLAudit.AuditInfo", "GetList", props, filter).As<Recordset>(),
+                  {"FNumber", "FUserName", "FAction", "FChanges"});
+  };
+  const std::string anna = trail("FSubject = 'User' AND FRecordID = 2");
+  EXPECT_TRUE(anna.starts_with("1 administrator Create \n"
+                               "2 administrator Update FDisabled: False -> True\n"
+                               "3  Upgrade {\"new\":{\"FVersion\":2,\"FName\":\"anna\","
+                               "\"FPassword\":\"fingerprint "))
+      << anna;
+  Call("QDSVGLVoucher.VoucherUpdate", "Delete", props, Long{5}, true);
+  EXPECT_NE(trail("FSubject = 'Voucher' AND FRecordID = 5 AND FAction = 'Purge'")
+                .find("\"FReference\":\"A5\""),
+            std::string::npos);
+  EXPECT_EQ(Breaches(), "");
+  Break("UPDATE t_Voucher SET FExplanation = 'nothing' WHERE FVoucherID = 3");
+  EXPECT_EQ(Breaches(), "Record Voucher 3 2024/2 Payments 1\n");
+  Break("UPDATE t_Audit SET FUserName = 'bob' WHERE FSubject = 'Period'");
+  EXPECT_EQ(Breaches(), "Trail Period 0 2024/1\nRecord Voucher 3 2024/2 Payments 1\n");
+  RemoveBooks(former);
+}
+
 TEST_P(SchemaTest, AnUpgradeThatFailsLeavesTheBooksAsTheyWere) {
   const std::string old = OldBooks(1);
   int statements = 1;
@@ -146,6 +261,7 @@ TEST_P(SchemaTest, NoColumnTakesANull) {
 }
 
 QDCLGL_BOOKS_TEST(SchemaTest);
+QDCLGL_BOOKS_TEST(FormerBooksTest);
 
 }  // namespace
 }  // namespace qdclgl::server::testing

@@ -47,7 +47,7 @@ class TablesTest : public RecordsTest {
 
 std::vector<StoredTable> DescribedTables() {
   std::vector<StoredTable> tables = VoucherTables();
-  tables.push_back(AuditTable());
+  std::ranges::copy(AuditTables(), std::back_inserter(tables));
   for (const MasterData* kind : MasterDataKinds()) {
     for (StoredTable& table : kind->Tables()) tables.push_back(std::move(table));
   }

@@ -65,11 +65,15 @@ TEST_P(MasterDataTest, RecordsAreSavedFoundAndRemoved) {
   Call("QDSVGLSeal.SealUpdate", "Delete", props, id);
   EXPECT_EQ(Call("QDSVGLSeal.SealInfo", "GetDetail", props, id).As<Dictionary>(), nullptr);
   EXPECT_EQ(
-      TextOf(
-          Call("QDSVGLAudit.AuditInfo", "GetList", props, "FSubject <> 'Session'").As<Recordset>(),
-          {"FSubject", "FRecord", "FAction", "FChanges"}),
-      "Seal A1 (Round) Create \nSeal A1 (Oval) Update FName: Round -> Oval\n"
-      "Seal A1 (Oval) Delete \n");
+      TextOf(Call("QDSVGLAudit.AuditInfo", "GetList", props, "FSubject = 'Seal'").As<Recordset>(),
+             {"FRecord", "FAction", "FChanges"}),
+      "A1 (Round) Create "
+      R"({"new":{"FVersion":1,"FNumber":"A1","FName":"Round","FWidth":2.5}})"
+      "\nA1 (Oval) Update "
+      R"({"FVersion":[1,2],"FName":["Round","Oval"]})"
+      "\nA1 (Oval) Delete "
+      R"({"old":{"FVersion":2,"FNumber":"A1","FName":"Oval","FWidth":2.5}})"
+      "\n");
 }
 
 TEST_P(MasterDataTest, RefusalsCallRecordsAsPeopleDo) {

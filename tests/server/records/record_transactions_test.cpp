@@ -1,10 +1,13 @@
 // Kinds of records: versions, saves at once, failures, batches, and what the trail tells of it all.
 #include <algorithm>
 #include <barrier>
+#include <nlohmann/json.hpp>
 #include <thread>
 
+#include "qdclgl/frame/objects/conversions.h"
 #include "qdclgl/frame/platform/machine.h"
 #include "qdclgl/frame/session/startup.h"
+#include "qdclgl/server/db/columns.h"
 #include "qdclgl/server/db/connections.h"
 #include "tests/server/records/record_suite.h"
 
@@ -169,61 +172,100 @@ TEST_P(RecordSuite, ABatchThatIsRolledBackLeavesNothing) {
 
 // ---- The audit trail ----
 
+using Json = nlohmann::ordered_json;
+
+// A value as the trail tells it, and whether a whole row has it.
+Json OnTrail(const Variant& value) {
+  if (value.Is(VariantType::kBoolean)) return CBool(value);
+  if (value.Is(VariantType::kDate)) return DateText(CDate(value));
+  if (value.IsString()) return CStr(value);
+  if (value.Is(VariantType::kDouble) || value.Is(VariantType::kSingle)) {
+    return Json::parse(CStr(value));
+  }
+  return CLng(value);
+}
+bool IsOnTrail(const Variant& value) {
+  const Json json = OnTrail(value);
+  return json != Json(0) && json != Json(false) && json != Json("");
+}
+
 TEST_P(RecordSuite, DeedsAreOnTheAuditTrail) {
   AddUser("clerk", std::string(kind.writer));
   Login("clerk");
-  const auto trail = [&] {
-    return TextOf(Call("QDSVGLAudit.AuditInfo", "GetList", props,
-                       "FUserName = 'clerk' AND FSubject <> 'Session'")
-                      .As<Recordset>(),
-                  {"FUserName", "FMachineName", "FIPAddress", "FSubject", "FRecordID", "FRecord",
-                   "FAction", "FOrigin", "FChanges"});
-  };
   std::string expected;
   const std::string here = GetMachineName() + " " + GetIPAddress(), host = "HOST 10.0.0.1";
   Long id = 0;
+  // The newest deed is this one, behind those that were expected before; what it changed.
   const auto expect = [&](const std::string& from, const std::string& record,
-                          const std::string& action, const std::string& changes = "") {
+                          const std::string& action) {
     expected += "clerk " + from + " " + std::string(kind.subject) + " " + std::to_string(id) + " " +
-                record + " " + action + " 1 " + changes + "\n";
-    EXPECT_EQ(trail(), expected);
+                record + " " + action + " 1\n";
+    const auto list =
+        Call("QDSVGLAudit.AuditInfo", "GetList", props,
+             "FUserName = 'clerk' AND FSubject <> 'Session'")
+            .As<Recordset>();
+    EXPECT_EQ(TextOf(list, {"FUserName", "FMachineName", "FIPAddress", "FSubject", "FRecordID",
+                            "FRecord", "FAction", "FOrigin"}),
+              expected);
+    list->MoveFirst();
+    Json changes;
+    for (; !list->Eof(); list->MoveNext()) {
+      changes = Json::parse(list->Row()->Value("FChanges").As<String>());
+    }
+    return changes;
+  };
+  // Every column that callers write stands in a whole row, and none that is empty.
+  const auto expect_whole = [&](const Json& row, Long version, Variant Column::*values) {
+    EXPECT_EQ(row["FVersion"], version);
+    for (const Column* column : Written()) {
+      const std::string name(column->name);
+      EXPECT_EQ(row.contains(name), IsOnTrail(column->*values)) << name;
+      if (row.contains(name)) {
+        EXPECT_EQ(row[name], OnTrail(column->*values)) << name;
+      }
+    }
   };
   const Ref<Dictionary> row = Sent(Values::kSample);
   row->Put("MachineName", "DESK");
   row->Put("IPAddress", "10.0.0.7");
   id = Create(row);
-  expect("DESK 10.0.0.7", NameIn(*Record(id)), "Create");
+  expect_whole(expect("DESK 10.0.0.7", NameIn(*Record(id)), "Create")["new"], 1, &Column::sample);
 
-  std::string changes;
+  Json changes = {{"FVersion", {1, 2}}};
   for (const Column* column : Written()) {
     row->Put(column->name, column->changed);
     if (Equals(column->sample, column->changed)) continue;
-    changes += (changes.empty() ? "" : "; ") + std::string(column->name) + ": " +
-               CStr(column->sample) + " -> " + CStr(column->changed);
+    changes[std::string(column->name)] = {OnTrail(column->sample), OnTrail(column->changed)};
   }
   Update(id, row);
-  expect("DESK 10.0.0.7", NameIn(*Record(id)), "Update", changes);
+  EXPECT_EQ(expect("DESK 10.0.0.7", NameIn(*Record(id)), "Update"), changes);
   Update(id, Detail(id));
-  expect(here, NameIn(*Record(id)), "Update");
+  EXPECT_EQ(expect(here, NameIn(*Record(id)), "Update"), Json({{"FVersion", {2, 3}}}));
 
   const Ref<Dictionary> wrong = Record(id);
   wrong->Put("FNmae", "x");
   EXPECT_EQ(RefusalOf([&] { Update(id, wrong); }), "BadValue");
   EXPECT_EQ(RefusalOf([&] { Delete(kNoRecord); }), "NotFound");
-  EXPECT_EQ(trail(), expected) << "what is refused was not done";
 
+  // What is refused was not done: the next deed follows the one before.
   const std::string name = NameIn(*Record(id));
+  Long version = 3;
   if (kind.mark_by_sign) {
     Delete(id, 1);
-    expect(host, name, "Delete");
+    EXPECT_EQ(expect(host, name, "Delete"),
+              Json({{"FVersion", {3, 4}}, {std::string(kind.mark), {false, true}}}));
+    version = 4;
   }
   Delete(id);
-  expect(host, name, "Delete");
+  Json removed = expect(host, name, "Delete")["old"];
+  if (kind.mark_by_sign) removed.erase(std::string(kind.mark));
+  expect_whole(removed, version, &Column::changed);
   id = Create(Sent(Values::kSample));
   expect(here, NameIn(*Record(id)), "Create");
   const std::string last = NameIn(*Record(id));
   Call(kind.update, "Delete", props, id);
   expect(here, last, "Delete");
+  EXPECT_EQ(Breaches(), "");
 }
 
 TEST_P(MarkedRecordSuite, MarkingIsOnTheAuditTrail) {
@@ -236,7 +278,8 @@ TEST_P(MarkedRecordSuite, MarkingIsOnTheAuditTrail) {
                     "FSubject = '" + std::string(kind.subject) + "' AND FMachineName = 'HOST'")
                    .As<Recordset>(),
                {"FRecordID", "FRecord", "FAction", "FChanges"}),
-        std::to_string(id) + " " + NameIn(*Record(id)) + " Delete \n");
+        std::to_string(id) + " " + NameIn(*Record(id)) + " Delete {\"FVersion\":[1,2],\"" +
+            std::string(kind.mark) + "\":[false,true]}\n");
   }
   if (!Has(kind.kept_by_server, kind.mark)) {
     const Long id = CreateSample(1);
@@ -247,7 +290,8 @@ TEST_P(MarkedRecordSuite, MarkingIsOnTheAuditTrail) {
     EXPECT_EQ(TextOf(Call("QDSVGLAudit.AuditInfo", "GetList", props, "FMachineName = 'DESK'")
                          .As<Recordset>(),
                      {"FRecordID", "FAction", "FChanges"}),
-              std::to_string(id) + " Update " + std::string(kind.mark) + ": False -> True\n");
+              std::to_string(id) + " Update {\"FVersion\":[1,2],\"" + std::string(kind.mark) +
+                  "\":[false,true]}\n");
   }
 }
 

@@ -165,11 +165,20 @@ TEST_P(UserTest, ANewPasswordIsOnTheAuditTrailWithoutItsText) {
   AddUser("anna", "reader");
   const Long id = IdOf("anna");
   FailEachStatement([&] { Call(kUpdate, "SetPassword", props, id, "sesame"); });
-  EXPECT_EQ(TextOf(Call("QDSVGLAudit.AuditInfo", "GetList", props,
-                        "FSubject = 'User' AND FAction <> 'Create'")
-                       .As<Recordset>(),
-                   {"FUserName", "FSubject", "FRecordID", "FRecord", "FAction", "FChanges"}),
-            "administrator User " + std::to_string(id) + " anna SetPassword \n");
+  const auto list =
+      Call("QDSVGLAudit.AuditInfo", "GetList", props, "FSubject = 'User' AND FAction <> 'Create'").As<Recordset>();
+  EXPECT_EQ(TextOf(list, {"FUserName", "FSubject", "FRecordID", "FRecord", "FAction"}),
+            "administrator User " + std::to_string(id) + " anna SetPassword\n");
+  list->MoveFirst();
+  const std::string changes = list->Row()->Value("FChanges").As<String>();
+  EXPECT_TRUE(changes.starts_with("{\"FPassword\":[\"fingerprint ")) << changes;
+  const auto trail =
+      TextOf(Call("QDSVGLAudit.AuditInfo", "GetList", props).As<Recordset>(), {"FChanges"});
+  const auto hash =
+      Books().QueryValue<std::string>("SELECT FPassword FROM t_User WHERE FUserID = ?", id);
+  for (const std::string& secret : {std::string("sesame"), std::string("argon2"), *hash}) {
+    EXPECT_EQ(trail.find(secret), trail.npos) << secret;
+  }
   EXPECT_EQ(Detail(id)->Value("FVersion").As<Long>(), 1) << "who edits the user is not disturbed";
 }
 

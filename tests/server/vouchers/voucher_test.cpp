@@ -887,11 +887,16 @@ TEST_P(VoucherServer, BalancesOfPeriodsThatAreNotThereAreRefused) {
 
 // ---- Audit and permissions ----
 
-TEST_P(VoucherServer, TheTrailTellsEveryDeedWithWhatChanged) {
+TEST_P(VoucherServer, TheTrailTellsEveryDeedWithOldAndNewValues) {
   Long id = Save(Sale(5, "2024-01-15", {{"MachineName", "HOST"}, {"IPAddress", "10.0.0.1"}}));
   Ref<Dictionary> voucher = Read(id);
   voucher->Value("FReference", "R");
   LineAt(voucher, 1)->Value("FAmount", Currency(9));
+  LineAt(voucher, 1)->Value("FCashFlowItem", Long{3});
+  LineAt(voucher, 1)
+      ->Value("_Details")
+      .As<Vector>()
+      ->Append(Variant(qdclgl::testing::Row({{"FItemClassID", Long{4}}, {"FValue", "x"}})));
   LineAt(voucher, 2)->Value("FAmount", Currency(7));
   voucher->Value("_Entries").As<Vector>()->Append(Variant(Line("2000", 0, 2)));
   Call(kUpdate, "Update", "<>1" + props, ByRef(id), voucher);
@@ -902,36 +907,74 @@ TEST_P(VoucherServer, TheTrailTellsEveryDeedWithWhatChanged) {
   Call(kUpdate, "ClearCashFlow", props, ByRef(id));
   Call(kUpdate, "Delete", props, ByRef(id), false, "DESK", "10.0.0.2");
   Call(kUpdate, "Delete", props, ByRef(id), true, "DESK", "10.0.0.2");
-  const Long automatic = Call(kUpdate, "Create", props, Sale(1), Integer{2}).As<Long>();
-  const Ref<Recordset> list =
-      Call("QDSVGLAudit.AuditInfo", "GetList", props, "FSubject = 'Voucher'").As<Recordset>();
-  std::string text;
-  for (; !list->Eof(); list->MoveNext()) {
-    for (const char* column : {"FRecordID", "FRecord", "FAction", "FOrigin", "FChanges"}) {
-      text += CStr(list->FieldValue(list->FieldPosition(column))) + "|";
-    }
-    text += "\n";
+  Call(kUpdate, "Create", props, Sale(1), Integer{2});
+  const std::string first_line = R"({"FAccountID":1,"FDC":1,"FAmount":"5","FCurrencyID":1})";
+  const std::string second_line = R"({"FAccountID":3,"FAmount":"5","FCurrencyID":1})";
+  const std::string start =
+      R"("FDate":"2024-01-15","FYear":2024,"FPeriod":1,"FGroupID":1,"FNumber":)";
+  const std::string nobody =
+      R"("FOwnerGroupID":-1,"FPreparerID":1,"FPreparer":"administrator","FCheckerID":-1,)"
+      R"("FApproveID":-1)";
+  const std::vector<std::array<std::string, 3>> expected = {
+      {"Create", "1",
+       R"({"new":{"FVersion":1,)" + start + "1," + nobody +
+           R"(,"FCashierID":-1,"FPosterID":-1,"_Entries":[)" + first_line + "," + second_line +
+           "]}}"},
+      {"Update", "2",
+       R"({"FVersion":[1,2],"FDetailCount":[0,1],"FReference":["","R"],"_Entries":{)"
+       R"("1":{"FAmount":["5","9"],"FCashFlowItem":[0,3],)"
+       R"("_Details":{"1":{"new":{"FItemClassID":4,"FValue":"x"}}}},)"
+       R"("2":{"FAmount":["5","7"]},)"
+       R"("3":{"new":{"FAccountID":2,"FAmount":"2","FCurrencyID":1}}}})"},
+      {"Check", "1",
+       R"({"FVersion":[2,3],"FChecked":[false,true],"FCheckerID":[-1,1],)"
+       R"("FChecker":["","administrator"]})"},
+      {"Approve", "1",
+       R"({"FVersion":[3,4],"FApproveID":[-1,1],"FApprover":["","administrator"]})"},
+      {"Cash", "1", R"({"FVersion":[4,5],"FCashierID":[-1,1],"FCashier":["","administrator"]})"},
+      {"Post", "1",
+       R"({"FVersion":[5,6],"FPosted":[false,true],"FPosterID":[-1,1],)"
+       R"("FPoster":["","administrator"]})"},
+      {"UnPost", "1",
+       R"({"FVersion":[6,7],"FPosted":[true,false],"FPosterID":[1,-1],)"
+       R"("FPoster":["administrator",""]})"},
+      {"UnApprove", "1",
+       R"({"FVersion":[7,8],"FApproveID":[1,-1],"FApprover":["administrator",""]})"},
+      {"UnCheck", "1",
+       R"({"FVersion":[8,9],"FChecked":[true,false],"FCheckerID":[1,-1],)"
+       R"("FChecker":["administrator",""]})"},
+      {"ClearCashFlow", "1", R"({"_Entries":{"1":{"FCashFlowItem":[3,0]}}})"},
+      {"Delete", "1", R"({"FVersion":[9,10],"FDeleted":[false,true]})"},
+      {"Purge", "1",
+       R"({"old":{"FVersion":10,"FDetailCount":1,)" + start + R"(1,"FReference":"R",)" + nobody +
+           R"(,"FCashierID":1,"FCashier":"administrator","FPosterID":-1,"FDeleted":true,)"
+           R"("_Entries":[{"FAccountID":1,"FDC":1,"FAmount":"9","FCurrencyID":1,)"
+           R"("_Details":[{"FItemClassID":4,"FValue":"x"}]},)"
+           R"({"FAccountID":3,"FAmount":"7","FCurrencyID":1},)"
+           R"({"FAccountID":2,"FAmount":"2","FCurrencyID":1}]}})"},
+  };
+  const auto list = [&](const std::string& filter) {
+    return Call("QDSVGLAudit.AuditInfo", "GetList", props, "FSubject = 'Voucher' AND " + filter)
+        .As<Recordset>();
+  };
+  const auto deeds = list("FRecordID = " + std::to_string(id));
+  ASSERT_EQ(deeds->RecordCount(), static_cast<Long>(expected.size()));
+  for (std::size_t i = 0; i < expected.size(); ++i, deeds->MoveNext()) {
+    const auto& [action, origin, changes] = expected[i];
+    const Ref<Dictionary> deed = deeds->Row();
+    EXPECT_EQ(deed->Value("FRecord").As<String>(), "2024/1 Receipts 1");
+    EXPECT_EQ(deed->Value("FAction").As<String>(), action);
+    EXPECT_EQ(deed->Value("FOrigin").As<String>(), origin) << action;
+    EXPECT_EQ(deed->Value("FChanges").As<String>(), changes) << action;
+    EXPECT_EQ(deed->Value("FNumber").As<Long>(), static_cast<Long>(i + 1));
   }
-  std::string expected;
-  const std::string start = std::to_string(id) + "|2024/1 Receipts 1|";
-  expected += start + "Create|1||\n";
-  expected += start + "Update|2|FReference, line 1 FAmount, line 2 FAmount, line 3 added|\n";
-  for (const char* action : {"Check", "Approve", "Cash", "Post", "UnPost", "UnCash", "UnApprove",
-                             "UnCheck", "ClearCashFlow", "Delete", "Purge"}) {
-    expected += start + action + "|1||\n";
-  }
-  expected += std::to_string(automatic) + "|2024/1 Receipts 2|Create|2||\n";
-  EXPECT_EQ(text, expected);
-  EXPECT_EQ(Call("QDSVGLAudit.AuditInfo", "GetList", props,
-                 "FMachineName = 'HOST' AND FIPAddress = '10.0.0.1' AND FAction = 'Create'")
-                .As<Recordset>()
-                ->RecordCount(),
-            1);
-  EXPECT_EQ(Call("QDSVGLAudit.AuditInfo", "GetList", props,
-                 "FMachineName = 'DESK' AND FIPAddress = '10.0.0.2'")
-                .As<Recordset>()
-                ->RecordCount(),
-            2);
+  EXPECT_EQ(TextOf(list("FRecordID > " + std::to_string(id)), {"FRecord", "FAction", "FOrigin"}),
+            "2024/1 Receipts 2 Create 2\n");
+  EXPECT_EQ(TextOf(list("FMachineName = 'HOST' AND FIPAddress = '10.0.0.1'"), {"FAction"}),
+            "Create\n");
+  EXPECT_EQ(TextOf(list("FMachineName = 'DESK' AND FIPAddress = '10.0.0.2'"), {"FAction"}),
+            "Delete\nPurge\n");
+  EXPECT_EQ(Breaches(), "");
 }
 
 TEST_P(VoucherServer, EachRoleMayDoItsOwnAndARefusedCallChangesNothing) {
