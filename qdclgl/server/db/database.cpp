@@ -11,11 +11,6 @@ namespace qdclgl::server {
 
 namespace {
 
-std::function<void(std::string_view)>& StatementHook() {
-  static std::function<void(std::string_view)> hook;
-  return hook;
-}
-
 // `text` between quotes of a kind, doubled inside.
 std::string Quoted(std::string_view text, char quote) {
   std::string quoted(1, quote);
@@ -64,11 +59,7 @@ Database::~Database() = default;
 bool Database::IsStale() const { return driver_->IsStale(); }
 
 void Database::SetStatementHook(std::function<void(std::string_view sql)> hook) {
-  StatementHook() = std::move(hook);
-}
-
-void Database::CallStatementHook(std::string_view sql) {
-  if (StatementHook()) StatementHook()(sql);
+  Driver::SetHook(std::move(hook));
 }
 
 // ---- Statements ----
@@ -83,20 +74,25 @@ Statement& Database::Prepared(std::string_view sql, std::span<const Storage> par
   key += sql;
   auto found = statements_.find(key);
   if (found == statements_.end()) {
-    auto statement = std::make_unique<Statement>(*this, sql, parameters, results);
+    auto statement = std::make_unique<Statement>(*driver_, sql, parameters, results);
     found = statements_.emplace(std::move(key), std::move(statement)).first;
   }
   return *found->second;
 }
 
+Statement Database::MakeStatement(std::string_view sql, std::span<const Storage> parameters,
+                                  std::span<const Storage> results) {
+  return Statement(*driver_, sql, parameters, results);
+}
+
 void Database::Command(std::string_view sql) {
-  CallStatementHook(sql);
+  Driver::CallHook(sql);
   RequireSound();
-  Watched([&] { driver_->Run(sql); });
+  driver_->Watched([&] { driver_->Run(sql); });
 }
 
 std::string Database::Run(std::string_view sql) {
-  if (!is_sqlite_) return Watched([&] { return driver_->Run(sql); });
+  if (!is_sqlite_) return driver_->Watched([&] { return driver_->Run(sql); });
   // Preparing costs SQLite more than running.
   Prepared(sql, {}, {}).Run();
   return "";
@@ -119,20 +115,9 @@ void Database::MakeSchema() {
 
 // ---- Failures ----
 
-void Database::NoteFailure(const Error& error) {
-  // Who waited too long has lost nothing but the time.
-  if (error.number() == refusal::kDatabaseBusy && driver_->IsInTransaction()) return;
-  failed_ = true;
-}
+bool Database::IsSound() const { return !driver_->work().has_failed; }
 
-void Database::RequireSound() const {
-  if (!failed_) return;
-  if (InBatch()) {
-    Refuse(refusal::kBatchFailed,
-           "The database has failed in the batch; nothing of it is saved. Roll it back first.");
-  }
-  Refuse(refusal::kDatabaseFailed, "The transaction has failed; nothing of it is saved.");
-}
+void Database::RequireSound() const { driver_->RequireSound(); }
 
 bool Database::IsReadOnly() const { return driver_->IsReadOnly(); }
 
@@ -147,31 +132,33 @@ void Database::RequireWritable() const {
 }
 
 void Database::RollBack(int level) noexcept {
-  depth_ = level;
+  Driver::Work& work = driver_->work();
+  work.depth = level;
   // A query that an exception cut short still holds its rows.
   for (const auto& [key, statement] : statements_) statement->Reset();
   try {
-    if (level > 0 && !failed_) {
+    if (level > 0 && !work.has_failed) {
       const std::string name = "SAVEPOINT level" + std::to_string(level);
       Run("ROLLBACK TO " + name);
       Run("RELEASE " + name);
       return;
     }
   } catch (const std::exception&) {
-    failed_ = true;
+    work.has_failed = true;
   }
   try {
     if (!driver_->IsLost() && driver_->IsInTransaction()) Run("ROLLBACK");
   } catch (const std::exception&) {
     driver_->GiveUp();
   }
-  if (level == 0 && !InBatch()) failed_ = false;
+  if (level == 0 && !work.in_batch) work.has_failed = false;
 }
 
 // ---- Commits ----
 
 void Database::Commit() {
-  CallStatementHook("COMMIT");
+  Driver::Work& work = driver_->work();
+  Driver::CallHook("COMMIT");
   RequireSound();
   try {
     // Committing a transaction that the database has given up would look like success.
@@ -180,9 +167,9 @@ void Database::Commit() {
     }
     Run("COMMIT");
   } catch (const Error& error) {
-    NoteFailure(error);
-    if (!failed_ || !IsCommittedAfterAll()) throw;
-    failed_ = false;
+    driver_->NoteFailure(error);
+    if (!work.has_failed || !IsCommittedAfterAll()) throw;
+    work.has_failed = false;
   }
 }
 
@@ -234,6 +221,8 @@ void Database::LockSessions() {
 
 // ---- Batches ----
 
+bool Database::InBatch() const { return driver_->work().in_batch; }
+
 void Database::BeginBatch(const BatchOwner& owner, bool alone) {
   if (InBatch()) Refuse(refusal::kBadBatch, "A batch is under way in these books already.");
   RequireWritable();
@@ -242,15 +231,15 @@ void Database::BeginBatch(const BatchOwner& owner, bool alone) {
     begin +=
         "; SELECT " + Lock("pg_advisory_xact_lock", text_[connection_key::kSchema], kBatchAlone);
   }
-  CallStatementHook(begin);
+  Driver::CallHook(begin);
   try {
     Run(begin);
   } catch (const Error&) {
     RollBack(0);
     throw;
   }
-  batch_ = owner;
-  depth_ = 1;
+  batch_owner_ = owner;
+  driver_->work() = {.depth = 1, .in_batch = true};
   writes_ = true;
   transaction_id_.clear();
 }
@@ -258,24 +247,23 @@ void Database::BeginBatch(const BatchOwner& owner, bool alone) {
 void Database::CommitBatch() {
   if (!InBatch()) Refuse(refusal::kBadBatch, "No batch is under way in these books.");
   Commit();
-  batch_.reset();
-  depth_ = 0;
+  driver_->work() = {};
 }
 
 void Database::RollBackBatch() {
   if (!InBatch()) Refuse(refusal::kBadBatch, "No batch is under way in these books.");
-  batch_.reset();
+  driver_->work().in_batch = false;
   RollBack(0);
 }
 
 void Database::EndBatchOf(const BatchOwner& owner) {
-  if (InBatchOf(owner) && depth_ == 1) RollBackBatch();
+  if (InBatchOf(owner) && driver_->work().depth == 1) RollBackBatch();
 }
 
 // ---- Transaction ----
 
 Transaction::Transaction(Database& database, Kind kind, std::string_view question)
-    : database_(database), level_(database.depth_) {
+    : database_(database), level_(database.driver_->work().depth) {
   const bool writes = kind != Kind::kRead;
   database.RequireSound();
   if (writes) database.RequireWritable();
@@ -289,7 +277,7 @@ Transaction::Transaction(Database& database, Kind kind, std::string_view questio
              Lock(kind == Kind::kSave ? "pg_advisory_xact_lock_shared" : "pg_advisory_xact_lock",
                   database.text_[connection_key::kSchema], kRules);
   }
-  Database::CallStatementHook(begin);
+  Driver::CallHook(begin);
   try {
     Begin(std::move(begin), writes, question);
   } catch (const Error&) {
@@ -298,7 +286,7 @@ Transaction::Transaction(Database& database, Kind kind, std::string_view questio
     throw;
   }
   if (level_ == 0) database.writes_ = writes;
-  ++database.depth_;
+  ++database.driver_->work().depth;
 }
 
 void Transaction::Begin(std::string script, bool writes, std::string_view question) {
@@ -328,12 +316,12 @@ void Transaction::Commit() {
     database_.Commit();
   } else {
     const std::string release = "RELEASE SAVEPOINT level" + std::to_string(level_);
-    Database::CallStatementHook(release);
+    Driver::CallHook(release);
     database_.RequireSound();
     database_.Run(release);
   }
   open_ = false;
-  database_.depth_ = level_;
+  database_.driver_->work().depth = level_;
 }
 
 Transaction::~Transaction() {

@@ -85,6 +85,10 @@ class Database {
     return row ? std::optional<Column>(std::get<0>(*row)) : std::nullopt;
   }
 
+  // A statement that is not kept.
+  Statement MakeStatement(std::string_view sql, std::span<const Storage> parameters,
+                          std::span<const Storage> results);
+
   // Several statements without values, as the schema's migrations are.
   void ExecuteScript(std::string_view script);
   // Makes the schema that the connection text names, where it is missing.
@@ -104,12 +108,14 @@ class Database {
   void RollBackBatch();
   // Takes back the owner's batch, if there is one here and no transaction is at work inside it.
   void EndBatchOf(const BatchOwner& owner);
-  bool InBatch() const { return batch_.has_value(); }
-  bool InBatchOf(const BatchOwner& owner) const { return InBatch() && batch_->lock() == owner; }
-  bool IsBatchOrphaned() const { return InBatch() && batch_->expired(); }
+  bool InBatch() const;
+  bool InBatchOf(const BatchOwner& owner) const {
+    return InBatch() && batch_owner_.lock() == owner;
+  }
+  bool IsBatchOrphaned() const { return InBatch() && batch_owner_.expired(); }
   // Whether the database has not failed in the transaction under way. BatchFailed when it has failed
   // in the batch.
-  bool IsSound() const { return !failed_; }
+  bool IsSound() const;
   void RequireSound() const;
   // Whether the books can only be read here: their file, or its folder, can't be written to.
   bool IsReadOnly() const;
@@ -131,7 +137,6 @@ class Database {
   static void SetStatementHook(std::function<void(std::string_view sql)> hook);
 
  private:
-  friend class Statement;
   friend class Transaction;
 
   template <class... Columns, class... Values>
@@ -160,19 +165,6 @@ class Database {
     else return Storage_::In(statement.Text(position));
   }
 
-  static void CallStatementHook(std::string_view sql);
-
-  // Runs an operation of the driver. What fails in a transaction takes all of it.
-  template <class Operation>
-  auto Watched(Operation operation) -> decltype(operation()) {
-    try {
-      return operation();
-    } catch (const Error& error) {
-      if (depth_ > 0) NoteFailure(error);
-      throw;
-    }
-  }
-  void NoteFailure(const Error& error);
   // Runs a statement once.
   void Command(std::string_view sql);
   // The same past the hook and for the words of the transaction language: what they give.
@@ -192,10 +184,8 @@ class Database {
   std::unique_ptr<Driver> driver_;
   std::unordered_map<std::string, std::unique_ptr<Statement>> statements_;
   std::map<std::type_index, std::any> kept_;
-  std::optional<std::weak_ptr<const void>> batch_;  // its owner
+  std::weak_ptr<const void> batch_owner_;
   bool is_beside_batch_ = false;
-  int depth_ = 0;        // transactions and savepoints under way
-  bool failed_ = false;  // the transaction under way: nothing more happens in it
   bool writes_ = false;  // the transaction under way
   // PostgreSQL, of the transaction under way: by what the database can be asked for it later. Ids
   // count on as long as the server runs without a crash.

@@ -10,6 +10,11 @@ namespace qdclgl::server {
 
 namespace {
 
+std::function<void(std::string_view)>& Hook() {
+  static std::function<void(std::string_view)> hook;
+  return hook;
+}
+
 // What the database says, on one line. The statement and its values, which may hold secrets, are
 // left out.
 std::string MessageOf(const soci::soci_error& error) {
@@ -135,6 +140,27 @@ void Driver::RaiseTranslated() {
   } catch (const soci::soci_error& error) {
     Refuse(refusal::kDatabaseFailed, MessageOf(error));
   }
+}
+
+void Driver::NoteFailure(const Error& error) {
+  // Who waited too long has lost nothing but the time.
+  if (error.number() == refusal::kDatabaseBusy && IsInTransaction()) return;
+  work_.has_failed = true;
+}
+
+void Driver::RequireSound() const {
+  if (!work_.has_failed) return;
+  if (work_.in_batch) {
+    Refuse(refusal::kBatchFailed,
+           "The database has failed in the batch; nothing of it is saved. Roll it back first.");
+  }
+  Refuse(refusal::kDatabaseFailed, "The transaction has failed; nothing of it is saved.");
+}
+
+void Driver::SetHook(std::function<void(std::string_view sql)> hook) { Hook() = std::move(hook); }
+
+void Driver::CallHook(std::string_view sql) {
+  if (Hook()) Hook()(sql);
 }
 
 std::string Driver::Run(std::string_view sql) {

@@ -9,10 +9,12 @@
 #include <soci/soci.h>
 #include <soci/sqlite3/soci-sqlite3.h>
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
 
+#include "qdclgl/frame/vocabulary/errors.h"
 #include "qdclgl/server/db/books_file.h"
 #include "qdclgl/server/db/connection_text.h"
 
@@ -53,6 +55,33 @@ class Driver {
     }
   }
 
+  // What is under way on the connection.
+  struct Work {
+    int depth = 0;            // transactions and savepoints
+    bool in_batch = false;    // the outermost is a batch
+    bool has_failed = false;  // nothing more happens in it
+  };
+  Work& work() { return work_; }
+  const Work& work() const { return work_; }
+  // Runs an operation of the work under way. What fails in a transaction takes all of it.
+  template <class Operation>
+  auto Watched(Operation operation) -> decltype(operation()) {
+    try {
+      return Do(operation);
+    } catch (const Error& error) {
+      if (work_.depth > 0) NoteFailure(error);
+      throw;
+    }
+  }
+  void NoteFailure(const Error& error);
+  // BatchFailed when the database has failed in the batch under way, DatabaseFailed in another
+  // transaction.
+  void RequireSound() const;
+
+  // Called with the text of each statement before it runs; a test makes it raise.
+  static void SetHook(std::function<void(std::string_view sql)> hook);
+  static void CallHook(std::string_view sql);
+
   // Runs statements without values; the first value of the last one's rows, "" without any.
   std::string Run(std::string_view sql);
 
@@ -75,6 +104,7 @@ class Driver {
   // The session's own half, one of the two.
   soci::sqlite3_session_backend* sqlite_ = nullptr;
   soci::postgresql_session_backend* postgresql_ = nullptr;
+  Work work_;
   bool is_lost_ = false;
   int last_failure_ = 0;  // SQLite's extended code
 };

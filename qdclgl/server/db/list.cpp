@@ -30,7 +30,7 @@ Ref<Recordset> FetchList(Database& db, const ListSource& source, std::string_vie
   for (const BoundValue& value : bound) parameters.push_back(StorageOfValue(value));
 
   // Not kept: there is no end of filters.
-  Statement statement(db, sql, parameters, StoragesOf(source.columns));
+  Statement statement = db.MakeStatement(sql, parameters, StoragesOf(source.columns));
   for (std::size_t i = 0; i < bound.size(); ++i) {
     std::visit([&](const auto& value) { statement.Set(i, value); }, bound[i]);
   }

@@ -3,7 +3,6 @@
 #include <vector>
 
 #include "qdclgl/frame/vocabulary/text.h"
-#include "qdclgl/server/db/database.h"
 #include "qdclgl/server/db/driver.h"
 #include "qdclgl/server/db/refusals.h"
 
@@ -67,33 +66,31 @@ std::vector<Slot> Slots(std::span<const Storage> types) {
 }  // namespace
 
 struct Statement::State {
-  Database& database;
+  Driver& driver;
   std::string sql;
   soci::statement statement;
   std::vector<Slot> parameters;
   std::vector<Slot> results;
   bool open = false;
 
-  Driver& driver() { return *database.driver_; }
-
   // A statement that fails is at its end.
   template <class Operation>
   auto Do(Operation operation) -> decltype(operation()) {
     try {
-      return database.Watched([&] { return driver().Do(operation); });
+      return driver.Watched(operation);
     } catch (const Error&) {
       open = false;
-      driver().Reset(statement);
+      driver.Reset(statement);
       throw;
     }
   }
 };
 
-Statement::Statement(Database& database, std::string_view sql, std::span<const Storage> parameters,
+Statement::Statement(Driver& driver, std::string_view sql, std::span<const Storage> parameters,
                      std::span<const Storage> results)
-    : state_(new State{database, std::string(sql), soci::statement(database.driver_->session()),
+    : state_(new State{driver, std::string(sql), soci::statement(driver.session()),
                        Slots(parameters), Slots(results)}) {
-  state_->driver().Do([&] {
+  driver.Do([&] {
     soci::statement& statement = state_->statement;
     statement.alloc();
     for (Slot& slot : state_->results) slot.BindTo(statement, true);
@@ -129,8 +126,8 @@ void Statement::SetNull(std::size_t position) {
 }
 
 std::int64_t Statement::Execute() {
-  Database::CallStatementHook(state_->sql);
-  state_->database.RequireSound();
+  Driver::CallHook(state_->sql);
+  state_->driver.RequireSound();
   return Run();
 }
 
@@ -142,8 +139,8 @@ std::int64_t Statement::Run() {
 }
 
 void Statement::Open() {
-  Database::CallStatementHook(state_->sql);
-  state_->database.RequireSound();
+  Driver::CallHook(state_->sql);
+  state_->driver.RequireSound();
   Reset();
   state_->Do([&] { state_->statement.execute(false); });
   state_->open = true;
@@ -152,12 +149,12 @@ void Statement::Open() {
 bool Statement::Fetch() {
   if (!state_->open) return false;
   state_->open = state_->Do([&] { return state_->statement.fetch(); });
-  state_->driver().RequireFileAsBefore();
+  state_->driver.RequireFileAsBefore();
   return state_->open;
 }
 
 void Statement::Reset() {
-  if (state_->open) state_->driver().Reset(state_->statement);
+  if (state_->open) state_->driver.Reset(state_->statement);
   state_->open = false;
 }
 

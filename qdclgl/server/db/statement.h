@@ -58,13 +58,13 @@ struct StorageOf<const char*> : StorageOf<std::string> {
 
 }  // namespace detail
 
-class Database;
+class Driver;
 
 // A prepared statement. Its parameters are set in order, then it is executed; rows are fetched to
 // the end (or the statement is reset), which frees what the database holds for it.
 class Statement {
  public:
-  Statement(Database& database, std::string_view sql, std::span<const Storage> parameters,
+  Statement(Driver& driver, std::string_view sql, std::span<const Storage> parameters,
             std::span<const Storage> results);
   ~Statement();
 

@@ -1,5 +1,6 @@
 // Wrong passwords make the next attempt wait, whoever tries from wherever; comings and goings stand
 // on the audit trail.
+#include "qdclgl/server/db/connections.h"
 #include "qdclgl/server/access/login_attempt.h"
 
 #include <thread>

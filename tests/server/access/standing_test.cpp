@@ -147,7 +147,7 @@ TEST_P(StandingTest, ABatchEndsWithTheSessionThatBeganIt) {
   const auto batch = [&](const char* method) {
     return RefusalOf([&] { Call("QDSVGLBatch.BatchUpdate", method, props); });
   };
-  const auto is_free = [&] { return !Books().IsInBatch(); };
+  const auto is_free = [&] { return !Books().InBatch(); };
   const std::string before = State();
   std::int64_t now = 1'700'000'000;
   SetClock([&] { return now; });

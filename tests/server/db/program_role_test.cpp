@@ -1,5 +1,6 @@
 // The PostgreSQL role that programs log in with: it works on the books, and can't get past the
 // trail or change a table.
+#include "qdclgl/server/db/connections.h"
 #include "qdclgl/server/db/program_role.h"
 
 #include <unistd.h>

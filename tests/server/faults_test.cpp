@@ -1,6 +1,4 @@
 // The database fails at every place of every operation.
-#include "tests/server/faults/fault_sweep.h"
-
 #include <filesystem>
 #include <memory>
 
@@ -8,6 +6,7 @@
 #include "qdclgl/server/db/new_books.h"
 #include "qdclgl/server/db/schema.h"
 #include "tests/server/faults/cutting_proxy.h"
+#include "tests/server/faults/fault_sweep.h"
 #include "tests/server/ledger_fixture.h"
 
 namespace qdclgl::server::testing {
@@ -126,6 +125,22 @@ TEST_P(Faults, BatchesAreWholeOrRefused) {
       Save(Sale(5));
       Step("Post", 4);
       Save(Sale(6));
+      Call("QDSVGLBatch.BatchUpdate", "Commit", props);
+    } catch (const Error&) {
+      Call("QDSVGLBatch.BatchUpdate", "RollBack", props);
+      throw;
+    }
+  });
+}
+
+TEST_P(Faults, BatchesThatDoNotFitIntoMemoryAreWholeOrRefused) {
+  if (proxy_) return;  // where a server keeps what is saved, the client's memory does not count
+  Sweep("Large batch", [&] {
+    Call("QDSVGLBatch.BatchUpdate", "Begin", props);
+    try {
+      // So statements write too, and fail, and not the commit alone.
+      Books().QueryValue<Long>("PRAGMA cache_size = 1");
+      for (int i = 0; i < 3; ++i) Save(Sale(5));
       Call("QDSVGLBatch.BatchUpdate", "Commit", props);
     } catch (const Error&) {
       Call("QDSVGLBatch.BatchUpdate", "RollBack", props);
