@@ -99,6 +99,7 @@ void SettleAccounts(const VoucherFacts& facts, VoucherTree& tree) {
 
 struct KnownCurrency {
   Long id;
+  std::string number;
   bool is_deleted;
   Exchange exchange;
 };
@@ -106,14 +107,16 @@ struct KnownCurrency {
 // The currency with that id or, where it is 0, that number.
 std::optional<KnownCurrency> CurrencyOf(Database& db, Long id, const std::string& number) {
   const std::string query =
-      "SELECT c.FCurrencyID, c.FDeleted, c.FOperator, base.FScale FROM t_Currency c"
+      "SELECT c.FCurrencyID, c.FNumber, c.FDeleted, c.FOperator, base.FScale FROM t_Currency c"
       " JOIN t_Currency base ON base.FCurrencyID = 1 WHERE ";
-  const auto row =
-      id != 0 ? db.QueryRow<Long, bool, std::string, Long>(query + "c.FCurrencyID = ?", id)
-              : db.QueryRow<Long, bool, std::string, Long>(query + "c.FNumber = ?", number);
+  const auto row = id != 0 ? db.QueryRow<Long, std::string, bool, std::string, Long>(
+                                 query + "c.FCurrencyID = ?", id)
+                           : db.QueryRow<Long, std::string, bool, std::string, Long>(
+                                 query + "c.FNumber = ?", number);
   if (!row) return std::nullopt;
-  const auto& [known_id, is_deleted, sign, scale] = *row;
-  return KnownCurrency{known_id, is_deleted, {.divides = sign == "/", .scale = scale}};
+  const auto& [known_id, known_number, is_deleted, sign, scale] = *row;
+  return KnownCurrency{
+      known_id, known_number, is_deleted, {.divides = sign == "/", .scale = scale}};
 }
 
 // The currency of a line that names one.
@@ -121,9 +124,11 @@ KnownCurrency RequireCurrency(Database& db, const VoucherTree& tree, std::size_t
                               std::vector<KnownCurrency>& known) {
   const VoucherLine& line = tree.lines[i];
   const Long id = line.cells.Get<"FCurrencyID">();
-  const auto found = std::ranges::find(known, id, &KnownCurrency::id);
-  if (found != known.end()) return *found;
   const auto number = line.names[PlaceOf(kLineNames, "FCurrencyNumber")].Held<String>();
+  const auto found = std::ranges::find_if(known, [&](const KnownCurrency& currency) {
+    return id != 0 ? currency.id == id : currency.number == number;
+  });
+  if (found != known.end()) return *found;
   const std::optional<KnownCurrency> currency = CurrencyOf(db, id, number);
   if (!currency || currency->is_deleted) {
     Refuse(refusal::kBadCurrency, LineSentence(tree, i) + "there is no currency " +
@@ -133,7 +138,7 @@ KnownCurrency RequireCurrency(Database& db, const VoucherTree& tree, std::size_t
 }
 
 void SettleCurrencies(Database& db, VoucherTree& tree) {
-  std::vector<KnownCurrency> known = {{kBaseCurrency, false, {}}};
+  std::vector<KnownCurrency> known = {{kBaseCurrency, "", false, {}}};
   for (std::size_t i = 0; i < tree.lines.size(); ++i) {
     LineCells& cells = tree.lines[i].cells;
     if (cells.Get<"FCurrencyID">() == 0 &&

@@ -205,11 +205,11 @@ Content ContentOf(const Operation& operation, const Model& model) {
       line.amount = line.amount_for;
     }
     const bool is_small = line.amount > -(INT64_MAX / 16) && line.amount < INT64_MAX / 16;
-    is_sum = is_sum && (is_small || content.lines.size() == 1);
+    is_sum = is_sum && (is_small || (content.lines.size() == 1 && line.amount != INT64_MIN));
     if (is_sum) debit += line.side == 1 ? line.amount : 0 - line.amount;
   }
   // What is too large to be summed here stays out of balance.
-  if (is_sum && debit != INT64_MIN) {
+  if (is_sum) {
     content.lines.push_back({.account = "3000", .currency = "EUR", .side = 0, .amount = debit});
   }
   return content;
