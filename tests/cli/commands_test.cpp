@@ -256,9 +256,8 @@ TEST_P(Commands, TheAuditTrailTellsChangesInShortOrWhole) {
             std::string::npos)
       << in_short;
   EXPECT_EQ(in_short.find('{'), std::string::npos) << in_short;
-  const std::string changes =
-      R"({"FVersion":[1,2],"FChecked":[false,true],"FCheckerID":[-1,1],)"
-      R"("FChecker":["","administrator"]})";
+  const std::string changes = R"({"FVersion":[1,2],"FChecked":[false,true],"FCheckerID":[-1,1],)"
+                              R"("FChecker":["","administrator"]})";
   EXPECT_NE(Run({"audit", "--voucher", "2", "--whole"}).out.find(changes), std::string::npos);
   const auto deeds = nlohmann::json::parse(Run({"audit", "--voucher", "2", "--json"}).out);
   EXPECT_EQ(deeds[1]["FChanges"], changes);
