@@ -55,6 +55,13 @@ void Arguments() {
   Check(Text(Invoke(list.get(), append, kRead, {first})), "80020005 at 0");
   Check(Text(Get(list, L"Count")), "I4 0");
 
+  TestCase("a call for no use that there is is refused as unknown");
+  Value item(1);
+  constexpr WORD kNone[] = {0, 16, 0xFFF0};
+  for (const WORD flags : kNone) {
+    Check(Text(Invoke(list.get(), append, flags, {*item})), "80020003");
+  }
+
   TestCase("of all types there are, those that a language has are taken and no other");
   std::string taken;
   std::set<std::string> refusals;
