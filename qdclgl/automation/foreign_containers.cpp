@@ -19,12 +19,12 @@ void Fill(Dictionary& copy, Object& foreign) {
 void Fill(Vector& copy, Object& foreign) {
   const CopyLevel level;
   // An empty list ends before it begins.
-  constexpr Long kLeast = std::numeric_limits<Long>::min() + 1;
-  constexpr Long kMost = std::numeric_limits<Long>::max();
+  constexpr std::int64_t kLeast = std::numeric_limits<Long>::min() + 1;
+  constexpr std::int64_t kMost = std::numeric_limits<Long>::max();
   const Long first = NumberOf(foreign, "LowerBound", kLeast, kMost);
   const Long before = first - 1;
-  const Long last =
-      NumberOf(foreign, "UpperBound", before, before + std::min(kMostElements, kMost - before));
+  const Long last = NumberOf(foreign, "UpperBound", before,
+                             std::min(kMost, std::int64_t{before} + kMostElements));
   copy.LowerBound(first);
   for (Long count = last - before, i = 0; i < count; ++i) {
     CopyLevel::CountElement();

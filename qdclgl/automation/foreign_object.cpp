@@ -7,6 +7,10 @@ namespace qdclgl::automation {
 
 namespace {
 
+// The stack that another program takes is not ours to know: a hundred of its calls in each other
+// must do with that of a thread, 1 MB.
+constexpr int kLevelsOfACall = kDeepestNesting / 100;
+
 // One argument of an outgoing call: by value, or by reference to a variable that lives here.
 class Outgoing {
  public:
@@ -50,7 +54,7 @@ bool ForeignObject::Offers(std::initializer_list<const wchar_t*> names) const {
 }
 
 Variant ForeignObject::Invoke(std::string_view name, CallKind kind, std::span<Argument> arguments) {
-  const CallingOut out(this);
+  const CallingOut out(this, kLevelsOfACall);
   std::vector<std::wstring> names = {ToWide(name)};
   for (const Argument& argument : arguments) {
     if (!argument.name().empty()) names.push_back(ToWide(argument.name()));
@@ -59,7 +63,7 @@ Variant ForeignObject::Invoke(std::string_view name, CallKind kind, std::span<Ar
 }
 
 Variant ForeignObject::DefaultValue() {
-  const CallingOut out(this);
+  const CallingOut out(this, kLevelsOfACall);
   if (!dispatch_) RaiseError(error_number::kMemberNotFound);
   return InvokeId({DISPID_VALUE}, CallKind::kGet, {});
 }
@@ -134,7 +138,7 @@ void detail::RaiseUnfit(std::int32_t number, std::string_view member, const std:
   throw Error(number, "QDCLGL", std::string(member) + " of a foreign object is " + what + ".");
 }
 
-Long NumberOf(Object& foreign, std::string_view member, Long least, Long most) {
+Long NumberOf(Object& foreign, std::string_view member, std::int64_t least, std::int64_t most) {
   const auto number = AnswerAs<Long>(foreign, member);
   if (number < least || number > most) {
     detail::RaiseUnfit(error_number::kOverflow, member,

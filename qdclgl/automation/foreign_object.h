@@ -75,7 +75,7 @@ auto AnswerAs(Object& foreign, std::string_view member, Args&&... args) {
 
 // A number of things that a foreign object tells. Errors: 13 for an answer that is no number, 6 for
 // one outside the bounds.
-Long NumberOf(Object& foreign, std::string_view member, Long least, Long most);
+Long NumberOf(Object& foreign, std::string_view member, std::int64_t least, std::int64_t most);
 inline Long CountOf(Object& foreign, std::string_view member = "Count") {
   return NumberOf(foreign, member, 0, kMostElements);
 }

@@ -9,10 +9,10 @@ using namespace qdclgl::automation::testing;
 
 namespace {
 
-// The server as the registry names it, loaded by hand.
+// The server as the registry names it, or a copy of it, loaded by hand.
 class Server {
  public:
-  Server() : module_(LoadLibraryW(Path().c_str())) {}
+  explicit Server(const std::wstring& path = Path()) : module_(LoadLibraryW(path.c_str())) {}
   ~Server() {
     if (module_ != nullptr) FreeLibrary(module_);
   }
@@ -113,6 +113,37 @@ void Counts() {
   Check(CodeText(server.CanUnload()), "00000000");
 }
 
+void TwoCopies() {
+  TestCase("a copy of the server in one process is a server of others");
+  const std::wstring path = Server::Path() + L".copy.dll";
+  CopyFileW(Server::Path().c_str(), path.c_str(), FALSE);
+  {
+    const Server one, other(path);
+    Check(one.loaded() && other.loaded(), "both were loaded");
+    const auto row = Make(one.Factory("QDL.Dictionary"));
+    const auto hold = [&](const wchar_t* key, const char* class_name) {
+      const auto held = Make(other.Factory(class_name));
+      if (std::string_view(class_name) == "QDL.Vector") Get(held, L"Append", {7});
+      Put(row, L"Value", {key, held}, DISPATCH_PROPERTYPUTREF);
+      Check(CodeText(other.CanUnload()), "00000001");
+      Check(Get(row, L"Value", {key}).object().get() == held.get(), "it comes back as itself");
+    };
+    hold(L"list", "QDL.Vector");
+    hold(L"rows", "QDL.Recordset");
+    hold(L"voucher", "QDCLGL.Voucher");
+    // Only the other copy's Dictionary holds them by now.
+    Check(CodeText(other.CanUnload()), "00000001");
+    Check(Text(Get(Get(row, L"Value", {L"list"}).object(), L"Item", {1})), "I4 7");
+    for (const wchar_t* key : {L"list", L"rows", L"voucher"}) {
+      Check(CodeText(other.CanUnload()), "00000001");
+      Get(row, L"Remove", {key});
+    }
+    Check(CodeText(other.CanUnload()), "00000000");
+    Check(CodeText(one.CanUnload()), "00000001");
+  }
+  DeleteFileW(path.c_str());
+}
+
 void Unloading() {
   TestCase("the server unloads and loads again, with threads that end before and behind it");
   std::size_t before = 0;
@@ -204,6 +235,7 @@ int main() {
   CoInitialize(nullptr);
   Measure();
   Counts();
+  TwoCopies();
   Unloading();
   Creations();
   const int failed = Finish();

@@ -21,12 +21,12 @@ thread_local std::vector<const Object*>* waiting = nullptr;
 
 }  // namespace
 
-NestingLevel::NestingLevel() {
-  if (nesting == kDeepestNesting) RaiseError(error_number::kOutOfStackSpace);
-  ++nesting;
+NestingLevel::NestingLevel(int levels) : levels_(levels) {
+  if (nesting > kDeepestNesting - levels) RaiseError(error_number::kOutOfStackSpace);
+  nesting += levels;
 }
 
-NestingLevel::~NestingLevel() { --nesting; }
+NestingLevel::~NestingLevel() { nesting -= levels_; }
 
 CopyLevel::CopyLevel() {
   if (copying == 0) copies = 0;

@@ -25,10 +25,14 @@ inline constexpr Long kMostElements = 1'000'000;
 // crash.
 class NestingLevel {
  public:
-  NestingLevel();
+  // `levels` for a level that takes as much stack as several.
+  explicit NestingLevel(int levels = 1);
   ~NestingLevel();
   NestingLevel(const NestingLevel&) = delete;
   NestingLevel& operator=(const NestingLevel&) = delete;
+
+ private:
+  int levels_;
 };
 
 // A level of a copy, with one container or object more that it makes. Raises error 28 as above, and
@@ -52,7 +56,8 @@ class CopyLevel {
 // another thread than the object's kWrongThread.
 class CallingOut {
  public:
-  explicit CallingOut(const Object* self) : self_((self->CheckThread(), self)) {}
+  explicit CallingOut(const Object* self, int levels = 1)
+      : level_(levels), self_((self->CheckThread(), self)) {}
 
  private:
   NestingLevel level_;
