@@ -67,7 +67,8 @@ void BeginWatch() {
 }
 
 void Say(const char* text) {
-  [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, text, std::char_traits<char>::length(text));
+  [[maybe_unused]] const ssize_t written =
+      write(STDERR_FILENO, text, std::char_traits<char>::length(text));
 }
 
 void LookAtWatch(int) {
@@ -164,8 +165,8 @@ struct Outcome {
 };
 
 Outcome PlayApart(const Fuzz& fuzz, const Run& run, bool telling = false) {
-  const auto path = std::filesystem::temp_directory_path() /
-                    ("qdclgl-fuzz-" + std::to_string(getpid()) + ".txt");
+  const auto path =
+      std::filesystem::temp_directory_path() / ("qdclgl-fuzz-" + std::to_string(getpid()) + ".txt");
   std::fflush(nullptr);
   const pid_t child = fork();
   if (child == 0) {
@@ -243,11 +244,10 @@ int FuzzMain(int argc, char** argv, const Fuzz& fuzz) {
   std::vector<int> all(static_cast<std::size_t>(fuzz.steps_in_a_run));
   std::iota(all.begin(), all.end(), 0);
   if (options.run >= 0) {
-    const Outcome outcome =
-        PlayApart(fuzz,
-                  {options.seed, static_cast<std::uint64_t>(options.run),
-                   options.steps.empty() ? all : options.steps},
-                  true);
+    const Outcome outcome = PlayApart(fuzz,
+                                      {options.seed, static_cast<std::uint64_t>(options.run),
+                                       options.steps.empty() ? all : options.steps},
+                                      true);
     std::fputs(outcome.output.c_str(), stdout);
     return outcome.whole ? 0 : 1;
   }

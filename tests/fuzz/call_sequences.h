@@ -1,6 +1,6 @@
 // A fuzz of call sequences: runs of many calls over objects that stay alive from call to call, each
-// run in a process of its own. A run that crashes, leaks, raises what it may not, or has a call that
-// takes too long or too much memory, is a finding: its sequence is shortened and printed.
+// run in a process of its own. A run that crashes, leaks, raises what it may not, or has a call
+// that takes too long or too much memory, is a finding: its sequence is shortened and printed.
 #pragma once
 
 #include <functional>

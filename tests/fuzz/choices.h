@@ -10,7 +10,9 @@ class Choices {
  public:
   explicit Choices(std::uint64_t seed) : state_(seed) {}
   // The choices of one part of a whole; they don't depend on what other parts choose.
-  Choices(std::uint64_t seed, std::uint64_t part) : Choices(seed) { state_ ^= Choices(part).Next(); }
+  Choices(std::uint64_t seed, std::uint64_t part) : Choices(seed) {
+    state_ ^= Choices(part).Next();
+  }
 
   std::uint64_t Next() {
     state_ += 0x9e3779b97f4a7c15;

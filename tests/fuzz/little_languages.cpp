@@ -6,30 +6,54 @@ namespace {
 constexpr int kDeepest = 6;
 
 std::string AnyLiteral(Choices& choices) {
-  constexpr std::string_view kLiterals[] = {
-      "0", "1", "-1", "2.5", "2024", "1e300", "99999999999999999999", "2147483648", "'x'", "''",
-      "'it''s'", "'1000'", "'%'", "'a\\'", "'_\\%'", "'\xc3\xa4'", "'\xff'", "#2024-01-31#",
-      "'2024-01-31'", "#2024-02-30#", "##", "TRUE", "false", "NULL", "-", "'", "'2024-01-31 13:05'"};
+  constexpr std::string_view kLiterals[] = {"0",
+                                            "1",
+                                            "-1",
+                                            "2.5",
+                                            "2024",
+                                            "1e300",
+                                            "99999999999999999999",
+                                            "2147483648",
+                                            "'x'",
+                                            "''",
+                                            "'it''s'",
+                                            "'1000'",
+                                            "'%'",
+                                            "'a\\'",
+                                            "'_\\%'",
+                                            "'\xc3\xa4'",
+                                            "'\xff'",
+                                            "#2024-01-31#",
+                                            "'2024-01-31'",
+                                            "#2024-02-30#",
+                                            "##",
+                                            "TRUE",
+                                            "false",
+                                            "NULL",
+                                            "-",
+                                            "'",
+                                            "'2024-01-31 13:05'"};
   return std::string(choices.Of(kLiterals));
 }
 
 std::string AnyCondition(Choices& choices, std::span<const std::string_view> columns, int depth) {
-  constexpr std::string_view kOperators[] = {"=",  "<>", "<",    ">",        "<=",
-                                             ">=", "==", "LIKE", "NOT LIKE", " "};
+  constexpr std::string_view kOperators[] = {
+      "=", "<>", "<", ">", "<=", ">=", "==", "LIKE", "NOT LIKE", " "};
   const std::string column(choices.Of(columns));
   const auto part = [&] { return AnyCondition(choices, columns, depth + 1); };
   switch (depth < kDeepest ? choices.Below(10) : choices.Below(4)) {
-    case 0: return column + (choices.OneIn(2) ? " IN (" : " NOT IN (") + AnyLiteral(choices) +
-                   (choices.OneIn(2) ? ", " + AnyLiteral(choices) : "") + ")";
-    case 1: return column + " " + std::string(choices.Of(kOperators)) + " " +
-                   std::string(choices.Of(columns));
+    case 0:
+      return column + (choices.OneIn(2) ? " IN (" : " NOT IN (") + AnyLiteral(choices) +
+             (choices.OneIn(2) ? ", " + AnyLiteral(choices) : "") + ")";
+    case 1:
+      return column + " " + std::string(choices.Of(kOperators)) + " " +
+             std::string(choices.Of(columns));
     case 2: return column;
     case 4: return "(" + part() + ")";
     case 5: return "NOT " + part();
     case 6: return part() + " AND " + part();
     case 7: return part() + (choices.OneIn(2) ? " OR " : " or ") + part();
-    default:
-      return column + " " + std::string(choices.Of(kOperators)) + " " + AnyLiteral(choices);
+    default: return column + " " + std::string(choices.Of(kOperators)) + " " + AnyLiteral(choices);
   }
 }
 

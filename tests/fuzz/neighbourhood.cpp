@@ -50,7 +50,8 @@ std::string KindText(CallKind kind) {
 // ---- Variables ----
 
 Variables::Variable& Variables::Any(Choices& choices, const Variant& value) {
-  if (!variables_.empty() && choices.OneIn(6)) return choices.OneIn(2) ? variables_.front() : variables_.back();
+  if (!variables_.empty() && choices.OneIn(6))
+    return choices.OneIn(2) ? variables_.front() : variables_.back();
   switch (choices.Below(17)) {
     case 0: return variables_.emplace_back(Boolean{});
     case 1: return variables_.emplace_back(Byte{7});
@@ -189,8 +190,7 @@ Ref<Recordset> Neighbourhood::AnyRecordset(Choices& choices) {
   const std::size_t columns = choices.Below(8);
   try {
     for (std::size_t i = 0; i < columns; ++i) {
-      list->AppendField(choices.OneIn(8) ? AnyText(choices)
-                                         : std::string(choices.Of(RowKeys())));
+      list->AppendField(choices.OneIn(8) ? AnyText(choices) : std::string(choices.Of(RowKeys())));
     }
     if (choices.OneIn(10)) return list;
     list->Open();
@@ -287,9 +287,8 @@ void Neighbourhood::Call(Choices& choices, const Tell& tell) {
     slots_[choices.Below(kSlots)] = choices.OneIn(8) ? Ref<Object>() : NewObject(choices);
     return;
   }
-  const std::string place =
-      std::string(static_cast<std::size_t>(2 * nesting_), ' ') + Place(object.get()) + ":" +
-      std::string(object->ClassName()) + ".";
+  const std::string place = std::string(static_cast<std::size_t>(2 * nesting_), ' ') +
+                            Place(object.get()) + ":" + std::string(object->ClassName()) + ".";
   if (object->Members() == nullptr) {
     if (object->ClassName() != Enumerator::kClassName) return;
     tell(place + "Next, twenty times");

@@ -13,14 +13,14 @@ using server::testing::RecordBooks;
 
 namespace {
 
-constexpr std::string_view kAccounts[] = {"1000",    "2000", "3000", "4000", "4000.01",
+constexpr std::string_view kAccounts[] = {"1000",    "2000", "3000", "4000",      "4000.01",
                                           "4000.02", "5000", "",     "4000.01.01"};
 constexpr std::string_view kUsers[] = {"administrator", "ann", "bob", "nobody"};
 constexpr std::string_view kColumns[] = {
-    "FName",    "FNumber",      "FAccountID", "FDate",   "FYear",     "FPeriod",  "FGroupID",
-    "FPosted",  "FDebitTotal",  "FVoucherID", "FPreparer", "FCurrencyID", "FVersion", "FOrigin",
-    "FSubject", "FExchangeRate", "FRoles",    "FDeleted", "FLevel",   "fname",    "t_Account.FName",
-    "FNobody"};
+    "FName",    "FNumber", "FAccountID",      "FDate",         "FYear",     "FPeriod",
+    "FGroupID", "FPosted", "FDebitTotal",     "FVoucherID",    "FPreparer", "FCurrencyID",
+    "FVersion", "FOrigin", "FSubject",        "FExchangeRate", "FRoles",    "FDeleted",
+    "FLevel",   "fname",   "t_Account.FName", "FNobody"};
 
 bool IsPlain(std::string_view text) { return !text.starts_with('/'); }
 
@@ -36,11 +36,10 @@ Office::Office(server::testing::DatabaseKind kind) : books_(std::in_place, kind)
   for (const std::string_view number : {"1000", "2000", "3000", "4000", "4000.01", "4000.02"}) {
     books.AddAccount(number);
   }
-  RecordBooks::Call("QDSVGLCurrency.CurrencyUpdate", "Create", books.props,
-                    testing::Row({{"FNumber", "USD"},
-                                           {"FName", "Dollar"},
-                                           {"FExchangeRate", 1.1},
-                                           {"FOperator", "*"}}));
+  RecordBooks::Call(
+      "QDSVGLCurrency.CurrencyUpdate", "Create", books.props,
+      testing::Row(
+          {{"FNumber", "USD"}, {"FName", "Dollar"}, {"FExchangeRate", 1.1}, {"FOperator", "*"}}));
   books.AddUser("ann", "preparer, checker, poster");
   books.AddUser("bob", "reader");
   for (const char* user : {"bob", "ann", "administrator"}) {
@@ -83,17 +82,16 @@ std::string Office::AnyConnection(Choices& choices) const {
 
 // A voucher that balances, most of the time.
 Ref<Dictionary> Office::AnyVoucher(Choices& choices) {
-  auto voucher = testing::Row(
-      {{"FDate", DateTime::FromYmd(2024, 1 + static_cast<int>(choices.Below(3)), 15)},
-       {"FGroupID", Long{1} + static_cast<Long>(choices.Below(2))}});
+  auto voucher =
+      testing::Row({{"FDate", DateTime::FromYmd(2024, 1 + static_cast<int>(choices.Below(3)), 15)},
+                    {"FGroupID", Long{1} + static_cast<Long>(choices.Below(2))}});
   auto lines = Make<Vector>();
   const Currency amount = choices.OneIn(12) ? Currency::FromUnits(INT64_MAX / 2)
                                             : Currency(static_cast<Long>(choices.Below(1000)));
   for (std::size_t pairs = 1 + choices.Below(2); pairs > 0; --pairs) {
     for (const Long side : {1, 0}) {
-      auto line = testing::Row({{"FAccountNumber", choices.Of(kAccounts)},
-                                         {"FDC", side},
-                                         {"FAmount", amount}});
+      auto line = testing::Row(
+          {{"FAccountNumber", choices.Of(kAccounts)}, {"FDC", side}, {"FAmount", amount}});
       if (choices.OneIn(5)) line->Put(choices.Of(RowKeys()), AnyPlainValue(choices));
       if (choices.OneIn(5)) line->Put("FAccountID", Variant(static_cast<Long>(choices.Below(8))));
       lines->Append(Variant(line));
@@ -110,10 +108,10 @@ Ref<Dictionary> Office::AnyRow(Choices& choices, std::string_view prog_id) {
   } else if (prog_id.starts_with("QDSVGLVoucher.")) {
     row = AnyVoucher(choices);
   } else {
-    row->Put("FNumber", Variant(choices.OneIn(3) ? AnyText(choices)
-                                                 : std::string(choices.Of(kAccounts))));
-    row->Put("FName", Variant(choices.OneIn(3) ? AnyText(choices)
-                                               : std::string(choices.Of(kUsers))));
+    row->Put("FNumber",
+             Variant(choices.OneIn(3) ? AnyText(choices) : std::string(choices.Of(kAccounts))));
+    row->Put("FName",
+             Variant(choices.OneIn(3) ? AnyText(choices) : std::string(choices.Of(kUsers))));
     if (choices.OneIn(3)) row->Put("FRoles", Variant("reader"));
     if (choices.OneIn(2)) row->Put("FExchangeRate", Variant(AnyDouble(choices)));
     if (choices.OneIn(2)) row->Put("FOperator", Variant("*"));
@@ -198,15 +196,13 @@ void Office::Step(Choices& choices, const Tell& tell) {
                            "(" + testing::StateText(arguments) + ")";
   tell(call);
   try {
-    const Variant result =
-        component.make()->Invoke(member.row.name, CallKind::kMethod, arguments);
+    const Variant result = component.make()->Invoke(member.row.name, CallKind::kMethod, arguments);
     Keep(result);
     if (component.prog_id == "QDSVGLBatch.BatchUpdate") in_batch_ = member.row.name == "Begin";
     state_ = books_->State();
   } catch (const Error& error) {
-    const std::string behind = std::string(component.prog_id) + "." +
-                               std::string(member.row.name) + "(" +
-                               testing::StateText(arguments) + ")";
+    const std::string behind = std::string(component.prog_id) + "." + std::string(member.row.name) +
+                               "(" + testing::StateText(arguments) + ")";
     if (error.number() == server::refusal::kDatabaseFailed) {
       throw Breach{"the database reports a failure" + WordsOf(error)};
     }

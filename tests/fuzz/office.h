@@ -34,10 +34,9 @@ class Office final : public Playground {
   };
 
   const server::ServerComponent& AnyComponent(Choices& choices) const;
-  Argument AnyArgument(Choices& choices, std::string_view prog_id,
-                       const MemberParameter& parameter, Held& held);
-  Variant AnyValueFor(Choices& choices, std::string_view prog_id,
-                      const MemberParameter& parameter);
+  Argument AnyArgument(Choices& choices, std::string_view prog_id, const MemberParameter& parameter,
+                       Held& held);
+  Variant AnyValueFor(Choices& choices, std::string_view prog_id, const MemberParameter& parameter);
   Ref<Dictionary> AnyRow(Choices& choices, std::string_view prog_id);
   Ref<Dictionary> AnyVoucher(Choices& choices);
   std::string AnyConnection(Choices& choices) const;

@@ -31,9 +31,10 @@ int main(int argc, char** argv) {
   setenv("TMPDIR", inside.c_str(), 1);
   // The books that all runs copy are made before the first of them.
   if (kind == DatabaseKind::kSQLite) const qdclgl::server::testing::TestBooks model(kind);
-  const int status = FuzzMain(
-      argc, argv, {kind == DatabaseKind::kSQLite ? "server-sqlite" : "server-postgresql", 150,
-                   [kind](Choices&) { return std::make_unique<Office>(kind); }});
+  const int status =
+      FuzzMain(argc, argv,
+               {kind == DatabaseKind::kSQLite ? "server-sqlite" : "server-postgresql", 150,
+                [kind](Choices&) { return std::make_unique<Office>(kind); }});
   std::filesystem::current_path("/");
   std::filesystem::remove_all(folder);
   return status;

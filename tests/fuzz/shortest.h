@@ -10,8 +10,8 @@
 
 namespace qdclgl::fuzz {
 
-// A part of `steps`, in their order, that still fails, and that no step can be taken out of. `fails`
-// is asked at most `trials` times; what is known by then is the answer.
+// A part of `steps`, in their order, that still fails, and that no step can be taken out of.
+// `fails` is asked at most `trials` times; what is known by then is the answer.
 inline std::vector<int> Shortest(std::vector<int> steps,
                                  const std::function<bool(const std::vector<int>&)>& fails,
                                  int trials = 1000) {

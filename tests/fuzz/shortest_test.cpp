@@ -16,11 +16,10 @@ std::vector<int> Numbers(int count) {
 bool Has(const std::vector<int>& steps, int step) { return std::ranges::count(steps, step) > 0; }
 
 TEST(Shortest, IsWhatTheFailureNeedsInItsOrder) {
-  EXPECT_EQ(Shortest(Numbers(100),
-                     [](const auto& steps) {
-                       return Has(steps, 3) && Has(steps, 50) && Has(steps, 99);
-                     }),
-            (std::vector<int>{3, 50, 99}));
+  EXPECT_EQ(
+      Shortest(Numbers(100),
+               [](const auto& steps) { return Has(steps, 3) && Has(steps, 50) && Has(steps, 99); }),
+      (std::vector<int>{3, 50, 99}));
 }
 
 TEST(Shortest, LosesStepsThatOnlyGoTogether) {

@@ -1,5 +1,6 @@
 #include "qdclgl/server/vouchers/extras.h"
 
+#include <cmath>
 #include <nlohmann/json.hpp>
 
 #include "qdclgl/frame/containers/vector.h"
@@ -17,6 +18,12 @@ using Json = nlohmann::ordered_json;
 constexpr int kDeepestNesting = 50;
 
 Json ToJson(const Variant& value, int depth);
+
+// JSON has no text for what is no number or infinite.
+Json FiniteToJson(double number) {
+  if (!std::isfinite(number)) RaiseError(error_number::kOverflow);
+  return number;
+}
 
 Json RowToJson(const Dictionary& row, int depth) {
   Json json = Json::object();
@@ -36,7 +43,7 @@ Json ToJson(const Variant& value, int depth) {
     case VariantType::kInteger:
     case VariantType::kLong: return CLng(value);
     case VariantType::kSingle:
-    case VariantType::kDouble: return CDbl(value);
+    case VariantType::kDouble: return FiniteToJson(CDbl(value));
     case VariantType::kCurrency: return {{"Currency", CStr(value)}};
     case VariantType::kDecimal: return {{"Decimal", CStr(value)}};
     case VariantType::kDate: return {{"Date", CStr(value)}};
@@ -58,26 +65,35 @@ Json ToJson(const Variant& value, int depth) {
   RaiseError(error_number::kTypeMismatch);
 }
 
-Variant FromJson(const Json& json) {
+Variant FromJson(const Json& json, int depth);
+
+Ref<Dictionary> RowFromJson(const Json& json, int depth) {
+  if (!json.is_object()) RaiseError(error_number::kTypeMismatch);
+  auto row = Make<Dictionary>();
+  for (const auto& [key, value] : json.items()) row->Put(RowKey(key), FromJson(value, depth));
+  row->SetTrackState(0);
+  return row;
+}
+
+// Raises some exception for what ToJson doesn't write, as damaged books may hold it.
+Variant FromJson(const Json& json, int depth) {
+  if (depth > kDeepestNesting) RaiseError(error_number::kOutOfStackSpace);
   if (json.is_null()) return Null;
   if (json.is_boolean()) return json.get<bool>();
-  if (json.is_number_integer()) return json.get<Long>();
+  if (json.is_number_integer()) return CLng(Variant(json.get<double>()));
   if (json.is_number()) return json.get<double>();
   if (json.is_string()) return json.get<std::string>();
+  if (!json.is_object() || json.size() != 1) RaiseError(error_number::kTypeMismatch);
   const std::string& type = json.begin().key();
   const Json& content = json.begin().value();
   if (type == "Currency") return CCur(Variant(content.get<std::string>()));
   if (type == "Decimal") return CDec(Variant(content.get<std::string>()));
   if (type == "Date") return CDate(Variant(content.get<std::string>()));
-  if (type == "Vector") {
-    auto list = Make<Vector>();
-    for (const Json& element : content) list->Append(FromJson(element));
-    return Variant(list);
-  }
-  auto row = Make<Dictionary>();
-  for (const auto& [key, value] : content.items()) row->Put(RowKey(key), FromJson(value));
-  row->SetTrackState(0);
-  return Variant(row);
+  if (type == "Dictionary") return Variant(RowFromJson(content, depth + 1));
+  if (type != "Vector" || !content.is_array()) RaiseError(error_number::kTypeMismatch);
+  auto list = Make<Vector>();
+  for (const Json& element : content) list->Append(FromJson(element, depth + 1));
+  return Variant(list);
 }
 
 }  // namespace
@@ -101,8 +117,15 @@ std::string ExtrasText(const Dictionary& row,
 
 void PutExtras(std::string_view text, Dictionary& row) {
   if (text.empty()) return;
-  const Json json = Json::parse(text);
-  for (const auto& [key, value] : json.items()) row.Put(RowKey(key), FromJson(value));
+  Ref<Dictionary> extras;
+  try {
+    extras = RowFromJson(Json::parse(text), 0);
+  } catch (const std::exception&) {
+    Refuse(refusal::kBadValue, "The keys that are kept with the record can't be read.");
+  }
+  for (std::uint32_t i = 0; i < extras->size(); ++i) {
+    row.Put(RowKey(extras->key_at(i)), extras->value_at(i));
+  }
 }
 
 }  // namespace qdclgl::server

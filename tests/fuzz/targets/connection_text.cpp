@@ -26,6 +26,7 @@ void LookAt(std::string_view bytes) {
     Require(ConnectionText::Parse(changed.ToText())[key] == bytes, "and comes back");
   }
   constexpr std::string_view kSecret = "<no one else says so>";
+  if (bytes.find(kSecret) != std::string_view::npos) return;
   for (const std::string_view key : {connection_key::kPassword, connection_key::kSession}) {
     Require(text.With(key, kSecret).ForMessage().find(kSecret) == std::string::npos,
             "a message tells no secret");
@@ -42,6 +43,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Require(error.number() == refusal::kBadConnectionText, "a text is refused as such");
   }
   const std::int32_t raised = fuzz::NumberOf([&] { GetPropsValue(text, "Initial catalog", "="); });
-  Require(raised == 0 || raised == error_number::kInvalidCall, "a value is there or not, or error 5");
+  Require(raised == 0 || raised == error_number::kInvalidCall,
+          "a value is there or not, or error 5");
   return 0;
 }

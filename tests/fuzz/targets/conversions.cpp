@@ -76,9 +76,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     double plain = 0;
     const auto read = std::from_chars(text.data(), text.data() + text.size(), plain);
     const std::int32_t raised = NumberOf([&] { CDbl(value); });
-    Require((raised == error_number::kOverflow) == (read.ec != std::errc() && std::abs(plain) != 0) ||
-                raised == 0,
-            "a number too large is refused");
+    Require(
+        (raised == error_number::kOverflow) == (read.ec != std::errc() && std::abs(plain) != 0) ||
+            raised == 0,
+        "a number too large is refused");
     if (raised == 0 && read.ec == std::errc()) {
       Require(CDbl(value) == plain, "a plain number is what the standard library reads");
       Require(Val(text) == plain, "and what Val reads");

@@ -34,14 +34,18 @@ bool IsMet(std::string_view criterion, const Variant& value) {
 
 const std::vector<Variant>& Values() {
   static const std::vector<Variant> kValues = {
-      Variant(), Null, true, Long{0}, Long{5}, -1.5, Currency(100), DateTime::FromYmd(2024, 1, 31),
-      "", "5", "it's", "Receipts", "2024-01-31", "\xc3\xa4"};
+      Variant(),    Null,      true,          Long{0},
+      Long{5},      -1.5,      Currency(100), DateTime::FromYmd(2024, 1, 31),
+      "",           "5",       "it's",        "Receipts",
+      "2024-01-31", "\xc3\xa4"};
   return kValues;
 }
 
 // A literal: the opposites of all operators.
 void LookAtOpposites(std::string_view literal) {
-  const auto with = [&](const char* sign) { return "c " + std::string(sign) + " " + std::string(literal); };
+  const auto with = [&](const char* sign) {
+    return "c " + std::string(sign) + " " + std::string(literal);
+  };
   if (NumberOf([&] { Criterion{with("=")}; }) != 0) return;
   for (const Variant& value : Values()) {
     const bool is_unordered = !IsMet(with("="), value) && !IsMet(with("<>"), value);

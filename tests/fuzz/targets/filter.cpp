@@ -14,17 +14,17 @@ using namespace qdclgl::server;
 using fuzz::Require;
 
 constexpr Column kColumns[] = {
-    {"FName", ColumnType::kText},     {"FNote", ColumnType::kText},
-    {"FYear", ColumnType::kLong},     {"FTotal", ColumnType::kCurrency},
-    {"FDate", ColumnType::kDate},     {"FPosted", ColumnType::kBoolean},
-    {"FRate", ColumnType::kDouble},   {"FSmall", ColumnType::kInteger},
+    {"FName", ColumnType::kText},   {"FNote", ColumnType::kText},
+    {"FYear", ColumnType::kLong},   {"FTotal", ColumnType::kCurrency},
+    {"FDate", ColumnType::kDate},   {"FPosted", ColumnType::kBoolean},
+    {"FRate", ColumnType::kDouble}, {"FSmall", ColumnType::kInteger},
 };
 
 Database& Table() {
   static const fuzz::TargetFile file("filter");
   static const std::unique_ptr<Database> db = [] {
-    auto made = std::make_unique<Database>(ConnectionText::Parse(file.path()),
-                                           Database::Opening::kCreate);
+    auto made =
+        std::make_unique<Database>(ConnectionText::Parse(file.path()), Database::Opening::kCreate);
     made->ExecuteScript(
         "CREATE TABLE t (FName TEXT, FNote TEXT, FYear INTEGER, FTotal INTEGER, FDate TEXT,"
         " FPosted INTEGER, FRate REAL, FSmall INTEGER);"
@@ -45,8 +45,7 @@ std::int64_t Count(const Filter& filter) {
                                                                   : Storage::kWhole);
   }
   Statement statement(Table(),
-                      "SELECT COUNT(*) FROM t" +
-                          (filter.sql.empty() ? "" : " WHERE " + filter.sql),
+                      "SELECT COUNT(*) FROM t" + (filter.sql.empty() ? "" : " WHERE " + filter.sql),
                       storages, kWhole);
   for (std::size_t i = 0; i < filter.values.size(); ++i) {
     std::visit([&](const auto& value) { statement.Set(i, value); }, filter.values[i]);
@@ -76,8 +75,8 @@ void LookAtFilter(std::string_view text) {
 void LookAtSort(std::string_view text) {
   try {
     const std::string sort = ParseSort(text, kColumns);
-    const auto rows = Table().Query<Long>("SELECT FYear FROM t" +
-                                          (sort.empty() ? "" : " ORDER BY " + sort));
+    const auto rows =
+        Table().Query<Long>("SELECT FYear FROM t" + (sort.empty() ? "" : " ORDER BY " + sort));
     Require(rows.size() == 3, "a sort loses no row");
   } catch (const Error& error) {
     Require(error.number() == refusal::kBadSort, "a sort is refused as such");

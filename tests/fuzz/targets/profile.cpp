@@ -40,7 +40,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   Require(number(profile, Lower(section), Lower(key), 1) == plain, "case doesn't matter");
   Require(number(profile, " " + section + "\t", " " + key + " ", 1) == plain,
           "blanks around names don't matter");
-  Require(!is_there || number(profile + "\n[" + section + "]\n" + key + "=99", section, key, 1) == plain,
+  Require(!is_there ||
+              number(profile + "\n[" + section + "]\n" + key + "=99", section, key, 1) == plain,
           "the first key of a name counts");
   if (!profile.starts_with("\xEF\xBB\xBF")) {
     Require(number("\xEF\xBB\xBF" + profile, section, key, 1) == plain, "a mark doesn't matter");

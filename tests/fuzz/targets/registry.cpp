@@ -30,8 +30,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   static const fuzz::TargetFile file("registry");
   setenv("QDCLGL_REGISTRY", file.path().c_str(), 1);
   FuzzedDataProvider input(data, size);
-  const RegistryValue value{input.PickValueInArray<Long>({1, 2, 3, 4, 0, -1}),
-                            input.ConsumeRandomLengthString(40)};
+  RegistryValue value{input.PickValueInArray<Long>({1, 2, 3, 4, 0, -1}),
+                      input.ConsumeRandomLengthString(40)};
+  while (value.IsText() && value.data.ends_with('\0')) value.data.pop_back();
   const std::string name = input.ConsumeRandomLengthString(20);
   const std::string before = input.ConsumeRemainingBytesAsString();
   file.Write(before);
