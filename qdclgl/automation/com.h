@@ -26,6 +26,27 @@ inline std::string FromWide(std::wstring_view text) {
   return FromUtf16({reinterpret_cast<const char16_t*>(text.data()), text.size()});
 }
 
+// What a call into an object answers that may be another program's. A C++ exception that it lets
+// out is a failure like others, as far as it can be caught: it can where both sides have one
+// runtime.
+template <class Body>
+HRESULT AnswerOf(Body body) noexcept {
+  try {
+    return body();
+  } catch (...) {
+    return E_UNEXPECTED;
+  }
+}
+
+// Lets an object go, which may be the end of it.
+inline void LetGo(IUnknown* object) noexcept {
+  if (object == nullptr) return;
+  AnswerOf([&] {
+    object->Release();
+    return S_OK;
+  });
+}
+
 // An owned interface pointer.
 template <class T>
 class Com {
@@ -36,9 +57,7 @@ class Com {
   }
   Com(const Com& other) : Com(other.pointer_) {}
   Com(Com&& other) noexcept : pointer_(std::exchange(other.pointer_, nullptr)) {}
-  ~Com() {
-    if (pointer_ != nullptr) pointer_->Release();
-  }
+  ~Com() { LetGo(pointer_); }
   Com& operator=(Com other) noexcept {
     std::swap(pointer_, other.pointer_);
     return *this;
@@ -61,7 +80,9 @@ class Com {
 template <class T>
 Com<T> Query(IUnknown* object, REFIID iid) {
   Com<T> result;
-  if (object != nullptr && FAILED(object->QueryInterface(iid, result.PutVoid()))) return {};
+  if (object == nullptr) return result;
+  const HRESULT code = AnswerOf([&] { return object->QueryInterface(iid, result.PutVoid()); });
+  if (FAILED(code)) result.Detach();  // whatever was left there, it is no reference
   return result;
 }
 
@@ -69,7 +90,9 @@ Com<T> Query(IUnknown* object, REFIID iid) {
 class OwnedVariant {
  public:
   OwnedVariant() { VariantInit(&content_); }
-  ~OwnedVariant() { VariantClear(&content_); }
+  ~OwnedVariant() {
+    AnswerOf([&] { return VariantClear(&content_); });
+  }
   OwnedVariant(const OwnedVariant&) = delete;
   OwnedVariant& operator=(const OwnedVariant&) = delete;
 

@@ -18,7 +18,7 @@ class Enumeration final : public OneInterface<IEnumVARIANT, IID_IEnumVARIANT>, p
     if (items == nullptr) return E_POINTER;
     for (ULONG i = 0; i < count; ++i) VariantInit(&items[i]);
     ULONG done = 0;
-    const HRESULT code = Guarded([&] {
+    const HRESULT code = OnItsThread([&] {
       for (Variant item; done < count && enumerator_->Next(item); ++done) {
         ++position_;
         ToVariant(item, &items[done]);
@@ -33,10 +33,10 @@ class Enumeration final : public OneInterface<IEnumVARIANT, IID_IEnumVARIANT>, p
     return code;
   }
   HRESULT STDMETHODCALLTYPE Skip(ULONG count) override {
-    return Guarded([&] { return Advance(count) ? S_OK : S_FALSE; });
+    return OnItsThread([&] { return Advance(count) ? S_OK : S_FALSE; });
   }
   HRESULT STDMETHODCALLTYPE Reset() override {
-    return Guarded([&] {
+    return OnItsThread([&] {
       enumerator_->Reset();
       position_ = 0;
       return S_OK;
@@ -45,7 +45,7 @@ class Enumeration final : public OneInterface<IEnumVARIANT, IID_IEnumVARIANT>, p
   HRESULT STDMETHODCALLTYPE Clone(IEnumVARIANT** clone) override {
     if (clone == nullptr) return E_POINTER;
     *clone = nullptr;
-    return Guarded([&] {
+    return OnItsThread([&] {
       const Variant again = owner_->Call(member_.row.name);
       Com<Enumeration> made(new Enumeration(again.As<Enumerator>(), owner_, member_));
       made->Advance(position_);
@@ -55,6 +55,15 @@ class Enumeration final : public OneInterface<IEnumVARIANT, IID_IEnumVARIANT>, p
   }
 
  private:
+  template <class Body>
+  HRESULT OnItsThread(Body body) {
+    const Com<IEnumVARIANT> self(this);  // what is called may let go of the caller's reference
+    return Guarded([&] {
+      owner_->CheckThread();
+      return body();
+    });
+  }
+
   bool Advance(ULONG count) {
     constexpr ULONG kMost = 0x7FFFFFFF;
     position_ += count;

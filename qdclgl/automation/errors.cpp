@@ -73,13 +73,16 @@ std::string Take(BSTR& text) {
 }  // namespace
 
 HRESULT CodeOfNumber(std::int32_t number) {
+  if (number == 0) return CodeOfNumber(error_number::kAutomationError);
   const bool plain = number > 0 && number <= 0xFFFF;
   return plain ? static_cast<HRESULT>(kPlainBase + static_cast<std::uint32_t>(number)) : number;
 }
 
 std::int32_t NumberOfCode(HRESULT code) {
   const auto bits = static_cast<std::uint32_t>(code);
-  return (bits & 0xFFFF0000) == kPlainBase ? static_cast<std::int32_t>(bits & 0xFFFF) : code;
+  const bool plain = (bits & 0xFFFF0000) == kPlainBase;
+  const std::int32_t number = plain ? static_cast<std::int32_t>(bits & 0xFFFF) : code;
+  return number != 0 ? number : error_number::kAutomationError;
 }
 
 HRESULT ReportException() noexcept {
@@ -104,7 +107,7 @@ HRESULT ReportInvokeException(EXCEPINFO* exception) noexcept {
 void RaiseFailure(HRESULT code, EXCEPINFO* exception) {
   if (code == DISP_E_EXCEPTION && exception != nullptr) {
     if (exception->pfnDeferredFillIn != nullptr) {
-      exception->pfnDeferredFillIn(exception);
+      AnswerOf([&] { return exception->pfnDeferredFillIn(exception); });
     }
     SysFreeString(exception->bstrHelpFile);
     std::string source = Take(exception->bstrSource);
@@ -120,8 +123,8 @@ void RaiseFailure(HRESULT code, EXCEPINFO* exception) {
   OwnedText source, description;
   Com<IErrorInfo> info;
   if (GetErrorInfo(0, info.Put()) == S_OK) {
-    info->GetSource(source.Put());
-    info->GetDescription(description.Put());
+    AnswerOf([&] { return info->GetSource(source.Put()); });
+    AnswerOf([&] { return info->GetDescription(description.Put()); });
   }
   throw Error(NumberOfCode(code), source.ToText(), description.ToText());
 }

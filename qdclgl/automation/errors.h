@@ -10,7 +10,7 @@
 namespace qdclgl::automation {
 
 // The result code of a run-time error: 0x800A0000 + the number for a plain one; a number that is a
-// result code already is that code.
+// result code already is that code. No number, 0, is 440 in both directions.
 HRESULT CodeOfNumber(std::int32_t number);
 // The other way.
 std::int32_t NumberOfCode(HRESULT code);
@@ -33,9 +33,18 @@ HRESULT Guarded(Body body) noexcept {
   }
 }
 
+// A call into a foreign object that may fail with words: what an earlier failure left as the
+// thread's error information is not to pass for this one's.
+template <class Body>
+HRESULT CallOut(Body body) noexcept {
+  SetErrorInfo(0, nullptr);
+  return AnswerOf(body);
+}
+
 // Raises what a foreign object's Invoke reported: its `exception` for DISP_E_EXCEPTION, whose
 // texts are released; the plain number that stands for the other codes of a dispatch; any other
-// code as a number of its own, with the thread's error information.
+// code as a number of its own, with the thread's error information. A failure that has no number
+// is 440.
 [[noreturn]] void RaiseFailure(HRESULT code, EXCEPINFO* exception = nullptr);
 
 // For calls of the platform itself.

@@ -7,12 +7,23 @@ namespace qdclgl::automation {
 namespace {
 
 std::atomic<long> uses = 0;
+std::atomic<long> client_locks = 0;
 
 }  // namespace
 
 void LockServer() { ++uses; }
 void UnlockServer() { --uses; }
-bool IsServerInUse() { return uses != 0; }
+
+void AddClientLock() { ++client_locks; }
+bool RemoveClientLock() {
+  long locks = client_locks;
+  while (locks > 0) {
+    if (client_locks.compare_exchange_weak(locks, locks - 1)) return true;
+  }
+  return false;
+}
+
+bool IsServerInUse() { return uses != 0 || client_locks != 0; }
 
 std::wstring ServerPath() {
   HMODULE module = nullptr;

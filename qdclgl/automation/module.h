@@ -5,9 +5,14 @@
 
 namespace qdclgl::automation {
 
-// One for every object that a client holds, and one for every lock of a factory.
+// One for every object that a client holds.
 void LockServer();
 void UnlockServer();
+// The locks of factories, which clients count.
+void AddClientLock();
+// False, and nothing is taken, when there is no lock.
+bool RemoveClientLock();
+// Whether there is an object or a lock.
 bool IsServerInUse();
 
 // A base of every object that clients hold.

@@ -28,11 +28,10 @@ class Factory final : public OneInterface<IClassFactory, IID_IClassFactory>, pri
 
   HRESULT STDMETHODCALLTYPE LockServer(BOOL lock) override {
     if (lock) {
-      automation::LockServer();
-    } else {
-      UnlockServer();
+      AddClientLock();
+      return S_OK;
     }
-    return S_OK;
+    return RemoveClientLock() ? S_OK : E_UNEXPECTED;
   }
 
  private:

@@ -3,10 +3,11 @@
 #include <algorithm>
 #include <limits>
 #include <new>
+#include <utility>
 
-#include "qdclgl/automation/crossing.h"
 #include "qdclgl/frame/objects/conversions.h"
 #include "qdclgl/frame/objects/enumeration.h"
+#include "qdclgl/frame/objects/nesting.h"
 
 namespace qdclgl::automation {
 
@@ -24,6 +25,21 @@ constexpr TypeWord kTypeWords[] = {
 };
 
 [[noreturn]] void Mismatch() { RaiseError(error_number::kTypeMismatch); }
+[[noreturn]] void Refuse(const char* why) {
+  throw Error(error_number::kTypeMismatch, "QDCLGL", why);
+}
+
+// The place at the end of references to places. Raises 13 for those that lead nowhere or in a
+// circle.
+const VARIANT& Dereferenced(const VARIANT& reference) {
+  const VARIANT* place = &reference;
+  for (int steps = 0; place->vt == (VT_BYREF | VT_VARIANT); ++steps) {
+    if (place->pvarVal == nullptr || steps == kDeepestNesting) Mismatch();
+    place = place->pvarVal;
+  }
+  if ((place->vt & VT_BYREF) != 0 && place->byref == nullptr) Mismatch();
+  return *place;
+}
 
 Variant FromWhole(std::int64_t number) {
   if (number >= INT16_MIN && number <= INT16_MAX) return static_cast<Integer>(number);
@@ -37,7 +53,9 @@ Variant FromUnsigned(std::uint64_t number) {
 }
 
 Variant FromText(BSTR text) {
-  const std::wstring_view units(text != nullptr ? text : L"", SysStringLen(text));
+  const UINT bytes = SysStringByteLen(text);
+  if (bytes % sizeof(wchar_t) != 0) Refuse("A text of an odd number of bytes holds half a unit.");
+  const std::wstring_view units(text != nullptr ? text : L"", bytes / sizeof(wchar_t));
   constexpr std::size_t kShort = 64;
   char narrow[kShort];
   if (units.size() <= kShort &&
@@ -54,21 +72,27 @@ Decimal FromDecimal(const DECIMAL& value) {
 }
 
 Variant FromArray(SAFEARRAY* array) {
+  if (array == nullptr) Refuse("The array was never given its bounds.");
+  if (SafeArrayGetDim(array) != 1) Refuse("Of arrays, those of one dimension are taken.");
   VARTYPE element = VT_EMPTY;
-  if (array == nullptr || SafeArrayGetDim(array) != 1 ||
-      FAILED(SafeArrayGetVartype(array, &element)) || element != VT_UI1) {
-    Mismatch();
+  if (FAILED(SafeArrayGetVartype(array, &element)) || element != VT_UI1) {
+    Refuse("Of arrays, those of bytes are taken; a list of values is a Vector.");
   }
-  const std::size_t size = array->rgsabound[0].cElements;
+  const SAFEARRAYBOUND bound = array->rgsabound[0];
   void* data = nullptr;
   if (FAILED(SafeArrayAccessData(array, &data))) Mismatch();
-  Variant bytes(Bytes{{static_cast<const std::uint8_t*>(data), size}});
+  Variant bytes(Bytes{{static_cast<const std::uint8_t*>(data), bound.cElements}, bound.lLbound});
   SafeArrayUnaccessData(array);
   return bytes;
 }
 
+Variant FromCode(SCODE code) {
+  if (code == DISP_E_PARAMNOTFOUND) return Missing;
+  return ErrorValue{code};
+}
+
 // Reads a value of a plain type at an address.
-Variant FromPlain(VARTYPE type, const void* address) {
+Variant FromPlain(VARTYPE type, const void* address, Taking taking) {
   const auto read = [address]<class T>(std::type_identity<T>) {
     return *static_cast<const T*>(address);
   };
@@ -90,14 +114,17 @@ Variant FromPlain(VARTYPE type, const void* address) {
     case VT_DATE: return DateTime(read(std::type_identity<double>()));
     case VT_DECIMAL: return FromDecimal(*static_cast<const DECIMAL*>(address));
     case VT_BSTR: return FromText(read(std::type_identity<BSTR>()));
+    case VT_ERROR: return FromCode(read(std::type_identity<SCODE>()));
     case VT_UNKNOWN:
-    case VT_DISPATCH: return Variant(TakeIn(read(std::type_identity<IUnknown*>())));
+    case VT_DISPATCH: return Variant(TakeIn(read(std::type_identity<IUnknown*>()), taking));
     default: Mismatch();
   }
 }
 
-void PutBytes(std::span<const std::uint8_t> bytes, VARIANT* destination) {
-  SAFEARRAY* array = SafeArrayCreateVector(VT_UI1, 0, static_cast<ULONG>(bytes.size()));
+void PutBytes(const Variant& value, VARIANT* destination) {
+  const std::span<const std::uint8_t> bytes = value.BytesView();
+  SAFEARRAY* array =
+      SafeArrayCreateVector(VT_UI1, value.BytesLowerBound(), static_cast<ULONG>(bytes.size()));
   void* data = nullptr;
   if (array == nullptr || FAILED(SafeArrayAccessData(array, &data))) throw std::bad_alloc();
   std::copy(bytes.begin(), bytes.end(), static_cast<std::uint8_t*>(data));
@@ -114,6 +141,14 @@ void PutDecimal(const Decimal& value, VARIANT* destination) {
   destination->vt = VT_DECIMAL;  // last: it shares its bytes with the decimal's reserved word
 }
 
+// Writes a whole number of a type that the library doesn't have. Errors 13 and 6.
+template <class Whole>
+void PutWhole(const Variant& value, Whole* variable) {
+  const auto number = CDec(value).ToScaledInteger(0);
+  if (!number || !std::in_range<Whole>(*number)) RaiseError(error_number::kOverflow);
+  *variable = static_cast<Whole>(*number);
+}
+
 }  // namespace
 
 VARTYPE TypeOfWord(std::string_view word) {
@@ -123,25 +158,21 @@ VARTYPE TypeOfWord(std::string_view word) {
   return VT_DISPATCH;
 }
 
-Variant FromVariant(const VARIANT& source) {
-  const VARIANT* value = &source;
-  while (value->vt == (VT_BYREF | VT_VARIANT)) value = value->pvarVal;
-  switch (value->vt) {
+Variant FromVariant(const VARIANT& source, Taking taking) {
+  const VARIANT& value = Dereferenced(source);
+  switch (value.vt) {
     case VT_EMPTY: return {};
     case VT_NULL: return Null;
-    case VT_ERROR:
-      if (value->scode == DISP_E_PARAMNOTFOUND) return Missing;
-      Mismatch();
-    case VT_DECIMAL: return FromDecimal(value->decVal);
+    case VT_DECIMAL: return FromDecimal(value.decVal);
     default: break;
   }
-  if ((value->vt & VT_ARRAY) != 0) {
-    return FromArray((value->vt & VT_BYREF) != 0 ? *value->pparray : value->parray);
+  if ((value.vt & VT_ARRAY) != 0) {
+    return FromArray((value.vt & VT_BYREF) != 0 ? *value.pparray : value.parray);
   }
-  if ((value->vt & VT_BYREF) != 0) {
-    return FromPlain(static_cast<VARTYPE>(value->vt & ~VT_BYREF), value->byref);
+  if ((value.vt & VT_BYREF) != 0) {
+    return FromPlain(static_cast<VARTYPE>(value.vt & ~VT_BYREF), value.byref, taking);
   }
-  return FromPlain(value->vt, &value->bVal);
+  return FromPlain(value.vt, &value.bVal, taking);
 }
 
 void ToVariant(const Variant& value, VARIANT* destination) {
@@ -167,7 +198,8 @@ void ToVariant(const Variant& value, VARIANT* destination) {
       destination->bstrVal = NewText(value.TextView());
       return set(VT_BSTR);
     case VariantType::kObject: return HandOut(value.ObjectPointer(), destination);
-    case VariantType::kByteArray: return PutBytes(value.BytesView(), destination);
+    case VariantType::kByteArray: return PutBytes(value, destination);
+    case VariantType::kError: destination->scode = value.ErrorCode(); return set(VT_ERROR);
   }
 }
 
@@ -192,8 +224,7 @@ Variant ConvertedTo(const Variant& value, std::string_view word) {
 }
 
 void WriteThrough(const VARIANT& reference, const Variant& value) {
-  VARIANT* place = const_cast<VARIANT*>(&reference);
-  while (place->vt == (VT_BYREF | VT_VARIANT)) place = place->pvarVal;
+  VARIANT* place = const_cast<VARIANT*>(&Dereferenced(reference));
   if ((place->vt & VT_BYREF) == 0) {
     if (place == &reference) return;  // a value, which no one reads again
     OwnedVariant made;
@@ -215,6 +246,12 @@ void WriteThrough(const VARIANT& reference, const Variant& value) {
     case VT_I2: return put(CInt(value), place->piVal);
     case VT_I4:
     case VT_INT: return put(CLng(value), place->plVal);
+    case VT_I1: return PutWhole(value, static_cast<signed char*>(place->byref));
+    case VT_UI2: return PutWhole(value, place->puiVal);
+    case VT_UI4:
+    case VT_UINT: return PutWhole(value, place->pulVal);
+    case VT_I8: return PutWhole(value, place->pllVal);
+    case VT_UI8: return PutWhole(value, place->pullVal);
     case VT_R4: return put(CSng(value), place->pfltVal);
     case VT_R8: return put(CDbl(value), place->pdblVal);
     case VT_CY: return put(CCur(value), place->pcyVal);

@@ -3,7 +3,7 @@
 
 #include <string_view>
 
-#include "qdclgl/automation/com.h"
+#include "qdclgl/automation/crossing.h"
 #include "qdclgl/frame/objects/variant.h"
 
 namespace qdclgl::automation {
@@ -13,8 +13,10 @@ VARTYPE TypeOfWord(std::string_view word);
 
 // The value in `source`, references followed to the end. Objects arrive as crossing.h tells. Whole
 // numbers of types that we don't have become the narrowest type of ours that holds them. Error 13
-// for what has no counterpart: arrays of anything but bytes, records, error codes.
-Variant FromVariant(const VARIANT& source);
+// for what has no counterpart, with words where a value is refused for what it is: arrays of
+// anything but bytes or of several dimensions, texts of half a unit; without them for types that no
+// language has, and for references that lead nowhere or in a circle.
+Variant FromVariant(const VARIANT& source, Taking taking);
 
 // Puts `value` into an empty VARIANT.
 void ToVariant(const Variant& value, VARIANT* destination);

@@ -6,6 +6,7 @@
 #include <mutex>
 #include <optional>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "qdclgl/automation/context_interface.h"
@@ -24,17 +25,11 @@ namespace qdclgl::automation {
 
 namespace {
 
-// By this interface a wrapper gives itself away.
-const IID& OwnId() {
-  static const IID id = IdOfName("QDCLGL.Wrapper");
-  return id;
-}
-
-// A name as the rows have it: ASCII. Empty for any other.
+// A name as the rows have it: ASCII. Empty for any other, and for null.
 class MemberName {
  public:
   explicit MemberName(const wchar_t* name) {
-    for (; name[length_] != 0; ++length_) {
+    for (; name != nullptr && name[length_] != 0; ++length_) {
       if (length_ == text_.size() || name[length_] >= 0x80) {
         length_ = 0;
         return;
@@ -98,7 +93,7 @@ class Incoming {
   void Add(UINT at, std::string_view name) {
     place_ = at;
     const VARIANT& source = params_.rgvarg[at];
-    Variant given = FromVariant(source);
+    Variant given = FromVariant(source, Taking::kStandIn);
     const bool by_ref = (source.vt & VT_BYREF) != 0;
     Argument argument = given;
     if (by_ref) {
@@ -120,6 +115,13 @@ class Incoming {
   std::vector<Value> values_;  // of the references; never grows beyond its first capacity
   std::vector<Argument> arguments_;
 };
+
+// Whether what a call's arguments say of themselves is there.
+bool AreSound(const DISPPARAMS* params) {
+  return params != nullptr && params->cNamedArgs <= params->cArgs &&
+         (params->cArgs == 0 || params->rgvarg != nullptr) &&
+         (params->cNamedArgs == 0 || params->rgdispidNamedArgs != nullptr);
+}
 
 class Wrapper final : public IDispatch,
                       public ISupportErrorInfo,
@@ -145,8 +147,6 @@ class Wrapper final : public IDispatch,
       *object = static_cast<IProvideClassInfo*>(this);
     } else if (iid == ContextInterfaceId() && Context() != nullptr) {
       *object = static_cast<ContextInterface*>(this);
-    } else if (iid == OwnId()) {
-      *object = this;
     } else {
       return E_NOINTERFACE;
     }
@@ -178,6 +178,7 @@ class Wrapper final : public IDispatch,
                                           DISPID* ids) override {
     if (iid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
     if (names == nullptr || ids == nullptr || count == 0) return E_INVALIDARG;
+    if (!object_->IsOfThisThread()) return RPC_E_WRONG_THREAD;
     const ClassMember* member =
         table_ != nullptr ? table_->Find(MemberName(names[0]).text()) : nullptr;
     ids[0] = member != nullptr ? IdOfMember(*member) : DISPID_UNKNOWN;
@@ -194,8 +195,10 @@ class Wrapper final : public IDispatch,
                                    DISPPARAMS* params, VARIANT* result, EXCEPINFO* exception,
                                    UINT* bad_argument) override {
     if (iid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
-    if (params == nullptr || params->cNamedArgs > params->cArgs) return E_INVALIDARG;
+    if (!AreSound(params)) return E_INVALIDARG;
+    if (!object_->IsOfThisThread()) return RPC_E_WRONG_THREAD;
     if (result != nullptr) VariantInit(result);
+    const Com<IDispatch> self(this);  // what is called may let go of the caller's reference
     try {
       return Call(id, locale, flags, *params, result, exception, bad_argument);
     } catch (...) {
@@ -220,8 +223,10 @@ class Wrapper final : public IDispatch,
   }
 
   HRESULT STDMETHODCALLTYPE SetTransactionContext(IDispatch* xa) override {
+    const Com<IDispatch> self(this);
     return Guarded([&] {
-      Context()->SetTransactionContext(TakeIn(xa));
+      object_->CheckThread();
+      Context()->SetTransactionContext(TakeIn(xa, Taking::kStandIn));
       return S_OK;
     });
   }
@@ -256,10 +261,21 @@ class Wrapper final : public IDispatch,
 };
 
 // The wrappers in use, of all apartments. An entry is only ever looked for on its object's thread.
+// Whether an object is one of them is told by its address alone: an object of others may answer to
+// any interface id, and another copy of this server answers to all of ours.
 std::mutex wrappers_mutex;
 std::unordered_map<Object*, Wrapper*>& Wrappers() {
   static std::unordered_map<Object*, Wrapper*> wrappers;
   return wrappers;
+}
+std::unordered_set<const void*>& Addresses() {
+  static std::unordered_set<const void*> addresses;
+  return addresses;
+}
+
+bool IsWrapper(const void* address) {
+  const std::lock_guard lock(wrappers_mutex);
+  return Addresses().contains(address);
 }
 
 ULONG Wrapper::Release() {
@@ -268,6 +284,7 @@ ULONG Wrapper::Release() {
     {
       const std::lock_guard lock(wrappers_mutex);
       Wrappers().erase(object_.get());
+      Addresses().erase(this);
     }
     delete this;
   }
@@ -352,6 +369,8 @@ HRESULT Wrapper::Call(DISPID id, LCID locale, WORD flags, DISPPARAMS& params, VA
   const ClassMember* member = table_ != nullptr ? MemberOfId(*table_, id) : nullptr;
   if (member == nullptr) return DISP_E_MEMBERNOTFOUND;
   auto kind = static_cast<CallKind>(flags & 0x0F);
+  // A statement that names a property calls it; the value goes nowhere.
+  if (Includes(kind, CallKind::kMethod)) kind = kind | CallKind::kGet;
 
   std::optional<DISPPARAMS> rest = RestForResult(*member, kind, params);
   DISPPARAMS own = params;
@@ -368,7 +387,9 @@ HRESULT Wrapper::Call(DISPID id, LCID locale, WORD flags, DISPPARAMS& params, VA
   try {
     incoming.Take(*member);
   } catch (const Error& error) {
-    return refuse(CodeOfUnfit(error.number()), incoming.place());
+    const HRESULT code = refuse(CodeOfUnfit(error.number()), incoming.place());
+    if (!error.description().empty()) throw;  // no code would carry the words
+    return code;
   }
   std::optional<BoundCall> call;
   try {
@@ -416,17 +437,20 @@ Com<IDispatch> Wrap(Object* object) {
   if (object == nullptr) return {};
   const std::lock_guard lock(wrappers_mutex);
   Wrapper*& wrapper = Wrappers()[object];
-  if (wrapper == nullptr) wrapper = new Wrapper(object);
+  if (wrapper == nullptr) {
+    wrapper = new Wrapper(object);
+    Addresses().insert(wrapper);
+  }
   return Com<IDispatch>(wrapper);
 }
 
 Ref<Object> Unwrap(IUnknown* object) {
-  void* found = nullptr;
-  if (FAILED(object->QueryInterface(OwnId(), &found))) return nullptr;
-  auto* wrapper = static_cast<Wrapper*>(found);
-  const Ref<Object> own = wrapper->object();
-  wrapper->Release();
-  return own;
+  // A wrapper's IUnknown is the wrapper's own address.
+  const auto identity = Query<IUnknown>(object, IID_IUnknown);
+  if (!IsWrapper(identity.get())) return nullptr;
+  const auto* wrapper = static_cast<Wrapper*>(static_cast<IDispatch*>(identity.get()));
+  wrapper->object()->CheckThread();
+  return wrapper->object();
 }
 
 void HandOut(Object* object, VARIANT* destination) {

@@ -133,30 +133,4 @@ std::string AmountText(Currency amount) {
 
 std::string Quoted(std::string_view text) { return "\"" + OneLine(text) + "\""; }
 
-bool IsUtf8(std::string_view text) {
-  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-  for (std::size_t i = 0; i < text.size();) {
-    if (byte(i) < 0x80) {
-      ++i;
-      continue;
-    }
-    std::size_t length = 0;
-    if (byte(i) >= 0xC2 && byte(i) <= 0xDF) length = 2;
-    else if (byte(i) >= 0xE0 && byte(i) <= 0xEF) length = 3;
-    else if (byte(i) >= 0xF0 && byte(i) <= 0xF4) length = 4;
-    if (length == 0 || i + length > text.size()) return false;
-    for (std::size_t k = 1; k < length; ++k) {
-      if ((byte(i + k) & 0xC0) != 0x80) return false;
-    }
-    // Overlong forms, surrogates, and what lies behind U+10FFFF.
-    const unsigned second = byte(i + 1);
-    if ((byte(i) == 0xE0 && second < 0xA0) || (byte(i) == 0xED && second > 0x9F) ||
-        (byte(i) == 0xF0 && second < 0x90) || (byte(i) == 0xF4 && second > 0x8F)) {
-      return false;
-    }
-    i += length;
-  }
-  return true;
-}
-
 }  // namespace qdclgl::cli

@@ -34,6 +34,4 @@ std::string AmountText(Currency amount);
 // `text` in quotes, fit for a message.
 std::string Quoted(std::string_view text);
 
-bool IsUtf8(std::string_view text);
-
 }  // namespace qdclgl::cli

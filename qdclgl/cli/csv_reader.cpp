@@ -2,7 +2,7 @@
 
 #include <new>
 
-#include "qdclgl/cli/cell_values.h"
+#include "qdclgl/frame/vocabulary/text.h"
 
 namespace qdclgl::cli {
 

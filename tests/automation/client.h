@@ -272,8 +272,8 @@ class Peer final : public OneInterface<IDispatch, IID_IDispatch> {
 
   static inline std::string log;
   // Names that parameters have; their ids begin at 100.
-  static inline const std::vector<std::wstring> kParameters = {L"Name", L"nYear", L"Period",
-                                                               L"Group", L"Number"};
+  static inline const std::vector<std::wstring> kParameters = {
+      L"Name", L"nYear", L"Period", L"Group", L"Number", L"VoucherGroupID", L"HelperCode"};
 
   HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
     *count = 0;
@@ -330,18 +330,21 @@ inline HRESULT Return(const Received& call, const Value& value) {
   return call.result != nullptr ? VariantCopy(call.result, const_cast<VARIANT*>(&*value)) : S_OK;
 }
 
-// In this process, objects of a ProgID that the machine knows are `object` from now on.
+// In this process, objects of a ProgID are `object` while one lives. A ProgID that the machine
+// doesn't know is registered for that time.
 class Impersonated {
  public:
   Impersonated(const wchar_t* prog_id, Com<IDispatch> object)
       : factory_(new Factory(std::move(object))) {
     CLSID class_id;
-    if (SUCCEEDED(CLSIDFromProgID(prog_id, &class_id))) {
-      CoRegisterClassObject(class_id, factory_.get(), CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE,
-                            &cookie_);
-    }
+    if (FAILED(CLSIDFromProgID(prog_id, &class_id))) class_id = Register(prog_id);
+    CoRegisterClassObject(class_id, factory_.get(), CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE,
+                          &cookie_);
   }
-  ~Impersonated() { CoRevokeClassObject(cookie_); }
+  ~Impersonated() {
+    CoRevokeClassObject(cookie_);
+    if (!registered_.empty()) RegDeleteTreeW(HKEY_CLASSES_ROOT, registered_.c_str());
+  }
   Impersonated(const Impersonated&) = delete;
   Impersonated& operator=(const Impersonated&) = delete;
 
@@ -358,8 +361,20 @@ class Impersonated {
     Com<IDispatch> object_;
   };
 
+  CLSID Register(const wchar_t* prog_id) {
+    registered_ = prog_id;
+    CLSID class_id;
+    CoCreateGuid(&class_id);
+    wchar_t text[40];
+    const int length = StringFromGUID2(class_id, text, 40);
+    RegSetKeyValueW(HKEY_CLASSES_ROOT, (registered_ + L"\\CLSID").c_str(), nullptr, REG_SZ, text,
+                    static_cast<DWORD>(length * static_cast<int>(sizeof(wchar_t))));
+    return class_id;
+  }
+
   Com<IClassFactory> factory_;
   DWORD cookie_ = 0;
+  std::wstring registered_;
 };
 
 }  // namespace qdclgl::automation::testing

@@ -10,6 +10,13 @@ Check row.Value("FID"), "Integer 5"
 Check row.Count, "Long 2"
 Check row.Name(2), "String FID"
 
+TestCase "a property may stand alone as a statement, with and without arguments"
+On Error Resume Next
+row.Count
+row.Value "FID"
+Check Err.Number, "Long 0"
+On Error GoTo 0
+
 TestCase "a Dictionary keeps each value's own type"
 row("truth") = True
 row("long") = 100000

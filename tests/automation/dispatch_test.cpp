@@ -102,8 +102,7 @@ void Arguments() {
   Check(Text(Get(list, L"Item", {1e10})), "8002000A at 0");
   VARIANT record;
   VariantInit(&record);
-  record.vt = VT_ERROR;
-  record.scode = E_FAIL;
+  record.vt = VT_RECORD;
   Check(Text(Invoke(list.get(), IdOf(list.get(), L"Append"), kRead, {record})), "80020005 at 0");
 
   TestCase("a value put of the wrong type is told with its place");
@@ -205,7 +204,22 @@ void References() {
   Invoke(profile.get(), period, kRead, {day, Value::To(VT_VARIANT, variable.get())});
   Check(Text(*variable), "I4 2024");
 
+  const auto year_in = [&]<class Whole>(VARTYPE type, Whole whole) {
+    whole = 1;
+    const std::string text =
+        Text(Invoke(profile.get(), period, kRead, {day, Value::To(type, &whole)}));
+    return text == "I4 2" ? std::to_string(whole) : text;
+  };
+  Check(year_in(VT_I2, SHORT{}), "2024");
+  Check(year_in(VT_UI2, USHORT{}), "2024");
+  Check(year_in(VT_UI4, ULONG{}), "2024");
+  Check(year_in(VT_INT, INT{}), "2024");
+  Check(year_in(VT_UINT, UINT{}), "2024");
+  Check(year_in(VT_I8, LONGLONG{}), "2024");
+  Check(year_in(VT_UI8, ULONGLONG{}), "2024");
+
   TestCase("a result that doesn't fit its variable is told with its place");
+  Check(year_in(VT_I1, static_cast<signed char>(0)), "8002000A at 0");
   BYTE narrow = 1;
   Check(Text(Invoke(profile.get(), period, kRead, {day, Value::To(VT_UI1, &narrow)})),
         "8002000A at 0");
@@ -227,9 +241,24 @@ void Uses() {
   TestCase("a property is read by flags 1, 2 and 3");
   const DISPID count = IdOf(row.get(), L"Count");
   Check(Text(Invoke(row.get(), count, DISPATCH_PROPERTYGET, {})), "I4 1");
+  Check(Text(Invoke(row.get(), count, DISPATCH_METHOD, {})), "I4 1");
   Check(Text(Invoke(row.get(), count, kRead, {})), "I4 1");
+  constexpr WORD kReads[] = {DISPATCH_METHOD, DISPATCH_PROPERTYGET, kRead};
+  Value of_a(L"a");
+  for (const WORD flags : kReads) {
+    Check(Text(Invoke(row.get(), DISPID_VALUE, flags, {*of_a})), "I4 1");
+  }
+  const auto table = Create(L"QDL.Recordset");
+  Get(Get(table, L"Fields").object(), L"Append", {L"FName"});
+  Value column(L"FName");
+  for (const WORD flags : kReads) {
+    Check(Text(Invoke(table.get(), IdOf(table.get(), L"Fields"), flags, {*column})), "DISPATCH");
+  }
+
+  TestCase("a method is called by flags 1 and 3");
   Check(Text(Invoke(row.get(), IdOf(row.get(), L"Clone"), DISPATCH_METHOD, {})), "DISPATCH");
   Check(Text(Invoke(row.get(), IdOf(row.get(), L"Clone"), kRead, {})), "DISPATCH");
+  Check(Text(Invoke(row.get(), IdOf(row.get(), L"Clone"), DISPATCH_PROPERTYGET, {})), "80020003");
 
   TestCase("an indexed put has its index arguments before the value");
   Check(Text(Put(row, L"Value", {L"b", L"second"})), "Empty");

@@ -240,12 +240,6 @@ void ForeignObjects() {
   }
   Check(Text(Get(dictionary, L"Modified")), "BOOL False");
 
-  TestCase("a foreign Dictionary that is changed later leaves the copy as it is");
-  Put(row, L"Value", {L"d", foreign}, DISPATCH_PROPERTYPUTREF);
-  const auto copy = Get(row, L"Value", {L"d"}).object();
-  Check(copy.get() != foreign.get(), "another object");
-  Check(Text(Get(copy, L"Value", {L"FGroupID"})), "I4 7");
-
   TestCase("an object that can't be called by name is held as it is");
   Com<IMalloc> memory;
   CoGetMalloc(1, memory.Put());

@@ -242,7 +242,7 @@ std::string Theirs(const Variant& value, const Target& target) {
   if (code == DISP_E_OVERFLOW) return "error 6";
   if (code == DISP_E_TYPEMISMATCH) return "error 13";
   if (FAILED(code)) return CodeText(code);
-  return Exact(FromVariant(*result));
+  return Exact(FromVariant(*result, Taking::kCopy));
 }
 
 // ---- The decisions ----

@@ -77,13 +77,5 @@ TEST(CellValues, TruthIsSaidInThreeWays) {
   EXPECT_EQ(ReasonOf(ReadTruth, "maybe"), "\"maybe\" is neither yes nor no");
 }
 
-TEST(CellValues, Utf8IsToldFromOtherBytes) {
-  EXPECT_TRUE(IsUtf8("tea \xE8\x8C\xB6 \xF0\x9F\x8D\xB5 caf\xC3\xA9"));
-  for (const char* text : {"\xE9", "\xC3", "\xC0\xAF", "\xE0\x80\xAF", "\xED\xA0\x80",
-                           "\xF4\x90\x80\x80", "\xF8\x88\x80\x80\x80", "a\x80"}) {
-    EXPECT_FALSE(IsUtf8(text));
-  }
-}
-
 }  // namespace
 }  // namespace qdclgl::cli

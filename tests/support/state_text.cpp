@@ -87,7 +87,12 @@ std::string StateText(const Variant& value) {
     case VariantType::kDecimal: return CStr(value) + "d";
     case VariantType::kDate: return "#" + Text(value.Held<DateTime>()) + "#";
     case VariantType::kString: return "\"" + CStr(value) + "\"";
-    case VariantType::kByteArray: return "bytes(" + Hex(value.BytesView()) + ")";
+    case VariantType::kByteArray: {
+      const Long bound = value.BytesLowerBound();
+      return "bytes(" + (bound != 0 ? std::to_string(bound) + ": " : "") + Hex(value.BytesView()) +
+             ")";
+    }
+    case VariantType::kError: return "Error " + std::to_string(value.ErrorCode());
     case VariantType::kObject: return value.IsNothing() ? "Nothing" : Text(value.ObjectPointer());
   }
   return "?";

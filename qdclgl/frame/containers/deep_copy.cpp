@@ -8,7 +8,7 @@ namespace {
 
 // A copy by the object's own means; what takes the place of an object must be one.
 Variant CopyByClone(const Variant& value) {
-  const NestingLevel level;
+  const CopyLevel level;
   Variant copy = value.ObjectPointer()->Call("Clone");
   if (!copy.IsObject()) RaiseError(error_number::kTypeMismatch);
   return copy;
@@ -20,11 +20,11 @@ Variant CopyOfValue(const Variant& value) {
   Object* object = value.ObjectPointer();
   switch (object->container()) {
     case Object::Container::kDictionary: {
-      const NestingLevel level;
+      const CopyLevel level;
       return static_cast<Dictionary*>(object)->CopyWith(CopyOfValue);
     }
     case Object::Container::kVector: {
-      const NestingLevel level;
+      const CopyLevel level;
       return static_cast<Vector*>(object)->CopyWith(CopyOfElement);
     }
     case Object::Container::kNone: break;
@@ -40,11 +40,14 @@ Variant CopyOfElement(const Variant& value) {
 }  // namespace
 
 Ref<Dictionary> CloneDictionary(const Ref<Dictionary>& dict) {
-  return dict ? dict->CopyWith(CopyOfValue) : nullptr;
+  if (!dict) return nullptr;
+  const CopyLevel level;
+  return dict->CopyWith(CopyOfValue);
 }
 
 Ref<Vector> CloneVector(const Ref<Vector>& vec) {
   if (!vec) RaiseError(error_number::kObjectNotSet);
+  const CopyLevel level;
   return vec->CopyWith(CopyOfElement);
 }
 

@@ -9,7 +9,7 @@ namespace qdclgl {
 // A copy of the whole tree below `dict`, unmodified; Nothing gives Nothing. Dictionaries and
 // Vectors are copied likewise, any other object by its own late-bound `Clone`; plain values and
 // Nothing stay as they are. Error 28 for a tree that holds itself, also by way of an object that
-// copies it in its `Clone`.
+// copies it in its `Clone`; error 7 for a copy of more than kMostCopies (nesting.h).
 Ref<Dictionary> CloneDictionary(const Ref<Dictionary>& dict);
 
 // A copy of the list with the same lower bound. Its Dictionaries are copied deep, any other object

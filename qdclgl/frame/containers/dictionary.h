@@ -83,7 +83,7 @@ class KeyList {
   Ref<KeyList> shorter_;  // for a list among the Growths: the one that it grew from
 };
 
-class Dictionary final : public Tracked {
+class Dictionary : public Tracked {
   QD_MEMBERS(Dictionary, Object, Creatable, "An ordered map from text keys to values.")
 
  public:
@@ -107,7 +107,9 @@ class Dictionary final : public Tracked {
               "Whether a key was written or removed since tracking was last set or reset.")
   QD_METHOD(void, ResetModified, (), "Clears the modified state.")
 
-  Dictionary() : Tracked(Container::kDictionary) {}
+  static constexpr Container kContainer = Container::kDictionary;
+
+  Dictionary() : Tracked(kContainer) {}
   ~Dictionary() override;
 
   // An empty Dictionary with room for `capacity` keys in its own memory block.
@@ -141,7 +143,7 @@ class Dictionary final : public Tracked {
 
   // A copy, unmodified, in which each object is what `copy_object` makes of it; plain values and
   // Nothing are copied as they are.
-  Ref<Dictionary> CopyWith(Variant (*copy_object)(const Variant&)) const;
+  virtual Ref<Dictionary> CopyWith(Variant (*copy_object)(const Variant&)) const;
 
   static void* operator new(std::size_t size) { return ::operator new(size); }
   static void operator delete(void* memory) { ::operator delete(memory); }
@@ -153,9 +155,7 @@ class Dictionary final : public Tracked {
   static void operator delete(void* memory, std::size_t) { ::operator delete(memory); }
 
   explicit Dictionary(std::size_t capacity)
-      : Tracked(Container::kDictionary),
-        capacity_(static_cast<std::uint32_t>(capacity)),
-        values_(Inline()) {}
+      : Tracked(kContainer), capacity_(static_cast<std::uint32_t>(capacity)), values_(Inline()) {}
 
   std::span<const Variant> Elements() const override;
   Variant* Inline() { return reinterpret_cast<Variant*>(this + 1); }

@@ -17,20 +17,24 @@ Tracked* TrackedIn(const Variant& value) {
 
 }  // namespace
 
-bool Tracked::TouchedWithin() const { return touched_ || AnyElementTouched(); }
+bool Tracked::TouchedWithin() const { return touched() || AnyElementTouched(); }
+
+bool Tracked::WrittenWithin() const {
+  return (filled_ && (records_ & kWritten) != 0) || AnyElement(&Tracked::WrittenWithin);
+}
 
 void Tracked::ClearTouched() {
-  touched_ = false;
+  Clear(kTouched);
   ClearElements();
 }
 
-bool Tracked::AnyElementTouched() const {
+bool Tracked::AnyElement(bool (Tracked::*holds)() const) const {
   const std::span<const Variant> elements = Elements();
   if (elements.empty()) return false;
   const NestingLevel level;
-  return std::any_of(elements.begin(), elements.end(), [](const Variant& element) {
+  return std::any_of(elements.begin(), elements.end(), [holds](const Variant& element) {
     const Tracked* tracked = TrackedIn(element);
-    return tracked != nullptr && tracked->TouchedWithin();
+    return tracked != nullptr && (tracked->*holds)();
   });
 }
 

@@ -8,7 +8,7 @@
 
 namespace qdclgl {
 
-class Vector final : public Tracked {
+class Vector : public Tracked {
   QD_MEMBERS(Vector, Object, Creatable, "An indexed list of values.")
 
  public:
@@ -26,7 +26,9 @@ class Vector final : public Tracked {
              DefaultMember)
   QD_METHOD(Ref<Vector>, Clone, (), "A shallow copy, unmodified, with the same lower bound.")
 
-  Vector() : Tracked(Container::kVector) {}
+  static constexpr Container kContainer = Container::kVector;
+
+  Vector() : Tracked(kContainer) {}
 
   std::size_t size() const { return elements_.size(); }
   const Variant& at(std::size_t offset) const { return elements_[offset]; }
@@ -34,7 +36,7 @@ class Vector final : public Tracked {
   const Variant& Find(Long index) const { return elements_[Offset(index, elements_.size())]; }
 
   // A copy in which each object is what `copy_object` makes of it; see Dictionary::CopyWith.
-  Ref<Vector> CopyWith(Variant (*copy_object)(const Variant&)) const;
+  virtual Ref<Vector> CopyWith(Variant (*copy_object)(const Variant&)) const;
 
  private:
   std::span<const Variant> Elements() const override { return elements_; }

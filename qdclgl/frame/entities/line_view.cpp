@@ -1,6 +1,7 @@
 #include "qdclgl/frame/entities/line_view.h"
 
 #include "qdclgl/frame/containers/deep_copy.h"
+#include "qdclgl/frame/objects/nesting.h"
 #include "qdclgl/frame/objects/variant_kind.h"
 
 namespace qdclgl {
@@ -10,13 +11,6 @@ namespace qdclgl {
 Boolean LineView::Modified() const { return Bag().ChangeFlag()->Modified(); }
 
 // ---- LineListBase ----
-
-namespace {
-
-// More lines than any document has, and fewer than fill the memory.
-constexpr Long kMostLines = 1'000'000;
-
-}  // namespace
 
 void LineListBase::Attach(const Ref<Vector>& vector, const Ref<ChangeFlag>& flag) {
   m_Vector = vector;
@@ -29,7 +23,7 @@ const Ref<Vector>& LineListBase::Lines() const {
 }
 
 void LineListBase::Add(Variant index) {
-  if (Count() >= kMostLines) RaiseError(error_number::kOverflow);
+  if (Count() >= kMostElements) RaiseError(error_number::kOverflow);
   if (index.IsMissing()) {
     Lines()->Append(Variant(Make<Dictionary>()));
   } else {
@@ -50,7 +44,7 @@ Long LineListBase::Count() const { return Lines()->Count(); }
 
 void LineListBase::Count(Long value) {
   if (value < 0) RaiseError(error_number::kSubscriptOutOfRange);
-  if (value > kMostLines && value > Count()) RaiseError(error_number::kOverflow);
+  if (value > kMostElements && value > Count()) RaiseError(error_number::kOverflow);
   const Ref self(this);
   while (Count() < value) Lines()->Append(Variant(Make<Dictionary>()));
   m_Flag->Modified(true);

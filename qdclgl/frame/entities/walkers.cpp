@@ -4,6 +4,15 @@
 
 namespace qdclgl {
 
+namespace {
+
+[[noreturn]] void HasNoEnd() {
+  throw Error(error_number::kOverflow, "QDCLGL",
+              "The recordset has more than " + std::to_string(kMostElements) + " rows.");
+}
+
+}  // namespace
+
 void WalkRecordset::Attach(const Ref<Recordset>& Rs) {
   constexpr Long kLockTypeAsItIs = -1;
   m_Rs = Rs->Clone(kLockTypeAsItIs);
@@ -12,21 +21,34 @@ void WalkRecordset::Attach(const Ref<Recordset>& Rs) {
 
 void WalkRecordset::Next(Variant& Item, Boolean& Done) {
   const CallingOut out(this);
-  if (m_Rs->Eof()) return;
+  if (IsAtEnd()) return;
   Item = Variant(OnCreateObject(RowToDictionary(m_Rs)));
-  m_Rs->MoveNext();
+  Pass();
   Done = true;
 }
 
 void WalkRecordset::Skip(Boolean& Done) {
   const CallingOut out(this);
-  if (m_Rs->Eof()) return;
-  m_Rs->MoveNext();
+  if (IsAtEnd()) return;
+  Pass();
   Done = true;
 }
 
 void WalkRecordset::Reset() {
+  const CallingOut out(this);
   if (!(m_Rs->Eof() && m_Rs->Bof())) m_Rs->MoveFirst();
+  m_Passed = 0;
+}
+
+bool WalkRecordset::IsAtEnd() const {
+  if (m_Rs->Eof()) return true;
+  if (m_Passed >= kMostElements && m_Passed >= m_Rs->RecordCount()) HasNoEnd();
+  return false;
+}
+
+void WalkRecordset::Pass() {
+  m_Rs->MoveNext();
+  ++m_Passed;
 }
 
 Ref<Dictionary> RowAt(const Ref<Vector>& vector, Long index) {
@@ -40,7 +62,10 @@ Ref<Dictionary> RowAt(const Ref<Vector>& vector, Long index) {
 Ref<Vector> RecordsetToVector(const Ref<Recordset>& rs) {
   auto rows = Make<Vector>();
   const Ref<Recordset> held = rs;
-  for (; !held->Eof(); held->MoveNext()) rows->Append(Variant(RowToDictionary(held)));
+  for (; !held->Eof(); held->MoveNext()) {
+    if (rows->Count() == kMostElements) HasNoEnd();
+    rows->Append(Variant(RowToDictionary(held)));
+  }
   return rows;
 }
 

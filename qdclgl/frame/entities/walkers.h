@@ -10,7 +10,8 @@
 namespace qdclgl {
 
 // Runs over the rows of a recordset with a cursor of its own, from the first row on, wherever the
-// given cursor stands. What is made of a row is the heir's.
+// given cursor stands. What is made of a row is the heir's. Error 6 behind more rows than both
+// kMostElements and the recordset's count: a recordset of others may have no end.
 class WalkRecordset : public IWalkVariant {
  public:
   void Attach(const Ref<Recordset>& Rs);
@@ -23,7 +24,11 @@ class WalkRecordset : public IWalkVariant {
   virtual Ref<Object> OnCreateObject(const Ref<Dictionary>& Dict) = 0;
 
  private:
+  bool IsAtEnd() const;
+  void Pass();
+
   Ref<Recordset> m_Rs;
+  Long m_Passed = 0;
 };
 
 // Makes an `Entity` of each row with Construct(row, transaction context).
@@ -107,7 +112,7 @@ class VectorWalker final : public IWalkVariant {
 };
 
 // The rows from the cursor on as a new Vector of Dictionaries; leaves the cursor behind the last
-// row.
+// row. Error 6 for more than kMostElements rows.
 Ref<Vector> RecordsetToVector(const Ref<Recordset>& rs);
 
 }  // namespace qdclgl

@@ -227,6 +227,7 @@ BoundCall ClassTable::Bind(const ClassMember& member, CallKind kind,
 // ---- What every object does with its table ----
 
 Variant Object::Invoke(std::string_view name, CallKind kind, std::span<Argument> arguments) {
+  CheckThread();
   const ClassTable* members = Members();
   if (members == nullptr) {
     throw Error(error_number::kMemberNotFound, std::string(ClassName()),
@@ -236,6 +237,7 @@ Variant Object::Invoke(std::string_view name, CallKind kind, std::span<Argument>
 }
 
 Variant Object::DefaultValue() {
+  CheckThread();
   const ClassTable* members = Members();
   const ClassMember* member = members != nullptr ? members->default_member() : nullptr;
   if (member == nullptr || !member->parameters.empty()) {

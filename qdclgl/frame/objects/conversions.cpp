@@ -228,7 +228,8 @@ double NumberIn(const Variant& value) {
     case VariantType::kObject: return NumberIn(DefaultValueOf(value));
     case VariantType::kNull:
     case VariantType::kMissing:
-    case VariantType::kByteArray: break;
+    case VariantType::kByteArray:
+    case VariantType::kError: break;
   }
   Mismatch();
 }
@@ -335,7 +336,8 @@ String CStr(const Variant& value) {
     case VariantType::kByteArray: return TextOfBytes(value.BytesView());
     case VariantType::kObject: return CStr(DefaultValueOf(value));
     case VariantType::kNull:
-    case VariantType::kMissing: break;
+    case VariantType::kMissing:
+    case VariantType::kError: break;
   }
   Mismatch();
 }
@@ -351,7 +353,8 @@ bool HasEmptyText(const Variant& value) {
   switch (value.Type()) {
     case VariantType::kEmpty:
     case VariantType::kNull: return true;
-    case VariantType::kMissing: Mismatch();
+    case VariantType::kMissing:
+    case VariantType::kError: Mismatch();
     case VariantType::kByteArray: return value.BytesView().size() < 2;
     case VariantType::kObject: return HasEmptyText(DefaultValueOf(value));
     default: return false;
@@ -403,7 +406,9 @@ std::partial_ordering Compare(const Variant& left, const Variant& right) {
     return Compare(first_value, second.IsObject() ? DefaultValueOf(second) : second);
   }
   const auto refuse = [](const Variant& value) {
-    if (value.IsMissing() || value.Is(VariantType::kByteArray)) Mismatch();
+    if (value.IsMissing() || value.Is(VariantType::kByteArray) || value.Is(VariantType::kError)) {
+      Mismatch();
+    }
   };
   refuse(left);
   refuse(right);

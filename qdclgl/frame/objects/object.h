@@ -1,7 +1,8 @@
 // Objects: counted by reference, called by name.
 //
-// An object belongs to one thread (its apartment), so its count is a plain number. `Ref<T>` is the
-// one owner; a null Ref is automation's Nothing, and using it is error 91 in every build.
+// An object belongs to the thread that made it (its apartment), so its count is a plain number. A
+// late-bound call on any other thread is refused. `Ref<T>` is the one owner; a null Ref is
+// automation's Nothing, and using it is error 91 in every build.
 #pragma once
 
 #include <cstdint>
@@ -91,6 +92,18 @@ constexpr bool Includes(CallKind kinds, CallKind kind) {
   return (static_cast<unsigned>(kinds) & static_cast<unsigned>(kind)) != 0;
 }
 
+namespace detail {
+
+// A number for each thread, never 0. It has 16 bits: the 65,536th thread behind another passes for
+// it, which lets a wrong call through and never refuses a right one.
+inline constinit thread_local std::uint16_t thread_number = 0;
+std::uint16_t NumberThisThread() noexcept;
+inline std::uint16_t ThisThread() noexcept {
+  return thread_number != 0 ? thread_number : NumberThisThread();
+}
+
+}  // namespace detail
+
 class Object {
  public:
   Object(const Object&) = delete;
@@ -103,6 +116,15 @@ class Object {
 
   bool IsShared() const { return references_ > 1; }
 
+  // Whether the object was made by the thread that asks.
+  bool IsOfThisThread() const { return thread_ == detail::ThisThread(); }
+  // Raises kWrongThread, with words, on any other thread.
+  void CheckThread() const {
+    if (!IsOfThisThread()) [[unlikely]] {
+      RaiseWrongThread();
+    }
+  }
+
   // The class name as callers know it.
   virtual std::string_view ClassName() const = 0;
 
@@ -112,8 +134,8 @@ class Object {
   // Calls the member `name` (case is ignored; the body stands with the class table). Positional
   // arguments come first, named ones behind; the value of a let or set is the last positional one.
   // Errors: 438 no such member or not usable this way, 448 no such named argument, 449 a needed
-  // argument is left out, 450 wrong count, 13 an argument of the wrong type, and what the member
-  // raises.
+  // argument is left out, 450 wrong count, 13 an argument of the wrong type, kWrongThread on
+  // another thread than the object's, and what the member raises.
   virtual Variant Invoke(std::string_view name, CallKind kind, std::span<Argument> arguments);
 
   // The value of the default member, which stands for the object where a plain value is needed.
@@ -137,7 +159,8 @@ class Object {
   Container container() const { return container_; }
 
  protected:
-  explicit Object(Container container = Container::kNone) : container_(container) {}
+  explicit Object(Container container = Container::kNone)
+      : thread_(detail::ThisThread()), container_(container) {}
   virtual ~Object() = default;
 
   // How many references are held.
@@ -147,9 +170,11 @@ class Object {
   // Ends the object. What it holds ends with it, however deep that is nested: beyond a bound an
   // object waits until those above it are gone.
   void Free() const;
+  [[noreturn]] [[gnu::cold]] void RaiseWrongThread() const;
 
   mutable std::uint32_t references_ = 0;
-  Container container_;
+  const std::uint16_t thread_;
+  const Container container_;
 };
 
 }  // namespace qdclgl

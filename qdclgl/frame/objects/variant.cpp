@@ -28,15 +28,15 @@ struct Blob {
 }  // namespace
 
 std::string_view TypeName(VariantType type) {
-  constexpr std::array<std::string_view, 15> kNames = {
-      "Empty",  "Null",     "Missing", "Boolean", "Byte",   "Integer", "Long",      "Single",
-      "Double", "Currency", "Date",    "Decimal", "String", "Object",  "Byte array"};
+  constexpr std::array<std::string_view, 16> kNames = {
+      "Empty",  "Null",     "Missing", "Boolean", "Byte",   "Integer", "Long",       "Single",
+      "Double", "Currency", "Date",    "Decimal", "String", "Object",  "Byte array", "Error"};
   return kNames[static_cast<std::size_t>(type)];
 }
 
 Variant::Variant(const Decimal& value) : Variant(Tag::kDecimal, WordOf(value.low())) {
   head_ |= InByte(1, static_cast<unsigned char>(value.scale())) |
-           InByte(2, value.negative() ? 1 : 0) | std::uint64_t{value.high()} << kDecimalShift;
+           InByte(2, value.negative() ? 1 : 0) | std::uint64_t{value.high()} << kHighPartShift;
 }
 
 Variant::Variant(std::string_view text) : Variant(Tag::kShortText) {
@@ -50,7 +50,9 @@ Variant::Variant(std::string_view text) : Variant(Tag::kShortText) {
 }
 
 Variant::Variant(Bytes bytes)
-    : Variant(Tag::kByteArray, WordOf(Blob::Create(bytes.data.data(), bytes.data.size()))) {}
+    : Variant(Tag::kByteArray, WordOf(Blob::Create(bytes.data.data(), bytes.data.size()))) {
+  head_ |= std::uint64_t{static_cast<std::uint32_t>(bytes.lower_bound)} << kHighPartShift;
+}
 
 VariantType Variant::Type() const {
   switch (tag()) {
@@ -59,6 +61,7 @@ VariantType Variant::Type() const {
     case Tag::kNothing:
     case Tag::kObject: return VariantType::kObject;
     case Tag::kByteArray: return VariantType::kByteArray;
+    case Tag::kError: return VariantType::kError;
     default: return static_cast<VariantType>(tag());
   }
 }

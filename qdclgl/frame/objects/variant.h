@@ -34,6 +34,7 @@ enum class VariantType : std::uint8_t {
   kString,
   kObject,  // Nothing included
   kByteArray,
+  kError,  // a result code as a value
 };
 
 // "Long", "String", ... as error texts and logs name a type.
@@ -51,9 +52,15 @@ inline constexpr NullValue Null;
 inline constexpr MissingValue Missing;
 inline constexpr NothingValue Nothing;
 
-// A byte array's content, to tell it from text.
+// A byte array's content, to tell it from text. The bound is the index of the first byte, which
+// callers may have chosen.
 struct Bytes {
   std::span<const std::uint8_t> data;
+  Long lower_bound = 0;
+};
+// A result code as a value. It converts to nothing and compares with nothing (error 13).
+struct ErrorValue {
+  std::int32_t code;
 };
 
 class Variant {
@@ -76,6 +83,7 @@ class Variant {
   Variant(const std::string& text) : Variant(std::string_view(text)) {}
   Variant(const char* text) : Variant(std::string_view(text)) {}
   Variant(Bytes bytes);
+  Variant(ErrorValue error) : Variant(Tag::kError, WordOf(error.code)) {}
   Variant(Object* object)
       : Variant(object != nullptr ? Tag::kObject : Tag::kNothing, WordOf(object)) {
     if (object != nullptr) object->AddRef();
@@ -121,7 +129,11 @@ class Variant {
 
   // A String's text, valid while this value is alive and unchanged.
   std::string_view TextView() const;
+  // A byte array's content and its bound, likewise.
   std::span<const std::uint8_t> BytesView() const;
+  Long BytesLowerBound() const { return static_cast<Long>(head_ >> kHighPartShift); }
+  // For a value of type kError.
+  std::int32_t ErrorCode() const { return Content<std::int32_t>(); }
   // The object, null for Nothing; for a value that IsObject().
   Object* ObjectPointer() const { return tag() == Tag::kObject ? Content<Object*>() : nullptr; }
 
@@ -151,13 +163,14 @@ class Variant {
     kDecimal,
     kShortText,
     kNothing,
+    kError,
     kLongText,
     kByteArray,
     kObject,
   };
   static constexpr std::size_t kShortTextMax = 14;
   static constexpr std::size_t kTextOffset = 2;
-  static constexpr unsigned kDecimalShift = std::endian::native == std::endian::little ? 32 : 0;
+  static constexpr unsigned kHighPartShift = std::endian::native == std::endian::little ? 32 : 0;
 
   explicit Variant(Tag tag, std::int64_t content = 0)
       : head_(InByte(0, static_cast<unsigned char>(tag))), content_(content) {}
@@ -206,7 +219,8 @@ class Variant {
 
   // Two words, which travel in registers. In memory: [0] the tag; a short text's length at [1] and
   // its bytes from [2] through both words; a decimal's scale and sign at [1] and [2] and its high
-  // part from [4]. What else there is lies in the second word.
+  // part from [4], where a byte array has its lower bound. What else there is lies in the second
+  // word.
   // The words differ in type: of two of one type g++ makes one read of 16 bytes, which has to wait
   // for the two writes when the value was only just made.
   std::uint64_t head_;
@@ -237,7 +251,7 @@ T Variant::Held() const {
   } else if constexpr (std::is_same_v<T, DateTime>) {
     return DateTime(Content<double>());
   } else if constexpr (std::is_same_v<T, Decimal>) {
-    return Decimal(static_cast<std::uint32_t>(head_ >> kDecimalShift), Content<std::uint64_t>(),
+    return Decimal(static_cast<std::uint32_t>(head_ >> kHighPartShift), Content<std::uint64_t>(),
                    ByteOf(head_, 1), ByteOf(head_, 2) != 0);
   } else if constexpr (std::is_same_v<T, String>) {
     return String(TextView());

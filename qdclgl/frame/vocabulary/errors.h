@@ -16,6 +16,7 @@ namespace error_number {
 
 inline constexpr std::int32_t kInvalidCall = 5;  // bad key, index or position; row not found
 inline constexpr std::int32_t kOverflow = 6;
+inline constexpr std::int32_t kOutOfMemory = 7;  // also a copy beyond its bound
 inline constexpr std::int32_t kSubscriptOutOfRange = 9;
 inline constexpr std::int32_t kTypeMismatch = 13;
 inline constexpr std::int32_t kOutOfStackSpace = 28;
@@ -24,6 +25,7 @@ inline constexpr std::int32_t kInvalidPropertyValue = 380;
 inline constexpr std::int32_t kPropertyNotSettable = 387;
 inline constexpr std::int32_t kCannotCreateObject = 429;
 inline constexpr std::int32_t kMemberNotFound = 438;
+inline constexpr std::int32_t kAutomationError = 440;  // a foreign failure without a number
 inline constexpr std::int32_t kNamedArgumentNotFound = 448;
 inline constexpr std::int32_t kArgumentNotOptional = 449;
 inline constexpr std::int32_t kWrongArgumentCount = 450;
@@ -32,6 +34,8 @@ inline constexpr std::int32_t kBadArguments = 3001;  // a recordset's refused ar
 inline constexpr std::int32_t kNoCurrentRow = 3021;
 inline constexpr std::int32_t kFieldNotFound = 3265;
 inline constexpr std::int32_t kObjectClosed = 3704;
+// The platform's code for a call on another thread than the object's.
+inline constexpr auto kWrongThread = static_cast<std::int32_t>(0x8001010Eu);
 
 // Errors of the library's own: the automation base for object errors plus a code.
 constexpr std::int32_t Own(std::uint32_t code) {

@@ -8,6 +8,9 @@ namespace {
 
 constexpr char32_t kReplacement = 0xFFFD;
 
+constexpr bool IsHighSurrogate(char32_t c) { return c >= 0xD800 && c <= 0xDBFF; }
+constexpr bool IsLowSurrogate(char32_t c) { return c >= 0xDC00 && c <= 0xDFFF; }
+
 struct Decoded {
   char32_t character = kReplacement;
   std::size_t length = 1;
@@ -26,10 +29,7 @@ Decoded DecodeUtf8(std::string_view text, std::size_t position) {
     character = character << 6 | (byte(i) & 0x3F);
   }
   constexpr char32_t kSmallest[] = {0, 0, 0x80, 0x800, 0x10000};
-  if (character < kSmallest[length] || character > 0x10FFFF ||
-      (character >= 0xD800 && character <= 0xDFFF)) {
-    return {};
-  }
+  if (character < kSmallest[length] || character > 0x10FFFF) return {};
   return {character, length, true};
 }
 
@@ -110,15 +110,26 @@ std::string FromUtf16(std::u16string_view text) {
   result.reserve(text.size());
   for (std::size_t i = 0; i < text.size(); ++i) {
     char32_t character = text[i];
-    const bool high = character >= 0xD800 && character <= 0xDBFF;
-    if (high && i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] <= 0xDFFF) {
+    if (IsHighSurrogate(character) && i + 1 < text.size() && IsLowSurrogate(text[i + 1])) {
       character = 0x10000 + ((character - 0xD800) << 10) + (text[++i] - 0xDC00u);
-    } else if (character >= 0xD800 && character <= 0xDFFF) {
-      character = kReplacement;
     }
     AppendUtf8(result, character);
   }
   return result;
+}
+
+bool IsUtf8(std::string_view text) {
+  for (std::size_t i = 0; i < text.size();) {
+    if (static_cast<unsigned char>(text[i]) < 0x80) {
+      ++i;
+      continue;
+    }
+    const Decoded decoded = DecodeUtf8(text, i);
+    const char32_t character = decoded.character;
+    if (!decoded.valid || IsHighSurrogate(character) || IsLowSurrogate(character)) return false;
+    i += decoded.length;
+  }
+  return true;
 }
 
 std::string ToUpper(std::string_view text) {

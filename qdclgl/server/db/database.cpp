@@ -18,12 +18,7 @@
 namespace qdclgl::server {
 
 bool IsStorable(std::string_view text) {
-  bool is_ascii = true;
-  for (const char c : text) {
-    if (c == '\0') return false;
-    is_ascii = is_ascii && static_cast<unsigned char>(c) < 0x80;
-  }
-  return is_ascii || FromUtf16(ToUtf16(text)) == text;
+  return text.find('\0') == std::string_view::npos && IsUtf8(text);
 }
 
 namespace {

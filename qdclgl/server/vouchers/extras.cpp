@@ -49,7 +49,8 @@ Json ToJson(const Variant& value, int depth) {
     case VariantType::kDate: return {{"Date", CStr(value)}};
     case VariantType::kString: return CStr(value);
     case VariantType::kObject: break;
-    case VariantType::kByteArray: RaiseError(error_number::kTypeMismatch);
+    case VariantType::kByteArray:
+    case VariantType::kError: RaiseError(error_number::kTypeMismatch);
   }
   if (value.IsNothing()) return nullptr;
   Object* object = qdclgl::detail::ObjectIn(value);

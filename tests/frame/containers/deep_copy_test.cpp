@@ -43,7 +43,31 @@ Ref<Vector> List(std::initializer_list<Variant> elements) {
 std::string Text(const Ref<Dictionary>& row) { return StateText(Variant(row)); }
 std::string Text(const Ref<Vector>& list) { return StateText(Variant(list)); }
 
+// A row that has its content from elsewhere and copies what is there now.
+class Mirror final : public Dictionary {
+ public:
+  explicit Mirror(Ref<Dictionary> source) : source_(std::move(source)) {}
+  Ref<Dictionary> CopyWith(Variant (*copy_object)(const Variant&)) const override {
+    return source_->CopyWith(copy_object);
+  }
+
+ private:
+  Ref<Dictionary> source_;
+};
+
 // ---- CloneDictionary ----
+
+TEST(CloneDictionary, AnHeirOfADictionaryIsOneAndCopiesItselfItsOwnWay) {
+  const auto source = Row({{"a", Long{1}}});
+  const Variant mirror = Make<Mirror>(source);
+  const auto outer = Row({{"inner", mirror}});
+  EXPECT_EQ(mirror.As<Dictionary>(), Ref<Dictionary>(mirror.As<Mirror>()));
+  source->Put("a", Long{2});
+  EXPECT_EQ(Text(CloneDictionary(mirror.As<Dictionary>())), "{a: 2}");
+  EXPECT_EQ(Text(CloneDictionary(outer)), "{inner: {a: 2}}");
+  EXPECT_EQ(Text(mirror.As<Dictionary>()->Clone()), "{a: 2}");
+  EXPECT_EQ(Text(CloneVector(List({mirror}))), "[1: {a: 2}]");
+}
 
 TEST(CloneDictionary, OfNothingIsNothing) { EXPECT_EQ(CloneDictionary(Nothing), nullptr); }
 

@@ -376,6 +376,24 @@ TEST(DictionaryTracking, AnOwnersResetLeavesTheRowsOwnStateAlone) {
   EXPECT_TRUE(tree.leaf->Modified());
 }
 
+TEST(DictionaryTracking, AFilledRowTellsOfWritesBehindItsFillingAlone) {
+  const auto inner = Make<Dictionary>();
+  inner->Value("a", Long{1});
+  inner->EndFilling();
+  const auto outer = Make<Dictionary>();
+  outer->Value("inner", Variant(inner));
+  EXPECT_FALSE(outer->WrittenWithin()) << "it was not filled";
+  outer->EndFilling();
+  EXPECT_FALSE(outer->WrittenWithin());
+  EXPECT_FALSE(outer->Modified());
+  EXPECT_FALSE(outer->TouchedWithin());
+  inner->Value("a", Long{2});
+  EXPECT_TRUE(outer->WrittenWithin());
+  outer->SetTrackState(1);
+  EXPECT_FALSE(outer->Modified());
+  EXPECT_TRUE(outer->WrittenWithin()) << "what a view resets is another record";
+}
+
 TEST(DictionaryTracking, ARowTakenOutOfTheTreeNoLongerCounts) {
   const Tree tree(1);
   tree.root->Value("child", Nothing);

@@ -76,7 +76,47 @@ Ref<Child> NextChild(const Ref<Enumerator>& enumerator) {
   return enumerator->Next(item) ? item.As<Child>() : nullptr;
 }
 
+// A recordset of others that has no end, and tells some number of rows.
+class Endless final : public Recordset {
+ public:
+  explicit Endless(Long told) : told_(told) {}
+  Ref<Recordset> Clone(Long) override { return Ref<Recordset>(this); }
+  void MoveFirst() override {}
+  void MoveNext() override { ++moved_; }
+  Boolean Bof() const override { return false; }
+  Boolean Eof() const override { return false; }
+  Long RecordCount() const override { return told_; }
+  Ref<Dictionary> Row() const override { return Make<Dictionary>(); }
+
+  int moved() const { return moved_; }
+
+ private:
+  Long told_;
+  int moved_ = 0;
+};
+
+constexpr std::string_view kNoEnd = "error 6 (QDCLGL): The recordset has more than 1000000 rows.";
+
 // ---- Recordset walkers ----
+
+TEST(WalkRecordset, ARecordsetWithoutEndIsAnErrorBehindTheRowsThatItMayHave) {
+  for (const Long told : {-1, 0, 2'000'000}) {
+    const auto rows = Make<Endless>(told);
+    const Ref<Enumerator> walk = SetOf(rows)->NewEnum();
+    EXPECT_EQ(ErrorOf([&] { walk->Skip(INT32_MAX); }), kNoEnd);
+    EXPECT_EQ(rows->moved(), told > 0 ? told : 1'000'000);
+    Variant item;
+    EXPECT_EQ(ErrorOf([&] { walk->Next(item); }), kNoEnd);
+    walk->Reset();
+    EXPECT_TRUE(walk->Next(item));
+  }
+}
+
+TEST(RecordsetToVector, ARecordsetWithoutEndIsAnError) {
+  const auto rows = Make<Endless>(INT32_MAX);
+  EXPECT_EQ(ErrorOf([&] { RecordsetToVector(rows); }), kNoEnd);
+  EXPECT_EQ(rows->moved(), 1'000'000);
+}
 
 TEST(EntityWalker, MakesAnEntityOfEachRowWithoutAServerCall) {
   RecordingServer server;

@@ -123,7 +123,8 @@ TEST(Conversions, EveryTypeConvertsToEveryType) {
 
 TEST(Conversions, WhatHasNoFormOfTheWantedTypeRaisesTypeMismatch) {
   const std::string mismatch = "error 13";
-  for (const Variant& value : {Variant(Null), Variant(Missing), Variant(Nothing)}) {
+  for (const Variant& value :
+       {Variant(Null), Variant(Missing), Variant(Nothing), Variant(ErrorValue{5})}) {
     EXPECT_EQ(AllConversions(value), Repeated(mismatch, 10)) << StateText(value);
   }
   EXPECT_EQ(AllConversions("abc"), Repeated(mismatch, 9) + ", \"abc\"");
@@ -501,6 +502,7 @@ TEST(Conversions, TheTextOfADateReadsBackAsTheDate) {
 TEST(Conversions, CstrOfAByteArrayIsTheUtf16TextOfItsBytes) {
   constexpr std::uint8_t wide[] = {0x2d, 0x4e, 'a', 0, 0x3d, 0xd8, 0x00, 0xde};
   EXPECT_EQ(CStr(Bytes{wide}), "中a\xF0\x9F\x98\x80");
+  EXPECT_EQ(CStr(Bytes{std::span(wide).first(6)}), "中a\xED\xA0\xBD");
   EXPECT_EQ(CStr(Bytes{kOneByte}), "");
   EXPECT_EQ(CStr(Bytes{}), "");
 }
@@ -732,8 +734,9 @@ TEST(Compare, AnObjectStandsForItsDefaultMember) {
             "error 438 (Opaque): The object has no default value.");
 }
 
-TEST(Compare, MissingNothingAndByteArraysRaiseTypeMismatch) {
-  for (const Variant& refused : {Variant(Missing), Variant(Nothing), Variant(Bytes{kTextBytes})}) {
+TEST(Compare, MissingNothingByteArraysAndErrorsRaiseTypeMismatch) {
+  for (const Variant& refused :
+       {Variant(Missing), Variant(Nothing), Variant(Bytes{kTextBytes}), Variant(ErrorValue{5})}) {
     for (const Variant& value : {Variant(), Variant(Null), Variant(Long{1}), Variant(1.5),
                                  Variant("a"), Variant(DateTime(1)), Variant(Missing), refused}) {
       EXPECT_EQ(Order(refused, value), "error 13") << StateText(refused) << StateText(value);

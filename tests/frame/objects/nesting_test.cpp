@@ -134,6 +134,47 @@ TEST(Nesting, TheLevelsAreGivenBackBehindAnError) {
   EXPECT_EQ(ErrorOf([&] { CloneDictionary(deep); }), "no error");
 }
 
+// A row that holds itself in no place, but each level of it twice: `levels` rows with a copy of
+// 2^levels ones.
+Ref<Dictionary> Doubling(int levels) {
+  auto row = Row({});
+  for (int i = 0; i < levels; ++i) row = Row({{"a", Variant(row)}, {"b", Variant(row)}});
+  return row;
+}
+
+constexpr std::string_view kTooMany = "error 7 (QDCLGL): A copy has more than 4000000 objects.";
+
+TEST(Nesting, ACopyThatDoublesAtEachLevelIsAnError) {
+  EXPECT_EQ(ErrorOf([] { CloneDictionary(Doubling(60)); }), kTooMany);
+  const auto list = Make<Vector>();
+  list->Append(Variant(Doubling(60)));
+  EXPECT_EQ(ErrorOf([&] { CloneVector(list); }), kTooMany);
+}
+
+TEST(Nesting, ACopyOfObjectsThatHoldEachOtherTwiceIsAnError) {
+  testing::RecordingServer server;
+  const auto voucher_over = [](const Ref<Object>& held) {
+    const auto voucher = Make<Voucher>();
+    voucher->Construct(Row({{"FVoucherID", 5}}), Nothing);
+    for (const std::string_view key : {"a", "b"}) {
+      voucher->Properties()->Dictionary()->Put(key, Variant(held));
+    }
+    return voucher;
+  };
+  Ref<Voucher> voucher = voucher_over(Nothing);
+  for (int i = 0; i < 40; ++i) voucher = voucher_over(voucher);
+  EXPECT_EQ(ErrorOf([&] { voucher->Clone(); }), kTooMany);
+  EXPECT_EQ(voucher->VoucherID(), 5);
+}
+
+TEST(Nesting, TheSizeOfACopyIsCountedAnewForEachCopy) {
+  const Ref<Dictionary> row = Doubling(20);  // 2,097,151 rows
+  EXPECT_EQ(ErrorOf([&] { CloneDictionary(row); }), "no error");
+  EXPECT_EQ(ErrorOf([&] { CloneDictionary(row); }), "no error");
+  EXPECT_EQ(ErrorOf([] { CloneDictionary(Doubling(21)); }), kTooMany);
+  EXPECT_EQ(ErrorOf([&] { CloneDictionary(row); }), "no error");
+}
+
 // ---- Calls out ----
 
 TEST(Nesting, ARefreshWithinARefreshWithoutEndIsAnError) {

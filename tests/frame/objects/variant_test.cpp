@@ -83,6 +83,7 @@ TEST(Variant, TellsItsType) {
       {Make<Opaque>(), VariantType::kObject},
       {Ref<Opaque>(), VariantType::kObject},
       {Bytes{kThreeBytes}, VariantType::kByteArray},
+      {ErrorValue{5}, VariantType::kError},
   };
   for (const auto& [value, type] : cases) {
     EXPECT_EQ(value.Type(), type) << StateText(value);
@@ -92,6 +93,24 @@ TEST(Variant, TellsItsType) {
     EXPECT_EQ(value.IsMissing(), type == VariantType::kMissing) << StateText(value);
     EXPECT_EQ(value.IsString(), type == VariantType::kString) << StateText(value);
     EXPECT_EQ(value.IsObject(), type == VariantType::kObject) << StateText(value);
+  }
+}
+
+TEST(Variant, AByteArrayKeepsItsLowerBound) {
+  for (const Long bound : {0, 1, -1, INT32_MAX, INT32_MIN}) {
+    const Variant value = Bytes{kThreeBytes, bound};
+    const Variant copy = value;
+    EXPECT_EQ(copy.BytesLowerBound(), bound);
+    EXPECT_EQ(copy.BytesView().size(), 3u);
+  }
+}
+
+TEST(Variant, AnErrorValueKeepsItsCode) {
+  for (const std::int32_t code : {0, 5, -1, INT32_MIN}) {
+    const Variant value = ErrorValue{code};
+    const Variant copy = value;
+    EXPECT_EQ(copy.ErrorCode(), code);
+    EXPECT_TRUE(copy.IsPlain());
   }
 }
 
@@ -111,6 +130,7 @@ TEST(Variant, NamesItsTypes) {
   EXPECT_EQ(TypeName(VariantType::kString), "String");
   EXPECT_EQ(TypeName(VariantType::kObject), "Object");
   EXPECT_EQ(TypeName(VariantType::kByteArray), "Byte array");
+  EXPECT_EQ(TypeName(VariantType::kError), "Error");
 }
 
 TEST(Variant, HoldsJustItsOwnType) {

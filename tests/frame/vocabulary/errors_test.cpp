@@ -40,6 +40,7 @@ TEST(Errors, NumbersAreThoseThatCallersKnow) {
       {error_number::kNoCurrentRow, 3021},
       {error_number::kFieldNotFound, 3265},
       {error_number::kObjectClosed, 3704},
+      {error_number::kWrongThread, 0x8001010E - 0x100000000},
       {error_number::kUnknownProfileCategory, 0x80044000 - 0x100000000},
       {error_number::kSystemFieldNotRemovable, 0x80044042 - 0x100000000},
       {error_number::kNoClassOrType, 0x80044104 - 0x100000000},

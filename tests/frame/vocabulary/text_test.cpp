@@ -13,7 +13,11 @@ using namespace std::string_literals;
 // One of a kind that begins no character, and characters cut short.
 const std::string kMalformed[] = {"\x80"s,         "\xC3"s,     "\xE4\xB8"s,
                                   "\xF0\x9F\x98"s, "\xC0\x80"s, "\xE0\x80\x80"s,
-                                  "\xED\xA0\x80"s, "\xFF"s,     "\xF4\x90\x80\x80"s};
+                                  "\xFF"s,         "\xED\xA0"s, "\xF4\x90\x80\x80"s};
+
+const std::u16string kHigh(1, 0xD83D), kLow(1, 0xDE00);
+const std::string kHighBytes = "\xED\xA0\xBD", kLowBytes = "\xED\xB8\x80";
+const std::string kWhole = "\xF0\x9F\x98\x80";
 
 // ---- Utf16Length ----
 
@@ -44,7 +48,6 @@ TEST(Utf16Length, CountsEachMalformedByteAsOne) {
 
 TEST(Utf16, EveryCharacterSurvivesTheTrip) {
   for (char32_t character = 1; character <= 0x10FFFF; character += character < 0x11000 ? 1 : 257) {
-    if (character >= 0xD800 && character <= 0xDFFF) continue;
     std::u16string units;
     if (character < 0x10000) {
       units = {static_cast<char16_t>(character)};
@@ -72,14 +75,41 @@ TEST(Utf16, MalformedBytesBecomeReplacements) {
   }
 }
 
-TEST(Utf16, LoneSurrogatesBecomeReplacements) {
-  const std::u16string high(1, 0xD83D), low(1, 0xDE00);
-  const std::string replacement = "\xEF\xBF\xBD";
-  EXPECT_EQ(FromUtf16(high), replacement);
-  EXPECT_EQ(FromUtf16(low), replacement);
-  EXPECT_EQ(FromUtf16(high + u"a"), replacement + "a");
-  EXPECT_EQ(FromUtf16(low + high), replacement + replacement);
-  EXPECT_EQ(FromUtf16(high + high + low), replacement + "\xF0\x9F\x98\x80");
+TEST(Utf16, HalfACharacterGoesThroughInBothDirections) {
+  const std::pair<std::u16string, std::string> cases[] = {
+      {kHigh, kHighBytes},
+      {kLow, kLowBytes},
+      {kHigh + u"a", kHighBytes + "a"},
+      {kLow + kHigh, kLowBytes + kHighBytes},
+      {kHigh + kHigh + kLow, kHighBytes + kWhole},
+      {kHigh + kLow + kLow, kWhole + kLowBytes},
+  };
+  for (const auto& [units, text] : cases) {
+    EXPECT_EQ(FromUtf16(units), text);
+    EXPECT_EQ(ToUtf16(text), units);
+    EXPECT_EQ(Utf16Length(text), units.size());
+    EXPECT_EQ(ToUpper("a" + text), "A" + (text.ends_with("a") ? kHighBytes + "A" : text));
+  }
+}
+
+TEST(Utf16, TwoHalvesOfTwoTextsBecomeTheWholeCharacter) {
+  const std::string joined = FromUtf16(u"a" + kHigh) + FromUtf16(kLow + u"b");
+  EXPECT_EQ(Utf16Length(joined), 4u);
+  EXPECT_EQ(ToUtf16(joined), u"a" + kHigh + kLow + u"b");
+  EXPECT_EQ(FromUtf16(ToUtf16(joined)), "a" + kWhole + "b");
+}
+
+// ---- IsUtf8 ----
+
+TEST(IsUtf8, TellsItFromOtherBytesAndFromHalvesOfCharacters) {
+  for (const std::string& text : {""s, "a\0b"s, "tea \xE8\x8C\xB6 caf\xC3\xA9"s, kWhole}) {
+    EXPECT_TRUE(IsUtf8(text)) << text;
+  }
+  for (const std::string& text : kMalformed) EXPECT_FALSE(IsUtf8("a" + text + "b"));
+  for (const std::string& text : {"\xE9"s, "\xE0\x80\xAF"s, "\xF8\x88\x80\x80\x80"s, kHighBytes,
+                                  kLowBytes, kHighBytes + kLowBytes}) {
+    EXPECT_FALSE(IsUtf8(text));
+  }
 }
 
 // ---- ToUpper ----

@@ -47,6 +47,8 @@ TEST_P(SettingsTest, TextsAreKeptAsTheyAre) {
   EXPECT_EQ(RefusalOf([&] { Set("Base", "", "x"); }), "Required");
   EXPECT_EQ(RefusalOf([&] { Set("Base", std::string("a\0b", 3), "x"); }), "BadValue");
   EXPECT_EQ(RefusalOf([&] { Set("Base", "x", "\xFF"); }), "BadValue");
+  EXPECT_EQ(RefusalOf([&] { Set("Base", "x", "half \xED\xA0\xBD"); }), "BadValue");
+  EXPECT_EQ(RefusalOf([&] { Set("Base", "x", "\xED\xA0\xBD\xED\xB8\x80"); }), "BadValue");
   EXPECT_EQ(RefusalOf([&] { Set("Base", std::string(256, 'k'), "x"); }), "BadValue");
 }
 

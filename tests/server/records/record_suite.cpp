@@ -82,7 +82,8 @@ std::vector<Variant> UnfitFor(const Variant& value) {
     case VariantType::kSingle: return {"often", list, kNoNumber, 1e300};
     case VariantType::kDate:
       return {"someday", list, DateTime(1e10), DateTime(-1e10), DateTime(kNoNumber)};
-    default: return {std::string("a\0b", 3), "\xFF\xFE", list};
+    // Of the texts, the last is half a character.
+    default: return {std::string("a\0b", 3), "\xFF\xFE", "a\xED\xA0\xBD", list};
   }
 }
 
