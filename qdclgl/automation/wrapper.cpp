@@ -178,7 +178,6 @@ class Wrapper final : public IDispatch,
                                           DISPID* ids) override {
     if (iid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
     if (names == nullptr || ids == nullptr || count == 0) return E_INVALIDARG;
-    if (!object_->IsOfThisThread()) return RPC_E_WRONG_THREAD;
     const ClassMember* member =
         table_ != nullptr ? table_->Find(MemberName(names[0]).text()) : nullptr;
     ids[0] = member != nullptr ? IdOfMember(*member) : DISPID_UNKNOWN;

@@ -206,9 +206,9 @@ void References() {
 
   const auto year_in = [&]<class Whole>(VARTYPE type, Whole whole) {
     whole = 1;
-    const std::string text =
+    const std::string outcome =
         Text(Invoke(profile.get(), period, kRead, {day, Value::To(type, &whole)}));
-    return text == "I4 2" ? std::to_string(whole) : text;
+    return outcome == "I4 2" ? std::to_string(whole) : outcome;
   };
   Check(year_in(VT_I2, SHORT{}), "2024");
   Check(year_in(VT_UI2, USHORT{}), "2024");

@@ -55,6 +55,13 @@ void Arguments() {
   Check(Text(Invoke(list.get(), append, kRead, {first})), "80020005 at 0");
   Check(Text(Get(list, L"Count")), "I4 0");
 
+  TestCase("a call for no use that there is is refused as unknown");
+  Value item(1);
+  constexpr WORD kNone[] = {0, 16, 0xFFF0};
+  for (const WORD flags : kNone) {
+    Check(Text(Invoke(list.get(), append, flags, {*item})), "80020003");
+  }
+
   TestCase("of all types there are, those that a language has are taken and no other");
   std::string taken;
   std::set<std::string> refusals;
@@ -224,9 +231,6 @@ void Threads() {
 
   TestCase("an object that is called on another thread than its own refuses the call");
   Elsewhere([&] {
-    LPOLESTR name = const_cast<LPOLESTR>(L"Count");
-    DISPID id = 77;
-    Check(CodeText(fields->GetIDsOfNames(IID_NULL, &name, 1, 0, &id)), "8001010E");
     Check(Text(Invoke(fields.get(), count, kRead, {})), "8001010E");
     Value item;
     Com<IEnumVARIANT> clone;

@@ -66,7 +66,7 @@ TEST(CloneDictionary, AnHeirOfADictionaryIsOneAndCopiesItselfItsOwnWay) {
   EXPECT_EQ(Text(CloneDictionary(mirror.As<Dictionary>())), "{a: 2}");
   EXPECT_EQ(Text(CloneDictionary(outer)), "{inner: {a: 2}}");
   EXPECT_EQ(Text(mirror.As<Dictionary>()->Clone()), "{a: 2}");
-  EXPECT_EQ(Text(CloneVector(List({mirror}))), "[1: {a: 2}]");
+  EXPECT_EQ(Text(CloneVector(List({mirror}))), "[{a: 2}]");
 }
 
 TEST(CloneDictionary, OfNothingIsNothing) { EXPECT_EQ(CloneDictionary(Nothing), nullptr); }

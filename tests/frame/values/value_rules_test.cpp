@@ -55,6 +55,7 @@ TEST(IsValidCode, TakesWideCharactersOnlyWhenAllowed) {
 TEST(IsValidCode, RefusesCharactersThatNoDoubleByteCodePageHolds) {
   EXPECT_FALSE(IsValidCode("\xF0\x9F\x98\x80", 0, true));
   EXPECT_FALSE(IsValidCode("A\xFF", 0, true));
+  EXPECT_FALSE(IsValidCode("A\xED\xA0\xBD", 0, true)) << "half a character";
 }
 
 // ---- DoubleLosesPrecision ----
