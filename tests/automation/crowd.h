@@ -25,7 +25,7 @@ class Crowd {
   // What the client's objects answer; see Liar.
   HRESULT Answer(DISPPARAMS* params, VARIANT* result, EXCEPINFO* exception);
   HRESULT AnyCode();
-  Choices* choices() { return choices_; }
+  int succeeded() const { return succeeded_; }
 
  private:
   // Where the content of by-reference values lives, until the run ends: what is called may keep the
@@ -46,6 +46,8 @@ class Crowd {
   Com<IDispatch> AnyObject(Choices& choices);
   Com<IDispatch> NewObject(Choices& choices);
   void Keep(const VARIANT& value);
+  // Whether it is one of the server's, which alone are called.
+  bool IsOurs(const Com<IDispatch>& object) const { return object && object.get() != liar_.get(); }
 
   void Call(Choices& choices, IDispatch* object, bool telling);
   void AskForNames(Choices& choices, IDispatch* object);
@@ -58,6 +60,7 @@ class Crowd {
   std::vector<std::unique_ptr<Impersonated>> components_;
   Choices* choices_ = nullptr;
   int nesting_ = 0;
+  int succeeded_ = 0;
 };
 
 // An object of the client's that answers whatever the crowd's choices make it answer.
@@ -299,7 +302,8 @@ inline HRESULT Crowd::Answer(DISPPARAMS* params, VARIANT* result, EXCEPINFO* exc
   ++nesting_;
   Choices& choices = *choices_;
   if (choices.OneIn(8)) {
-    if (const Com<IDispatch> object = choices.Of(slots_)) Call(choices, object.get(), false);
+    const Com<IDispatch> object = choices.Of(slots_);
+    if (IsOurs(object)) Call(choices, object.get(), false);
   }
   for (UINT i = 0; i < params->cArgs; ++i) {
     const VARIANT& argument = params->rgvarg[i];
@@ -355,9 +359,11 @@ inline void Crowd::Call(Choices& choices, IDispatch* object, bool telling) {
   VariantInit(&result);
   EXCEPINFO exception{};
   UINT place = 0;
-  object->Invoke(id, IID_NULL, 0, flags, choices.OneIn(60) ? nullptr : &params,
-                 choices.OneIn(9) ? nullptr : &result, choices.OneIn(9) ? nullptr : &exception,
-                 choices.OneIn(9) ? nullptr : &place);
+  const HRESULT code =
+      object->Invoke(id, IID_NULL, 0, flags, choices.OneIn(60) ? nullptr : &params,
+                     choices.OneIn(9) ? nullptr : &result, choices.OneIn(9) ? nullptr : &exception,
+                     choices.OneIn(9) ? nullptr : &place);
+  if (SUCCEEDED(code)) ++succeeded_;
   SysFreeString(exception.bstrSource);
   SysFreeString(exception.bstrDescription);
   SysFreeString(exception.bstrHelpFile);
@@ -423,7 +429,7 @@ inline void Crowd::Step(Choices& choices, bool telling) {
   choices_ = &choices;
   const std::size_t slot = choices.Below(kSlots);
   const Com<IDispatch> object = slots_[slot];
-  if (!object || choices.OneIn(20)) {
+  if (!IsOurs(object) || choices.OneIn(20)) {
     if (telling) std::printf("  a new object\n");
     slots_[slot] = NewObject(choices);
   } else if (choices.OneIn(20)) {

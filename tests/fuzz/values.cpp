@@ -159,7 +159,7 @@ Double AnyDouble(Choices& choices) {
 }
 
 Variant AnyPlainValue(Choices& choices) {
-  switch (choices.Below(18)) {
+  switch (choices.Below(19)) {
     case 0: return {};
     case 1: return Null;
     case 2: return Missing;
@@ -178,8 +178,9 @@ Variant AnyPlainValue(Choices& choices) {
                      static_cast<int>(choices.Below(Decimal::kMaxScale + 1)), choices.OneIn(2));
     case 11: {
       const std::vector<std::uint8_t> bytes(choices.OneIn(5) ? 70000 : choices.Below(9), 0xd8);
-      return Bytes{bytes};
+      return Bytes{bytes, choices.OneIn(3) ? AnyLong(choices) : 0};
     }
+    case 15: return ErrorValue{AnyLong(choices)};
     case 12:
     case 13:
     case 14: return AnyLong(choices);
@@ -207,6 +208,7 @@ std::string ShortText(const Variant& value) {
     case VariantType::kObject:
       return value.IsNothing() ? "Nothing"
                                : "<" + std::string(value.ObjectPointer()->ClassName()) + ">";
+    case VariantType::kError: return text + " " + std::to_string(value.ErrorCode());
     case VariantType::kByteArray: return text + " of " + std::to_string(value.BytesView().size());
     case VariantType::kString: return escaped(value.TextView());
     case VariantType::kDate: return "Date " + RealText(value.Held<DateTime>().days, 17);
