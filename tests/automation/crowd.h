@@ -49,6 +49,14 @@ class Crowd {
   // Whether it is one of the server's, which alone are called.
   bool IsOurs(const Com<IDispatch>& object) const { return object && object.get() != liar_.get(); }
 
+  // A member, how it is used, and how many arguments that takes.
+  struct Use {
+    DISPID id;
+    WORD flags;
+    std::size_t parameters;
+  };
+  Use AnyUse(Choices& choices, IDispatch* object);
+  VARIANT TameVariant(Choices& choices);
   void Call(Choices& choices, IDispatch* object, bool telling);
   void AskForNames(Choices& choices, IDispatch* object);
   void AskForInterfaces(Choices& choices, IDispatch* object);
@@ -329,18 +337,49 @@ inline HRESULT Crowd::Answer(DISPPARAMS* params, VARIANT* result, EXCEPINFO* exc
 
 // ---- Calls ----
 
-inline void Crowd::Call(Choices& choices, IDispatch* object, bool telling) {
+// A member as the type library tells it, most of the time; otherwise anything.
+inline Crowd::Use Crowd::AnyUse(Choices& choices, IDispatch* object) {
+  Com<ITypeInfo> info;
+  TYPEATTR* attributes = nullptr;
+  if (!choices.OneIn(6) && SUCCEEDED(object->GetTypeInfo(0, 0, info.Put())) &&
+      SUCCEEDED(info->GetTypeAttr(&attributes))) {
+    const UINT count = attributes->cFuncs;
+    info->ReleaseTypeAttr(attributes);
+    FUNCDESC* function = nullptr;
+    if (count > 0 &&
+        SUCCEEDED(info->GetFuncDesc(static_cast<UINT>(choices.Below(count)), &function))) {
+      const Use use{function->memid, static_cast<WORD>(function->invkind),
+                    static_cast<std::size_t>(function->cParams)};
+      info->ReleaseFuncDesc(function);
+      return use;
+    }
+  }
   constexpr WORD kFlags[] = {1, 2, 3, 3, 3, 4, 4, 8, 12, 0, 15, 0xFFFF};
-  const WORD flags = choices.Of(kFlags);
+  return {static_cast<DISPID>(choices.Below(100)) - 6, choices.Of(kFlags),
+          choices.OneIn(10) ? 70 : choices.Below(5)};
+}
+
+// A number or a text that suits many members.
+inline VARIANT Crowd::TameVariant(Choices& choices) {
+  VARIANT value;
+  VariantInit(&value);
+  value.vt = choices.OneIn(3) ? VT_BSTR : VT_I4;
+  value.lVal = static_cast<LONG>(choices.Below(4));
+  if (value.vt == VT_BSTR) value.bstrVal = SysAllocString(choices.OneIn(2) ? L"1" : L"FName");
+  return value;
+}
+
+inline void Crowd::Call(Choices& choices, IDispatch* object, bool telling) {
+  const auto [id, flags, parameters] = AnyUse(choices, object);
   const bool puts = (flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0;
-  const auto id = static_cast<DISPID>(choices.OneIn(12) ? -static_cast<int>(choices.Below(6))
-                                                        : static_cast<int>(choices.Below(90)));
   Places places;
-  std::vector<VARIANT> arguments(choices.OneIn(40) ? 70 : choices.Below(5) + (puts ? 1 : 0));
-  for (VARIANT& argument : arguments) argument = AnyVariant(choices, places);
+  std::vector<VARIANT> arguments(choices.OneIn(8) ? choices.Below(parameters + 2) : parameters);
+  for (VARIANT& argument : arguments) {
+    argument = choices.OneIn(2) ? TameVariant(choices) : AnyVariant(choices, places);
+  }
   std::vector<DISPID> named;
   if (puts && !choices.OneIn(8)) named.push_back(DISPID_PROPERTYPUT);
-  while (named.size() < arguments.size() && choices.OneIn(5)) {
+  while (named.size() < arguments.size() && choices.OneIn(8)) {
     named.push_back(static_cast<DISPID>(choices.Below(6)) - (choices.OneIn(9) ? 9 : 0));
   }
   DISPPARAMS params{arguments.data(), named.data(), static_cast<UINT>(arguments.size()),
