@@ -51,6 +51,15 @@ std::string Text(Object* object) {
   return "<" + std::string(object->ClassName()) + ">";
 }
 
+// A date that is none is told by its days.
+std::string Text(DateTime date) {
+  try {
+    return date.ToText();
+  } catch (const Error&) {
+    return RealText(date.days, 17);
+  }
+}
+
 std::string Hex(std::span<const std::uint8_t> bytes) {
   constexpr std::string_view kDigits = "0123456789abcdef";
   std::string text;
@@ -76,7 +85,7 @@ std::string StateText(const Variant& value) {
     case VariantType::kDouble: return CStr(value) + "#";
     case VariantType::kCurrency: return CStr(value) + "@";
     case VariantType::kDecimal: return CStr(value) + "d";
-    case VariantType::kDate: return "#" + CStr(value) + "#";
+    case VariantType::kDate: return "#" + Text(value.Held<DateTime>()) + "#";
     case VariantType::kString: return "\"" + CStr(value) + "\"";
     case VariantType::kByteArray: {
       const Long bound = value.BytesLowerBound();

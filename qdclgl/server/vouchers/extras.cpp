@@ -1,6 +1,8 @@
 #include "qdclgl/server/vouchers/extras.h"
 
+#include <cmath>
 #include <nlohmann/json.hpp>
+#include <utility>
 #include <vector>
 
 #include "qdclgl/frame/containers/vector.h"
@@ -52,6 +54,12 @@ class Writer {
     Put(Json(text).dump());                       // raises for text that is no UTF-8
   }
 
+  // JSON has no text for what is no number or infinite.
+  void Number(double number) {
+    if (!std::isfinite(number)) RaiseError(error_number::kOverflow);
+    Put(Json(number).dump());
+  }
+
   void Type(std::string_view type) {
     Put("{\"");
     Put(type);
@@ -77,7 +85,7 @@ class Writer {
       case VariantType::kInteger:
       case VariantType::kLong: return Put(std::to_string(CLng(value)));
       case VariantType::kSingle:
-      case VariantType::kDouble: return Put(Json(CDbl(value)).dump());
+      case VariantType::kDouble: return Number(CDbl(value));
       case VariantType::kCurrency: return Typed(type_name::kCurrency, value);
       case VariantType::kDecimal: return Typed(type_name::kDecimal, value);
       case VariantType::kDate: return Typed(type_name::kDate, value);
@@ -127,43 +135,48 @@ class Writer {
 
 // ---- Reading ----
 
-// Takes the events of a parser and makes the values as they come.
+// Takes the events of a parser and makes the values as they come. What Writer doesn't write, as
+// damaged books may hold it, is refused by a false answer or an error.
 class Reader : public nlohmann::json_sax<Json> {
  public:
-  explicit Reader(Dictionary& row) { levels_.push_back({.row = Ref<Dictionary>(&row)}); }
+  Ref<Dictionary> row() const { return levels_.front().row; }
 
-  bool null() override { return Take(Null); }
-  bool boolean(bool value) override { return Take(value); }
-  bool number_integer(std::int64_t value) override { return Take(static_cast<Long>(value)); }
-  bool number_unsigned(std::uint64_t value) override { return Take(static_cast<Long>(value)); }
-  bool number_float(double value, const std::string&) override { return Take(value); }
-  bool string(std::string& value) override { return Take(Typed(levels_.back().key, value)); }
+  bool null() override { return TakePlain(Null); }
+  bool boolean(bool value) override { return TakePlain(value); }
+  bool number_integer(std::int64_t value) override { return TakeWhole(value); }
+  bool number_unsigned(std::uint64_t value) override { return TakeWhole(value); }
+  bool number_float(double value, const std::string&) override { return TakePlain(value); }
+  bool string(std::string& value) override {
+    if (levels_.empty()) return false;
+    const Level& level = levels_.back();
+    if (!level.IsTyped()) return Take(value);
+    if (level.key == type_name::kCurrency) return Take(CCur(Variant(value)));
+    if (level.key == type_name::kDecimal) return Take(CDec(Variant(value)));
+    if (level.key == type_name::kDate) return Take(CDate(Variant(value)));
+    return false;
+  }
   bool binary(Json::binary_t&) override { return false; }
 
   bool start_object(std::size_t) override {
-    if (!is_begun_) {
-      is_begun_ = true;
-    } else if (IsTyped() && levels_.back().key == type_name::kDictionary) {
-      levels_.push_back({.row = Make<Dictionary>()});
-    } else {
-      levels_.emplace_back();  // a value with its type
-    }
-    return true;
+    if (levels_.empty()) return Begin({.row = Make<Dictionary>()});
+    if (!levels_.back().IsTyped()) return Begin({});  // a value with its type
+    if (levels_.back().key != type_name::kDictionary) return false;
+    return Begin({.row = Make<Dictionary>()});
   }
   bool key(std::string& value) override {
     levels_.back().key = value;
-    return true;
+    return !levels_.back().IsTyped() || !levels_.back().has_value;
   }
   bool end_object() override {
     if (levels_.size() == 1) return true;
-    Level level = Ended();
-    if (!level.row) return Take(std::move(level.value));
+    const Level level = Ended();
+    if (!level.row) return level.has_value && Take(level.value);
     level.row->SetTrackState(0);
     return Take(Variant(level.row));
   }
   bool start_array(std::size_t) override {
-    levels_.push_back({.list = Make<Vector>()});
-    return true;
+    if (levels_.empty() || !levels_.back().IsTyped()) return false;
+    return levels_.back().key == type_name::kVector && Begin({.list = Make<Vector>()});
   }
   bool end_array() override { return Take(Variant(Ended().list)); }
   bool parse_error(std::size_t, const std::string&, const Json::exception&) override {
@@ -177,38 +190,57 @@ class Reader : public nlohmann::json_sax<Json> {
     Ref<Vector> list = nullptr;
     std::string key = {};
     Variant value = {};
+    bool has_value = false;
+
+    bool IsTyped() const { return !row && !list; }
   };
 
-  bool IsTyped() const { return !levels_.back().row && !levels_.back().list; }
-
-  Variant Typed(std::string_view type, const std::string& text) const {
-    if (!IsTyped()) return text;
-    if (type == type_name::kCurrency) return CCur(Variant(text));
-    if (type == type_name::kDecimal) return CDec(Variant(text));
-    return CDate(Variant(text));
+  bool Begin(Level level) {
+    // Two for each nested container.
+    if (levels_.size() > 2 * kDeepestExtras) return false;
+    levels_.push_back(std::move(level));
+    return true;
   }
-
   Level Ended() {
     Level level = std::move(levels_.back());
     levels_.pop_back();
     return level;
   }
 
-  bool Take(Variant value) {
+  // A value of a type that JSON has.
+  bool TakePlain(const Variant& value) {
+    return !levels_.empty() && !levels_.back().IsTyped() && Take(value);
+  }
+  template <class Whole>
+  bool TakeWhole(Whole value) {
+    return std::in_range<Long>(value) && TakePlain(static_cast<Long>(value));
+  }
+
+  bool Take(const Variant& value) {
     Level& level = levels_.back();
     if (level.row) {
-      level.row->Put(RowKey(level.key), std::move(value));
+      level.row->Put(RowKey(level.key), value);
     } else if (level.list) {
-      level.list->Append(std::move(value));
+      level.list->Append(value);
     } else {
-      level.value = std::move(value);
+      level.value = value;
+      level.has_value = true;
     }
     return true;
   }
 
-  std::vector<Level> levels_;
-  bool is_begun_ = false;
+  std::vector<Level> levels_;  // the row itself first
 };
+
+Ref<Dictionary> RowFrom(std::string_view text) {
+  Reader reader;
+  try {
+    if (Json::sax_parse(text, &reader)) return reader.row();
+  } catch (const Error&) {
+    // A value that is none of its type.
+  }
+  Refuse(refusal::kBadValue, "The keys that are kept with the record can't be read.");
+}
 
 }  // namespace
 
@@ -233,8 +265,10 @@ std::string ExtrasText(const Dictionary& row,
 
 void PutExtras(std::string_view text, Dictionary& row) {
   if (text.empty()) return;
-  Reader reader(row);
-  Json::sax_parse(text, &reader);
+  const Ref<Dictionary> extras = RowFrom(text);
+  for (std::uint32_t i = 0; i < extras->size(); ++i) {
+    row.Put(RowKey(extras->key_at(i)), extras->value_at(i));
+  }
 }
 
 }  // namespace qdclgl::server

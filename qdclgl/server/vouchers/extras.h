@@ -21,11 +21,12 @@ inline constexpr int kDeepestExtras = 50;
 
 // The JSON text of all keys of `row` for which `is_known` is false; "" when there are none. Values
 // that are Empty or Nothing are left out. BadValue for an object that is neither Dictionary nor
-// Vector, for a byte array and for text that is no UTF-8, and beyond the bounds above.
+// Vector, for a byte array, for text that is no UTF-8, for a Double that is no finite number, and
+// beyond the bounds above.
 std::string ExtrasText(const Dictionary& row,
                        const std::function<bool(std::string_view key)>& is_known);
 
-// Puts the keys of such a text into a row.
+// Puts the keys of such a text into a row. BadValue, and the row as it was, for any other text.
 void PutExtras(std::string_view text, Dictionary& row);
 
 }  // namespace qdclgl::server
