@@ -46,7 +46,7 @@ std::string SentenceOf(const std::function<void()>& operation) {
 
 Database& RecordBooks::Books() const {
   try {
-    return Enter(props, {Role::kReader, "look at the books"}).db;
+    return EnterUnconfirmed(props, {Role::kReader, "look at the books"}).db;
   } catch (const Error& error) {
     // Who has no role, or no session any more, has no batch.
     if (error.number() != refusal::kNotPermitted && error.number() != refusal::kNotLoggedIn) throw;
