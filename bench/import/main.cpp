@@ -108,7 +108,7 @@ void Measure(const std::string& title, const std::string& chart, const std::stri
   remove_book();
   const long count = CountVouchers(journal);
   std::printf("%s: %ld vouchers\n", title.c_str(), count);
-  Run({"init", book, "--year", year});
+  Run({"init", "--no-password", book, "--year", year});
   const auto report = [&](const char* step, const Measured& run) {
     std::printf("  %-8s %8.2f s  %8.0f vouchers/s  %6.2f s of processor  %4.0f MB at most\n", step,
                 run.seconds, static_cast<double>(count) / run.seconds, run.processor_seconds,

@@ -72,7 +72,7 @@ TEST_P(Faults, ImportsAreWholeOrRefused) {
     proxy = std::make_unique<CuttingProxy>(std::string(text[connection_key::kHost]),
                                            std::string(text[connection_key::kPort]));
     reached = text.With(connection_key::kPort, proxy->port()).ToText();
-    ASSERT_EQ(RunInProcess({"init", place, "--year", "2024"}).code, 0);
+    ASSERT_EQ(RunInProcess({"init", "--no-password", place, "--year", "2024"}).code, 0);
   }
   const SweptOperation import{
       .name = "Import",
@@ -96,7 +96,7 @@ TEST_P(Faults, ImportsAreWholeOrRefused) {
 
 TEST_P(Faults, OfTwoImportsAtOnceEachVoucherIsStoredOnce) {
   constexpr int kRounds = 4, kVouchers = 60;
-  ASSERT_EQ(Run({"init", "--year", "2024"}).code, 0);
+  ASSERT_EQ(Run({"init", "--no-password", "--year", "2024"}).code, 0);
   server::Connections::OfThisThread().CloseAll();
   const std::string chart =
       folder.Write("accounts.csv", "number,name,dc\n1000,Cash,1\n2000,Equity,-1\n2000.01,Own,-1\n");
@@ -120,7 +120,8 @@ TEST_P(Faults, OfTwoImportsAtOnceEachVoucherIsStoredOnce) {
 TEST_P(Faults, OfTwoWhoMakeTheSameBooksAtOnceOneDoes) {
   constexpr int kRounds = 8;
   for (int round = 0; round < kRounds; ++round) {
-    EXPECT_EQ(RunTwiceAtOnce({"init", book, "--year", "2024"}), (std::vector<int>{0, 1}));
+    EXPECT_EQ(RunTwiceAtOnce({"init", "--no-password", book, "--year", "2024"}),
+              (std::vector<int>{0, 1}));
     const std::string answers = ReadFile(folder.Path("first")) + ReadFile(folder.Path("second"));
     EXPECT_NE(answers.find("80044205"), answers.npos) << answers;
     EXPECT_EQ(Run({"doctor"}).out, "The books are in order.\n");

@@ -36,7 +36,8 @@ class Faults : public LedgerTest {
       proxy_ = std::make_unique<CuttingProxy>(std::string(text[connection_key::kHost]),
                                               std::string(text[connection_key::kPort]));
       reached_ = text.With(connection_key::kPort, proxy_->port()).ToText();
-      Call("QDSVGLBooks.BooksUpdate", "Create", place_, "EUR", Long{2024});
+      Call("QDSVGLBooks.BooksUpdate", "Create", place_, "EUR", Long{2024},
+           Named("NoPassword", true));
     }
     CopyBooks(model_, place_);
     props =
@@ -175,8 +176,10 @@ TEST_P(Faults, NewBooksAreWholeOrNotThere) {
          .restore = [&] { Clear(); },
          .act =
              [&] {
-               return RefusalOf(
-                   [&] { Call("QDSVGLBooks.BooksUpdate", "Create", reached_, "EUR", Long{2024}); });
+               return RefusalOf([&] {
+                 Call("QDSVGLBooks.BooksUpdate", "Create", reached_, "EUR", Long{2024},
+                      Named("NoPassword", true));
+               });
              },
          .state = [&]() -> std::string {
            std::string version;

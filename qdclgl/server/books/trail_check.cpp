@@ -290,6 +290,28 @@ void CheckSeals(Database& db, std::string_view kept_head, Findings& findings) {
 
 }  // namespace
 
+namespace {
+
+// Who had a hand in a voucher, which four eyes go by, is told by its trail too.
+void CheckEditors(Database& db, Findings& findings) {
+  const std::string deed =
+      " a.FSubject = 'Voucher' AND a.FAction IN ('Create', 'Update', 'ClearCashFlow')";
+  findings.AddRows(db, "Editors", "Voucher", "Somebody who changed it is not among its editors.",
+                   "SELECT DISTINCT v.FVoucherID, " + std::string(kVoucherName) +
+                       std::string(kFromVouchers) +
+                       " JOIN t_Audit a ON a.FRecordID = v.FVoucherID AND" + deed +
+                       " WHERE a.FUserID <> v.FPreparerID AND NOT EXISTS (SELECT 1 FROM"
+                       " t_VoucherEditor e WHERE e.FVoucherID = v.FVoucherID"
+                       " AND e.FUserID = a.FUserID) ORDER BY 1");
+  findings.AddRows(db, "Editors", "Voucher", "One of its editors never changed it.",
+                   "SELECT e.FVoucherID, 'user ' || CAST(e.FUserID AS TEXT) FROM t_VoucherEditor e"
+                   " WHERE NOT EXISTS (SELECT 1 FROM t_Audit a WHERE a.FRecordID = e.FVoucherID"
+                   " AND a.FUserID = e.FUserID AND" +
+                       deed + ") ORDER BY 1, 2");
+}
+
+}  // namespace
+
 void CheckTrail(Database& db, std::string_view kept_head, Findings& findings) {
   std::map<std::string, const TrailedKind*, std::less<>> subjects;
   for (const auto& [subject] : db.Query<std::string>("SELECT DISTINCT FSubject FROM t_Audit")) {
@@ -299,6 +321,7 @@ void CheckTrail(Database& db, std::string_view kept_head, Findings& findings) {
   ChainCheck check(db, findings);
   for (const auto& [subject, kind] : subjects) check.Run(subject, kind);
   CheckSettingsTrail(db, findings);
+  CheckEditors(db, findings);
   CheckSeals(db, kept_head, findings);
 }
 

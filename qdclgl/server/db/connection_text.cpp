@@ -164,7 +164,8 @@ std::string ConnectionText::ToText() const {
 ConnectionText ConnectionText::Canonical() const {
   ConnectionText result = Without(kSession).With(kProvider, IsSQLite() ? "SQLite" : "PostgreSQL");
   if (!IsSQLite()) return result;
-  for (const std::string_view key : {kHost, kPort, kCatalog, kSchema, kUser, kPassword}) {
+  for (const std::string_view key : {kHost, kPort, kCatalog, kSchema, kUser, kPassword, kSslMode,
+                                     kSslRootCert, kSslCert, kSslKey}) {
     result = result.Without(key);
   }
   const std::filesystem::path file{(*this)[kDataSource]};

@@ -56,6 +56,10 @@ std::string PostgreSQLOptions(const ConnectionText& text) {
   add("dbname", text[connection_key::kCatalog]);
   add("user", text[connection_key::kUser]);
   add("password", text[connection_key::kPassword]);
+  add("sslmode", text[connection_key::kSslMode]);
+  add("sslrootcert", text[connection_key::kSslRootCert]);
+  add("sslcert", text[connection_key::kSslCert]);
+  add("sslkey", text[connection_key::kSslKey]);
   add("connect_timeout", "10");
   return options;
 }

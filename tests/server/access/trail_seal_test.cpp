@@ -62,11 +62,11 @@ TEST_P(TrailSealTest, ClosingSealsAllThatWasDone) {
 TEST_P(TrailSealTest, TheHeadIsThatOfASealBehindEverything) {
   const auto head = [&] { return Call("QDSVGLAudit.AuditInfo", "GetHead", props).As<String>(); };
   const std::string first = head();
-  EXPECT_EQ(first, "2-" + LastSeal(Books()).hash);
+  EXPECT_EQ(first, "1-" + LastSeal(Books()).hash);
   EXPECT_EQ(LastSeal(Books()).last_id, LastDeed());
   EXPECT_EQ(head(), first) << "nothing was done in between";
   Save(Sale(1));
-  EXPECT_TRUE(head().starts_with("3-"));
+  EXPECT_TRUE(head().starts_with("2-"));
   EXPECT_EQ(Breaches(), "");
 }
 

@@ -137,7 +137,7 @@ QDCLGL_BOOKS_TEST_OF(FileOfBooksTest, kSQLite);
 
 TEST_P(FileOfBooksTest, NewBooksAreTheirMakersAlone) {
   const mode_t former = umask(0);
-  Call("QDSVGLBooks.BooksUpdate", "Create", place_, "EUR", Long{2024});
+  Call("QDSVGLBooks.BooksUpdate", "Create", place_, "EUR", Long{2024}, Named("NoPassword", true));
   EXPECT_EQ(NamesInFolder(), "books.db ") << "nothing else is left of the making";
   LoginThere();
   AddGroup("Receipts");

@@ -1,10 +1,11 @@
 // The PostgreSQL role that programs log in with: it works on the books, and can't get past the
 // trail or change a table.
-#include "qdclgl/server/db/connections.h"
 #include "qdclgl/server/db/program_role.h"
 
 #include <unistd.h>
 
+#include "qdclgl/server/db/connections.h"
+#include "qdclgl/server/db/new_books.h"
 #include "qdclgl/server/db/schema.h"
 #include "tests/server/ledger_fixture.h"
 
@@ -99,13 +100,10 @@ TEST_P(ProgramRoleTest, ItChangesNoTableAndNothingOnTheTrail) {
 }
 
 TEST_P(ProgramRoleTest, AnUpgradeByTheOwnerGivesItTheNewTables) {
-  {
-    Database db(ConnectionText::Parse(fresh));
-    Transaction transaction(db, Transaction::Kind::kChangeRules);
+  server::MakeBooks(ConnectionText::Parse(fresh), [&](Database& db) {
     Migrate(db, 1);
     GrantToProgramRole(db, role);
-    transaction.Commit();
-  }
+  });
   EXPECT_EQ(RefusalOf([&] { Call(kBooks, "Upgrade", as_program); }), "DatabaseFailed");
   Connections::OfThisThread().CloseAll();
   Call(kBooks, "Upgrade", fresh);

@@ -147,14 +147,20 @@ std::string Model::Create(const User& user, Content content) {
   }
   Voucher voucher{std::move(content)};
   voucher.preparer = user.id;
+  voucher.hands = {user.id};
   vouchers.push_back(std::move(voucher));
   return kNone;
 }
 
-std::string Model::Changeable(const Voucher& voucher) const {
-  if (voucher.deleted) return "VoucherDeleted";
+std::string Model::Unsigned(const Voucher& voucher) const {
   if (voucher.posted) return "VoucherPosted";
   if (voucher.checked) return "VoucherChecked";
+  return voucher.cashier != -1 ? "VoucherCashed" : kNone;
+}
+
+std::string Model::Changeable(const Voucher& voucher) const {
+  if (voucher.deleted) return "VoucherDeleted";
+  if (const std::string refusal = Unsigned(voucher); refusal != kNone) return refusal;
   return voucher.period < current ? "PeriodClosed" : kNone;
 }
 
@@ -172,6 +178,7 @@ std::string Model::Update(const User& user, std::size_t i, Long version, Content
   }
   static_cast<Content&>(voucher) = std::move(content);
   voucher.preparer = user.id;
+  voucher.hands.insert(user.id);
   ++voucher.version;
   return kNone;
 }
@@ -181,6 +188,7 @@ std::string Model::Delete(const User& user, std::size_t i, bool purge) {
   Voucher& voucher = vouchers[i];
   if (voucher.id == 0) return "NotFound";
   if (purge && voucher.deleted) {
+    if (const std::string refusal = Unsigned(voucher); refusal != kNone) return refusal;
     if (voucher.period < current) return "PeriodClosed";
   } else if (const std::string refusal = Changeable(voucher); refusal != kNone) {
     return refusal;
@@ -200,6 +208,7 @@ std::string Model::ClearCashFlow(const User& user, std::size_t i) {
   if (voucher.id == 0) return "NotFound";
   if (const std::string refusal = Changeable(voucher); refusal != kNone) return refusal;
   for (Line& line : voucher.lines) line.cash_flow = 0;
+  voucher.hands.insert(user.id);
   ++voucher.version;
   return kNone;
 }
@@ -217,7 +226,7 @@ std::string Model::Check(const User& user, std::size_t i, bool way) {
   Voucher& voucher = vouchers[i];
   if (const std::string refusal = OpenForStep(voucher); refusal != kNone) return refusal;
   if (voucher.posted || voucher.checked == way || voucher.approver != -1) return "WrongStep";
-  if (way && settings["CheckerNotPreparer"] && voucher.preparer == user.id) return "OwnVoucher";
+  if (way && settings["CheckerNotPreparer"] && voucher.hands.contains(user.id)) return "OwnVoucher";
   voucher.checked = way;
   voucher.checker = way ? user.id : -1;
   ++voucher.version;
@@ -229,6 +238,9 @@ std::string Model::Approve(const User& user, std::size_t i, bool way) {
   Voucher& voucher = vouchers[i];
   if (const std::string refusal = OpenForStep(voucher); refusal != kNone) return refusal;
   if (voucher.posted || !voucher.checked || (voucher.approver != -1) == way) return "WrongStep";
+  if (way && settings["ApproverNotPreparer"] && voucher.hands.contains(user.id)) {
+    return "OwnVoucher";
+  }
   voucher.approver = way ? user.id : -1;
   ++voucher.version;
   return kNone;
@@ -239,6 +251,9 @@ std::string Model::Cash(const User& user, std::size_t i, bool way) {
   Voucher& voucher = vouchers[i];
   if (const std::string refusal = OpenForStep(voucher); refusal != kNone) return refusal;
   if ((voucher.cashier != -1) == way) return "WrongStep";
+  if (way && settings["CashierNotPreparer"] && voucher.hands.contains(user.id)) {
+    return "OwnVoucher";
+  }
   voucher.cashier = way ? user.id : -1;
   ++voucher.version;
   return kNone;
@@ -250,6 +265,7 @@ std::string Model::Post(const User& user, std::size_t i, bool way) {
   if (const std::string refusal = OpenForStep(voucher); refusal != kNone) return refusal;
   if (voucher.posted == way) return "WrongStep";
   if (way && settings["CheckBeforePost"] && !voucher.checked) return "WrongStep";
+  if (way && settings["PosterNotPreparer"] && voucher.hands.contains(user.id)) return "OwnVoucher";
   std::int64_t size = SizeOf(voucher);
   for (const Voucher& other : vouchers) {
     if (other.posted) size = Sum(size, SizeOf(other));

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -40,6 +41,7 @@ struct Voucher : Content {
   Long id = 0, version = 1;
   Long preparer = 0, checker = -1, approver = -1, cashier = -1, poster = -1;
   bool checked = false, posted = false, deleted = false;
+  std::set<Long> hands = {};  // who made it or changed a part of it
 };
 
 struct Account {
@@ -90,6 +92,7 @@ class Model {
   std::string Rules(const Content& content) const;
   std::string LineRules(const Content& content) const;
   std::string GiveNumber(const Voucher* stored, Content& content);
+  std::string Unsigned(const Voucher& voucher) const;
   std::string Changeable(const Voucher& voucher) const;
   std::string OpenForStep(const Voucher& voucher) const;
   bool HasAccountsBelow(const std::string& number, bool deleted_too) const;

@@ -12,7 +12,8 @@ constexpr std::array kAccounts = {"1000",    "2000",    "3000", "4000",
                                   "4000.01", "4000.02", "5000", "5000.01.01"};
 constexpr std::array kUsualAccounts = {"1000", "2000", "3000", "4000.01"};
 constexpr std::array kCurrencies = {"USD", "USD", "USD", "USD", "JPY", "JPY", "JPY", "EUR", "XXX"};
-constexpr std::array kSettings = {"CheckBeforePost", "CheckerNotPreparer", "NoNegativeAmounts"};
+constexpr std::array kSettings = {"CheckBeforePost",    "CheckerNotPreparer", "ApproverNotPreparer",
+                                  "CashierNotPreparer", "PosterNotPreparer",  "NoNegativeAmounts"};
 constexpr std::array kKindNames = {
     "Create",      "Update",        "Delete",      "Check",          "Approve",       "Cash",
     "Post",        "ClearCashFlow", "Close",       "Reopen",         "Set",           "AddAccount",

@@ -938,16 +938,17 @@ TEST_P(VoucherServer, TheTrailTellsEveryDeedWithOldAndNewValues) {
       {"UnPost", "1",
        R"({"FVersion":[6,7],"FPosted":[true,false],"FPosterID":[1,-1],)"
        R"("FPoster":["administrator",""]})"},
+      {"UnCash", "1", R"({"FVersion":[7,8],"FCashierID":[1,-1],"FCashier":["administrator",""]})"},
       {"UnApprove", "1",
-       R"({"FVersion":[7,8],"FApproveID":[1,-1],"FApprover":["administrator",""]})"},
+       R"({"FVersion":[8,9],"FApproveID":[1,-1],"FApprover":["administrator",""]})"},
       {"UnCheck", "1",
-       R"({"FVersion":[8,9],"FChecked":[true,false],"FCheckerID":[1,-1],)"
+       R"({"FVersion":[9,10],"FChecked":[true,false],"FCheckerID":[1,-1],)"
        R"("FChecker":["administrator",""]})"},
-      {"ClearCashFlow", "1", R"({"_Entries":{"1":{"FCashFlowItem":[3,0]}}})"},
-      {"Delete", "1", R"({"FVersion":[9,10],"FDeleted":[false,true]})"},
+      {"ClearCashFlow", "1", R"({"FVersion":[10,11],"_Entries":{"1":{"FCashFlowItem":[3,0]}}})"},
+      {"Delete", "1", R"({"FVersion":[11,12],"FDeleted":[false,true]})"},
       {"Purge", "1",
-       R"({"old":{"FVersion":10,"FDetailCount":1,)" + start + R"(1,"FReference":"R",)" + nobody +
-           R"(,"FCashierID":1,"FCashier":"administrator","FPosterID":-1,"FDeleted":true,)"
+       R"({"old":{"FVersion":12,"FDetailCount":1,)" + start + R"(1,"FReference":"R",)" + nobody +
+           R"(,"FCashierID":-1,"FPosterID":-1,"FDeleted":true,)"
            R"("_Entries":[{"FAccountID":1,"FDC":1,"FAmount":"9","FCurrencyID":1,)"
            R"("_Details":[{"FItemClassID":4,"FValue":"x"}]},)"
            R"({"FAccountID":3,"FAmount":"7","FCurrencyID":1},)"
