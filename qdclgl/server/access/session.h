@@ -87,7 +87,8 @@ std::string StandingQuery(std::string_view user_id);
 // database has failed is rolled back.
 Caller Enter(std::string_view props, const Right& right);
 
-// The same for who ends a batch, also one in which the database has failed.
+// The same for who takes a batch back, also one in which the database has failed; it goes by the
+// roles as the last call found them.
 Caller EnterBatch(std::string_view props, const Right& right);
 
 // The same for a method that confirms its caller by a query that it makes anyhow, as a

@@ -115,8 +115,6 @@ void Database::MakeSchema() {
 
 // ---- Failures ----
 
-bool Database::IsSound() const { return !driver_->work().has_failed; }
-
 void Database::RequireSound() const { driver_->RequireSound(); }
 
 bool Database::IsReadOnly() const { return driver_->IsReadOnly(); }

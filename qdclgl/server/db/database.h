@@ -113,9 +113,7 @@ class Database {
     return InBatch() && batch_owner_.lock() == owner;
   }
   bool IsBatchOrphaned() const { return InBatch() && batch_owner_.expired(); }
-  // Whether the database has not failed in the transaction under way. BatchFailed when it has failed
-  // in the batch.
-  bool IsSound() const;
+  // BatchFailed when the database has failed in the batch under way.
   void RequireSound() const;
   // Whether the books can only be read here: their file, or its folder, can't be written to.
   bool IsReadOnly() const;
