@@ -88,11 +88,12 @@ TEST_P(SettingsTest, TheCalendarStaysOnceThereAreVouchers) {
 TEST_P(SettingsTest, SavingIsOnTheAuditTrail) {
   Set("Base", "Offline", "1");
   Set("Base", "Offline", "HOST \"A\"");
-  EXPECT_EQ(
-      TextOf(Call("QDSVGLAudit.AuditInfo", "GetList", props, "FSubject = 'Setting' AND FAction <> 'Create'").As<Recordset>(),
-             {"FSubject", "FRecord", "FAction", "FChanges"}),
-      "Setting Base.Offline Update {\"Base.Offline\":[\"\",\"1\"]}\n"
-      "Setting Base.Offline Update {\"Base.Offline\":[\"1\",\"HOST \\\"A\\\"\"]}\n");
+  EXPECT_EQ(TextOf(Call("QDSVGLAudit.AuditInfo", "GetList", props,
+                        "FSubject = 'Setting' AND FAction <> 'Create'")
+                       .As<Recordset>(),
+                   {"FSubject", "FRecord", "FAction", "FChanges"}),
+            "Setting Base.Offline Update {\"Base.Offline\":[\"\",\"1\"]}\n"
+            "Setting Base.Offline Update {\"Base.Offline\":[\"1\",\"HOST \\\"A\\\"\"]}\n");
 }
 
 TEST_P(SettingsTest, OnlyAdministratorsWrite) {

@@ -200,10 +200,9 @@ TEST_P(RecordSuite, DeedsAreOnTheAuditTrail) {
                           const std::string& action) {
     expected += "clerk " + from + " " + std::string(kind.subject) + " " + std::to_string(id) + " " +
                 record + " " + action + " 1\n";
-    const auto list =
-        Call("QDSVGLAudit.AuditInfo", "GetList", props,
-             "FUserName = 'clerk' AND FSubject <> 'Session'")
-            .As<Recordset>();
+    const auto list = Call("QDSVGLAudit.AuditInfo", "GetList", props,
+                           "FUserName = 'clerk' AND FSubject <> 'Session'")
+                          .As<Recordset>();
     EXPECT_EQ(TextOf(list, {"FUserName", "FMachineName", "FIPAddress", "FSubject", "FRecordID",
                             "FRecord", "FAction", "FOrigin"}),
               expected);

@@ -166,7 +166,8 @@ TEST_P(UserTest, ANewPasswordIsOnTheAuditTrailWithoutItsText) {
   const Long id = IdOf("anna");
   FailEachStatement([&] { Call(kUpdate, "SetPassword", props, id, "sesame"); });
   const auto list =
-      Call("QDSVGLAudit.AuditInfo", "GetList", props, "FSubject = 'User' AND FAction <> 'Create'").As<Recordset>();
+      Call("QDSVGLAudit.AuditInfo", "GetList", props, "FSubject = 'User' AND FAction <> 'Create'")
+          .As<Recordset>();
   EXPECT_EQ(TextOf(list, {"FUserName", "FSubject", "FRecordID", "FRecord", "FAction"}),
             "administrator User " + std::to_string(id) + " anna SetPassword\n");
   list->MoveFirst();
