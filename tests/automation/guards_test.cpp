@@ -180,7 +180,8 @@ Com<IDispatch> NewEcho(const wchar_t* method, const Com<IDispatch>& object, cons
 }
 
 void Nesting() {
-  constexpr int kDeepest = 500;
+  // Of 500 levels; a call into another program counts as five, the reading itself as one.
+  constexpr int kDeepest = 500 / 6;
 
   TestCase("a list that is read within its own reading without end is an error");
   int depth = 0;
