@@ -132,7 +132,7 @@ class SharedTrailTest : public TrailSealTest {
       auto session = std::make_shared<Session>();
       session->user_name = "other";
       WriteAudit({session, nullptr, db_, false, {Role::kPreparer, "save"}},
-                 {.subject = "Test", .record_id = 1, .action = "Create"});
+                 {.subject = "Test", .record_id = 1, .record = "", .action = "Create"});
     }
     void Commit() { transaction_.Commit(); }
 
