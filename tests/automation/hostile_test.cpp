@@ -8,6 +8,7 @@
 #include "qdclgl/automation/member_ids.h"
 #include "qdclgl/automation/served_classes.h"
 #include "tests/automation/neighbour.h"
+#include "tests/automation/yes.h"
 
 using namespace qdclgl::automation;
 using namespace qdclgl::automation::testing;
@@ -57,38 +58,6 @@ Deed AnswersEmptied(const char* what, VARTYPE type) {
 Deed Fails(const char* how, HRESULT code) {
   return {.name = std::string("fails ") + how, .answer = [code](const Received&) { return code; }};
 }
-
-// An object that says of itself whatever it is asked for.
-class Yes final : public IDispatch {
- public:
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void** object) override {
-    *object = this;
-    AddRef();
-    return S_OK;
-  }
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-  ULONG STDMETHODCALLTYPE Release() override {
-    const ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
-  }
-  HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
-    *count = 0;
-    return S_OK;
-  }
-  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return S_OK; }
-  HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
-    return S_OK;
-  }
-  HRESULT STDMETHODCALLTYPE Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*,
-                                   UINT*) override {
-    return S_OK;
-  }
-
- private:
-  ~Yes() = default;
-  ULONG references_ = 0;
-};
 
 std::vector<Deed> Deeds() {
   const Value row = MakeNew(L"QDL.Dictionary");
