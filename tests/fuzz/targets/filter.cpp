@@ -23,8 +23,8 @@ constexpr Column kColumns[] = {
 Database& Table() {
   static const fuzz::TargetFile file("filter");
   static const std::unique_ptr<Database> db = [] {
-    auto made =
-        std::make_unique<Database>(ConnectionText::Parse(file.path()), Database::Opening::kCreate);
+    file.Write("");  // an empty file is an empty database
+    auto made = std::make_unique<Database>(ConnectionText::Parse(file.path()));
     made->ExecuteScript(
         "CREATE TABLE t (FName TEXT, FNote TEXT, FYear INTEGER, FTotal INTEGER, FDate TEXT,"
         " FPosted INTEGER, FRate REAL, FSmall INTEGER);"
@@ -44,9 +44,9 @@ std::int64_t Count(const Filter& filter) {
                        : std::holds_alternative<double>(value)    ? Storage::kReal
                                                                   : Storage::kWhole);
   }
-  Statement statement(Table(),
-                      "SELECT COUNT(*) FROM t" + (filter.sql.empty() ? "" : " WHERE " + filter.sql),
-                      storages, kWhole);
+  Statement statement = Table().MakeStatement(
+      "SELECT COUNT(*) FROM t" + (filter.sql.empty() ? "" : " WHERE " + filter.sql), storages,
+      kWhole);
   for (std::size_t i = 0; i < filter.values.size(); ++i) {
     std::visit([&](const auto& value) { statement.Set(i, value); }, filter.values[i]);
   }
