@@ -138,8 +138,9 @@ int AddLedger(const LedgerOptions& options, const Console& console) {
     sub_column->SubColumnName(currency->Number());
   }
   ledger->SaveChanges();
-  console.out << "Ledger " << options.name << " has " << ledger->Columns()->Count()
-              << " columns.\n";
+  const Long count = ledger->Columns()->Count();
+  console.out << "Ledger " << options.name << " has " << count
+              << (count == 1 ? " column.\n" : " columns.\n");
   return kDone;
 }
 

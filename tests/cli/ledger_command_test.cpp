@@ -23,17 +23,32 @@ class Ledgers : public CliTest {
 
 TEST_P(Ledgers, ALedgerIsAddedListedAndPrinted) {
   InitWithPostings();
-  EXPECT_EQ(Run({"ledger", "add", "Costs", "--account", "2000", "--columns", "children"}).out,
-            "Ledger Costs has 1 columns.\n");
+  EXPECT_EQ(Run({"ledger", "add", "Costs", "--account", "2000", "--columns", "children", "--side",
+                 "debit"})
+                .out,
+            "Ledger Costs has 1 column.\n");
   EXPECT_EQ(Run({"ledgers"}).out, "FLedgerID  FLedgerName  FAccountNumber  FAccountName\n"
-                                  "        1  Costs        2000            Loans\n");
-  EXPECT_EQ(Run({"ledger", "Costs", "--from", "2024/2", "--to", "2024-02-29"}).out, "");
+                                  "        1  Costs        2000            Equity\n");
+  const std::string table =
+      "Date        Voucher    Account  Explanation          Debit  Credit   Side  Balance  "
+      "Capital\n"
+      "2024-02-01                      Brought forward                     debit  10.5000\n"
+      "2024-02-05  General 1  2000.01                      3.0000          debit  13.5000   "
+      "3.0000\n"
+      "2024-02-29                      Period 2024/2       3.0000          debit  13.5000   "
+      "3.0000\n"
+      "2024-02-29                      Year 2024 to date  13.5000          debit  13.5000  "
+      "13.5000\n"
+      "2024-02-29                      Carried forward     3.0000          debit  13.5000   "
+      "3.0000\n";
+  EXPECT_EQ(Run({"ledger", "Costs", "--from", "2024/2", "--to", "2024-02-29"}).out, table);
+  EXPECT_EQ(Run({"ledger", "Costs", "--from", "2024-02-01", "--to", "2024/2"}).out, table);
 }
 
 TEST_P(Ledgers, CsvAndJsonHaveAllThatTheServerTells) {
   InitWithPostings();
-  Run({"ledger", "add", "Costs", "--account", "2000", "--columns", "2000.01, 1000", "--currencies",
-       "eur"});
+  Run({"ledger", "add", "Costs", "--account", "2000", "--columns", "2000.01, 1000", "--side",
+       "debit", "--currencies", "eur"});
   const std::string csv = Run({"ledger", "Costs", "--csv"}).out;
   EXPECT_TRUE(
       csv.starts_with("FRow,FDate,FYear,FPeriod,FVoucherID,FEntryID,FGroup,FNumber,"
@@ -48,7 +63,8 @@ TEST_P(Ledgers, CsvAndJsonHaveAllThatTheServerTells) {
 
 TEST_P(Ledgers, ThePageHoldsWhatTheTableHoldsAndIsSafeWhateverNamesAre) {
   InitWithPostings();
-  Run({"ledger", "add", "<b>\"Costs\" & co", "--account", "2000", "--columns", "children"});
+  Run({"ledger", "add", "<b>\"Costs\" & co", "--account", "2000", "--columns", "children", "--side",
+       "debit"});
   const std::string page = Run({"ledger", "<b>\"Costs\" & co", "--html"}).out;
   EXPECT_TRUE(page.starts_with("<!DOCTYPE html>")) << page;
   EXPECT_NE(page.find("<h1>&lt;b&gt;&quot;Costs&quot; &amp; co: 2000 "), page.npos) << page;
