@@ -56,6 +56,7 @@ Program::Program(const Console& console)
   AddListCommands(*this);
   AddVoucherCommands(*this);
   AddBalanceCommand(*this);
+  AddLedgerCommand(*this);
   AddUserCommand(*this);
   AddApiCommand(*this);
 }

@@ -78,6 +78,7 @@ void AddImportCommand(Program& program);    // import
 void AddListCommands(Program& program);     // one for each list of the books
 void AddVoucherCommands(Program& program);  // voucher, and the steps from check to remove
 void AddBalanceCommand(Program& program);   // balance
+void AddLedgerCommand(Program& program);    // ledger
 void AddUserCommand(Program& program);      // user
 void AddApiCommand(Program& program);       // api
 
