@@ -110,6 +110,7 @@ constexpr RecordClass RecordClassOf() {
 enum class Keeper : std::uint8_t {
   kCaller,   // callers write it; where their row lacks the key, it stands for the absent value
   kServer,   // the server keeps it; what callers send is passed over
+  kSecret,   // kept likewise, and never shown
   kDerived,  // kept likewise, and follows from other values, also of other records: not on the
              // trail
   kJoined,   // of another table, shown beside the record; what callers send is passed over
@@ -120,6 +121,7 @@ struct RecordColumn {
   Keeper keeper = Keeper::kCaller;
   Variant absent = {};                             // Empty: the zero of the type
   std::string (*shown)(const Variant&) = nullptr;  // as the trail tells a value, if otherwise
+  std::optional<ColumnType> sent = {};             // in callers' rows, if otherwise
 };
 
 // A list of rows that belongs to a record.
@@ -127,6 +129,9 @@ struct RecordList {
   std::string_view key;  // of a sent row, and on the trail
   StoredTable table;     // its first column is the record's id
   std::string_view order;
+  // What gives callers the rows by a record's id, where GetDetail does not bring them under the
+  // key.
+  std::string_view component = {}, method = {};
 };
 
 // A record as the trail tells it.
@@ -210,6 +215,8 @@ class MasterData {
   std::vector<ServerComponent> Components() const;
   // The columns of its records: id, version, then the others.
   std::span<const Column> Columns() const { return shown_; }
+  // The same as callers' rows have them, without those that are secret.
+  std::span<const Column> CallersColumns() const { return callers_; }
   // Its tables with all their columns.
   std::vector<StoredTable> Tables() const;
 
@@ -257,6 +264,7 @@ class MasterData {
 
   Description description_;
   std::vector<Column> shown_;
+  std::vector<Column> callers_;
   std::vector<Column> stored_;   // those of them that are written
   std::vector<Column> trailed_;  // the id, and those that are on the trail
   std::vector<std::string (*)(const Variant&)> trail_texts_;  // how, for each of them
