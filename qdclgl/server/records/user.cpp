@@ -218,7 +218,7 @@ const MasterData& Users() {
       .key = {"FName"},
       .columns = {{{"FName", kText}},
                   {{kPassword, kText}, Keeper::kSecret, {}, FingerprintOf},
-                  {{kRoles, kLong}, Keeper::kCaller, {}, RolesOf, kText},
+                  {.column = {kRoles, kLong}, .shown = RolesOf, .sent = kText},
                   {{"FDisabled", kBoolean}}},
       .order = "FName",
       .follow = Follow,
