@@ -5,6 +5,9 @@
 #include "qdclgl/accounts/account_set.h"
 #include "qdclgl/accounts/currency.h"
 #include "qdclgl/frame/vocabulary/text.h"
+#include "qdclgl/masterdata/measure_unit_group.h"
+#include "qdclgl/masterdata/sub_mes.h"
+#include "qdclgl/masterdata/sub_mes_type.h"
 #include "qdclgl/settings/system_profile.h"
 #include "qdclgl/vouchers/voucher_group.h"
 #include "qdclgl/vouchers/voucher_set.h"
@@ -22,6 +25,14 @@ std::span<const ClassTable* const> PublicClasses() {
       &AccountSet::Table(),
       &Currencyx::Table(),
       &CurrencySet::Table(),
+      &MeasureUnit::Table(),
+      &MeasureUnitSet::Table(),
+      &MeasureUnitGroup::Table(),
+      &MeasureUnitGroupSet::Table(),
+      &SubMes::Table(),
+      &SubMesSet::Table(),
+      &SubMesType::Table(),
+      &SubMesTypeSet::Table(),
       &SystemProfile::Table(),
       &Voucher::Table(),
       &VoucherDetail::Table(),
