@@ -47,6 +47,8 @@ class Entity : public RowView, public ISetXactContext, private ApartmentMember {
   virtual Long IdIn(const Dictionary& row) const;
   // GetDetail(PropsString, id by reference).
   virtual Ref<Dictionary> FetchRow(Object& info);
+  // Makes what Refresh has read the object's row; Reload, unless a class makes the object anew.
+  virtual void TakeRow(Ref<Dictionary> row) { Reload(std::move(row)); }
   // Writes "MachineName" and "IPAddress" into the working Dictionary; no change flag is set.
   virtual void StampMachine();
 
