@@ -29,10 +29,12 @@
 #include "qdclgl/accounts/account.h"
 #include "qdclgl/accounts/account_set.h"
 #include "qdclgl/accounts/currency.h"
+#include "qdclgl/notes/note.h"
 #include "qdclgl/settings/system_profile.h"
 #include "qdclgl/vouchers/voucher.h"
 #include "qdclgl/vouchers/voucher_detail.h"
 #include "qdclgl/vouchers/voucher_entry.h"
 #include "qdclgl/vouchers/voucher_group.h"
 #include "qdclgl/vouchers/voucher_set.h"
+#include "qdclgl/vouchers/voucher_temp.h"
 // END headers

@@ -5,9 +5,11 @@
 #include "qdclgl/accounts/account_set.h"
 #include "qdclgl/accounts/currency.h"
 #include "qdclgl/frame/vocabulary/text.h"
+#include "qdclgl/notes/note.h"
 #include "qdclgl/settings/system_profile.h"
 #include "qdclgl/vouchers/voucher_group.h"
 #include "qdclgl/vouchers/voucher_set.h"
+#include "qdclgl/vouchers/voucher_temp.h"
 
 namespace qdclgl {
 
@@ -22,6 +24,8 @@ std::span<const ClassTable* const> PublicClasses() {
       &AccountSet::Table(),
       &Currencyx::Table(),
       &CurrencySet::Table(),
+      &Note::Table(),
+      &NoteSet::Table(),
       &SystemProfile::Table(),
       &Voucher::Table(),
       &VoucherDetail::Table(),
@@ -31,6 +35,8 @@ std::span<const ClassTable* const> PublicClasses() {
       &VoucherGroup::Table(),
       &VoucherGroupSet::Table(),
       &VoucherSet::Table(),
+      &VoucherTemp::Table(),
+      &VoucherTempSet::Table(),
       // END classes
       // clang-format on
   };
