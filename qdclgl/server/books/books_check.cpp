@@ -12,6 +12,7 @@
 #include "qdclgl/server/periods/calendar.h"
 #include "qdclgl/server/periods/settings.h"
 #include "qdclgl/server/records/currency.h"
+#include "qdclgl/server/records/references.h"
 
 namespace qdclgl::server {
 
@@ -139,6 +140,22 @@ void CheckUsers(Database& db, Findings& findings) {
   }
 }
 
+void CheckReferences(Database& db, Findings& findings) {
+  for (const Reference& reference : References()) {
+    const MasterData::Description& kind = reference.refers.kind().description();
+    const std::string id(reference.id), column(reference.column), table(reference.table);
+    for (const auto& [holder, held] : db.Query<Long, Long>(
+             "SELECT DISTINCT " + id + ", " + column + " FROM " + table +
+             " WHERE NOT EXISTS (SELECT 1 FROM " + std::string(kind.table) + " referred WHERE" +
+             " referred." + std::string(kind.id) + " = " + table + "." + column + ")" +
+             (reference.refers.is_required ? "" : " AND " + column + " <> 0") + " ORDER BY 1, 2")) {
+      findings.Add("Reference", reference.subject, holder, reference.name_of(db, holder),
+                   "Its " + column + " is " + std::to_string(held) + ", and there is no such " +
+                       std::string(kind.noun) + ".");
+    }
+  }
+}
+
 // ---- Settings ----
 
 // Checks the settings, and the periods that rest on them where they make sense.
@@ -186,6 +203,7 @@ Ref<Recordset> CheckBooks(Database& db, std::string_view kept_head) {
   CheckAccounts(db, findings);
   CheckCurrencies(db, findings);
   CheckUsers(db, findings);
+  CheckReferences(db, findings);
   CheckSettings(db, findings);
   CheckTrail(db, kept_head, findings);
   CheckDatabase(db, findings);

@@ -36,6 +36,7 @@
   REFUSAL(0x17, NameTaken, "Another record has that name.")                                     \
   REFUSAL(0x18, Required, "A value that the record needs is missing.")                          \
   REFUSAL(0x19, InUse, "Other records need this one.")                                          \
+  REFUSAL(0x1A, BadReference, "What a row refers to must exist and be in use.")                 \
   REFUSAL(0x20, NoLines, "A voucher has lines.")                                                \
   REFUSAL(0x21, NotBalanced, "Debits and credits of a voucher are equal in base currency.")     \
   REFUSAL(0x22, BadAccount, "A line's account must exist, be in use and have no sub-accounts.") \

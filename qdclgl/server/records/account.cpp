@@ -14,6 +14,7 @@
 namespace qdclgl::server {
 
 const MasterData& Accounts();
+const MasterData& Currencies();
 
 namespace {
 
@@ -149,16 +150,6 @@ void ReplaceItems(const RecordSave& save, const Variant& items) {
 
 // ---- Saving ----
 
-void CheckCurrency(const RecordSave& save) {
-  const Long id = save.Number("FCurrencyID");
-  const auto deleted =
-      save.db().QueryValue<bool>("SELECT FDeleted FROM t_Currency WHERE FCurrencyID = ?", id);
-  if (!deleted || (*deleted && save.Changes("FCurrencyID"))) {
-    save.Refuse(refusal::kBadCurrency,
-                "there is no currency " + std::to_string(id) + (deleted ? " in use." : "."));
-  }
-}
-
 bool IsRenumbered(const RecordSave& save) { return !save.is_new() && save.Changes("FNumber"); }
 
 void Check(RecordSave& save) {
@@ -174,7 +165,6 @@ void Check(RecordSave& save) {
   if (std::abs(save.Number("FDC")) > 1) {
     save.Refuse(refusal::kBadValue, "FDC is 0, 1 or -1.");
   }
-  CheckCurrency(save);
 
   if (IsRenumbered(save)) {
     RefuseChildren(save.db(), save.stored(), save.id(), true);
@@ -340,49 +330,52 @@ const MasterData& Accounts() {
       .id = "FAccountID",
       .key = {.column = "FNumber", .ignores_case = true},
       .deleted = "FDelete",
-      .columns = {{{"FNumber", kText}},
-                  {{"FName", kText}},
-                  {{"FFullName", kText}, kDerived},
-                  {{"FLevel", kInteger}, kDerived},
-                  {{"FDetail", kBoolean}, kDerived},
-                  {{"FParentID", kLong}, kDerived},
-                  {{"FRootID", kLong}, kDerived},
-                  {{"FDC", kLong}},
-                  {{"FGroupID", kLong}},
-                  {{"FCurrencyID", kLong}, kCaller, kBaseCurrency},
-                  {{"FCurrencyNumber", kText}, kJoined},
-                  {{"FCurrencyName", kText}, kJoined},
-                  {{"FHelperCode", kText}},
-                  {{"FQuantities", kBoolean}},
-                  {{"FMeasureUnitID", kLong}},
-                  {{"FMeasureUnit", kText}},
-                  {{"FUnitGroupID", kLong}},
-                  {{"FUnitGroup", kText}, kServer},
-                  {{"FIsCash", kBoolean}},
-                  {{"FIsBank", kBoolean}},
-                  {{"FIsBudget", kBoolean}},
-                  {{"FIsBusi", kBoolean}},
-                  {{"FIsCashFlow", kBoolean}},
-                  {{"FJournal", kBoolean}},
-                  {{"FContact", kBoolean}},
-                  {{"FAdjustRate", kBoolean}},
-                  {{"FAcctint", kBoolean}},
-                  {{"FintRate", kSingle}},
-                  {{"FInterest", kBoolean}},
-                  {{"FLastIntDate", kDate}},
-                  {{"FAcnt", kBoolean}},
-                  {{"FAcntID", kLong}, kServer},
-                  {{"FAcntType", kLong}},
-                  {{"FIsAcnt", kBoolean}, kServer},
-                  {{"FControl", kLong}, kServer},
-                  {{"FControlSystem", kLong}},
-                  {{"FDetailID", kLong}, kServer},
-                  {{"FEarnAccountID", kLong}},
-                  {{"FSpecialType", kInteger}},
-                  {{"FMessage", kText}},
-                  {{"FViewMsg", kBoolean}},
-                  {{"FDelete", kBoolean}},
-                  {{"UUID", kText}}},
+      .columns =
+          {{{"FNumber", kText}},
+           {{"FName", kText}},
+           {{"FFullName", kText}, kDerived},
+           {{"FLevel", kInteger}, kDerived},
+           {{"FDetail", kBoolean}, kDerived},
+           {{"FParentID", kLong}, kDerived},
+           {{"FRootID", kLong}, kDerived},
+           {{"FDC", kLong}},
+           {{"FGroupID", kLong}},
+           {.column = {"FCurrencyID", kLong},
+            .absent = kBaseCurrency,
+            .refers = {.kind = Currencies, .is_required = true, .refusal = refusal::kBadCurrency}},
+           {{"FCurrencyNumber", kText}, kJoined},
+           {{"FCurrencyName", kText}, kJoined},
+           {{"FHelperCode", kText}},
+           {{"FQuantities", kBoolean}},
+           {{"FMeasureUnitID", kLong}},
+           {{"FMeasureUnit", kText}},
+           {{"FUnitGroupID", kLong}},
+           {{"FUnitGroup", kText}, kServer},
+           {{"FIsCash", kBoolean}},
+           {{"FIsBank", kBoolean}},
+           {{"FIsBudget", kBoolean}},
+           {{"FIsBusi", kBoolean}},
+           {{"FIsCashFlow", kBoolean}},
+           {{"FJournal", kBoolean}},
+           {{"FContact", kBoolean}},
+           {{"FAdjustRate", kBoolean}},
+           {{"FAcctint", kBoolean}},
+           {{"FintRate", kSingle}},
+           {{"FInterest", kBoolean}},
+           {{"FLastIntDate", kDate}},
+           {{"FAcnt", kBoolean}},
+           {{"FAcntID", kLong}, kServer},
+           {{"FAcntType", kLong}},
+           {{"FIsAcnt", kBoolean}, kServer},
+           {{"FControl", kLong}, kServer},
+           {{"FControlSystem", kLong}},
+           {{"FDetailID", kLong}, kServer},
+           {{"FEarnAccountID", kLong}},
+           {{"FSpecialType", kInteger}},
+           {{"FMessage", kText}},
+           {{"FViewMsg", kBoolean}},
+           {{"FDelete", kBoolean}},
+           {{"UUID", kText}}},
       .query = "SELECT a.*, c.FNumber AS FCurrencyNumber, c.FName AS FCurrencyName"
                " FROM t_Account a JOIN t_Currency c ON c.FCurrencyID = a.FCurrencyID",
       .order = "FNumber",

@@ -36,9 +36,7 @@ void Remove(RecordRemoval& removal) {
     removal.Refuse(refusal::kInUse, "the base currency can't be deleted.");
   }
   Database& db = removal.db();
-  const bool used =
-      IsUsedInVouchers(db, "FCurrencyID", removal.id()) ||
-      db.QueryValue<int>("SELECT 1 FROM t_Account WHERE FCurrencyID = ? LIMIT 1", removal.id());
+  const bool used = IsUsedInVouchers(db, "FCurrencyID", removal.id()) || removal.Referrer();
   if (!used) {
     db.Execute("DELETE FROM t_Balance WHERE FCurrencyID = ?", removal.id());  // zeros
     removal.Remove();
@@ -63,6 +61,7 @@ const MasterData& Currencies() {
       .id = "FCurrencyID",
       .key = {.column = "FNumber", .ignores_case = true},
       .deleted = "FDeleted",
+      .is_marked_when_used = true,
       .columns = {{{"FNumber", kText}},
                   {{"FName", kText}},
                   {{"FExchangeRate", kDouble}, Keeper::kCaller, 1.0},

@@ -283,7 +283,7 @@ std::string MasterData::Noun() const { return Capitalised(std::string(descriptio
 Ref<Dictionary> MasterData::Taken(const Dictionary& sent, const Dictionary* stored) const {
   RefuseUnknownKeys(sent);
   auto record = Make<Dictionary>();
-  for (const auto& [column, keeper, absent, shown] : description_.columns) {
+  for (const auto& [column, keeper, absent, shown, refers] : description_.columns) {
     if (keeper == Keeper::kJoined) continue;
     const Variant* given = keeper == Keeper::kCaller ? sent.Find(column.name)
                            : stored != nullptr       ? stored->Find(column.name)

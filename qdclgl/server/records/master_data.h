@@ -24,6 +24,7 @@
 #include "qdclgl/server/access/component.h"
 #include "qdclgl/server/access/trail_row.h"
 #include "qdclgl/server/db/columns.h"
+#include "qdclgl/server/db/refusals.h"
 
 namespace qdclgl::server {
 
@@ -115,11 +116,19 @@ enum class Keeper : std::uint8_t {
   kJoined,   // of another table, shown beside the record; what callers send is passed over
 };
 
+// The kind of the records whose ids stand in a column. What follows from it, see references.h.
+struct Referred {
+  const MasterData& (*kind)() = nullptr;
+  bool is_required = false;  // otherwise 0 stands for none
+  std::int32_t refusal = refusal::kBadReference;
+};
+
 struct RecordColumn {
   Column column;
   Keeper keeper = Keeper::kCaller;
   Variant absent = {};                             // Empty: the zero of the type
   std::string (*shown)(const Variant&) = nullptr;  // as the trail tells a value, if otherwise
+  Referred refers = {};
 };
 
 // A list of rows that belongs to a record.
@@ -127,6 +136,7 @@ struct RecordList {
   std::string_view key;  // of a sent row, and on the trail
   StoredTable table;     // its first column is the record's id
   std::string_view order;
+  std::vector<std::pair<std::string_view, Referred>> refers = {};  // by column
 };
 
 // A record as the trail tells it.
@@ -172,6 +182,7 @@ class MasterData {
     std::string_view id;  // its column; FVersion is in every table
     TextKey key;
     std::string_view deleted = {};       // the column that marks a record deleted
+    bool is_marked_when_used = false;    // by a removal, which is refused otherwise
     std::vector<RecordColumn> columns;   // all but id and version
     std::string_view query = {};         // the table with the joined columns; otherwise the table
     std::string_view order = {};         // of lists; otherwise by id

@@ -43,7 +43,8 @@ RecordSave::RecordSave(const Caller& caller, const MasterData& kind, const Ref<D
       transaction_(caller, Transaction::Kind::kChangeRules),
       id_(id),
       stored_(kind.Require(caller.db, id)),
-      before_(kind.TrailOf(caller.db, id)) {
+      before_(kind.TrailOf(caller.db, id)),
+      list_ids_(IdsInLists(caller.db, kind, id)) {
   const Long version = Normalized(kVersion, sent->Value(kVersion.name)).As<Long>();
   const Long stored_version = stored_->Value(kVersion.name).As<Long>();
   const auto refuse = [&](std::int32_t number, const std::string& reason) {
@@ -62,8 +63,10 @@ RecordSave::RecordSave(const Caller& caller, const MasterData& kind, const Ref<D
 
 void RecordSave::Run() {
   kind_.description().check(*this);
+  RequireReferences();
   Write();
   if (kind_.description().follow != nullptr) kind_.description().follow(*this);
+  RequireListReferences();
   Audit();
   Commit();
 }
@@ -100,6 +103,27 @@ void RecordSave::RequireUniqueKey() const {
   server::Refuse(column == kNumber ? refusal::kNumberTaken : refusal::kNameTaken,
                  kind_.Called(*kind_.Require(caller_.db, other)) + " has " + std::string(column) +
                      " " + text + " already.");
+}
+
+void RecordSave::RequireReferences() const {
+  for (const RecordColumn& column : kind_.description().columns) {
+    const std::string_view name = column.column.name;
+    if (column.refers.kind == nullptr || !Changes(name)) continue;
+    const auto reason = ReasonAgainst(caller_.db, column.refers, name, Number(name));
+    if (reason) Refuse(column.refers.refusal, *reason);
+  }
+}
+
+void RecordSave::RequireListReferences() const {
+  for (const auto& [place, ids] : IdsInLists(caller_.db, kind_, id_)) {
+    const auto before = list_ids_.find(place);
+    for (const Long id : ids) {
+      if (before != list_ids_.end() && before->second.contains(id)) continue;
+      const Referred& refers = place->second;
+      const auto reason = ReasonAgainst(caller_.db, refers, place->first, id);
+      if (reason) Refuse(refers.refusal, *reason);
+    }
+  }
 }
 
 void RecordSave::Write() {
@@ -144,7 +168,16 @@ void RecordRemoval::Refuse(std::int32_t number, const std::string& reason) const
   server::Refuse(number, kind_.Called(*stored_) + ": " + reason);
 }
 
+std::optional<std::string> RecordRemoval::Referrer() const {
+  return ReferrerOf(caller_.db, kind_, id_);
+}
+
+void RecordRemoval::RequireNoReferrer() const {
+  if (const auto referrer = Referrer()) Refuse(refusal::kInUse, *referrer + " refers to it.");
+}
+
 void RecordRemoval::Remove() {
+  RequireNoReferrer();
   const MasterData::Description& description = kind_.description();
   db().Execute("DELETE FROM " + std::string(description.table) + " WHERE " +
                    std::string(description.id) + " = ?",
@@ -152,6 +185,7 @@ void RecordRemoval::Remove() {
 }
 
 void RecordRemoval::Mark() {
+  if (!kind_.description().is_marked_when_used) RequireNoReferrer();
   const MasterData::Description& description = kind_.description();
   db().Execute("UPDATE " + std::string(description.table) + " SET " +
                    std::string(description.deleted) + " = 1, FVersion = FVersion + 1 WHERE " +

@@ -1,7 +1,7 @@
 // One save of a record, and one deletion: the transaction, what was stored, and what it becomes.
 #pragma once
 
-#include "qdclgl/server/records/master_data.h"
+#include "qdclgl/server/records/references.h"
 
 namespace qdclgl::server {
 
@@ -38,8 +38,13 @@ class RecordSave {
   void RequireKey();
   // NumberTaken or NameTaken when another record has the key.
   void RequireUniqueKey() const;
+  // Refuses ids that the save brings in and that are no records in use. Every save does so behind
+  // its kind's check; one that looks into such a record asks for it first.
+  void RequireReferences() const;
 
  private:
+  // The same for what belongs to the record elsewhere, behind all that follows from the save.
+  void RequireListReferences() const;
   // Inserts or overwrites the record.
   void Write();
   // Writes the audit trail, behind all that follows from the save.
@@ -54,6 +59,7 @@ class RecordSave {
   Long id_ = 0;
   Ref<Dictionary> stored_;
   std::optional<TrailRow> before_;
+  HeldIds list_ids_;  // what its lists referred to before
   Ref<Dictionary> record_;
 };
 
@@ -69,13 +75,18 @@ class RecordRemoval {
   // Refuses it: "Account 1000 (Cash): " and the reason.
   [[noreturn]] void Refuse(std::int32_t number, const std::string& reason) const;
 
-  // Deletes the record's row, or marks the record deleted.
+  // What refers to the record, as a sentence names it; nothing when nothing does.
+  std::optional<std::string> Referrer() const;
+  // Deletes the record's row, or marks the record deleted. InUse when something refers to it,
+  // unless its kind marks what is used.
   void Remove();
   void Mark();
   // Writes the audit trail and commits.
   void Commit(std::string_view machine_name, std::string_view address);
 
  private:
+  void RequireNoReferrer() const;
+
   const Caller& caller_;
   const MasterData& kind_;
   CallersTransaction transaction_;

@@ -87,6 +87,21 @@ const RecordKind kAccounts = {
           books.Call("QDSVGLCurrency.CurrencyUpdate", "Create", books.props,
                      Row({{"FNumber", "USD"}, {"FName", "Dollar"}}));
         },
+    .references = {{.column = "FCurrencyID",
+                    .noun = "currency",
+                    .id = "FCurrencyID",
+                    .update = "QDSVGLCurrency.CurrencyUpdate",
+                    .make =
+                        [](RecordBooks& books) {
+                          static int number = 0;
+                          return books
+                              .Call("QDSVGLCurrency.CurrencyUpdate", "Create", books.props,
+                                    Row({{"FNumber", "R" + std::to_string(++number)}}))
+                              .As<Long>();
+                        },
+                    .refusal = "BadCurrency",
+                    .is_required = true,
+                    .is_marked = true}},
 };
 QDCLGL_RECORD_KIND(Account, kAccounts);
 

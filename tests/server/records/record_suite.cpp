@@ -282,6 +282,17 @@ void RecordSuite::InAnotherSession(const std::function<void()>& operation) {
   props = own;
 }
 
+Ref<Dictionary> ReferringRecordSuite::SentWith(const Reference& reference, Long id,
+                                               int number) const {
+  Ref<Dictionary> row = Sent(Values::kSample, number);
+  row->Put(reference.column, id);
+  return row;
+}
+
+void ReferringRecordSuite::RemoveReferred(const Reference& reference, Long id) {
+  Call(reference.update, "Delete", props, ByRef(id));
+}
+
 std::vector<std::function<void(Long)>> MarkedRecordSuite::WaysToMark() {
   std::vector<std::function<void(Long)>> ways;
   if (kind.mark_by_sign) {

@@ -34,6 +34,15 @@ struct RecordKind {
     std::string_view component, name, role;
     std::vector<Variant> arguments = {};  // behind the id
   };
+  // A column that holds the id of a record of another kind.
+  struct Reference {
+    std::string_view column;
+    std::string_view noun, id, update;  // of that kind, as below
+    Long (*make)(RecordBooks& books);   // a new record of it, another one at each call
+    std::string_view refusal = "BadReference";
+    bool is_required = false;
+    bool is_marked = false;  // a removal of what is referred to marks it; otherwise it refuses
+  };
   using Deed = void (*)(RecordBooks& books, Long id);
 
   std::string_view noun;     // as sentences call a record: "Voucher group"
@@ -68,6 +77,7 @@ struct RecordKind {
   bool used_is_marked = false;  // Delete marks a used record; otherwise it refuses, InUse
 
   void (*prepare)(RecordBooks& books) = nullptr;  // what the sample record refers to
+  std::vector<Reference> references = {};
 };
 
 inline constexpr std::string_view kVersion = "FVersion";
@@ -163,9 +173,17 @@ class RecordSuite : public ::testing::TestWithParam<RecordCase>, protected Recor
   std::string other_session_;
 };
 
-// Kinds whose records are found by a text, can be used by others, can be marked deleted.
+// Kinds whose records are found by a text, can be used by others, refer to others, can be marked
+// deleted.
 class FoundRecordSuite : public RecordSuite {};
 class UsedRecordSuite : public RecordSuite {};
+class ReferringRecordSuite : public RecordSuite {
+ protected:
+  using Reference = RecordKind::Reference;
+  // The sample record with that id in a column.
+  Ref<Dictionary> SentWith(const Reference& reference, Long id, int number) const;
+  void RemoveReferred(const Reference& reference, Long id);
+};
 class MarkedRecordSuite : public RecordSuite {
  protected:
   // Each way in which a record of the kind comes to be marked.
@@ -208,6 +226,9 @@ class RecordCalls : public RecordsTest {
                            NameOfCase);                                                         \
   INSTANTIATE_TEST_SUITE_P(Name, UsedRecordSuite,                                               \
                            ::testing::ValuesIn(CasesOf(kind, !kind.uses.empty())), NameOfCase); \
+  INSTANTIATE_TEST_SUITE_P(Name, ReferringRecordSuite,                                          \
+                           ::testing::ValuesIn(CasesOf(kind, !kind.references.empty())),        \
+                           NameOfCase);                                                         \
   INSTANTIATE_TEST_SUITE_P(Name, MarkedRecordSuite,                                             \
                            ::testing::ValuesIn(CasesOf(kind, !kind.mark.empty())), NameOfCase)
 
