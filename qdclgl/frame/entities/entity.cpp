@@ -27,7 +27,7 @@ void Entity::Refresh() {
   if (m_ID == 0) return;
   const CallingOut out(this);
   const Ref<Object> info = ServerGateway().CreateInstance(Protocol().info_component);
-  Reload(FetchRow(*info));
+  TakeRow(FetchRow(*info));
 }
 
 void Entity::Reload(Ref<Dictionary> row) {

@@ -54,6 +54,8 @@ class Entity : public RowView, public ISetXactContext, private ApartmentMember {
   virtual void UpdateRow(Object& update, const Ref<Dictionary>& row);
   // Stamps the row and hands it to the server: a save without its question and its reading back.
   void WriteRow();
+  // Makes what Refresh has read the object's row; Reload, unless a class makes the object anew.
+  virtual void TakeRow(Ref<Dictionary> row) { Reload(std::move(row)); }
   // Writes "MachineName" and "IPAddress" into the working Dictionary; no change flag is set.
   virtual void StampMachine();
 
