@@ -116,8 +116,16 @@ RecordSuite::RecordSuite() : RecordBooks(GetParam().database), kind(*GetParam().
   if (kind.prepare != nullptr) kind.prepare(*this);
 }
 
+bool RecordSuite::IsRequired(const Column& column) const {
+  return Has(kind.required, column.name) ||
+         (Find(kind.absent, column.name) == nullptr &&
+          std::ranges::any_of(kind.references, [&](const RecordKind::Reference& reference) {
+            return reference.column == column.name && reference.is_required;
+          }));
+}
+
 Variant RecordSuite::ValueOf(const Column& column, Values values, int number) const {
-  const bool is_required = Has(kind.required, column.name);
+  const bool is_required = IsRequired(column);
   Variant value = values == Values::kChanged ? column.changed : column.sample;
   if (values == Values::kAbsent && !is_required) {
     const Variant* absent = Find(kind.absent, column.name);
@@ -136,7 +144,7 @@ Variant RecordSuite::ValueOf(const Column& column, Values values, int number) co
 Ref<Dictionary> RecordSuite::Sent(Values values, int number) const {
   auto row = Make<Dictionary>();
   for (const Column* column : Written()) {
-    if (values == Values::kAbsent && !Has(kind.required, column->name)) continue;
+    if (values == Values::kAbsent && !IsRequired(*column)) continue;
     row->Put(column->name, ValueOf(*column, values, number));
   }
   return row;

@@ -149,6 +149,8 @@ class RecordSuite : public ::testing::TestWithParam<RecordCase>, protected Recor
   // "Voucher group Receipts", and without the noun.
   std::string Called(const Dictionary& record) const;
   static std::string NameIn(const Dictionary& record);
+  // The columns that every row has: required texts, and references that nothing stands for.
+  bool IsRequired(const RecordKind::Column& column) const;
   // The columns that callers write.
   bool IsWritten(const RecordKind::Column& column) const;
   std::vector<const RecordKind::Column*> Written() const;
