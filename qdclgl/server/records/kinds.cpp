@@ -9,6 +9,10 @@ namespace qdclgl::server {
 // BEGIN kinds (scripts/update-derived)
 const MasterData& Accounts();
 const MasterData& Currencies();
+const MasterData& MeasureUnits();
+const MasterData& SubMessages();
+const MasterData& SubMessageTypes();
+const MasterData& UnitGroups();
 const MasterData& Users();
 const MasterData& VoucherGroups();
 
@@ -16,6 +20,10 @@ std::span<const MasterData* const> MasterDataKinds() {
   static const std::array kKinds = {
       &Accounts(),
       &Currencies(),
+      &MeasureUnits(),
+      &SubMessages(),
+      &SubMessageTypes(),
+      &UnitGroups(),
       &Users(),
       &VoucherGroups(),
   };
