@@ -5,6 +5,7 @@
 #include "qdclgl/accounts/account_set.h"
 #include "qdclgl/accounts/currency.h"
 #include "qdclgl/frame/vocabulary/text.h"
+#include "qdclgl/ledgers/multi_ledger_set.h"
 #include "qdclgl/masterdata/measure_unit_group.h"
 #include "qdclgl/masterdata/sub_mes.h"
 #include "qdclgl/masterdata/sub_mes_type.h"
@@ -25,6 +26,12 @@ std::span<const ClassTable* const> PublicClasses() {
       &AccountSet::Table(),
       &Currencyx::Table(),
       &CurrencySet::Table(),
+      &MultiColumn::Table(),
+      &MultiColumnSet::Table(),
+      &MultiLedger::Table(),
+      &MultiLedgerSet::Table(),
+      &MultiSubColumn::Table(),
+      &MultiSubColumnSet::Table(),
       &MeasureUnit::Table(),
       &MeasureUnitSet::Table(),
       &MeasureUnitGroup::Table(),

@@ -69,12 +69,13 @@ class QueriedListBase : public RowListBase {
   QD_PROPERTY(GetLet, String, Sort, "Sort order for the next Refresh.")
 
  protected:
-  // What a list is asked for; a server may write it.
+  // What a list is asked for; a server may write it, also when a reader asks.
   struct Query {
     Long list_options = 0;
     String filter;
     String sort;
   };
+  Query& ListQuery() const { return m_Query; }
   virtual Ref<Recordset> FetchList(Object& info, Query& query) const = 0;
   Ref<Recordset> AskForList(Object& info) const final { return FetchList(info, m_Query); }
 
