@@ -211,7 +211,10 @@ Ref<Object> NewSubject(Neighbourhood& home, const ClassTable& table,
                        std::string_view key_of_member) {
   if (table.creatable()) {
     Ref<Object> object = table.Create();
-    if (table.Find("Construct") != nullptr) {
+    if (table.Find("Construct") != nullptr && table.Find("Properties") == nullptr) {
+      object->Call("Construct", Make<Neighbour>(home), Long{5}, "Old");
+      object->Let("Name", "Edited");
+    } else if (table.Find("Construct") != nullptr) {
       const Ref<Dictionary> row = home.HostileRow(key_of_member);
       auto list = Make<Vector>();
       list->Append(Variant(home.HostileRow("FAmount")));
