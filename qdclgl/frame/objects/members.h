@@ -21,14 +21,15 @@
 //   QD_INDEXED(access, Type, Name, (params), help, ...) a value with arguments
 //   QD_VARIABLE(Type, Name, initial, help)              a plain variable of the object
 //   QD_METHOD(Result, Name, (params), help, ...)        a method
+//   QD_OVERRIDE(Result, Name, (params), help, ...)      the same over a virtual one of the base
 //   QD_INHERITED(Name)                                  the base class's row of that name
 //
-// `access` is Get, Let, GetLet, GetSet or GetLetSet. A parameter written `T name` goes by value,
-// `const T& name` or `T& name` by reference; `= default` makes it optional, `= Missing` optional
-// without a default, `= {}` optional with the zero of its type where the omission can't be told
-// from it. Behind the help text may stand Default(x), the value that an absent, Null or empty key
-// reads as (otherwise zero, empty text or Nothing); Clear(x), the value whose writing removes the
-// key; DefaultMember, for the member that stands for the object.
+// `access` is Get, Let, Set, GetLet, GetSet or GetLetSet. A parameter written `T name` goes by
+// value, `const T& name` or `T& name` by reference; `= default` makes it optional, `= Missing`
+// optional without a default, `= {}` optional with the zero of its type where the omission can't be
+// told from it. Behind the help text may stand Default(x), the value that an absent, Null or empty
+// key reads as (otherwise zero, empty text or Nothing); Clear(x), the value whose writing removes
+// the key; DefaultMember, for the member that stands for the object.
 #pragma once
 
 #include <array>
@@ -408,15 +409,13 @@ ClassDescription Describe() {
     return table;                                                         \
   }
 
-#define QD_METHOD(Result, Name, params, help_text, ...)     \
-  Result Name params;                                       \
-  QD_IMPL_ROW(::qdclgl::detail::WithSignature<&Self::Name>( \
-      {.name = #Name,                                       \
-       .help = help_text,                                   \
-       .type = ::qdclgl::TypeWord<Result, Self>(),          \
-       .parameters = #params,                               \
-       .options = ::qdclgl::RowOptions(__VA_ARGS__),        \
-       .method = ::qdclgl::detail::InvokeMember<&Self::Name>}))
+#define QD_METHOD(Result, Name, params, help_text, ...) \
+  Result Name params;                                   \
+  QD_IMPL_METHOD_ROW(Result, Name, params, help_text, __VA_ARGS__)
+
+#define QD_OVERRIDE(Result, Name, params, help_text, ...) \
+  Result Name params override;                            \
+  QD_IMPL_METHOD_ROW(Result, Name, params, help_text, __VA_ARGS__)
 
 #define QD_FIELD(access, Type, Name, row_key, help_text, ...)                                   \
   QD_IMPL_IF(QD_IMPL_IS_FIELD_##access, #access " is no access word; a field is Get or GetLet", \
@@ -473,6 +472,15 @@ ClassDescription Describe() {
   static_assert(__LINE__ - kFirstMemberLine < ::qdclgl::detail::kMemberLines, \
                 "this row stands more than 512 lines below the head of its class's rows");
 
+#define QD_IMPL_METHOD_ROW(Result, Name, params, help_text, ...) \
+  QD_IMPL_ROW(::qdclgl::detail::WithSignature<&Self::Name>(      \
+      {.name = #Name,                                            \
+       .help = help_text,                                        \
+       .type = ::qdclgl::TypeWord<Result, Self>(),               \
+       .parameters = #params,                                    \
+       .options = ::qdclgl::RowOptions(__VA_ARGS__),             \
+       .method = ::qdclgl::detail::InvokeMember<&Self::Name>}))
+
 #define QD_IMPL_ROW(...)                                                \
   template <class Self>                                                 \
   static constexpr ::qdclgl::MemberRow MemberRowAt(QD_IMPL_THIS_LINE) { \
@@ -490,15 +498,16 @@ ClassDescription Describe() {
 #define QD_IMPL_KEEP(sentence, ...) __VA_ARGS__
 #define QD_IMPL_REFUSE(sentence, ...) static_assert(false, sentence);
 
-#define QD_IMPL_IF_ACCESS(access, ...)                                                      \
-  QD_IMPL_IF(QD_IMPL_IS_ACCESS_##access,                                                    \
-             #access " is no access word; they are Get, Let, GetLet, GetSet and GetLetSet", \
+#define QD_IMPL_IF_ACCESS(access, ...)                                                           \
+  QD_IMPL_IF(QD_IMPL_IS_ACCESS_##access,                                                         \
+             #access " is no access word; they are Get, Let, Set, GetLet, GetSet and GetLetSet", \
              __VA_ARGS__)
 
 #define QD_IMPL_IS_FIELD_Get ~, ~
 #define QD_IMPL_IS_FIELD_GetLet ~, ~
 #define QD_IMPL_IS_ACCESS_Get ~, ~
 #define QD_IMPL_IS_ACCESS_Let ~, ~
+#define QD_IMPL_IS_ACCESS_Set ~, ~
 #define QD_IMPL_IS_ACCESS_GetLet ~, ~
 #define QD_IMPL_IS_ACCESS_GetSet ~, ~
 #define QD_IMPL_IS_ACCESS_GetLetSet ~, ~
@@ -511,6 +520,7 @@ ClassDescription Describe() {
   void Name QD_IMPL_PUT_PARAMS(Type, QD_IMPL_STRIP params);
 #define QD_IMPL_DECLARE_GetLet(Type, Name, params) \
   QD_IMPL_DECLARE_Get(Type, Name, params) QD_IMPL_DECLARE_Let(Type, Name, params)
+#define QD_IMPL_DECLARE_Set QD_IMPL_DECLARE_Let
 #define QD_IMPL_DECLARE_GetSet QD_IMPL_DECLARE_GetLet
 #define QD_IMPL_DECLARE_GetLetSet QD_IMPL_DECLARE_GetLet
 
@@ -518,6 +528,7 @@ ClassDescription Describe() {
 #define QD_IMPL_PUTTER(Name) ::qdclgl::detail::InvokeMember<::qdclgl::detail::Putter(&Self::Name)>
 #define QD_IMPL_INVOKERS_Get(Name) .get = QD_IMPL_GETTER(Name)
 #define QD_IMPL_INVOKERS_Let(Name) .let = QD_IMPL_PUTTER(Name)
+#define QD_IMPL_INVOKERS_Set(Name) .set = QD_IMPL_PUTTER(Name)
 #define QD_IMPL_INVOKERS_GetLet(Name) .get = QD_IMPL_GETTER(Name), .let = QD_IMPL_PUTTER(Name)
 #define QD_IMPL_INVOKERS_GetSet(Name) .get = QD_IMPL_GETTER(Name), .set = QD_IMPL_PUTTER(Name)
 #define QD_IMPL_INVOKERS_GetLetSet(Name) \
@@ -530,6 +541,7 @@ ClassDescription Describe() {
 #define QD_IMPL_INDEX_TYPES_GetLetSet QD_IMPL_INDEX_TYPES_Get
 #define QD_IMPL_INDEX_TYPES_Let(Name) \
   ::qdclgl::detail::IndexTypes(::qdclgl::detail::Putter(&Self::Name))
+#define QD_IMPL_INDEX_TYPES_Set QD_IMPL_INDEX_TYPES_Let
 
 #define QD_IMPL_FIELD_Get(Type, Name, row_key, ...)              \
   Type Name() const {                                            \
