@@ -16,10 +16,7 @@ void EntityListBase::Sort(String value) { m_Query.sort = std::move(value); }
 void EntityListBase::Refresh() { Fetch(); }
 
 void EntityListBase::Fetch() const {
-  const CallingOut out(this);
-  m_Rs = nullptr;  // first, so that a list that can't be fetched is not mistaken for the old one
-  const Ref<Object> info = ServerGateway().CreateInstance(Protocol().info_component);
-  m_Rs = FetchList(*info, m_Query);
+  FetchBy([this](Object& info, Query& query) { return FetchList(info, query); });
 }
 
 Long EntityListBase::Count() const {

@@ -51,6 +51,17 @@ class EntityListBase : public Object, public ISetXactContext, private ApartmentM
   // for a text; error 5 for any other key.
   virtual Ref<Dictionary> FetchRow(Variant Key) const;
 
+  // Drops the list and takes the one that `fetch` asks the reading component for.
+  template <class Fetch>
+  void FetchBy(Fetch fetch) const {
+    const CallingOut out(this);
+    m_Rs = nullptr;  // first, so that a list that can't be fetched is not mistaken for the old one
+    const Ref<Object> info = ServerGateway().CreateInstance(Protocol().info_component);
+    m_Rs = fetch(*info, m_Query);
+  }
+
+  void Fetch() const;
+
   // The list, fetched unless there is one: what a reader sees does not change by it.
   Ref<Recordset> List() const;
   // The row under the cursor of a list. Error 5 behind the last one.
@@ -84,9 +95,6 @@ class EntityListBase : public Object, public ISetXactContext, private ApartmentM
   Ref<Object> m_Xa;
 
  private:
-  // Drops the list and asks the server for it.
-  void Fetch() const;
-
   // A reader fetches the list on first use: what callers see of the object does not change by it.
   mutable Ref<Recordset> m_Rs;
   mutable Query m_Query;
