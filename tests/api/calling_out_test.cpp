@@ -30,7 +30,7 @@ class Neighbour final : public Object {
   ~Neighbour() override;
   std::string_view ClassName() const override { return "Neighbour"; }
   Variant Invoke(std::string_view name, CallKind kind, std::span<Argument> arguments) override;
-  Variant DefaultValue() override;
+  Variant PlainValue() override;
 
  private:
   Neighbourhood& home_;
@@ -146,7 +146,7 @@ Variant Neighbour::Invoke(std::string_view name, CallKind, std::span<Argument>) 
   return home_.AnswerOf(name);
 }
 
-Variant Neighbour::DefaultValue() { return home_.AnswerOf("default"); }
+Variant Neighbour::PlainValue() { return home_.AnswerOf("default"); }
 
 // ---- What neighbours do ----
 

@@ -46,6 +46,8 @@ class Entity : public RowView, public ISetXactContext, private ApartmentMember {
   virtual bool HasChanges() const { return Bag().Modified(); }
   // The id that a row gives the object.
   virtual Long IdIn(const Dictionary& row) const;
+  // Takes from a row what the object keeps beside it: the id.
+  virtual void TakeIds(const Dictionary& row) { m_ID = IdIn(row); }
   // GetDetail(PropsString, id by reference).
   virtual Ref<Dictionary> FetchRow(Object& info);
   // Create(PropsString, row): the new id.

@@ -21,6 +21,7 @@
 //   QD_INDEXED(access, Type, Name, (params), help, ...) a value with arguments
 //   QD_VARIABLE(Type, Name, initial, help)              a plain variable of the object
 //   QD_METHOD(Result, Name, (params), help, ...)        a method
+//   QD_OVERRIDE(Result, Name, (params), help, ...)      the same over a virtual one of the base
 //   QD_INHERITED(Name)                                  the row of that name of a base class
 //   QD_INHERITED_AS(Name, help)                         the same with a help text of its own
 //
@@ -421,15 +422,13 @@ ClassDescription Describe() {
     return table;                                                         \
   }
 
-#define QD_METHOD(Result, Name, params, help_text, ...)     \
-  Result Name params;                                       \
-  QD_IMPL_ROW(::qdclgl::detail::WithSignature<&Self::Name>( \
-      {.name = #Name,                                       \
-       .help = help_text,                                   \
-       .type = ::qdclgl::TypeWord<Result, Self>(),          \
-       .parameters = #params,                               \
-       .options = ::qdclgl::RowOptions(__VA_ARGS__),        \
-       .method = ::qdclgl::detail::InvokeMember<&Self::Name>}))
+#define QD_METHOD(Result, Name, params, help_text, ...) \
+  Result Name params;                                   \
+  QD_IMPL_METHOD_ROW(Result, Name, params, help_text, __VA_ARGS__)
+
+#define QD_OVERRIDE(Result, Name, params, help_text, ...) \
+  Result Name params override;                            \
+  QD_IMPL_METHOD_ROW(Result, Name, params, help_text, __VA_ARGS__)
 
 #define QD_FIELD(access, Type, Name, row_key, help_text, ...)                                   \
   QD_IMPL_IF(QD_IMPL_IS_FIELD_##access, #access " is no access word; a field is Get or GetLet", \
@@ -479,6 +478,15 @@ ClassDescription Describe() {
 #define QD_IMPL_WITHIN_REACH                                                  \
   static_assert(__LINE__ - kFirstMemberLine < ::qdclgl::detail::kMemberLines, \
                 "this row stands more than 512 lines below the head of its class's rows");
+
+#define QD_IMPL_METHOD_ROW(Result, Name, params, help_text, ...) \
+  QD_IMPL_ROW(::qdclgl::detail::WithSignature<&Self::Name>(      \
+      {.name = #Name,                                            \
+       .help = help_text,                                        \
+       .type = ::qdclgl::TypeWord<Result, Self>(),               \
+       .parameters = #params,                                    \
+       .options = ::qdclgl::RowOptions(__VA_ARGS__),             \
+       .method = ::qdclgl::detail::InvokeMember<&Self::Name>}))
 
 #define QD_IMPL_INHERITED(Name, change)                                                     \
   template <class Self>                                                                     \

@@ -184,10 +184,10 @@ TEST_F(LateBoundTest, AnObjectStandsForItsDefaultMember) {
   const auto seven = Make<Desk>();
   seven->Size(7);
   EXPECT_EQ(Answer("ShowThree", seven), "\"7, Missing, 3\"");
-  EXPECT_EQ(seven->DefaultValue().As<Long>(), 7);
-  EXPECT_EQ(ErrorOf([] { Make<Opaque>()->DefaultValue(); }),
+  EXPECT_EQ(seven->PlainValue().As<Long>(), 7);
+  EXPECT_EQ(ErrorOf([] { Make<Opaque>()->PlainValue(); }),
             "error 438 (Opaque): The object has no default value.");
-  EXPECT_EQ(ErrorOf([] { Make<Dictionary>()->DefaultValue(); }),
+  EXPECT_EQ(ErrorOf([] { Make<Dictionary>()->PlainValue(); }),
             "error 438 (Dictionary): The object has no default value.");
 }
 
