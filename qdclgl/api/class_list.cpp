@@ -6,6 +6,9 @@
 #include "qdclgl/accounts/currency.h"
 #include "qdclgl/frame/vocabulary/text.h"
 #include "qdclgl/ledgers/multi_ledger_set.h"
+#include "qdclgl/masterdata/measure_unit_group.h"
+#include "qdclgl/masterdata/sub_mes.h"
+#include "qdclgl/masterdata/sub_mes_type.h"
 #include "qdclgl/settings/system_profile.h"
 #include "qdclgl/vouchers/voucher_group.h"
 #include "qdclgl/vouchers/voucher_set.h"
@@ -29,6 +32,14 @@ std::span<const ClassTable* const> PublicClasses() {
       &MultiLedgerSet::Table(),
       &MultiSubColumn::Table(),
       &MultiSubColumnSet::Table(),
+      &MeasureUnit::Table(),
+      &MeasureUnitSet::Table(),
+      &MeasureUnitGroup::Table(),
+      &MeasureUnitGroupSet::Table(),
+      &SubMes::Table(),
+      &SubMesSet::Table(),
+      &SubMesType::Table(),
+      &SubMesTypeSet::Table(),
       &SystemProfile::Table(),
       &Voucher::Table(),
       &VoucherDetail::Table(),

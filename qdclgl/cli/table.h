@@ -19,6 +19,8 @@ std::string CellText(const Variant& value);
 // Amounts as texts with 4 decimals, so that no reader rounds them; rows and lists with all that
 // hangs below them.
 nlohmann::ordered_json ToJson(const Variant& value);
+// The same as a text; what is not UTF-8 can't stand in it.
+std::string JsonText(const Variant& value, int indent = -1);
 
 class TableWriter {
  public:

@@ -21,7 +21,7 @@
 //   QD_INDEXED(access, Type, Name, (params), help, ...) a value with arguments
 //   QD_VARIABLE(Type, Name, initial, help)              a plain variable of the object
 //   QD_METHOD(Result, Name, (params), help, ...)        a method
-//   QD_INHERITED(Name)                                  the base class's row of that name
+//   QD_INHERITED(Name)                                  the row of that name of a base class
 //
 // `access` is Get, Let, GetLet, GetSet or GetLetSet. A parameter written `T name` goes by value,
 // `const T& name` or `T& name` by reference; `= default` makes it optional, `= Missing` optional
@@ -338,21 +338,23 @@ consteval auto CollectRows() {
 template <class T>
 inline constexpr auto kRows = CollectRows<T>();
 
-template <class T>
-consteval bool HasRow(std::string_view name) {
-  for (const MemberRow& row : kRows<T>) {
-    if (row.name == name) return true;
-  }
-  return false;
-}
-
-// The row of that name in the class T's own list; no row when there is none.
+// The row of that name in the class T's own list or, where it has none, in that of the next base
+// that has; no row when there is none.
 template <class T>
 consteval MemberRow RowNamed(std::string_view name) {
-  for (const MemberRow& row : kRows<T>) {
-    if (row.name == name) return row;
+  if constexpr (requires { T::kFirstMemberLine; }) {
+    for (const MemberRow& row : kRows<T>) {
+      if (row.name == name) return row;
+    }
+    return RowNamed<typename T::MemberBase>(name);
+  } else {
+    return {};
   }
-  return {};
+}
+
+template <class T>
+consteval bool HasRow(std::string_view name) {
+  return !RowNamed<T>(name).name.empty();
 }
 
 }  // namespace detail

@@ -48,10 +48,14 @@ std::string_view ArgumentOf(std::string_view column) { return column.substr(1); 
 MasterData::MasterData(Description description)
     : description_(std::move(description)),
       shown_{{description_.id, ColumnType::kLong}, kVersion},
+      callers_(shown_),
       trailed_(shown_),
       trail_texts_(trailed_.size()) {
   for (const RecordColumn& column : description_.columns) {
     shown_.push_back(column.column);
+    if (column.keeper != Keeper::kSecret) {
+      callers_.push_back({column.column.name, column.sent.value_or(column.column.type)});
+    }
     if (column.keeper == Keeper::kJoined) continue;
     stored_.push_back(column.column);
     if (column.keeper == Keeper::kDerived) continue;
@@ -353,12 +357,13 @@ std::string MasterData::Noun() const { return Capitalised(std::string(descriptio
 Ref<Dictionary> MasterData::Taken(const Dictionary& sent, const Dictionary* stored) const {
   RefuseUnknownKeys(sent);
   auto record = Make<Dictionary>();
-  for (const auto& [column, keeper, absent, shown, refers] : description_.columns) {
-    if (keeper == Keeper::kJoined) continue;
-    const Variant* given = keeper == Keeper::kCaller ? sent.Find(column.name)
-                           : stored != nullptr       ? stored->Find(column.name)
-                                                     : nullptr;
-    record->Put(column.name, Normalized(column, IsNothingGiven(given) ? absent : *given));
+  for (const RecordColumn& described : description_.columns) {
+    if (described.keeper == Keeper::kJoined) continue;
+    const Column& column = described.column;
+    const Variant* given = described.keeper == Keeper::kCaller ? sent.Find(column.name)
+                           : stored != nullptr                 ? stored->Find(column.name)
+                                                               : nullptr;
+    record->Put(column.name, Normalized(column, IsNothingGiven(given) ? described.absent : *given));
   }
   return record;
 }

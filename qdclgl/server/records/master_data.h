@@ -111,6 +111,7 @@ constexpr RecordClass RecordClassOf() {
 enum class Keeper : std::uint8_t {
   kCaller,   // callers write it; where their row lacks the key, it stands for the absent value
   kServer,   // the server keeps it; what callers send is passed over
+  kSecret,   // kept likewise, and never shown
   kDerived,  // kept likewise, and follows from other values, also of other records: not on the
              // trail
   kJoined,   // of another table, shown beside the record; what callers send is passed over
@@ -129,6 +130,7 @@ struct RecordColumn {
   Variant absent = {};                             // Empty: the zero of the type
   std::string (*shown)(const Variant&) = nullptr;  // as the trail tells a value, if otherwise
   Referred refers = {};
+  std::optional<ColumnType> sent = {};  // in callers' rows, if otherwise
 };
 
 // A list of rows that belongs to a record.
@@ -141,6 +143,9 @@ struct RecordList {
   // have, and the SELECT of that, which has the record's id too. Otherwise rows don't have it.
   std::vector<Column> shown = {};
   std::string_view query = {};
+  // What gives callers the rows by a record's id, where GetDetail does not bring them under the
+  // key.
+  std::string_view component = {}, method = {};
 };
 
 // A record as the trail tells it.
@@ -229,6 +234,8 @@ class MasterData {
   std::span<const Column> Columns() const { return shown_; }
   // The keys of the lists that its rows have behind them.
   std::vector<std::string_view> NestedLists() const;
+  // The same as callers' rows have them, without those that are secret.
+  std::span<const Column> CallersColumns() const { return callers_; }
   // Its tables with all their columns.
   std::vector<StoredTable> Tables() const;
 
@@ -278,6 +285,7 @@ class MasterData {
 
   Description description_;
   std::vector<Column> shown_;
+  std::vector<Column> callers_;
   std::vector<Column> stored_;   // those of them that are written
   std::vector<Column> trailed_;  // the id, and those that are on the trail
   std::vector<std::string (*)(const Variant&)> trail_texts_;  // how, for each of them
