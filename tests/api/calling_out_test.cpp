@@ -12,6 +12,7 @@
 #include "qdclgl/api/class_list.h"
 #include "qdclgl/frame/containers/recordset.h"
 #include "qdclgl/frame/objects/class_table.h"
+#include "qdclgl/ledgers/multi_ledger.h"
 #include "qdclgl/vouchers/voucher.h"
 #include "tests/support/recording_server.h"
 #include "tests/support/test_objects.h"
@@ -206,9 +207,34 @@ std::vector<Deed> Deeds(Neighbourhood& home) {
 
 // ---- The members ----
 
+// A new object of a class of ledgers or their columns; Nothing for other classes.
+Ref<Object> NewOfLedger(Neighbourhood& home, const ClassTable& table,
+                        std::string_view key_of_member) {
+  const auto ledger = Make<MultiLedger>();
+  const Ref<Dictionary> row = home.HostileRow(key_of_member);
+  for (const char* key : {"_Columns", "_SubColumns"}) {
+    auto list = Make<Vector>();
+    for (int i = 0; i < 3; ++i) {
+      const Ref<Dictionary> column = home.HostileRow(key_of_member);
+      if (key_of_member.empty()) column->Put("FAccountNumber", Variant(Make<Neighbour>(home)));
+      list->Append(Variant(column));
+    }
+    row->Put(key, Variant(list));
+  }
+  ledger->Construct(row, Nothing);
+  ledger->LedgerName("Edited");
+  if (table.name() == "MultiLedger") return ledger;
+  if (table.name() == "MultiColumnSet") return ledger->Columns();
+  if (table.name() == "MultiColumn") return ledger->Columns()->Item(1);
+  if (table.name() == "MultiSubColumnSet") return ledger->SubColumns();
+  if (table.name() == "MultiSubColumn") return ledger->SubColumns()->Item(1);
+  return Nothing;
+}
+
 // A new object of the class with neighbours in its row; held by nobody else.
 Ref<Object> NewSubject(Neighbourhood& home, const ClassTable& table,
                        std::string_view key_of_member) {
+  if (Ref<Object> of_ledger = NewOfLedger(home, table, key_of_member)) return of_ledger;
   if (table.creatable()) {
     Ref<Object> object = table.Create();
     if (table.Find("Construct") != nullptr && table.Find("Properties") == nullptr) {

@@ -31,8 +31,8 @@
 // without a default, `= {}` optional with the zero of its type where the omission can't be told
 // from it. Behind the help text may stand Default(x), the value that an absent, Null or empty key
 // reads as (otherwise zero, empty text or Nothing); NoDefault, for a member that reads the text of
-// its key's value, so that an absent, Null or empty key is no number (error 13); Clear(x), the value
-// whose writing removes the key; DefaultMember, for the member that stands for the object.
+// its key's value, so that an absent, Null or empty key is no number (error 13); Clear(x), the
+// value whose writing removes the key; DefaultMember, for the member that stands for the object.
 #pragma once
 
 #include <array>
