@@ -20,13 +20,13 @@ using server::MasterData;
 
 // ---- Kinds ----
 
-std::string_view NameOf(const MasterData& kind) { return kind.description().list.name; }
+std::string_view KindName(const MasterData& kind) { return kind.description().list.name; }
 
 std::span<const MasterData* const> RecordKinds() {
   static const std::vector<const MasterData*> kKinds = [] {
     const auto kinds = server::MasterDataKinds();
     std::vector<const MasterData*> sorted(kinds.begin(), kinds.end());
-    std::ranges::sort(sorted, {}, [](const MasterData* kind) { return NameOf(*kind); });
+    std::ranges::sort(sorted, {}, [](const MasterData* kind) { return KindName(*kind); });
     return sorted;
   }();
   return kKinds;
@@ -34,7 +34,7 @@ std::span<const MasterData* const> RecordKinds() {
 
 const MasterData* FindKind(std::string_view name) {
   for (const MasterData* kind : RecordKinds()) {
-    if (EqualsIgnoringAsciiCase(NameOf(*kind), name)) return kind;
+    if (EqualsIgnoringAsciiCase(KindName(*kind), name)) return kind;
   }
   return nullptr;
 }
@@ -43,7 +43,7 @@ namespace {
 
 std::vector<std::string_view> KindNames() {
   std::vector<std::string_view> names;
-  for (const MasterData* kind : RecordKinds()) names.push_back(NameOf(*kind));
+  for (const MasterData* kind : RecordKinds()) names.push_back(KindName(*kind));
   return names;
 }
 
