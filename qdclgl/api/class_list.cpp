@@ -5,6 +5,7 @@
 #include "qdclgl/accounts/account_set.h"
 #include "qdclgl/accounts/currency.h"
 #include "qdclgl/frame/vocabulary/text.h"
+#include "qdclgl/ledgers/multi_ledger_set.h"
 #include "qdclgl/settings/system_profile.h"
 #include "qdclgl/vouchers/voucher_group.h"
 #include "qdclgl/vouchers/voucher_set.h"
@@ -22,6 +23,12 @@ std::span<const ClassTable* const> PublicClasses() {
       &AccountSet::Table(),
       &Currencyx::Table(),
       &CurrencySet::Table(),
+      &MultiColumn::Table(),
+      &MultiColumnSet::Table(),
+      &MultiLedger::Table(),
+      &MultiLedgerSet::Table(),
+      &MultiSubColumn::Table(),
+      &MultiSubColumnSet::Table(),
       &SystemProfile::Table(),
       &Voucher::Table(),
       &VoucherDetail::Table(),

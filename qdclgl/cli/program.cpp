@@ -78,6 +78,7 @@ Program::Program(const Console& console)
   AddRecordCommands(*this);
   AddVoucherCommands(*this);
   AddBalanceCommand(*this);
+  AddLedgerCommand(*this);
   AddUserCommand(*this);
   AddApiCommand(*this);
   for (CLI::App* command : app_.get_subcommands({})) TakeUnmarkedWords(*command);

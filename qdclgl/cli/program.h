@@ -94,6 +94,7 @@ void AddListCommands(Program& program);     // list, and one for each list of th
 void AddRecordCommands(Program& program);   // kinds, show, add, set, remove
 void AddVoucherCommands(Program& program);  // voucher, and the steps from check to unpost
 void AddBalanceCommand(Program& program);   // balance
+void AddLedgerCommand(Program& program);    // ledger
 void AddUserCommand(Program& program);      // user
 void AddApiCommand(Program& program);       // api
 

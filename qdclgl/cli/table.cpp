@@ -126,6 +126,10 @@ TableWriter::TableWriter(std::ostream& out, Format format, std::vector<std::stri
   if (format_ == Format::kCsv) WriteCsv(headings_);
 }
 
+void TableWriter::AlignRight(std::size_t from) {
+  std::fill(is_number_.begin() + static_cast<std::ptrdiff_t>(from), is_number_.end(), true);
+}
+
 void TableWriter::Row(const std::vector<Variant>& cells) {
   if (format_ == Format::kJson) {
     nlohmann::ordered_json row;

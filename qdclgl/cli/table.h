@@ -26,6 +26,8 @@ class TableWriter {
  public:
   TableWriter(std::ostream& out, Format format, std::vector<std::string> headings);
 
+  // In a plain table all columns from this one on stand to the right, as numbers do by themselves.
+  void AlignRight(std::size_t from);
   void Row(const std::vector<Variant>& cells);
   // What stands behind the last row. A plain table, which must know its widest cells, is written
   // here as a whole.

@@ -39,12 +39,13 @@ class EntityListBase : public Object, public ISetXactContext, private ApartmentM
  protected:
   virtual const SetProtocol& Protocol() const = 0;
 
-  // What a list is asked for; a server may write it.
+  // What a list is asked for; a server may write it, also when a reader asks.
   struct Query {
     Long list_options = 0;
     String filter;
     String sort;
   };
+  Query& ListQuery() const { return m_Query; }
   // GetList(PropsString, ListOptions, Filter, Sort), the three by reference.
   virtual Ref<Recordset> FetchList(Object& info, Query& query) const;
   // GetDetail(PropsString, id) for a number, the text key method (PropsString, Key by reference)

@@ -27,8 +27,9 @@
 // `const T& name` or `T& name` by reference; `= default` makes it optional, `= Missing` optional
 // without a default, `= {}` optional with the zero of its type where the omission can't be told
 // from it. Behind the help text may stand Default(x), the value that an absent, Null or empty key
-// reads as (otherwise zero, empty text or Nothing); Clear(x), the value whose writing removes the
-// key; DefaultMember, for the member that stands for the object.
+// reads as (otherwise zero, empty text or Nothing); NoDefault, for a member that reads the text of
+// its key's value, so that an absent, Null or empty key is no number (error 13); Clear(x), the value
+// whose writing removes the key; DefaultMember, for the member that stands for the object.
 #pragma once
 
 #include <array>
@@ -104,6 +105,8 @@ struct Clear {
   RowLiteral value;
   constexpr explicit Clear(RowLiteral literal) : value(literal) {}
 };
+struct NoDefaultTag {};
+inline constexpr NoDefaultTag NoDefault;
 struct DefaultMemberTag {};
 inline constexpr DefaultMemberTag DefaultMember;
 
@@ -112,6 +115,7 @@ inline constexpr DefaultMemberTag DefaultMember;
 struct RowOptions {
   RowLiteral default_value;
   RowLiteral clear_value;
+  bool has_default = true;
   bool is_default_member = false;
 
   constexpr RowOptions() = default;
@@ -123,6 +127,7 @@ struct RowOptions {
  private:
   constexpr void Apply(row_options::Default option) { default_value = option.value; }
   constexpr void Apply(row_options::Clear option) { clear_value = option.value; }
+  constexpr void Apply(row_options::NoDefaultTag) { has_default = false; }
   constexpr void Apply(row_options::DefaultMemberTag) { is_default_member = true; }
 };
 
@@ -363,7 +368,7 @@ struct ClassDescription {
   std::string_view name;
   std::string_view help;
   std::span<const MemberRow> rows;
-  bool takes_context = false;         // implements ISetXactContext
+  bool takes_context = false;         // callers reach ISetXactContext
   Ref<Object> (*create)() = nullptr;  // null: callers can't create it
 };
 
@@ -372,9 +377,10 @@ enum class Creation { Creatable, Internal };
 
 template <class T>
 ClassDescription Describe() {
-  ClassDescription description{T::kClassName, T::kClassHelp, detail::kRows<T>,
-                               std::is_base_of_v<ISetXactContext, T>};
+  ClassDescription description{T::kClassName, T::kClassHelp, detail::kRows<T>};
+  // Whoever makes an object gives it its context; callers don't make those of internal classes.
   if constexpr (T::kCreation == Creation::Creatable) {
+    description.takes_context = std::is_base_of_v<ISetXactContext, T>;
     description.create = [] { return Ref<Object>(Make<T>()); };
   }
   return description;

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <set>
 
-#include "qdclgl/frame/containers/vector.h"
 #include "qdclgl/frame/values/value_rules.h"
 #include "qdclgl/frame/vocabulary/text.h"
 #include "qdclgl/server/db/list.h"
@@ -114,28 +113,15 @@ void RenameBelow(const RecordSave& save) {
 
 // ---- Item classes ----
 
-void ReplaceItems(const RecordSave& save, const Variant& items) {
+void ReplaceItems(const RecordSave& save) {
   save.db().Execute("DELETE FROM t_AccountItem WHERE FAccountID = ?", save.id());
-  const auto refuse = [&](const std::string& reason) { save.Refuse(refusal::kBadValue, reason); };
-  const auto* list =
-      items.IsObject() ? dynamic_cast<const Vector*>(items.ObjectPointer()) : nullptr;
-  if (list == nullptr) refuse("_Items is no Vector.");
   const std::span<const Column> columns = std::span(kItemColumns).subspan(1);
   std::set<Long> classes;
-  for (std::size_t i = 0; i < list->size(); ++i) {
-    const Variant& element = list->at(i);
-    const auto* item =
-        element.IsObject() ? dynamic_cast<const Dictionary*>(element.ObjectPointer()) : nullptr;
-    if (item == nullptr) refuse("an element of _Items is no Dictionary.");
-    for (std::uint32_t key = 0; key < item->size(); ++key) {
-      if (std::ranges::find(kItemColumns, std::string_view(item->key_at(key)), &Column::name) ==
-          std::end(kItemColumns)) {
-        refuse("there is no column \"" + item->key_at(key) + "\" in an element of _Items.");
-      }
-    }
+  for (const Ref<Dictionary>& item : save.SentRows(kItems, kItemColumns)) {
     const auto cell = [&](const Column& column) {
       return Normalized(column, item->Value(column.name));
     };
+    const auto refuse = [&](const std::string& reason) { save.Refuse(refusal::kBadValue, reason); };
     const auto id = cell(columns[0]).As<Long>();
     if (id == 0) refuse("an element of _Items has no FItemClassID.");
     if (!classes.insert(id).second) {
@@ -187,7 +173,7 @@ void Follow(RecordSave& save) {
   if (!save.is_new() && save.Changes("FName")) RenameBelow(save);
   if (IsRenumbered(save)) KeepDetailFlag(db, save.stored().Value("FParentID").As<Long>());
   KeepDetailFlag(db, save.Number("FParentID"));
-  if (const Variant* items = save.sent().Find(kItems)) ReplaceItems(save, *items);
+  if (save.sent().Contains(kItems)) ReplaceItems(save);
 }
 
 void Remove(RecordRemoval& removal) {

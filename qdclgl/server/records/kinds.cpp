@@ -4,9 +4,10 @@
 
 namespace qdclgl::server {
 
-// Each kind's function stands in the file of this folder that describes it.
+// Each kind's function stands in the file that describes it.
 // clang-format off
 // BEGIN kinds (scripts/update-derived)
+const MasterData& MultiLedgers();
 const MasterData& Accounts();
 const MasterData& Currencies();
 const MasterData& Users();
@@ -14,6 +15,7 @@ const MasterData& VoucherGroups();
 
 std::span<const MasterData* const> MasterDataKinds() {
   static const std::array kKinds = {
+      &MultiLedgers(),
       &Accounts(),
       &Currencies(),
       &Users(),

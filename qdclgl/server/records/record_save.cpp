@@ -1,5 +1,8 @@
 #include "qdclgl/server/records/record_save.h"
 
+#include <algorithm>
+
+#include "qdclgl/frame/containers/vector.h"
 #include "qdclgl/frame/vocabulary/text.h"
 #include "qdclgl/server/access/audit.h"
 #include "qdclgl/server/db/refusals.h"
@@ -11,6 +14,12 @@ using namespace record_column;
 namespace {
 
 constexpr std::size_t kLongestText = 255;
+
+// The column of exactly this name, null when there is none.
+const Column* FindIn(std::span<const Column> columns, std::string_view name) {
+  const auto found = std::ranges::find(columns, name, &Column::name);
+  return found == columns.end() ? nullptr : &*found;
+}
 
 // A key of a sent row that is no column of the record.
 std::string SentText(const Dictionary& sent, const Column& column) {
@@ -79,6 +88,28 @@ void RecordSave::Refuse(std::int32_t number, const std::string& reason) const {
   server::Refuse(number, kind_.Called(*record_) + ": " + reason);
 }
 
+std::vector<Ref<Dictionary>> RecordSave::SentRows(std::string_view key,
+                                                  std::span<const Column> known) const {
+  const std::string name(key);
+  const auto refuse = [&](const std::string& reason) { Refuse(refusal::kBadValue, reason); };
+  const Variant sent = sent_->Value(key);
+  const auto* list = sent.IsObject() ? dynamic_cast<const Vector*>(sent.ObjectPointer()) : nullptr;
+  if (list == nullptr) refuse(name + " is no Vector.");
+  std::vector<Ref<Dictionary>> rows;
+  for (std::size_t i = 0; i < list->size(); ++i) {
+    const Variant& element = list->at(i);
+    auto* row = element.IsObject() ? dynamic_cast<Dictionary*>(element.ObjectPointer()) : nullptr;
+    if (row == nullptr) refuse("an element of " + name + " is no Dictionary.");
+    for (std::uint32_t at = 0; at < row->size(); ++at) {
+      if (FindIn(known, row->key_at(at)) == nullptr) {
+        refuse("there is no column \"" + row->key_at(at) + "\" in an element of " + name + ".");
+      }
+    }
+    rows.emplace_back(row);
+  }
+  return rows;
+}
+
 void RecordSave::RequireText(std::string_view column) const {
   const std::string text = Text(column);
   if (text.empty()) Refuse(refusal::kRequired, std::string(column) + " is missing.");
@@ -136,7 +167,7 @@ void RecordSave::Write() {
 
 void RecordSave::Audit() const {
   const std::string changes = kind_.Changes(caller_.db, id_, before_);
-  const std::string name = MasterData::NameOf(*record_);
+  const std::string name = kind_.NameOf(*record_);
   const std::string machine_name = SentText(*sent_, kMachineName);
   const std::string address = SentText(*sent_, kAddress);
   WriteAudit(caller_, {.subject = kind_.subject(),
@@ -194,7 +225,7 @@ void RecordRemoval::Mark() {
 }
 
 void RecordRemoval::Commit(std::string_view machine_name, std::string_view address) {
-  const std::string name = MasterData::NameOf(*stored_);
+  const std::string name = kind_.NameOf(*stored_);
   const std::string changes = kind_.Changes(caller_.db, id_, before_);
   WriteAudit(caller_, {.subject = kind_.subject(),
                        .record_id = id_,

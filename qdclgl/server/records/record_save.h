@@ -20,6 +20,9 @@ class RecordSave {
   bool is_new() const { return !stored_; }
   Long id() const { return id_; }  // of a new record once it is written
   const Dictionary& sent() const { return *sent_; }
+  // The rows of a list that was sent under `key`. BadValue for what is no list of rows, and for a
+  // key in one of them that is no column of `known`.
+  std::vector<Ref<Dictionary>> SentRows(std::string_view key, std::span<const Column> known) const;
   // What was stored; not for a new record.
   const Dictionary& stored() const { return *stored_; }
   // Whether the save gives a column another value; true for a new record.

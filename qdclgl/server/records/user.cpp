@@ -193,7 +193,7 @@ void UserUpdate::SetPassword(std::string_view PropsString, const Long& UserID,
   const Ref<Dictionary> user = kind().Require(caller.db, id);
   const std::optional<TrailRow> before = kind().TrailOf(caller.db, id);
   caller.db.Execute("UPDATE t_User SET FPassword = ? WHERE FUserID = ?", hash, id);
-  const std::string name = MasterData::NameOf(*user);
+  const std::string name = kind().NameOf(*user);
   LoginAttempt::Forget(caller.db, name);
   const std::string changes = kind().Changes(caller.db, id, before);
   WriteAudit(caller, {.subject = kind().subject(),
