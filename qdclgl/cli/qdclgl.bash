@@ -2,7 +2,7 @@
 # program's own words; what is neither is a file.
 _qdclgl() {
   local program=${COMP_WORDS[0]} command=${COMP_WORDS[1]} current=${COMP_WORDS[COMP_CWORD]}
-  local words= kinds= kind= word
+  local words='' kinds='' kind='' word
   case $command in
     kinds | list | show | add | set | remove)
       kinds=$("$program" kinds --csv 2>/dev/null | tail -n +2 | cut -d , -f 1)
