@@ -6,9 +6,14 @@
 #include "qdclgl/accounts/currency.h"
 #include "qdclgl/frame/vocabulary/text.h"
 #include "qdclgl/ledgers/multi_ledger_set.h"
+#include "qdclgl/masterdata/measure_unit_group.h"
+#include "qdclgl/masterdata/sub_mes.h"
+#include "qdclgl/masterdata/sub_mes_type.h"
+#include "qdclgl/notes/note.h"
 #include "qdclgl/settings/system_profile.h"
 #include "qdclgl/vouchers/voucher_group.h"
 #include "qdclgl/vouchers/voucher_set.h"
+#include "qdclgl/vouchers/voucher_temp.h"
 
 namespace qdclgl {
 
@@ -29,6 +34,16 @@ std::span<const ClassTable* const> PublicClasses() {
       &MultiLedgerSet::Table(),
       &MultiSubColumn::Table(),
       &MultiSubColumnSet::Table(),
+      &MeasureUnit::Table(),
+      &MeasureUnitSet::Table(),
+      &MeasureUnitGroup::Table(),
+      &MeasureUnitGroupSet::Table(),
+      &SubMes::Table(),
+      &SubMesSet::Table(),
+      &SubMesType::Table(),
+      &SubMesTypeSet::Table(),
+      &Note::Table(),
+      &NoteSet::Table(),
       &SystemProfile::Table(),
       &Voucher::Table(),
       &VoucherDetail::Table(),
@@ -38,6 +53,8 @@ std::span<const ClassTable* const> PublicClasses() {
       &VoucherGroup::Table(),
       &VoucherGroupSet::Table(),
       &VoucherSet::Table(),
+      &VoucherTemp::Table(),
+      &VoucherTempSet::Table(),
       // END classes
       // clang-format on
   };

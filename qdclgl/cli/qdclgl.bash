@@ -16,7 +16,7 @@ _qdclgl() {
     fi
   done
   if [[ $COMP_CWORD -eq 1 ]]; then
-    words=$("$program" --help 2>/dev/null | sed -n '/^Subcommands:/,/^$/s/^  \([a-z]*\) .*/\1/p')
+    words=$("$program" --help 2>/dev/null | sed -n '/^Subcommands:/,/^$/s/^  \([a-z-]*\) .*/\1/p')
   elif [[ $current == -* ]]; then
     words=$("$program" "$command" --help 2>/dev/null | sed -n 's/^  \(-[a-z],\)\?\(--[a-z-]*\).*/\2/p')
   elif [[ $command == api ]]; then

@@ -20,7 +20,8 @@ using Json = nlohmann::ordered_json;
 using Words = std::vector<std::string>;
 
 // A record of a kind: its key, in the case in which it is kept, and what else it can't be without;
-// another key; and what changes it. The books have the accounts 6000 and 6001 with the ids 1 and 2.
+// another key; and what changes it, the key itself where there is nothing else. The books have the
+// accounts 6000 and 6001 with the ids 1 and 2.
 struct Sample {
   std::string_view kind;
   std::string key;
@@ -36,6 +37,20 @@ const std::vector<Sample>& Samples() {
       {"currencies", "USD", {"FName=Dollar", "FExchangeRate=0.9"}, "USN", "FFixRate=1"},
       {"groups", "Receipts", {}, "Payments", "FDRange=1001"},
       {"ledgers", "Costs", {"FAccountID=1"}, "Yields", "FAccountID=2"},
+      {"sub-message-types", "Sizes", {}, "Shapes", "FName=Sizes"},
+      {"sub-messages",
+       "red",
+       {"FTypeID=1", "FName=Red"},
+       "green",
+       "FDay=30",
+       {{"add", "sub-message-types", "Colours"}}},
+      {"unit-groups", "Lengths", {}, "Heights", "FName=Lengths"},
+      {"units",
+       "KG",
+       {"FUnitGroupID=1", "FName=Kilogram", "FCoefficient=1"},
+       "KILO",
+       "FName=kilogramme",
+       {{"add", "unit-groups", "Masses"}}},
       {"users", "ann", {"FRoles=reader"}, "o'hara", "FRoles=reader, poster"},
   };
   return kSamples;

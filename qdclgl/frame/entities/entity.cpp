@@ -14,7 +14,7 @@ void Entity::Construct(const Ref<Dictionary>& dict, const Ref<Object>& xa) {
   bag.Attach(row, false, Nothing, Protocol().construct_track_state);
   std::swap(m_DictOrig, row);
   const Ref<qdclgl::Properties> former = PutBag(bag);
-  if (const Ref<Dictionary> taken = m_DictOrig) m_ID = IdIn(*taken);
+  if (const Ref<Dictionary> taken = m_DictOrig) TakeIds(*taken);
   std::swap(m_Xa, context);
 }
 
@@ -27,7 +27,7 @@ void Entity::Refresh() {
   if (m_ID == 0) return;
   const CallingOut out(this);
   const Ref<Object> info = ServerGateway().CreateInstance(Protocol().info_component);
-  Reload(FetchRow(*info));
+  TakeRow(FetchRow(*info));
 }
 
 void Entity::Reload(Ref<Dictionary> row) {
@@ -41,15 +41,28 @@ void Entity::Reload(Ref<Dictionary> row) {
 void Entity::SaveChanges() {
   if (!HasChanges()) return;
   const CallingOut out(this);
+  WriteRow();
+  Refresh();
+}
+
+void Entity::WriteRow() {
+  if (Protocol().stamps_first) StampMachine();
   const Ref<Object> update = ServerGateway().CreateInstance(Protocol().update_component);
-  StampMachine();
+  if (!Protocol().stamps_first) StampMachine();
   const Ref<Dictionary> dict = Bag().Dictionary();
   if (m_ID != 0) {
-    update->Call("Update", GetPropsString(), ByRef(m_ID), dict);
+    UpdateRow(*update, dict);
   } else {
-    m_ID = update->Call("Create", GetPropsString(), dict).As<Long>();
+    m_ID = CreateRow(*update, dict);
   }
-  Refresh();
+}
+
+Long Entity::CreateRow(Object& update, const Ref<Dictionary>& row) {
+  return update.Call("Create", GetPropsString(), row).As<Long>();
+}
+
+void Entity::UpdateRow(Object& update, const Ref<Dictionary>& row) {
+  update.Call("Update", GetPropsString(), ByRef(m_ID), row);
 }
 
 Long Entity::IdIn(const Dictionary& row) const { return row.Value(Protocol().id_key).As<Long>(); }

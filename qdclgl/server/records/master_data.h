@@ -166,8 +166,9 @@ inline constexpr Column kAddress{"IPAddress", ColumnType::kText};
 
 // The text by which people tell records apart, unique among them.
 struct TextKey {
-  std::string_view column;    // FNumber, or that of the name
-  bool ignores_case = false;  // then it is kept in upper case
+  std::string_view column;       // FNumber, or that of the name
+  bool ignores_case = false;     // then it is kept in upper case
+  std::string_view within = {};  // a column: unique only among records with the same value there
 };
 
 // Records have a key, and another record has another one.
@@ -249,8 +250,13 @@ class MasterData {
   Ref<Dictionary> Read(Database& db, Long id) const;
   // NotFound when there is none.
   Ref<Dictionary> Require(Database& db, Long id) const;
+  // The same of a key: the id, where it is a number, and otherwise the text.
+  Ref<Dictionary> RequireByKey(Database& db, const Variant& key) const;
   // The id of the first record with this text in a column, 0 when there is none.
   Long IdWith(Database& db, std::string_view column, std::string_view text) const;
+  // The same among those with an id in another column.
+  Long IdWith(Database& db, std::string_view column, std::string_view text,
+              std::string_view owner_column, Long owner) const;
   // The same for the key, in whatever case where that is ignored.
   Long IdWithKey(Database& db, std::string_view key) const;
 
