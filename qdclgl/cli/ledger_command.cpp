@@ -1,7 +1,6 @@
 // Multi-column ledgers: printing one, and adding one.
 #include <algorithm>
 #include <sstream>
-#include <utility>
 
 #include "qdclgl/accounts/account_set.h"
 #include "qdclgl/cli/cell_values.h"
@@ -25,7 +24,6 @@ struct LedgerOptions {
   bool html = false;
   std::vector<std::string> words;  // behind BOOK: NAME, or add and NAME
   std::string name;
-  bool add = false;
   std::string from, to;
   std::string account, columns, side, currencies;
 };
@@ -144,31 +142,27 @@ int AddLedger(const LedgerOptions& options, const Console& console) {
   return kDone;
 }
 
-// BOOK, and what stands behind it. With books from the environment the first word is not BOOK.
-void ReadWords(LedgerOptions& options) {
-  std::vector<std::string>& words = options.words;
-  const std::string known = BookFromEnvironment();
-  const bool lacks_name = words.empty();
-  const bool lacks_book = options.login.book == kAdd && words.size() == 1;
-  if (!known.empty() && !options.login.book.empty() && (lacks_name || lacks_book)) {
-    words.insert(words.begin(), std::exchange(options.login.book, known));
-  }
-  options.add = words.size() == 2 && words.front() == kAdd;
-  if (words.size() != (options.add ? 2u : 1u)) throw CLI::RequiredError("NAME");
+// With books from the environment the first word is not BOOK.
+bool IsName(const std::string& first, const std::vector<std::string>& rest) {
+  return !BookFromEnvironment().empty() && (rest.empty() || (first == kAdd && rest.size() == 1));
+}
+
+int RunLedger(LedgerOptions& options, const Console& console) {
+  const std::vector<std::string>& words = options.words;
+  const bool adds = words.size() == 2 && words.front() == kAdd;
+  if (words.size() != (adds ? 2u : 1u)) throw CLI::RequiredError("NAME");
   options.name = words.back();
+  return adds ? AddLedger(options, console) : PrintLedger(options, console);
 }
 
 }  // namespace
 
 void AddLedgerCommand(Program& program) {
   const auto options = std::make_shared<LedgerOptions>();
-  CLI::App* command = program.AddForBooks(
-      "ledger", "Prints a multi-column ledger, or adds one", options->login, [options, &program] {
-        return options->add ? AddLedger(*options, program.console())
-                            : PrintLedger(*options, program.console());
-      });
-  command->add_option("NAME", options->words, "The ledger; behind the word add, a new one");
-  command->parse_complete_callback([options] { ReadWords(*options); });
+  CLI::App* command = program.AddForWords(
+      "ledger", "Prints a multi-column ledger, or adds one", options->login, options->words,
+      {"NAME", "The ledger; behind the word add, a new one", IsName},
+      [options, &program] { return RunLedger(*options, program.console()); });
   const auto add_text = [&](const char* name, std::string& text, const char* type,
                             const char* help) {
     return command->add_option(name, text, help)->type_name(type);

@@ -23,12 +23,8 @@ namespace {
 
 }  // namespace
 
-Ref<Object> Records::Component(const char* suffix) const {
-  return CreateObject(std::string(kind_.description().component) + suffix);
-}
-
 Ref<Dictionary> Records::Read(Long id) const {
-  return Component("Info")->Call("GetDetail", props_, ByRef(id)).As<Dictionary>();
+  return CreateObject(kind_.info_prog_id())->Call("GetDetail", props_, ByRef(id)).As<Dictionary>();
 }
 
 Long Records::IdOf(const Dictionary& record) const {
@@ -39,7 +35,7 @@ Long Records::IdWith(const std::string& key) const {
   const server::TextKey& column = kind_.description().key;
   const std::string text = column.ignores_case ? ToUpper(key) : key;
   const Ref<Recordset> rows = cli::FetchList(
-      *FindList(NameOf(kind_)), props_,
+      *FindList(KindName(kind_)), props_,
       {.filter = std::string(column.column) + " = " + FilterText(text), .with_deleted = true});
   const auto id = [&] { return rows->FieldValue(rows->FieldPosition(kind_.description().id)); };
   const Long first = rows->Eof() ? 0 : id().As<Long>();
@@ -57,10 +53,10 @@ Ref<Dictionary> Records::Find(const std::string& key) const {
   return record;
 }
 
-Ref<Dictionary> Records::WithLists(const Ref<Dictionary>& record) const {
+void Records::AddLists(Dictionary& record) const {
   for (const server::RecordList& list : kind_.description().lists) {
     if (list.component.empty()) continue;
-    Long id = IdOf(*record);
+    Long id = IdOf(record);
     const auto rows =
         CreateObject(list.component)->Call(list.method, props_, ByRef(id)).As<Recordset>();
     auto shown = Make<Vector>();
@@ -69,15 +65,14 @@ Ref<Dictionary> Records::WithLists(const Ref<Dictionary>& record) const {
       row->Remove(list.table.columns.front().name);  // the record's id
       shown->Append(Variant(row));
     }
-    record->Put(list.key, Variant(shown));
+    record.Put(list.key, Variant(shown));
   }
-  return record;
 }
 
 Long Records::Save(const Ref<Dictionary>& row, Long id) const {
   row->Put(server::record_column::kMachineName.name, Variant(GetMachineName()));
   row->Put(server::record_column::kAddress.name, Variant(GetIPAddress()));
-  const Ref<Object> update = Component("Update");
+  const Ref<Object> update = CreateObject(kind_.update_prog_id());
   if (id == 0) {
     id = update->Call("Create", props_, row).As<Long>();
   } else {
@@ -87,7 +82,8 @@ Long Records::Save(const Ref<Dictionary>& row, Long id) const {
 }
 
 bool Records::Delete(Long id) const {
-  Component("Update")->Call("Delete", props_, ByRef(id), GetMachineName(), GetIPAddress());
+  CreateObject(kind_.update_prog_id())
+      ->Call("Delete", props_, ByRef(id), GetMachineName(), GetIPAddress());
   return !Read(id);
 }
 

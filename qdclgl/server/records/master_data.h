@@ -226,6 +226,9 @@ class MasterData {
   std::string Noun() const;          // "Voucher group", as a sentence begins
   const Right& reading() const { return reading_; }
   const Right& writing() const { return writing_; }
+  // Of its two components.
+  std::string_view info_prog_id() const { return info_prog_id_; }
+  std::string_view update_prog_id() const { return update_prog_id_; }
   const ClassTable& info() const { return *info_; }
   const ClassTable& update() const { return *update_; }
 
