@@ -4,20 +4,25 @@
 
 namespace qdclgl::server {
 
-// Each kind's function stands in the file of this folder that describes it.
+// Each kind's function stands in the file that describes it: of this folder, or of one above where
+// the kind has something of vouchers.
 // clang-format off
 // BEGIN kinds (scripts/update-derived)
 const MasterData& Accounts();
 const MasterData& Currencies();
+const MasterData& Notes();
 const MasterData& Users();
 const MasterData& VoucherGroups();
+const MasterData& VoucherTemps();
 
 std::span<const MasterData* const> MasterDataKinds() {
   static const std::array kKinds = {
       &Accounts(),
       &Currencies(),
+      &Notes(),
       &Users(),
       &VoucherGroups(),
+      &VoucherTemps(),
   };
   return kKinds;
 }
