@@ -4,6 +4,7 @@
 #include "qdclgl/cli/cell_values.h"
 #include "qdclgl/cli/program.h"
 #include "qdclgl/cli/steps.h"
+#include "qdclgl/cli/template_voucher.h"
 #include "qdclgl/server/db/refusals.h"
 
 namespace qdclgl::cli {
@@ -15,6 +16,7 @@ struct VoucherOptions {
   std::vector<Long> ids;
   bool all = false;
   bool json = false;
+  TemplateUse from = {};  // a template to make a voucher of, when it has a name
 };
 
 // ---- voucher ----
@@ -91,6 +93,18 @@ void PrintPlain(Voucher& voucher, std::ostream& out) {
   table.Finish();
 }
 
+int MakeVoucher(const VoucherOptions& options, const Console& console) {
+  if (!options.ids.empty()) throw UsageError("voucher takes an ID or --from-template");
+  const std::string props = options.login.Open();
+  const Ref<Voucher> voucher = VoucherOf(options.from, props);
+  voucher->SaveChanges();
+  console.out << "Voucher " << voucher->VoucherID() << " is made: " << voucher->Year() << '/'
+              << voucher->Period() << ' ' << OneLine(voucher->Group()) << ' ' << voucher->Number()
+              << ", " << voucher->VoucherDate().ToText() << ", "
+              << AmountText(voucher->DebitTotal()) << ".\n";
+  return kDone;
+}
+
 int PrintVoucher(const VoucherOptions& options, const Console& console) {
   if (options.ids.size() != 1) throw UsageError("voucher takes one ID");
   const Long id = options.ids.front();
@@ -119,12 +133,66 @@ int RunStep(const Step& step, const Login& login, const std::vector<Long>& ids, 
   return all ? TakeStepOnAll(step, props, console) : TakeStep(step, ids, props, console);
 }
 
+// ---- voucher --from-template ----
+
+namespace {
+
+// "2=850.50"
+void AddAmount(std::map<Long, Currency>& amounts, const std::string& text) {
+  const std::size_t at = text.find('=');
+  if (at == text.npos) throw CLI::ValidationError("--amount", Quoted(text) + " is not LINE=AMOUNT");
+  try {
+    amounts[ReadWhole(text.substr(0, at))] = ReadAmount(text.substr(at + 1));
+  } catch (const BadCell& bad) {
+    throw CLI::ValidationError("--amount", bad.what());
+  }
+}
+
+void AddTemplateOptions(CLI::App& command, TemplateUse& use) {
+  CLI::Option* from = command.add_option("--from-template", use.name,
+                                         "Makes a voucher of a template, by its name or id");
+  from->type_name("TEMPLATE");
+  const auto add = [&](const std::string& name, const std::string& type, const std::string& help,
+                       auto take) {
+    command
+        .add_option_function<std::vector<std::string>>(
+            name,
+            [take](const std::vector<std::string>& texts) {
+              for (const std::string& text : texts) take(text);
+            },
+            help)
+        ->type_name(type)
+        ->allow_extra_args(false)
+        ->needs(from);
+  };
+  add("--amount", "LINE=AMOUNT", "The amount of a line, in its currency; may stand again",
+      [&use](const std::string& text) { AddAmount(use.amounts, text); });
+  add("--date", "DATE", "Its date; otherwise today, or the current period's nearest day",
+      [&use](const std::string& text) {
+        try {
+          use.date = ReadDate(text);
+        } catch (const BadCell& bad) {
+          throw CLI::ValidationError("--date", bad.what());
+        }
+      });
+  add("--group", "NAME", "Its voucher group; otherwise the template's",
+      [&use](const std::string& text) { use.group = text; });
+  add("--reference", "TEXT", "Its reference; otherwise the template's",
+      [&use](const std::string& text) { use.reference = text; });
+}
+
+}  // namespace
+
 void AddVoucherCommands(Program& program) {
   const auto options = std::make_shared<VoucherOptions>();
   CLI::App* command = program.AddForVouchers(
-      "voucher", "Prints a voucher with its lines", options->login, options->ids,
-      [options, &program] { return PrintVoucher(*options, program.console()); });
+      "voucher", "Prints a voucher with its lines, or makes one of a template", options->login,
+      options->ids, [options, &program] {
+        return options->from.name.empty() ? PrintVoucher(*options, program.console())
+                                          : MakeVoucher(*options, program.console());
+      });
   command->add_flag("--json", options->json, "Prints JSON");
+  AddTemplateOptions(*command, options->from);
 
   for (const Step& step : Steps()) {
     if (&step == &StepNamed(kRemoval)) continue;  // removes other records too

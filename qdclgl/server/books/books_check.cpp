@@ -6,6 +6,7 @@
 #include "qdclgl/server/access/session.h"
 #include "qdclgl/server/books/findings.h"
 #include "qdclgl/server/books/lines_check.h"
+#include "qdclgl/server/books/notes_check.h"
 #include "qdclgl/server/books/texts_check.h"
 #include "qdclgl/server/books/trail_check.h"
 #include "qdclgl/server/books/units_check.h"
@@ -206,6 +207,7 @@ Ref<Recordset> CheckBooks(Database& db, std::string_view kept_head) {
   CheckUsers(db, findings);
   CheckReferences(db, findings);
   CheckUnits(db, findings);
+  CheckNotes(db, findings);
   CheckSettings(db, findings);
   CheckTrail(db, kept_head, findings);
   CheckDatabase(db, findings);

@@ -1,7 +1,7 @@
 #include "qdclgl/server/books/texts_check.h"
 
+#include "qdclgl/server/db/extras.h"
 #include "qdclgl/server/records/kinds.h"
-#include "qdclgl/server/vouchers/extras.h"
 #include "qdclgl/server/vouchers/voucher_tree.h"
 
 namespace qdclgl::server {

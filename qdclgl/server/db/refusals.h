@@ -50,7 +50,7 @@
   REFUSAL(0x2A, VoucherDeleted, "The voucher is deleted.")                                      \
   REFUSAL(0x2B, WrongStep, "The voucher is not in the state that the step needs.")              \
   REFUSAL(0x2C, OwnVoucher, "Who had a hand in a voucher does not take this step.")             \
-  REFUSAL(0x2D, TooLarge, "An amount or a total is beyond what the books can hold.")            \
+  REFUSAL(0x2D, TooLarge, "Amounts, totals or data are beyond what the books hold.")            \
   REFUSAL(0x2E, VoucherCashed, "The voucher is cashed.")                                        \
   REFUSAL(0x30, NoParent, "The account above is missing.")                                      \
   REFUSAL(0x31, ParentInUse, "The account above has lines of its own.")                         \

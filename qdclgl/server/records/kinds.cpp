@@ -4,7 +4,8 @@
 
 namespace qdclgl::server {
 
-// Each kind's function stands in the file that describes it.
+// Each kind's function stands in the file that describes it: of this folder, or of one above where
+// the kind has something of vouchers.
 // clang-format off
 // BEGIN kinds (scripts/update-derived)
 const MasterData& MultiLedgers();
@@ -14,8 +15,10 @@ const MasterData& MeasureUnits();
 const MasterData& SubMessages();
 const MasterData& SubMessageTypes();
 const MasterData& UnitGroups();
+const MasterData& Notes();
 const MasterData& Users();
 const MasterData& VoucherGroups();
+const MasterData& VoucherTemps();
 
 std::span<const MasterData* const> MasterDataKinds() {
   static const std::array kKinds = {
@@ -26,8 +29,10 @@ std::span<const MasterData* const> MasterDataKinds() {
       &SubMessages(),
       &SubMessageTypes(),
       &UnitGroups(),
+      &Notes(),
       &Users(),
       &VoucherGroups(),
+      &VoucherTemps(),
   };
   return kKinds;
 }

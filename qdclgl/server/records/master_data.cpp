@@ -166,6 +166,7 @@ std::vector<StoredTable> MasterData::Tables() const {
       {description_.table, {{description_.id, ColumnType::kLong}, kVersion}}};
   tables[0].columns.insert(tables[0].columns.end(), stored_.begin(), stored_.end());
   std::ranges::transform(description_.lists, std::back_inserter(tables), &RecordList::table);
+  std::ranges::copy(description_.tables, std::back_inserter(tables));
   return tables;
 }
 
@@ -393,7 +394,8 @@ void MasterData::RefuseUnknownKeys(const Dictionary& sent) const {
     const std::string_view key = sent.key_at(i);
     if (key == kMachineName.name || key == kAddress.name ||
         std::ranges::find(shown_, key, &Column::name) != shown_.end() ||
-        std::ranges::find(description_.lists, key, &RecordList::key) != description_.lists.end()) {
+        std::ranges::find(description_.lists, key, &RecordList::key) != description_.lists.end() ||
+        std::ranges::find(description_.keys, key) != description_.keys.end()) {
       continue;
     }
     Refuse(refusal::kBadValue, Noun() + ": there is no column \"" + std::string(key) + "\".");

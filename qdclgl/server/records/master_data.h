@@ -199,6 +199,10 @@ class MasterData {
     std::string_view query = {};         // the table with the joined columns; otherwise the table
     std::string_view order = {};         // of lists; otherwise by id
     std::vector<RecordList> lists = {};  // what belongs to a record elsewhere
+    // What else does, which is on the trail only as columns tell of it: its keys in a sent row, and
+    // its tables.
+    std::vector<std::string_view> keys = {};
+    std::vector<StoredTable> tables = {};
 
     Role writer = Role::kAdministrator;
     // What a record must be to be written, what follows from one that is, and what a deletion does.

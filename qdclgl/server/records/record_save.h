@@ -20,6 +20,7 @@ class RecordSave {
 
   const Caller& caller() const { return caller_; }
   Database& db() const { return caller_.db; }
+  const Session& session() const { return *caller_.session; }
   bool is_new() const { return !stored_; }
   Long id() const { return id_; }  // of a new record once it is written
   const Dictionary& sent() const { return *sent_; }

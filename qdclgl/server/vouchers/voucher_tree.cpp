@@ -1,10 +1,9 @@
 #include "qdclgl/server/vouchers/voucher_tree.h"
 
-#include "qdclgl/frame/containers/vector.h"
 #include "qdclgl/frame/objects/conversions.h"
 #include "qdclgl/frame/vocabulary/text.h"
+#include "qdclgl/server/db/extras.h"
 #include "qdclgl/server/db/refusals.h"
-#include "qdclgl/server/vouchers/extras.h"
 
 namespace qdclgl::server {
 
@@ -27,10 +26,9 @@ constexpr auto Joined(const Column (&... lists)[N]) {
 constexpr Column kGroupName[] = {{"FGroup", ColumnType::kText}};
 constexpr Column kVersion[] = {{"FVersion", ColumnType::kLong}};
 constexpr Column kExtra[] = {{kExtraColumn, ColumnType::kText}};
-constexpr Column kLineKey[] = {{"FVoucherID", ColumnType::kLong}, {"FEntryID", ColumnType::kLong}};
-constexpr Column kDetailKey[] = {{"FVoucherID", ColumnType::kLong},
-                                 {"FEntryID", ColumnType::kLong},
-                                 {"FIndex", ColumnType::kLong}};
+// Behind the id of whoever has the lines.
+constexpr Column kLinePlace[] = {{"FEntryID", ColumnType::kLong}};
+constexpr Column kDetailPlace[] = {{"FEntryID", ColumnType::kLong}, {"FIndex", ColumnType::kLong}};
 
 // The header's columns in the database behind its id, which the database gives.
 constexpr auto kHeaderTable = [] {
@@ -39,8 +37,6 @@ constexpr auto kHeaderTable = [] {
   std::copy(kAll.begin() + 1, kAll.end(), columns.begin());
   return columns;
 }();
-constexpr auto kLineTable = Joined(kLineKey, kLineColumns, kExtra);
-constexpr auto kDetailTable = Joined(kDetailKey, kDetailColumns);
 // What a caller reads of a header.
 constexpr auto kRowColumns = Joined(kStateColumns, kHeaderColumns, kGroupName);
 
@@ -55,7 +51,12 @@ bool IsHeaderKey(std::string_view key) {
 }
 
 bool IsLineKey(std::string_view key) {
-  return Has(kLineColumns, key) || Has(kLineKey, key) || Has(kLineNames, key) || key == kDetails;
+  return Has(kLineColumns, key) || Has(kLinePlace, key) || Has(kLineNames, key) ||
+         key == "FVoucherID" || key == kDetails;
+}
+
+bool IsDetailKey(std::string_view key) {
+  return Has(kDetailColumns, key) || Has(kDetailPlace, key) || key == "FVoucherID";
 }
 
 void BindCells(Statement& statement, std::size_t& position, std::span<const Column> columns,
@@ -94,7 +95,7 @@ VoucherLine LineFromRow(const Dictionary& row) {
     for (std::size_t i = 0; i < details->size(); ++i) {
       const Ref<Dictionary> detail = RowIn(*details, i);
       for (std::uint32_t k = 0; k < detail->size(); ++k) {
-        if (!Has(kDetailColumns, detail->key_at(k)) && !Has(kDetailKey, detail->key_at(k))) {
+        if (!IsDetailKey(detail->key_at(k))) {
           Refuse(refusal::kBadValue, "A detail has no column " + detail->key_at(k) + ".");
         }
       }
@@ -135,36 +136,23 @@ const std::string kById = " WHERE v.FVoucherID = ?";
 
 }  // namespace
 
-std::string VoucherTree::Name() const {
-  return std::to_string(header.Get<"FYear">()) + "/" + std::to_string(header.Get<"FPeriod">()) +
-         " " + group + " " + std::to_string(header.Get<"FNumber">());
-}
+// ---- Lines ----
 
-VoucherTree VoucherTree::FromRow(const Dictionary& row) {
-  VoucherTree tree;
-  tree.header = HeaderCells(NormalizedCells(kHeaderColumns, row));
-  const Variant* group = row.Find(RowKey("FGroup"));
-  tree.group = group != nullptr ? CStr(Normalized(kGroupName[0], *group)) : "";
-  tree.extras = ExtrasText(row, IsHeaderKey);
-  if (const Ref<Vector> entries = ListIn(row, kEntries)) {
-    for (std::size_t i = 0; i < entries->size(); ++i) {
-      try {
-        tree.lines.push_back(LineFromRow(*RowIn(*entries, i)));
-      } catch (const Error& error) {
-        if (error.number() != refusal::kBadValue) throw;
-        Refuse(refusal::kBadValue, "Line " + std::to_string(i + 1) + ": " + error.description());
-      }
+std::vector<VoucherLine> LinesFromRow(const Dictionary& row) {
+  std::vector<VoucherLine> lines;
+  const Ref<Vector> entries = ListIn(row, kEntries);
+  for (std::size_t i = 0; entries && i < entries->size(); ++i) {
+    try {
+      lines.push_back(LineFromRow(*RowIn(*entries, i)));
+    } catch (const Error& error) {
+      if (error.number() != refusal::kBadValue) throw;
+      Refuse(refusal::kBadValue, "Line " + std::to_string(i + 1) + ": " + error.description());
     }
   }
-  return tree;
+  return lines;
 }
 
-Ref<Dictionary> VoucherTree::ToRow() const {
-  std::vector<Variant> cells = state.values();
-  cells.insert(cells.end(), header.values().begin(), header.values().end());
-  const Variant group_name(group);
-  Ref<Dictionary> row =
-      RowOf(SharedKeys<kRowColumns>(), std::move(cells), std::span(&group_name, 1), extras);
+Ref<Vector> RowsOfLines(const std::vector<VoucherLine>& lines) {
   auto entries = Make<Vector>();
   for (const VoucherLine& line : lines) {
     Ref<Dictionary> entry =
@@ -178,7 +166,140 @@ Ref<Dictionary> VoucherTree::ToRow() const {
     entry->SetTrackState(0);
     entries->Append(Variant(entry));
   }
-  row->Put(RowKey(kEntries), Variant(entries));
+  return entries;
+}
+
+namespace {
+
+template <std::size_t N>
+StoredTable TableOf(std::string_view name, std::string_view id,
+                    const std::array<Column, N>& columns) {
+  StoredTable table{name, {{id, ColumnType::kLong}}};
+  table.columns.insert(table.columns.end(), columns.begin(), columns.end());
+  return table;
+}
+
+}  // namespace
+
+LineTables::LineTables(std::string_view owners, std::string_view id, std::string_view lines,
+                       std::string_view details)
+    : lines_(TableOf(lines, id, Joined(kLinePlace, kLineColumns, kExtra))),
+      details_(TableOf(details, id, Joined(kDetailPlace, kDetailColumns))),
+      insert_lines_(lines, lines_.columns),
+      insert_details_(details, details_.columns),
+      line_results_(StoragesOf(Joined(kLineColumns, kLineNames, kExtra, kVersion))),
+      detail_results_(StoragesOf(Joined(kLinePlace, kDetailColumns, kVersion))) {
+  const std::string own_id(id);
+  const auto from = [&](std::string_view table, const std::string& row) {
+    return ", owner.FVersion FROM " + std::string(table) + " " + row + " JOIN " +
+           std::string(owners) + " owner ON owner." + own_id + " = " + row + "." + own_id;
+  };
+  const auto where = [&](const std::string& row) {
+    return " WHERE " + row + "." + own_id + " = ?";
+  };
+  read_lines_ = "SELECT " + NamesOf(kLineColumns, "e.") +
+                ", a.FNumber, a.FName, c.FNumber, c.FName, e.FExtra" + from(lines, "e") +
+                " JOIN t_Account a ON a.FAccountID = e.FAccountID"
+                " JOIN t_Currency c ON c.FCurrencyID = e.FCurrencyID" +
+                where("e") + " ORDER BY e.FEntryID";
+  read_details_ = "SELECT d.FEntryID, " + NamesOf(kDetailColumns, "d.") + from(details, "d") +
+                  where("d") + " ORDER BY d.FEntryID, d.FIndex";
+  remove_lines_ = "DELETE FROM " + std::string(lines) + " WHERE " + own_id + " = ?";
+  remove_details_ = "DELETE FROM " + std::string(details) + " WHERE " + own_id + " = ?";
+}
+
+bool LineTables::Read(Database& db, Long owner, Long version, bool has_details,
+                      std::vector<VoucherLine>& lines) const {
+  static constexpr Storage kParameters[] = {Storage::kWhole};
+  bool is_same = true;
+  Statement& statement = db.Prepared(read_lines_, kParameters, line_results_);
+  statement.Set(0, std::int64_t{owner});
+  for (statement.Open(); statement.Fetch();) {
+    VoucherLine& line = lines.emplace_back();
+    line.cells = CellsFrom<LineCells>(statement, kLineColumns, 0);
+    line.names = ReadCells(statement, kLineNames, std::size(kLineColumns));
+    constexpr std::size_t kBehind = std::size(kLineColumns) + std::size(kLineNames);
+    line.extras = statement.Text(kBehind);
+    is_same = is_same && statement.Whole(kBehind + 1) == version;
+  }
+  if (!is_same || !has_details) return is_same;
+
+  Statement& details = db.Prepared(read_details_, kParameters, detail_results_);
+  details.Set(0, std::int64_t{owner});
+  bool is_empty = true;
+  for (details.Open(); details.Fetch(); is_empty = false) {
+    const auto entry = static_cast<std::size_t>(details.Whole(0));
+    is_same =
+        is_same && entry <= lines.size() && details.Whole(std::size(kDetailColumns) + 1) == version;
+    if (is_same) lines[entry - 1].details.push_back(ReadCells(details, kDetailColumns, 1));
+  }
+  return is_same && !is_empty;
+}
+
+void LineTables::Insert(Database& db, Long owner, const std::vector<VoucherLine>& lines) const {
+  insert_lines_.Run(db, lines.size(),
+                    [&](Statement& statement, std::size_t position, std::size_t row) {
+                      const VoucherLine& line = lines[row];
+                      statement.Set(position++, std::int64_t{owner});
+                      statement.Set(position++, static_cast<std::int64_t>(row + 1));
+                      BindCells(statement, position, kLineColumns, line.cells.values());
+                      statement.Set(position, std::string_view(line.extras));
+                    });
+  struct Place {
+    std::size_t line, index;
+  };
+  std::vector<Place> places;
+  for (std::size_t line = 0; line < lines.size(); ++line) {
+    for (std::size_t i = 0; i < lines[line].details.size(); ++i) places.push_back({line, i});
+  }
+  insert_details_.Run(
+      db, places.size(), [&](Statement& statement, std::size_t position, std::size_t row) {
+        const Place place = places[row];
+        statement.Set(position++, std::int64_t{owner});
+        statement.Set(position++, static_cast<std::int64_t>(place.line + 1));
+        statement.Set(position++, static_cast<std::int64_t>(place.index + 1));
+        BindCells(statement, position, kDetailColumns, lines[place.line].details[place.index]);
+      });
+}
+
+void LineTables::Remove(Database& db, Long owner) const {
+  db.Execute(remove_details_, owner);
+  db.Execute(remove_lines_, owner);
+}
+
+// ---- Vouchers ----
+
+namespace {
+
+const LineTables& VoucherLines() {
+  static const LineTables kTables("t_Voucher", "FVoucherID", "t_VoucherEntry", "t_VoucherDetail");
+  return kTables;
+}
+
+}  // namespace
+
+std::string VoucherTree::Name() const {
+  return std::to_string(header.Get<"FYear">()) + "/" + std::to_string(header.Get<"FPeriod">()) +
+         " " + group + " " + std::to_string(header.Get<"FNumber">());
+}
+
+VoucherTree VoucherTree::FromRow(const Dictionary& row) {
+  VoucherTree tree;
+  tree.header = HeaderCells(NormalizedCells(kHeaderColumns, row));
+  const Variant* group = row.Find(RowKey("FGroup"));
+  tree.group = group != nullptr ? CStr(Normalized(kGroupName[0], *group)) : "";
+  tree.extras = ExtrasText(row, IsHeaderKey);
+  tree.lines = LinesFromRow(row);
+  return tree;
+}
+
+Ref<Dictionary> VoucherTree::ToRow() const {
+  std::vector<Variant> cells = state.values();
+  cells.insert(cells.end(), header.values().begin(), header.values().end());
+  const Variant group_name(group);
+  Ref<Dictionary> row =
+      RowOf(SharedKeys<kRowColumns>(), std::move(cells), std::span(&group_name, 1), extras);
+  row->Put(RowKey(kEntries), Variant(RowsOfLines(lines)));
   row->SetTrackState(0);
   return row;
 }
@@ -258,48 +379,9 @@ std::optional<VoucherTree> VoucherTree::Read(const Caller& caller, Long id) {
 }
 
 bool VoucherTree::ReadLines(Database& db) {
-  static constexpr Storage kParameters[] = {Storage::kWhole};
-  static const std::string kLines =
-      "SELECT " + NamesOf(kLineColumns, "e.") +
-      ", a.FNumber, a.FName, c.FNumber, c.FName, e.FExtra, v.FVersion FROM t_VoucherEntry e"
-      " JOIN t_Voucher v ON v.FVoucherID = e.FVoucherID"
-      " JOIN t_Account a ON a.FAccountID = e.FAccountID"
-      " JOIN t_Currency c ON c.FCurrencyID = e.FCurrencyID"
-      " WHERE e.FVoucherID = ? ORDER BY e.FEntryID";
-  static const std::vector<Storage> kLineResults =
-      StoragesOf(Joined(kLineColumns, kLineNames, kExtra, kVersion));
-  const std::int64_t id = state.Get<"FVoucherID">();
-  bool is_same = true;
-  Statement& statement = db.Prepared(kLines, kParameters, kLineResults);
-  statement.Set(0, id);
-  for (statement.Open(); statement.Fetch();) {
-    VoucherLine& line = lines.emplace_back();
-    line.cells = CellsFrom<LineCells>(statement, kLineColumns, 0);
-    line.names = ReadCells(statement, kLineNames, std::size(kLineColumns));
-    line.extras = statement.Text(std::size(kLineColumns) + std::size(kLineNames));
-    is_same = is_same && statement.Whole(std::size(kLineColumns) + std::size(kLineNames) + 1) ==
-                             state.Get<"FVersion">();
-  }
-  is_same = is_same && !(lines.empty() && state.Get<"FEntryCount">() > 0);
-  if (!is_same || state.Get<"FDetailCount">() == 0) return is_same;
-
-  static const std::string kDetailQuery =
-      "SELECT d.FEntryID, " + NamesOf(kDetailColumns, "d.") +
-      ", v.FVersion FROM t_VoucherDetail d JOIN t_Voucher v ON v.FVoucherID = d.FVoucherID"
-      " WHERE d.FVoucherID = ? ORDER BY d.FEntryID, d.FIndex";
-  static constexpr Column kEntry[] = {{"FEntryID", ColumnType::kLong}};
-  static const std::vector<Storage> kDetailResults =
-      StoragesOf(Joined(kEntry, kDetailColumns, kVersion));
-  Statement& details = db.Prepared(kDetailQuery, kParameters, kDetailResults);
-  details.Set(0, id);
-  bool is_empty = true;
-  for (details.Open(); details.Fetch(); is_empty = false) {
-    const auto entry = static_cast<std::size_t>(details.Whole(0));
-    is_same = is_same && entry <= lines.size() &&
-              details.Whole(std::size(kDetailColumns) + 1) == state.Get<"FVersion">();
-    if (is_same) lines[entry - 1].details.push_back(ReadCells(details, kDetailColumns, 1));
-  }
-  return is_same && !is_empty;
+  const bool is_same = VoucherLines().Read(db, state.Get<"FVoucherID">(), state.Get<"FVersion">(),
+                                           state.Get<"FDetailCount">() > 0, lines);
+  return is_same && !(lines.empty() && state.Get<"FEntryCount">() > 0);
 }
 
 std::vector<VoucherTree> VoucherTree::ReadRange(Database& db, Long first, Long last) {
@@ -326,20 +408,22 @@ std::vector<VoucherTree> VoucherTree::ReadRange(Database& db, Long first, Long l
     while (at < trees.size() && trees[at].state.Get<"FVoucherID">() < id) ++at;
     return at < trees.size() && trees[at].state.Get<"FVoucherID">() == id ? &trees[at] : nullptr;
   };
+  const std::vector<Column>& line_columns = VoucherLines().lines().columns;
   static const std::string kLines =
-      "SELECT " + NamesOf(kLineTable, "e.") + " FROM t_VoucherEntry e";
-  static const std::vector<Storage> kLineResults = StoragesOf(kLineTable);
+      "SELECT " + NamesOf(line_columns, "e.") + " FROM t_VoucherEntry e";
+  static const std::vector<Storage> kLineResults = StoragesOf(line_columns);
   Statement& line_rows = rows(kLines, "e", "e.FVoucherID, e.FEntryID", kLineResults);
   for (auto voucher = voucher_of; line_rows.Fetch();) {
     VoucherTree* const tree = voucher(line_rows.Whole(0));
     if (tree == nullptr) continue;
     VoucherLine& line = tree->lines.emplace_back();
-    line.cells = CellsFrom<LineCells>(line_rows, kLineColumns, std::size(kLineKey));
-    line.extras = line_rows.Text(kLineTable.size() - 1);
+    line.cells = CellsFrom<LineCells>(line_rows, kLineColumns, 1 + std::size(kLinePlace));
+    line.extras = line_rows.Text(line_columns.size() - 1);
   }
+  const std::vector<Column>& detail_columns = VoucherLines().details().columns;
   static const std::string kDetailRows =
-      "SELECT " + NamesOf(kDetailTable, "d.") + " FROM t_VoucherDetail d";
-  static const std::vector<Storage> kDetailResults = StoragesOf(kDetailTable);
+      "SELECT " + NamesOf(detail_columns, "d.") + " FROM t_VoucherDetail d";
+  static const std::vector<Storage> kDetailResults = StoragesOf(detail_columns);
   Statement& detail_rows =
       rows(kDetailRows, "d", "d.FVoucherID, d.FEntryID, d.FIndex", kDetailResults);
   for (auto voucher = voucher_of; detail_rows.Fetch();) {
@@ -347,7 +431,7 @@ std::vector<VoucherTree> VoucherTree::ReadRange(Database& db, Long first, Long l
     const auto entry = static_cast<std::size_t>(detail_rows.Whole(1));
     if (tree == nullptr || entry < 1 || entry > tree->lines.size()) continue;
     tree->lines[entry - 1].details.push_back(
-        ReadCells(detail_rows, kDetailColumns, std::size(kDetailKey)));
+        ReadCells(detail_rows, kDetailColumns, 1 + std::size(kDetailPlace)));
   }
   return trees;
 }
@@ -361,43 +445,14 @@ void BindHeader(Statement& statement, const VoucherTree& tree) {
   statement.Set(position, std::string_view(tree.extras));
 }
 
-void InsertLines(Database& db, const VoucherTree& tree) {
-  const std::int64_t id = tree.state.Get<"FVoucherID">();
-  static const RowInsertion kLines("t_VoucherEntry", kLineTable);
-  static const RowInsertion kDetailRows("t_VoucherDetail", kDetailTable);
-  kLines.Run(db, tree.lines.size(),
-             [&](Statement& statement, std::size_t position, std::size_t row) {
-               const VoucherLine& line = tree.lines[row];
-               statement.Set(position++, id);
-               statement.Set(position++, static_cast<std::int64_t>(row + 1));
-               BindCells(statement, position, kLineColumns, line.cells.values());
-               statement.Set(position, std::string_view(line.extras));
-             });
-  struct Place {
-    std::size_t line, index;
-  };
-  std::vector<Place> places;
-  for (std::size_t line = 0; line < tree.lines.size(); ++line) {
-    for (std::size_t i = 0; i < tree.lines[line].details.size(); ++i) places.push_back({line, i});
-  }
-  kDetailRows.Run(
-      db, places.size(), [&](Statement& statement, std::size_t position, std::size_t row) {
-        const Place place = places[row];
-        statement.Set(position++, id);
-        statement.Set(position++, static_cast<std::int64_t>(place.line + 1));
-        statement.Set(position++, static_cast<std::int64_t>(place.index + 1));
-        BindCells(statement, position, kDetailColumns, tree.lines[place.line].details[place.index]);
-      });
-}
-
 }  // namespace
 
 std::vector<StoredTable> VoucherTables() {
   std::vector<Column> header = {kStateColumns[0]};
   header.insert(header.end(), kHeaderTable.begin(), kHeaderTable.end());
   return {{"t_Voucher", header},
-          {"t_VoucherEntry", {kLineTable.begin(), kLineTable.end()}},
-          {"t_VoucherDetail", {kDetailTable.begin(), kDetailTable.end()}},
+          VoucherLines().lines(),
+          VoucherLines().details(),
           {"t_VoucherEditor", {{"FVoucherID", ColumnType::kLong}, {"FUserID", ColumnType::kLong}}}};
 }
 
@@ -416,7 +471,7 @@ void VoucherTree::Insert(Database& db) {
   statement.Fetch();
   state.Put<"FVoucherID">(static_cast<Long>(statement.Whole(0)));
   statement.Reset();
-  InsertLines(db, *this);
+  VoucherLines().Insert(db, state.Get<"FVoucherID">(), lines);
 }
 
 void VoucherTree::Update(Database& db) const {
@@ -438,9 +493,8 @@ void VoucherTree::Update(Database& db) const {
   BindHeader(statement, *this);
   statement.Set(kHeaderTable.size(), std::int64_t{id});
   statement.Execute();
-  db.Execute("DELETE FROM t_VoucherDetail WHERE FVoucherID = ?", id);
-  db.Execute("DELETE FROM t_VoucherEntry WHERE FVoucherID = ?", id);
-  InsertLines(db, *this);
+  VoucherLines().Remove(db, id);
+  VoucherLines().Insert(db, id, lines);
 }
 
 // ---- The trail ----

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "qdclgl/frame/containers/dictionary.h"
+#include "qdclgl/frame/containers/vector.h"
 #include "qdclgl/server/access/session.h"
 #include "qdclgl/server/access/trail_row.h"
 #include "qdclgl/server/db/columns.h"
@@ -134,6 +135,36 @@ struct VoucherLine {
   std::vector<Variant> names;                 // of kLineNames
   std::vector<std::vector<Variant>> details;  // each of kDetailColumns
   std::string extras;
+};
+
+// The lines under _Entries in a caller's row. BadValue, naming key and line, for a value that
+// doesn't fit.
+std::vector<VoucherLine> LinesFromRow(const Dictionary& row);
+// The list of rows for a caller.
+Ref<Vector> RowsOfLines(const std::vector<VoucherLine>& lines);
+
+// The tables that keep lines with their details, of vouchers or of others that have such lines.
+class LineTables {
+ public:
+  // The table of those who have the lines, with their id; the tables of lines and of details.
+  LineTables(std::string_view owners, std::string_view id, std::string_view lines,
+             std::string_view details);
+
+  const StoredTable& lines() const { return lines_; }
+  const StoredTable& details() const { return details_; }
+
+  void Insert(Database& db, Long owner, const std::vector<VoucherLine>& lines) const;
+  void Remove(Database& db, Long owner) const;
+  // Adds an owner's lines to `lines`. False when they are not those of the owner's version, or
+  // details are missing that there should be.
+  bool Read(Database& db, Long owner, Long version, bool has_details,
+            std::vector<VoucherLine>& lines) const;
+
+ private:
+  StoredTable lines_, details_;
+  RowInsertion insert_lines_, insert_details_;
+  std::string read_lines_, read_details_, remove_lines_, remove_details_;
+  std::vector<Storage> line_results_, detail_results_;
 };
 
 struct VoucherTree {

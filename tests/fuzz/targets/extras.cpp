@@ -1,6 +1,6 @@
 // Keys of a voucher without a column: what is kept of a row comes back; and a text of any content,
 // as damaged books may have it, is read or refused.
-#include "qdclgl/server/vouchers/extras.h"
+#include "qdclgl/server/db/extras.h"
 
 #include "qdclgl/frame/containers/vector.h"
 #include "qdclgl/server/db/refusals.h"

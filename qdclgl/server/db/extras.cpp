@@ -1,4 +1,4 @@
-#include "qdclgl/server/vouchers/extras.h"
+#include "qdclgl/server/db/extras.h"
 
 #include <cmath>
 #include <nlohmann/json.hpp>

@@ -1,0 +1,22 @@
+-- Notes
+CREATE TABLE t_Note (
+  FNoteID IDENTITY,
+  FVersion INTEGER NOT NULL,
+  FName TEXT NOT NULL UNIQUE,
+  FType TEXT NOT NULL,
+  FCreatorName TEXT NOT NULL,
+  FCreateDate TEXT NOT NULL,
+  FModifierName TEXT NOT NULL,
+  FModifyDate TEXT NOT NULL,
+  FDataKind TEXT NOT NULL,
+  FDataSize INTEGER NOT NULL,
+  FDataHash TEXT NOT NULL
+);
+
+CREATE TABLE t_NoteData (
+  FNoteID INTEGER NOT NULL REFERENCES t_Note (FNoteID),
+  FPart INTEGER NOT NULL,
+  FEncoded INTEGER NOT NULL,
+  FText TEXT NOT NULL,
+  PRIMARY KEY (FNoteID, FPart)
+);
