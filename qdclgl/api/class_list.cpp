@@ -5,6 +5,8 @@
 #include "qdclgl/accounts/account_set.h"
 #include "qdclgl/accounts/currency.h"
 #include "qdclgl/frame/vocabulary/text.h"
+#include "qdclgl/masterdata/item.h"
+#include "qdclgl/masterdata/item_class.h"
 #include "qdclgl/settings/system_profile.h"
 #include "qdclgl/vouchers/voucher_group.h"
 #include "qdclgl/vouchers/voucher_set.h"
@@ -22,6 +24,13 @@ std::span<const ClassTable* const> PublicClasses() {
       &AccountSet::Table(),
       &Currencyx::Table(),
       &CurrencySet::Table(),
+      &CustomProperty::Table(),
+      &CustomPropertySet::Table(),
+      &WalkCustomPropertySet::Table(),
+      &Item::Table(),
+      &ItemSet::Table(),
+      &ItemClass::Table(),
+      &ItemClassSet::Table(),
       &SystemProfile::Table(),
       &Voucher::Table(),
       &VoucherDetail::Table(),
