@@ -9,6 +9,7 @@ namespace qdclgl::server {
 // BEGIN kinds (scripts/update-derived)
 const MasterData& Accounts();
 const MasterData& Currencies();
+const MasterData& ItemClasses();
 const MasterData& Users();
 const MasterData& VoucherGroups();
 
@@ -16,6 +17,7 @@ std::span<const MasterData* const> MasterDataKinds() {
   static const std::array kKinds = {
       &Accounts(),
       &Currencies(),
+      &ItemClasses(),
       &Users(),
       &VoucherGroups(),
   };
