@@ -10,6 +10,8 @@
 #include "qdclgl/masterdata/sub_mes.h"
 #include "qdclgl/masterdata/sub_mes_type.h"
 #include "qdclgl/notes/note.h"
+#include "qdclgl/masterdata/item.h"
+#include "qdclgl/masterdata/item_class.h"
 #include "qdclgl/settings/system_profile.h"
 #include "qdclgl/vouchers/voucher_group.h"
 #include "qdclgl/vouchers/voucher_set.h"
@@ -44,6 +46,13 @@ std::span<const ClassTable* const> PublicClasses() {
       &SubMesTypeSet::Table(),
       &Note::Table(),
       &NoteSet::Table(),
+      &CustomProperty::Table(),
+      &CustomPropertySet::Table(),
+      &WalkCustomPropertySet::Table(),
+      &Item::Table(),
+      &ItemSet::Table(),
+      &ItemClass::Table(),
+      &ItemClassSet::Table(),
       &SystemProfile::Table(),
       &Voucher::Table(),
       &VoucherDetail::Table(),

@@ -13,6 +13,7 @@
 #include "qdclgl/frame/containers/recordset.h"
 #include "qdclgl/frame/objects/class_table.h"
 #include "qdclgl/ledgers/multi_ledger.h"
+#include "qdclgl/masterdata/item_class.h"
 #include "qdclgl/vouchers/voucher.h"
 #include "tests/support/recording_server.h"
 #include "tests/support/test_objects.h"
@@ -99,7 +100,7 @@ class Neighbourhood final : public Gateway {
   Ref<Dictionary> FullRow() {
     auto row = Row({{"Held", Variant(Make<Neighbour>(*this))}});
     for (const std::string_view id : {"FGroupID", "FAccountID", "FCurrencyID", "FVoucherID",
-                                      "FMeasureUnitID", "FUnitGroupID", "FItemID", "FTypeID"}) {
+                                      "FMeasureUnitID", "FUnitGroupID", "FItemID", "FTypeID", "FItemClassID"}) {
       row->Put(id, Variant(Long{5}));
     }
     return row;
@@ -111,8 +112,9 @@ class Neighbourhood final : public Gateway {
       row->Put(key_of_member, Variant(Make<Neighbour>(*this)));
       return row;
     }
-    for (const std::string_view key : {"FDC", "FAmount", "FMeasureUnit", "CashFlow", "FTransDate",
-                                       "FApprover", "FExchangeRate", "FOperator", "FNumber"}) {
+    for (const std::string_view key :
+         {"FDC", "FAmount", "FMeasureUnit", "CashFlow", "FTransDate", "FApprover", "FExchangeRate",
+          "FOperator", "FNumber", "FName", "FNewName", "FPageName", "FDataType"}) {
       row->Put(key, Variant(Make<Neighbour>(*this)));
     }
     return row;
@@ -186,6 +188,7 @@ std::vector<Deed> Deeds(Neighbourhood& home) {
       {"takes all lines away",
        [](Neighbourhood& it) { CallBack(it, "Count", {Variant(Long{0})}, CallKind::kLet); }},
       {"adds a line", [](Neighbourhood& it) { CallBack(it, "Add", {Variant(Long{1})}); }},
+      {"removes a line", [](Neighbourhood& it) { CallBack(it, "Remove", {Variant(Long{1})}); }},
   };
   const std::pair<const char*, Variant> answers[] = {
       {"Empty", Variant()},
@@ -231,10 +234,31 @@ Ref<Object> NewOfLedger(Neighbourhood& home, const ClassTable& table,
   return Nothing;
 }
 
+// An item class whose fields have neighbours in their rows.
+Ref<ItemClass> NewItemClass(Neighbourhood& home, std::string_view key_of_member) {
+  auto fields = Make<Vector>();
+  for (const Integer id : {Integer{101}, Integer{102}, Integer{103}}) {
+    const Ref<Dictionary> field = home.HostileRow(key_of_member);
+    field->Put("FPropID", id);
+    fields->Append(Variant(field));
+  }
+  const Ref<Dictionary> row = home.FullRow();
+  row->Put("_PropDesc", Variant(fields));
+  auto item_class = Make<ItemClass>();
+  item_class->Construct(row, Nothing);
+  return item_class;
+}
+
 // A new object of the class with neighbours in its row; held by nobody else.
 Ref<Object> NewSubject(Neighbourhood& home, const ClassTable& table,
                        std::string_view key_of_member) {
   if (Ref<Object> of_ledger = NewOfLedger(home, table, key_of_member)) return of_ledger;
+  if (table.name() == "ItemClass") return NewItemClass(home, key_of_member);
+  if (table.name().find("CustomProperty") != std::string_view::npos) {
+    const Ref<CustomPropertySet> set = NewItemClass(home, key_of_member)->CustomProperties();
+    if (table.name() == "CustomPropertySet") return set;
+    if (table.name() == "CustomProperty") return set->Item(2);
+  }
   if (table.creatable()) {
     Ref<Object> object = table.Create();
     if (table.Find("Construct") != nullptr && table.Find("Properties") == nullptr) {

@@ -10,6 +10,8 @@
 #include "qdclgl/accounts/currency.h"
 #include "qdclgl/frame/session/session.h"
 #include "qdclgl/frame/session/startup.h"
+#include "qdclgl/masterdata/item.h"
+#include "qdclgl/masterdata/item_class.h"
 #include "qdclgl/settings/system_profile.h"
 #include "qdclgl/vouchers/voucher_group.h"
 #include "qdclgl/vouchers/voucher_set.h"
@@ -31,6 +33,10 @@ constexpr const char* kGroupInfo = "QDSVGLVoucherGroup.VoucherGroupInfo";
 constexpr const char* kGroupUpdate = "QDSVGLVoucherGroup.VoucherGroupUpdate";
 constexpr const char* kCurrencyInfo = "QDSVGLCurrency.CurrencyInfo";
 constexpr const char* kCurrencyUpdate = "QDSVGLCurrency.CurrencyUpdate";
+constexpr const char* kClassInfo = "QDSVGLItemClass.ItemClassInfo";
+constexpr const char* kClassUpdate = "QDSVGLItemClass.ItemClassUpdate";
+constexpr const char* kItemInfo = "QDSVGLItem.ItemInfo";
+constexpr const char* kItemUpdate = "QDSVGLItem.ItemUpdate";
 constexpr const char* kProfile = "QDSVBase.SystemProfile";
 constexpr const char* kCalendar = "QDCPeriodDate.clsPeriodDate";
 
@@ -133,6 +139,36 @@ TEST_F(WriteBack, TheIdOfAnEntityIsItsOwn) {
   TheIdIsTheEntitys<Account>(kAccountInfo, kAccountUpdate, "FAccountID", "AccountID");
   TheIdIsTheEntitys<Currencyx>(kCurrencyInfo, kCurrencyUpdate, "FCurrencyID", "CurrencyID");
   TheIdIsTheEntitys<VoucherGroup>(kGroupInfo, kGroupUpdate, "FGroupID", "VoucherGroupID");
+  TheIdIsTheEntitys<Item>(kItemInfo, kItemUpdate, "FItemID", "ItemID");
+}
+
+TEST_F(WriteBack, AnItemClassTakesItsIdFromEachCallUntilItsRowIsRead) {
+  Writes(kClassInfo, "GetShownF7Fields", Variant(Nothing));
+  Writes(kClassInfo, "GetDetail", Variant(Row({{"FItemClassID", Long{6}}})));
+  const auto item_class = EntityOf<ItemClass>(Row({{"FItemClassID", Long{5}}}));
+  item_class->GetF7ShownFields();
+  EXPECT_EQ(item_class->ItemClassID(), 77);
+  item_class->Refresh();
+  EXPECT_EQ(item_class->ItemClassID(), 6);
+  Writes(kClassUpdate, "Update");
+  item_class->Name("New");
+  item_class->SaveChanges();
+  EXPECT_EQ(Calls(server),
+            "GetShownF7Fields(\"props\", ref 5) -> Nothing\n"
+            "GetDetail(\"props\", ref 77) -> {FItemClassID: 6}\n"
+            "Update(\"props\", ref 6, {FItemClassID: 6, FName: \"New\", MachineName: \"HOST\", "
+            "IPAddress: \"10.0.0.1\"})\n"
+            "GetDetail(\"props\", ref 77) -> {FItemClassID: 6}\n");
+}
+
+TEST_F(WriteBack, AnItemTakesItsClassFromTheUpdateOfDefinedFields) {
+  server.AnswerWith(kItemUpdate, "UpdateDefineField", [](std::span<Argument> arguments) {
+    arguments[1].Put(Variant(Long{77}));
+    return Variant(true);
+  });
+  const auto item = EntityOf<Item>(Row({{"FItemClassID", Long{3}}}));
+  item->UpdateDefineField();
+  EXPECT_EQ(item->ItemClassID(), 77);
 }
 
 TEST_F(WriteBack, AnAccountsQuestionsTakeItsIdAndLeaveTheSeparator) {
@@ -239,6 +275,7 @@ TEST_F(WriteBack, ASetTakesItsQueryAndLeavesTheCallersKeys) {
   OnlyTheQueryIsTheSets<AccountSet>(kAccountInfo, kAccountUpdate);
   OnlyTheQueryIsTheSets<CurrencySet>(kCurrencyInfo, kCurrencyUpdate);
   OnlyTheQueryIsTheSets<VoucherGroupSet>(kGroupInfo, kGroupUpdate);
+  OnlyTheQueryIsTheSets<ItemClassSet>(kClassInfo, kClassUpdate);
 }
 
 TEST_F(WriteBack, ASetOfAccountsTakesItsAuthority) {

@@ -1,4 +1,5 @@
 // The keys that the library's classes read and write, against the columns that the server has.
+#include <algorithm>
 #include <map>
 
 #include "qdclgl/api/api_table.h"
@@ -25,6 +26,9 @@ std::string_view Word(ColumnType type) {
   }
   return "";
 }
+
+// Sets whose components the server does not have yet.
+constexpr std::string_view kWithoutServer[] = {"ItemSet"};
 
 // The list that has this column first, as a component describes it.
 std::span<const Column> ColumnsFrom(std::string_view first) {
@@ -60,6 +64,10 @@ TEST_P(KeysTest, EachKeyOfAClassIsAColumnOfItsList) {
     const ClassMember* current = set->Find("GetCurrent");
     if (current == nullptr || set->Find("RecordSet") == nullptr) continue;
     ++sets;
+    if (std::ranges::find(kWithoutServer, set->name()) != std::end(kWithoutServer)) {
+      EXPECT_EQ(RefusalOf([&] { ColumnsOf(*set); }), "error 429") << set->name();
+      continue;
+    }
     const auto columns = ColumnsOf(*set);
     for (const ApiRow& row : ApiRows()) {
       if (row.class_name != current->row.type || row.key.empty()) continue;

@@ -69,6 +69,8 @@ struct EntityCase {
   bool copies_baseline = false;       // CancelChanges goes back to a copy of the row, nobody else's
   bool keeps_id_without_key = false;  // Construct of a row without the id leaves the object's id
   bool refresh_takes_id = false;      // Refresh takes the id of the row that it reads
+  bool cancel_constructs = false;       // CancelChanges constructs the object of its row anew
+  bool refresh_shows_failures = false;  // Refresh shows a failure to the user and raises nothing
   ChangeRecord saved_by = ChangeRecord::kDictionary;
   bool stamps = true;         // a save writes the machine's name and address into the row
   bool stamps_first = false;  // it does so before it looks for changes
@@ -153,6 +155,11 @@ class EntitySuite : public ::testing::TestWithParam<EntityParam> {
   std::string State(Entity& entity) const { return EntityState(use(), entity); }
   // The state, and the one that CancelChanges goes back to.
   std::string WholeState(Entity& entity) const;
+
+  // What an operation raises, or "shown: words" for what it shows to the user instead.
+  std::string FailureOf(const std::function<void()>& operation);
+  // The end of a Refresh that fails with `error`.
+  std::string RefreshEnd(const std::string& error) const;
 
   std::string CreateInfo() const { return "create " + it().info_component; }
   std::string CreateUpdate() const { return "create " + it().update_component; }

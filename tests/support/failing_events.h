@@ -18,6 +18,7 @@ struct Event {
   std::string line;    // "call GetDetail(\"props\", ref 5)"
   std::string answer;  // as it stands behind the line: " -> {FGroupID: 5}"
   std::string state_at_failure;
+  bool is_shown = false;  // the failure is shown to the user and not raised
 };
 
 // The log of the first `count` events; of all of them unless it is given.
@@ -41,7 +42,8 @@ std::string WholeErrorOf(Operation operation) {
 }
 
 // Runs `operate` on what `make` gives: once to its end, which is to leave `state_behind`, and then
-// with the server failing at each event in turn. The server's error must come through as it was.
+// with the server failing at each event in turn. The server's error must come through as it was, or
+// be shown to the user where the event says so.
 template <class MakeObject, class Operate, class StateOf>
 void ExpectEvents(RecordingServer& server, MakeObject make, Operate operate,
                   const std::vector<Event>& events, const std::string& state_behind,
@@ -59,7 +61,12 @@ void ExpectEvents(RecordingServer& server, MakeObject make, Operate operate,
     const auto object = make();
     server.TakeLog();
     server.FailAt(static_cast<int>(i) + 1, failure);
-    EXPECT_EQ(WholeErrorOf([&] { operate(*object); }), "-2147217900|database|deadlock");
+    server.platform().messages.clear();
+    const bool is_shown = events[i].is_shown;
+    EXPECT_EQ(WholeErrorOf([&] { operate(*object); }),
+              is_shown ? "no error" : "-2147217900|database|deadlock");
+    EXPECT_EQ(server.platform().messages,
+              std::vector<std::string>(is_shown ? 1 : 0, failure.description()));
     EXPECT_EQ(server.TakeLog(), LogOf(events, i) + events[i].line + " -> " + failure.what() + "\n");
     EXPECT_EQ(state_of(*object), events[i].state_at_failure);
     server.TakeLog();

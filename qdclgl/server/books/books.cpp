@@ -80,10 +80,13 @@ Long BooksUpdate::Upgrade(std::string_view connection) {
   Transaction transaction(db, Transaction::Kind::kChangeRules);
   const int version = SchemaVersion(db);
   if (version == 0 || version > CurrentSchemaVersion()) RequireCurrentSchema(db);
+  const std::vector<const TrailedKind*> coming = KindsToCome(db);
   Migrate(db, CurrentSchemaVersion());
-  // Nobody is logged in.
+  const Caller caller = CallerFromHere(db, 0, "");  // nobody is logged in
   if (version < CurrentSchemaVersion() && !HasTrailBegun(db)) {
-    BeginTrail(CallerFromHere(db, 0, ""), "Upgrade");
+    BeginTrail(caller, "Upgrade");
+  } else {
+    TrailWhole(caller, "Upgrade", coming);
   }
   GrantToProgramRoles(db);
   transaction.Commit();

@@ -86,7 +86,7 @@ void CheckVouchers(Database& db, Findings& findings) {
                    lines_where("e.FDC NOT IN (0, 1)"));
 }
 
-// ---- Accounts, currencies, users ----
+// ---- Accounts, currencies, item classes, users ----
 
 void CheckAccounts(Database& db, Findings& findings) {
   struct Account {
@@ -133,6 +133,25 @@ void CheckCurrencies(Database& db, Findings& findings) {
     findings.Add("BaseCurrency", "Currency", kBaseCurrency, "",
                  "The base currency is missing, marked deleted, or has another rate than 1.");
   }
+}
+
+void CheckItemClasses(Database& db, Findings& findings) {
+  const auto check = [&](std::string_view problem, std::string_view rest) {
+    findings.AddRows(db, "ItemClassFields", "ItemClass", problem,
+                     "SELECT DISTINCT c.FItemClassID, c.FNumber FROM t_ItemClass c " +
+                         std::string(rest) + " ORDER BY 1");
+  };
+  check("It lacks a field that every class begins with.",
+        "JOIN t_ItemClassField f ON f.FItemClassID = 0 WHERE NOT EXISTS (SELECT 1 FROM"
+        " t_ItemClassField own WHERE own.FItemClassID = c.FItemClassID"
+        " AND own.FPropID = f.FPropID)");
+  check("Two of its fields have one name or one column.",
+        "JOIN t_ItemClassField f ON f.FItemClassID = c.FItemClassID JOIN t_ItemClassField other"
+        " ON other.FItemClassID = f.FItemClassID AND other.FPropID > f.FPropID WHERE"
+        " other.FName = f.FName OR other.FSQLColumnName = f.FSQLColumnName");
+  check("One of its fields has an id that was not given yet.",
+        "JOIN t_ItemClassField f ON f.FItemClassID = c.FItemClassID"
+        " WHERE f.FPropID > c.FLastPropID");
 }
 
 void CheckUsers(Database& db, Findings& findings) {
@@ -204,6 +223,7 @@ Ref<Recordset> CheckBooks(Database& db, std::string_view kept_head) {
   CheckTexts(db, findings);
   CheckAccounts(db, findings);
   CheckCurrencies(db, findings);
+  CheckItemClasses(db, findings);
   CheckUsers(db, findings);
   CheckReferences(db, findings);
   CheckUnits(db, findings);

@@ -2,7 +2,7 @@
 
 #include "qdclgl/server/access/audit.h"
 #include "qdclgl/server/access/trail_seal.h"
-#include "qdclgl/server/books/trailed_kinds.h"
+#include "qdclgl/server/db/schema.h"
 #include "qdclgl/server/periods/settings.h"
 
 namespace qdclgl::server {
@@ -32,6 +32,15 @@ void WriteWhole(const Caller& caller, std::string_view action, std::string_view 
       {.subject = subject, .record_id = id, .record = name, .action = action, .changes = changes});
 }
 
+void WriteWhole(const Caller& caller, std::string_view action, const TrailedKind& kind) {
+  InRanges([&](Long from) { return NextId(caller.db, kind.table, kind.id, from); },
+           [&](Long first, Long last) {
+             for (const auto& [id, record] : kind.read(caller.db, first, last)) {
+               WriteWhole(caller, action, kind.subject, id, record.name, record.state);
+             }
+           });
+}
+
 }  // namespace
 
 void BeginTrail(const Caller& caller, std::string_view action) {
@@ -40,17 +49,23 @@ void BeginTrail(const Caller& caller, std::string_view action) {
     LinkRows(db, subject);
   }
   WriteWhole(caller, action, kSettingSubject, 0, "", TrailedSettings(db).row());
-  for (const TrailedKind& kind : TrailedKinds()) {
-    InRanges([&](Long from) { return NextId(db, kind.table, kind.id, from); },
-             [&](Long first, Long last) {
-               for (const auto& [id, record] : kind.read(db, first, last)) {
-                 WriteWhole(caller, action, kind.subject, id, record.name, record.state);
-               }
-             });
-  }
+  for (const TrailedKind& kind : TrailedKinds()) WriteWhole(caller, action, kind);
   SealTrail(db);
 }
 
 bool HasTrailBegun(Database& db) { return LastSeal(db).number > 0; }
+
+std::vector<const TrailedKind*> KindsToCome(Database& db) {
+  std::vector<const TrailedKind*> kinds;
+  for (const TrailedKind& kind : TrailedKinds()) {
+    if (!HasTable(db, kind.table)) kinds.push_back(&kind);
+  }
+  return kinds;
+}
+
+void TrailWhole(const Caller& caller, std::string_view action,
+                const std::vector<const TrailedKind*>& kinds) {
+  for (const TrailedKind* kind : kinds) WriteWhole(caller, action, *kind);
+}
 
 }  // namespace qdclgl::server

@@ -3,8 +3,10 @@
 #pragma once
 
 #include <string_view>
+#include <vector>
 
 #include "qdclgl/server/access/login.h"
+#include "qdclgl/server/books/trailed_kinds.h"
 
 namespace qdclgl::server {
 
@@ -13,5 +15,12 @@ namespace qdclgl::server {
 void BeginTrail(const Caller& caller, std::string_view action);
 // Whether that was done.
 bool HasTrailBegun(Database& db);
+
+// The kinds that the books have no table for yet: an upgrade will bring them, some with records.
+std::vector<const TrailedKind*> KindsToCome(Database& db);
+// Begins the trail of kinds that an upgrade has brought, the whole of each record as a deed of this
+// name.
+void TrailWhole(const Caller& caller, std::string_view action,
+                const std::vector<const TrailedKind*>& kinds);
 
 }  // namespace qdclgl::server

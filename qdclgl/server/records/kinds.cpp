@@ -16,6 +16,7 @@ const MasterData& SubMessages();
 const MasterData& SubMessageTypes();
 const MasterData& UnitGroups();
 const MasterData& Notes();
+const MasterData& ItemClasses();
 const MasterData& Users();
 const MasterData& VoucherGroups();
 const MasterData& VoucherTemps();
@@ -30,6 +31,7 @@ std::span<const MasterData* const> MasterDataKinds() {
       &SubMessageTypes(),
       &UnitGroups(),
       &Notes(),
+      &ItemClasses(),
       &Users(),
       &VoucherGroups(),
       &VoucherTemps(),

@@ -299,6 +299,22 @@ TEST_P(BooksCheckTest, SettingsMakeSense) {
             "Settings Setting 0 GL\n");
 }
 
+TEST_P(BooksCheckTest, FieldsThatAnItemClassCannotHaveAreFound) {
+  const std::string lacks = "ItemClassFields ItemClass 1 DEP\n";
+  EXPECT_EQ(AfterBreaking("DELETE FROM t_ItemClassField WHERE FItemClassID = 1 AND FPropID = 3"),
+            lacks);
+  const std::string twice = "ItemClassFields ItemClass 2 STAFF\n";
+  EXPECT_EQ(AfterBreaking("UPDATE t_ItemClassField SET FName = '代码'"
+                          " WHERE FItemClassID = 2 AND FPropID = 2"),
+            lacks + twice);
+  const std::string column = "ItemClassFields ItemClass 3 CUSTOMER\n";
+  EXPECT_EQ(AfterBreaking("UPDATE t_ItemClassField SET FSQLColumnName = 'FName'"
+                          " WHERE FItemClassID = 3 AND FPropID = 1"),
+            lacks + twice + column);
+  EXPECT_EQ(AfterBreaking("UPDATE t_ItemClass SET FLastPropID = 3 WHERE FItemClassID = 4"),
+            lacks + twice + column + "ItemClassFields ItemClass 4 SUPPLIER\n");
+}
+
 TEST_P(BooksCheckTest, EveryBreachSaysWhatIsWrong) {
   Break("UPDATE t_Voucher SET FDebitTotal = 0, FPosterID = 1, FDate = '' WHERE FVoucherID = 1");
   const auto list = Call("QDSVGLBooks.BooksInfo", "Check", props).As<Recordset>();

@@ -213,6 +213,27 @@ TEST_P(FormerBooksTest, HaveAWholeTrailFromThereOn) {
   RemoveBooks(former);
 }
 
+TEST_P(SchemaTest, RecordsThatAnUpgradeBringsToBooksWithAWholeTrailAreOnItAndNoOthers) {
+  constexpr int kBeforeItemClasses = 5;
+  const std::string old = OldBooks(kBeforeItemClasses);
+  {
+    Database db(ConnectionText::Parse(old));
+    db.Execute("INSERT INTO t_AuditSeal VALUES (1, '2024-01-31 12:00:00', 0, 0, '', 'hash')");
+  }
+  Upgrade(old);
+  Database db(ConnectionText::Parse(old));
+  std::string trail;
+  for (const auto& [subject, id, record, action] :
+       db.Query<std::string, Long, std::string, std::string>(
+           "SELECT FSubject, FRecordID, FRecord, FAction FROM t_Audit ORDER BY FAuditID")) {
+    if (subject == "ItemClass") trail += std::to_string(id) + " " + record + " " + action + "\n";
+    EXPECT_NE(subject, "VoucherGroup") << "it was in the books before";
+  }
+  EXPECT_EQ(trail, "1 DEP (部门) Upgrade\n2 STAFF (职员) Upgrade\n3 CUSTOMER (客户) Upgrade\n"
+                   "4 SUPPLIER (供应商) Upgrade\n5 GOODS (商品) Upgrade\n");
+  RemoveBooks(old);
+}
+
 TEST_P(SchemaTest, AnUpgradeThatFailsLeavesTheBooksAsTheyWere) {
   const std::string old = OldBooks(1);
   int statements = 1;

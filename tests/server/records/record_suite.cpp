@@ -176,8 +176,15 @@ void RecordSuite::Delete(Long id, Long sign) {
   }
 }
 
+Ref<Dictionary> RecordSuite::WithoutLists(const Ref<Dictionary>& record) const {
+  if (record) {
+    for (const std::string_view key : kind.lists) EXPECT_TRUE(record->Erase(key)) << key;
+  }
+  return record;
+}
+
 Ref<Dictionary> RecordSuite::Detail(Long id) {
-  return Call(kind.info, "GetDetail", props, ByRef(id)).As<Dictionary>();
+  return WithoutLists(Call(kind.info, "GetDetail", props, ByRef(id)).As<Dictionary>());
 }
 
 Ref<Dictionary> RecordSuite::Record(Long id) {
@@ -188,7 +195,7 @@ Ref<Dictionary> RecordSuite::Record(Long id) {
 
 Ref<Dictionary> RecordSuite::DetailByText(std::string_view text) {
   Variant key = text;
-  return Call(kind.info, kind.detail_by_text, props, ByRef(key)).As<Dictionary>();
+  return WithoutLists(Call(kind.info, kind.detail_by_text, props, ByRef(key)).As<Dictionary>());
 }
 
 Ref<Recordset> RecordSuite::List(Long options, std::string filter, std::string sort) {

@@ -61,6 +61,7 @@ struct RecordKind {
   std::vector<std::string_view> joined = {};              // likewise; of another table
   std::vector<std::string_view> ids_of_record = {};       // likewise; hold the record's own id
   std::vector<std::string_view> never_shown = {};         // only the table has them
+  std::vector<std::string_view> lists = {};               // further keys of a single record
   std::vector<std::string_view> required = {};            // texts
   ByColumn<std::string_view> unique = {};                 // texts, with the refusal of a second one
   std::string_view name = "FName";                        // the column with the record's name
@@ -138,6 +139,7 @@ class RecordSuite : public ::testing::TestWithParam<RecordCase>, protected Recor
   Long CreateSample(int number = 0) { return Create(Sent(Values::kSample, number)); }
   void Update(Long id, const Ref<Dictionary>& row);
   void Delete(Long id, Long sign = 0);
+  // What is read of one record but for its lists, which the kind's own tests look at.
   Ref<Dictionary> Detail(Long id);
   // The same for a record that must be there; raises NotFound where it is not.
   Ref<Dictionary> Record(Long id);
@@ -166,6 +168,7 @@ class RecordSuite : public ::testing::TestWithParam<RecordCase>, protected Recor
   // the rows stay as they were sent.
   void ExpectRefusedSaves(std::string_view refusal,
                           const std::function<void(Dictionary& row)>& spoil);
+  Ref<Dictionary> WithoutLists(const Ref<Dictionary>& record) const;
   // Runs on another thread, with a connection and a session of its own, as an administrator.
   void InAnotherSession(const std::function<void()>& operation);
 
