@@ -1,7 +1,5 @@
 // Multi-column ledgers: printing one, and adding one.
-#include <algorithm>
 #include <sstream>
-#include <utility>
 
 #include "qdclgl/accounts/account_set.h"
 #include "qdclgl/cli/cell_values.h"
@@ -24,8 +22,6 @@ struct LedgerOptions {
   Format format = Format::kPlain;
   bool html = false;
   std::vector<std::string> words;  // behind BOOK: NAME, or add and NAME
-  std::string name;
-  bool add = false;
   std::string from, to;
   std::string account, columns, side, currencies;
 };
@@ -54,15 +50,15 @@ DateTime DayOf(const std::string& props, const char* option, const std::string& 
   }
 }
 
-int PrintLedger(const LedgerOptions& options, const Console& console) {
+int PrintLedger(const LedgerOptions& options, const std::string& name, const Console& console) {
   const std::string props = options.login.Open();
   const auto day = [&](const char* option, const std::string& text, bool last) {
     return text.empty() ? DateTime() : DayOf(props, option, text, last);
   };
   const DateTime from = day("--from", options.from, false), to = day("--to", options.to, true);
   const auto info = CreateObject(kInfo);
-  const auto ledger = info->Call("GetDetailByNumber", props, options.name).As<Dictionary>();
-  if (!ledger) RefuseMissing("ledger " + Quoted(options.name));
+  const auto ledger = info->Call("GetDetailByNumber", props, name).As<Dictionary>();
+  if (!ledger) RefuseMissing("ledger " + Quoted(name));
   const auto sheet =
       info->Call("GetLedger", props, ledger->Value("FLedgerID"), from, to).As<Recordset>();
   if (options.html) WriteLedgerPage(console.out, *ledger, *sheet);
@@ -114,11 +110,11 @@ void AddColumn(MultiLedger& ledger, const Account& account, const std::string& s
   column->DC(SideOf(account, side));
 }
 
-int AddLedger(const LedgerOptions& options, const Console& console) {
+int AddLedger(const LedgerOptions& options, const std::string& name, const Console& console) {
   if (options.account.empty()) throw UsageError("a new ledger takes an --account");
   options.login.Open();
   const Ref<Account> account = AccountOf(options.account);
-  const Ref<MultiLedger> ledger = Make<MultiLedgerSet>()->CreateNew(options.name);
+  const Ref<MultiLedger> ledger = Make<MultiLedgerSet>()->CreateNew(name);
   ledger->AccountID(account->AccountID());
   if (options.columns == "children") {
     const auto children = AccountsWhere("FParentID = " + std::to_string(account->AccountID()));
@@ -139,36 +135,33 @@ int AddLedger(const LedgerOptions& options, const Console& console) {
   }
   ledger->SaveChanges();
   const Long count = ledger->Columns()->Count();
-  console.out << "Ledger " << options.name << " has " << count
+  console.out << "Ledger " << name << " has " << count
               << (count == 1 ? " column.\n" : " columns.\n");
   return kDone;
 }
 
-// BOOK, and what stands behind it. With books from the environment the first word is not BOOK.
-void ReadWords(LedgerOptions& options) {
-  std::vector<std::string>& words = options.words;
-  const std::string known = BookFromEnvironment();
-  const bool lacks_name = words.empty();
-  const bool lacks_book = options.login.book == kAdd && words.size() == 1;
-  if (!known.empty() && !options.login.book.empty() && (lacks_name || lacks_book)) {
-    words.insert(words.begin(), std::exchange(options.login.book, known));
-  }
-  options.add = words.size() == 2 && words.front() == kAdd;
-  if (words.size() != (options.add ? 2u : 1u)) throw CLI::RequiredError("NAME");
-  options.name = words.back();
+// Whether the first word behind the command belongs to it, and BOOK is left out: NAME, or add and
+// NAME.
+bool IsWord(const std::string& first, const std::vector<std::string>& rest) {
+  return rest.empty() || (first == kAdd && rest.size() == 1 && !BookFromEnvironment().empty());
+}
+
+int RunLedger(const LedgerOptions& options, const Console& console) {
+  const std::vector<std::string>& words = options.words;
+  const bool adds = words.size() == 2 && words.front() == kAdd;
+  if (words.size() != (adds ? 2u : 1u)) throw UsageError("ledger takes one NAME");
+  return adds ? AddLedger(options, words.back(), console)
+              : PrintLedger(options, words.back(), console);
 }
 
 }  // namespace
 
 void AddLedgerCommand(Program& program) {
   const auto options = std::make_shared<LedgerOptions>();
-  CLI::App* command = program.AddForBooks(
-      "ledger", "Prints a multi-column ledger, or adds one", options->login, [options, &program] {
-        return options->add ? AddLedger(*options, program.console())
-                            : PrintLedger(*options, program.console());
-      });
-  command->add_option("NAME", options->words, "The ledger; behind the word add, a new one");
-  command->parse_complete_callback([options] { ReadWords(*options); });
+  CLI::App* command = program.AddForWords(
+      "ledger", "Prints a multi-column ledger, or adds one", options->login, options->words,
+      {"NAME", "The ledger; behind the word add, a new one", IsWord},
+      [options, &program] { return RunLedger(*options, program.console()); });
   const auto add_text = [&](const char* name, std::string& text, const char* type,
                             const char* help) {
     return command->add_option(name, text, help)->type_name(type);

@@ -124,7 +124,7 @@ int Show(const RecordOptions& options, const Console& console) {
 bool IsRemovalAgreed(const RecordOptions& options, const Records& records, const Console& console) {
   std::string names;
   ForEachKey(records, options.words, console, [&](const Ref<Dictionary>& record) {
-    names += (names.empty() ? "" : ", ") + OneLine(MasterData::NameOf(*record));
+    names += (names.empty() ? "" : ", ") + OneLine(records.kind().NameOf(*record));
   });
   const std::string nouns(options.words.size() == 2 ? records.kind().description().noun
                                                     : records.kind().description().nouns);

@@ -144,14 +144,14 @@ Variant ReadRows(const server::RecordList& list, const std::string& text) {
   if (!json.is_array())
     throw UsageError(key + ": " + Quoted(text) + " is not a JSON array of rows");
   std::vector<std::string_view> names;
-  for (const Column& column : list.table.columns) names.push_back(column.name);
+  for (const Column& column : list.sent()) names.push_back(column.name);
   for (const auto& element : json) {
     if (!element.is_object()) {
       throw UsageError(key + ": " + Quoted(element.dump()) + " is not a JSON object");
     }
     auto row = Make<Dictionary>();
     for (const auto& [name, cell] : element.items()) {
-      const Column* column = FindColumn(list.table.columns, name);
+      const Column* column = FindColumn(list.sent(), name);
       if (column == nullptr) throw UsageError(key + ": " + NoSuch("column", name, names));
       row->Put(column->name, ReadValue(*column, TextOf(cell)));
     }

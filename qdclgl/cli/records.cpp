@@ -23,12 +23,8 @@ namespace {
 
 }  // namespace
 
-Ref<Object> Records::Component(const char* suffix) const {
-  return CreateObject(std::string(kind_.description().component) + suffix);
-}
-
 Ref<Dictionary> Records::Read(Long id) const {
-  return Component("Info")->Call("GetDetail", props_, ByRef(id)).As<Dictionary>();
+  return CreateObject(kind_.info_prog_id())->Call("GetDetail", props_, ByRef(id)).As<Dictionary>();
 }
 
 Long Records::IdOf(const Dictionary& record) const {
@@ -77,7 +73,7 @@ Ref<Dictionary> Records::WithLists(const Ref<Dictionary>& record) const {
 Long Records::Save(const Ref<Dictionary>& row, Long id) const {
   row->Put(server::record_column::kMachineName.name, Variant(GetMachineName()));
   row->Put(server::record_column::kAddress.name, Variant(GetIPAddress()));
-  const Ref<Object> update = Component("Update");
+  const Ref<Object> update = CreateObject(kind_.update_prog_id());
   if (id == 0) {
     id = update->Call("Create", props_, row).As<Long>();
   } else {
@@ -87,7 +83,8 @@ Long Records::Save(const Ref<Dictionary>& row, Long id) const {
 }
 
 bool Records::Delete(Long id) const {
-  Component("Update")->Call("Delete", props_, ByRef(id), GetMachineName(), GetIPAddress());
+  CreateObject(kind_.update_prog_id())
+      ->Call("Delete", props_, ByRef(id), GetMachineName(), GetIPAddress());
   return !Read(id);
 }
 

@@ -33,7 +33,6 @@ class Records {
   bool Delete(Long id) const;
 
  private:
-  Ref<Object> Component(const char* suffix) const;
   Long IdWith(const std::string& key) const;
 
   const server::MasterData& kind_;

@@ -146,6 +146,11 @@ struct RecordList {
   // What gives callers the rows by a record's id, where GetDetail does not bring them under the
   // key.
   std::string_view component = {}, method = {};
+
+  // What callers may send in a row.
+  std::span<const Column> sent() const {
+    return shown.empty() ? std::span<const Column>(table.columns) : std::span(shown);
+  }
 };
 
 // A record as the trail tells it.
@@ -225,6 +230,8 @@ class MasterData {
   std::string Noun() const;          // "Voucher group", as a sentence begins
   const Right& reading() const { return reading_; }
   const Right& writing() const { return writing_; }
+  std::string_view info_prog_id() const { return info_prog_id_; }
+  std::string_view update_prog_id() const { return update_prog_id_; }
   const ClassTable& info() const { return *info_; }
   const ClassTable& update() const { return *update_; }
 
