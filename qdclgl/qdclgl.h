@@ -37,10 +37,12 @@
 #include "qdclgl/masterdata/measure_unit_group.h"
 #include "qdclgl/masterdata/sub_mes.h"
 #include "qdclgl/masterdata/sub_mes_type.h"
+#include "qdclgl/notes/note.h"
 #include "qdclgl/settings/system_profile.h"
 #include "qdclgl/vouchers/voucher.h"
 #include "qdclgl/vouchers/voucher_detail.h"
 #include "qdclgl/vouchers/voucher_entry.h"
 #include "qdclgl/vouchers/voucher_group.h"
 #include "qdclgl/vouchers/voucher_set.h"
+#include "qdclgl/vouchers/voucher_temp.h"
 // END headers

@@ -34,16 +34,17 @@ std::vector<ApiRow> ApiRows() {
                       .help = "Hands over the transaction context."});
     }
     for (const ClassMember& member : public_class->members()) {
-      const auto add = [&](std::string_view kind, Invoker invoker, std::string clear = "") {
+      const auto add = [&](std::string_view kind, Invoker invoker, std::string_view type,
+                           std::string clear = "") {
         if (invoker == nullptr) return;
-        rows.push_back({public_class->name(), member.ordinal, member.row.name, kind,
-                        member.row.type, ArgumentText(member), member.row.options.is_default_member,
-                        member.row.key, std::move(clear), member.row.help});
+        rows.push_back({public_class->name(), member.ordinal, member.row.name, kind, type,
+                        ArgumentText(member), member.row.options.is_default_member, member.row.key,
+                        std::move(clear), member.row.help});
       };
-      add("method", member.row.method);
-      add("get", member.row.get);
-      add("let", member.row.let, member.row.options.clear_value.ToText());
-      add("set", member.row.set);
+      add("method", member.row.method, member.row.type);
+      add("get", member.row.get, member.row.type);
+      add("let", member.row.let, member.row.PutType(), member.row.options.clear_value.ToText());
+      add("set", member.row.set, member.row.PutType());
     }
   }
   return rows;

@@ -9,9 +9,11 @@
 #include "qdclgl/masterdata/measure_unit_group.h"
 #include "qdclgl/masterdata/sub_mes.h"
 #include "qdclgl/masterdata/sub_mes_type.h"
+#include "qdclgl/notes/note.h"
 #include "qdclgl/settings/system_profile.h"
 #include "qdclgl/vouchers/voucher_group.h"
 #include "qdclgl/vouchers/voucher_set.h"
+#include "qdclgl/vouchers/voucher_temp.h"
 
 namespace qdclgl {
 
@@ -40,6 +42,8 @@ std::span<const ClassTable* const> PublicClasses() {
       &SubMesSet::Table(),
       &SubMesType::Table(),
       &SubMesTypeSet::Table(),
+      &Note::Table(),
+      &NoteSet::Table(),
       &SystemProfile::Table(),
       &Voucher::Table(),
       &VoucherDetail::Table(),
@@ -49,6 +53,8 @@ std::span<const ClassTable* const> PublicClasses() {
       &VoucherGroup::Table(),
       &VoucherGroupSet::Table(),
       &VoucherSet::Table(),
+      &VoucherTemp::Table(),
+      &VoucherTempSet::Table(),
       // END classes
       // clang-format on
   };

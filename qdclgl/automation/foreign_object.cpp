@@ -62,7 +62,7 @@ Variant ForeignObject::Invoke(std::string_view name, CallKind kind, std::span<Ar
   return InvokeId(Resolve(names), kind, arguments);
 }
 
-Variant ForeignObject::DefaultValue() {
+Variant ForeignObject::PlainValue() {
   const CallingOut out(this, kLevelsOfACall);
   if (!dispatch_) RaiseError(error_number::kMemberNotFound);
   return InvokeId({DISPID_VALUE}, CallKind::kGet, {});

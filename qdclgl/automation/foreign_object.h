@@ -38,7 +38,7 @@ class ForeignObject final : public Object, public Foreign {
   bool Offers(std::initializer_list<const wchar_t*> names) const;
 
   Variant Invoke(std::string_view name, CallKind kind, std::span<Argument> arguments) override;
-  Variant DefaultValue() override;
+  Variant PlainValue() override;
 
  private:
   std::vector<DISPID> Resolve(std::vector<std::wstring>& names) const;

@@ -161,7 +161,7 @@ class Builder {
     function.elemdescFunc.tdesc.vt = VT_VOID;
     if (puts) {
       ELEMDESC value{};  // the one argument without a name
-      value.tdesc = TypeOf(info, member.row.type);
+      value.tdesc = TypeOf(info, member.row.PutType());
       value.paramdesc.wParamFlags = PARAMFLAG_FIN;
       elements.push_back(value);
     } else {

@@ -333,7 +333,8 @@ std::optional<std::size_t> FindUnfit(const ClassMember& member, std::span<Argume
     const bool is_value = i == member.parameters.size();
     if (arguments[i].IsMissing()) continue;
     try {
-      ConvertedTo(arguments[i].Value(), is_value ? member.row.type : member.parameters[i].type);
+      ConvertedTo(arguments[i].Value(),
+                  is_value ? member.row.PutType() : member.parameters[i].type);
     } catch (const Error&) {
       return i;
     }

@@ -16,6 +16,11 @@ bool IsAgreed(const Console& console, const std::string& question) {
   return answer == "y" || answer == "Y" || answer == "yes";
 }
 
+ExitCode OutcomeOf(std::size_t done, std::size_t wanted) {
+  if (done == wanted) return kDone;
+  return done == 0 ? kRefused : kLeftOut;
+}
+
 ExitCode ExitCodeOf(const Error& error) {
   using namespace server::refusal;
   switch (error.number()) {

@@ -41,6 +41,8 @@ class UsageError : public std::runtime_error {
 // Whether somebody agrees: asks "Close it?". UsageError when there is nobody to ask.
 bool IsAgreed(const Console& console, const std::string& question);
 
+// How a run ends that did so many of the things it was to do.
+ExitCode OutcomeOf(std::size_t done, std::size_t wanted);
 ExitCode ExitCodeOf(const Error& error);
 
 // Whether the server refuses one record, so that others can follow; otherwise it can't work at all.

@@ -1,4 +1,5 @@
 // Multi-column ledgers: printing one, and adding one.
+#include <algorithm>
 #include <sstream>
 
 #include "qdclgl/accounts/account_set.h"
@@ -22,6 +23,7 @@ struct LedgerOptions {
   Format format = Format::kPlain;
   bool html = false;
   std::vector<std::string> words;  // behind BOOK: NAME, or add and NAME
+  std::string name;
   std::string from, to;
   std::string account, columns, side, currencies;
 };
@@ -50,15 +52,15 @@ DateTime DayOf(const std::string& props, const char* option, const std::string& 
   }
 }
 
-int PrintLedger(const LedgerOptions& options, const std::string& name, const Console& console) {
+int PrintLedger(const LedgerOptions& options, const Console& console) {
   const std::string props = options.login.Open();
   const auto day = [&](const char* option, const std::string& text, bool last) {
     return text.empty() ? DateTime() : DayOf(props, option, text, last);
   };
   const DateTime from = day("--from", options.from, false), to = day("--to", options.to, true);
   const auto info = CreateObject(kInfo);
-  const auto ledger = info->Call("GetDetailByNumber", props, name).As<Dictionary>();
-  if (!ledger) RefuseMissing("ledger " + Quoted(name));
+  const auto ledger = info->Call("GetDetailByNumber", props, options.name).As<Dictionary>();
+  if (!ledger) RefuseMissing("ledger " + Quoted(options.name));
   const auto sheet =
       info->Call("GetLedger", props, ledger->Value("FLedgerID"), from, to).As<Recordset>();
   if (options.html) WriteLedgerPage(console.out, *ledger, *sheet);
@@ -110,11 +112,11 @@ void AddColumn(MultiLedger& ledger, const Account& account, const std::string& s
   column->DC(SideOf(account, side));
 }
 
-int AddLedger(const LedgerOptions& options, const std::string& name, const Console& console) {
+int AddLedger(const LedgerOptions& options, const Console& console) {
   if (options.account.empty()) throw UsageError("a new ledger takes an --account");
   options.login.Open();
   const Ref<Account> account = AccountOf(options.account);
-  const Ref<MultiLedger> ledger = Make<MultiLedgerSet>()->CreateNew(name);
+  const Ref<MultiLedger> ledger = Make<MultiLedgerSet>()->CreateNew(options.name);
   ledger->AccountID(account->AccountID());
   if (options.columns == "children") {
     const auto children = AccountsWhere("FParentID = " + std::to_string(account->AccountID()));
@@ -135,23 +137,22 @@ int AddLedger(const LedgerOptions& options, const std::string& name, const Conso
   }
   ledger->SaveChanges();
   const Long count = ledger->Columns()->Count();
-  console.out << "Ledger " << name << " has " << count
+  console.out << "Ledger " << options.name << " has " << count
               << (count == 1 ? " column.\n" : " columns.\n");
   return kDone;
 }
 
-// Whether the first word behind the command belongs to it, and BOOK is left out: NAME, or add and
-// NAME.
-bool IsWord(const std::string& first, const std::vector<std::string>& rest) {
-  return rest.empty() || (first == kAdd && rest.size() == 1 && !BookFromEnvironment().empty());
+// With books from the environment the first word is not BOOK.
+bool IsName(const std::string& first, const std::vector<std::string>& rest) {
+  return !BookFromEnvironment().empty() && (rest.empty() || (first == kAdd && rest.size() == 1));
 }
 
-int RunLedger(const LedgerOptions& options, const Console& console) {
+int RunLedger(LedgerOptions& options, const Console& console) {
   const std::vector<std::string>& words = options.words;
   const bool adds = words.size() == 2 && words.front() == kAdd;
-  if (words.size() != (adds ? 2u : 1u)) throw UsageError("ledger takes one NAME");
-  return adds ? AddLedger(options, words.back(), console)
-              : PrintLedger(options, words.back(), console);
+  if (words.size() != (adds ? 2u : 1u)) throw CLI::RequiredError("NAME");
+  options.name = words.back();
+  return adds ? AddLedger(options, console) : PrintLedger(options, console);
 }
 
 }  // namespace
@@ -160,7 +161,7 @@ void AddLedgerCommand(Program& program) {
   const auto options = std::make_shared<LedgerOptions>();
   CLI::App* command = program.AddForWords(
       "ledger", "Prints a multi-column ledger, or adds one", options->login, options->words,
-      {"NAME", "The ledger; behind the word add, a new one", IsWord},
+      {"NAME", "The ledger; behind the word add, a new one", IsName},
       [options, &program] { return RunLedger(*options, program.console()); });
   const auto add_text = [&](const char* name, std::string& text, const char* type,
                             const char* help) {

@@ -90,60 +90,66 @@ int Set(const RecordOptions& options, const Console& console) {
 
 // ---- show, remove ----
 
-// Does something with the record of each KEY; a key that is refused is told and leaves the others
+// Does something with each of them, and counts; what is refused is told and leaves the others
 // alone.
-template <class Deed>
-ExitCode ForEachKey(const Records& records, const std::vector<std::string>& words,
-                    const Console& console, Deed deed) {
+template <class Items, class Deed>
+std::size_t TryEach(const Items& items, const Console& console, Deed deed) {
   std::size_t done = 0;
-  for (std::size_t i = 1; i < words.size(); ++i) {
+  for (const auto& item : items) {
     try {
-      deed(records.Find(words[i]));
+      deed(item);
       ++done;
     } catch (const Error& error) {
       if (!IsAboutRecord(error)) throw;
       console.err << "qdclgl: " << ErrorText(error) << '\n';
     }
   }
-  if (done == words.size() - 1) return kDone;
-  return done == 0 ? kRefused : kLeftOut;
+  return done;
+}
+
+// The records that the words behind KIND name.
+std::vector<Ref<Dictionary>> FindAll(const Records& records, const std::vector<std::string>& words,
+                                     const Console& console) {
+  std::vector<Ref<Dictionary>> found;
+  TryEach(std::span(words).subspan(1), console,
+          [&](const std::string& key) { found.push_back(records.Find(key)); });
+  return found;
 }
 
 int Show(const RecordOptions& options, const Console& console) {
   const MasterData& kind = KindOf(options.words, 1, "show takes KIND KEY ...");
   const Records records(kind, options.login.Open());
-  std::vector<Ref<Dictionary>> shown;
-  const ExitCode code = ForEachKey(
-      records, options.words, console,
-      [&](const Ref<Dictionary>& record) { shown.push_back(records.WithLists(record)); });
-  if (!shown.empty()) WriteRecords(console.out, options.format, shown);
-  return code;
+  const std::vector<Ref<Dictionary>> found = FindAll(records, options.words, console);
+  for (const Ref<Dictionary>& record : found) records.AddLists(*record);
+  if (!found.empty()) WriteRecords(console.out, options.format, found);
+  return OutcomeOf(found.size(), options.words.size() - 1);
 }
 
-// Whether somebody agrees to it.
-bool IsRemovalAgreed(const RecordOptions& options, const Records& records, const Console& console) {
+std::string QuestionAbout(const MasterData& kind, const std::vector<Ref<Dictionary>>& found) {
+  const MasterData::Description& description = kind.description();
   std::string names;
-  ForEachKey(records, options.words, console, [&](const Ref<Dictionary>& record) {
-    names += (names.empty() ? "" : ", ") + OneLine(records.kind().NameOf(*record));
-  });
-  const std::string nouns(options.words.size() == 2 ? records.kind().description().noun
-                                                    : records.kind().description().nouns);
-  return IsAgreed(console, "Remove " + nouns + " " + names + "?");
+  for (const Ref<Dictionary>& record : found) {
+    names += (names.empty() ? " " : ", ") + OneLine(kind.NameOf(*record));
+  }
+  return "Remove " + std::string(found.size() == 1 ? description.noun : description.nouns) + names +
+         "?";
 }
 
 int RemoveRecords(const RecordOptions& options, const Console& console) {
   const MasterData& kind = KindOf(options.words, 1, "remove takes KIND KEY ..., IDs or --all");
   if (options.all) throw UsageError("--all is for vouchers; " + options.words[0] + " take KEYs");
   const Records records(kind, options.login.Open());
-  if (!options.yes && !IsRemovalAgreed(options, records, console)) {
+  const std::vector<Ref<Dictionary>> found = FindAll(records, options.words, console);
+  if (!found.empty() && !options.yes && !IsAgreed(console, QuestionAbout(kind, found))) {
     console.out << "Nothing is removed.\n";
     return kRefused;
   }
-  return ForEachKey(records, options.words, console, [&](const Ref<Dictionary>& record) {
+  const std::size_t done = TryEach(found, console, [&](const Ref<Dictionary>& record) {
     const bool is_gone = records.Delete(records.IdOf(*record));
     console.out << OneLine(kind.Called(*record))
                 << (is_gone ? " is removed.\n" : " is marked deleted.\n");
   });
+  return OutcomeOf(done, options.words.size() - 1);
 }
 
 int Remove(const RecordOptions& options, const Console& console) {

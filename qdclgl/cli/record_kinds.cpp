@@ -20,13 +20,13 @@ using server::MasterData;
 
 // ---- Kinds ----
 
-std::string_view NameOf(const MasterData& kind) { return kind.description().list.name; }
+std::string_view KindName(const MasterData& kind) { return kind.description().list.name; }
 
 std::span<const MasterData* const> RecordKinds() {
   static const std::vector<const MasterData*> kKinds = [] {
     const auto kinds = server::MasterDataKinds();
     std::vector<const MasterData*> sorted(kinds.begin(), kinds.end());
-    std::ranges::sort(sorted, {}, [](const MasterData* kind) { return NameOf(*kind); });
+    std::ranges::sort(sorted, {}, [](const MasterData* kind) { return KindName(*kind); });
     return sorted;
   }();
   return kKinds;
@@ -34,7 +34,7 @@ std::span<const MasterData* const> RecordKinds() {
 
 const MasterData* FindKind(std::string_view name) {
   for (const MasterData* kind : RecordKinds()) {
-    if (EqualsIgnoringAsciiCase(NameOf(*kind), name)) return kind;
+    if (EqualsIgnoringAsciiCase(KindName(*kind), name)) return kind;
   }
   return nullptr;
 }
@@ -43,7 +43,7 @@ namespace {
 
 std::vector<std::string_view> KindNames() {
   std::vector<std::string_view> names;
-  for (const MasterData* kind : RecordKinds()) names.push_back(NameOf(*kind));
+  for (const MasterData* kind : RecordKinds()) names.push_back(KindName(*kind));
   return names;
 }
 
@@ -143,15 +143,16 @@ Variant ReadRows(const server::RecordList& list, const std::string& text) {
   const auto json = nlohmann::json::parse(text, nullptr, false);
   if (!json.is_array())
     throw UsageError(key + ": " + Quoted(text) + " is not a JSON array of rows");
+  const std::vector<Column>& columns = list.shown.empty() ? list.table.columns : list.shown;
   std::vector<std::string_view> names;
-  for (const Column& column : list.sent()) names.push_back(column.name);
+  for (const Column& column : columns) names.push_back(column.name);
   for (const auto& element : json) {
     if (!element.is_object()) {
       throw UsageError(key + ": " + Quoted(element.dump()) + " is not a JSON object");
     }
     auto row = Make<Dictionary>();
     for (const auto& [name, cell] : element.items()) {
-      const Column* column = FindColumn(list.sent(), name);
+      const Column* column = FindColumn(columns, name);
       if (column == nullptr) throw UsageError(key + ": " + NoSuch("column", name, names));
       row->Put(column->name, ReadValue(*column, TextOf(cell)));
     }

@@ -13,7 +13,7 @@ namespace qdclgl::cli {
 
 // By the names of their lists: "accounts".
 std::span<const server::MasterData* const> RecordKinds();
-std::string_view NameOf(const server::MasterData& kind);
+std::string_view KindName(const server::MasterData& kind);
 // Null when there is none; case is ignored.
 const server::MasterData* FindKind(std::string_view name);
 // Whether a word is a kind, or may be meant as one.

@@ -35,7 +35,7 @@ Long Records::IdWith(const std::string& key) const {
   const server::TextKey& column = kind_.description().key;
   const std::string text = column.ignores_case ? ToUpper(key) : key;
   const Ref<Recordset> rows = cli::FetchList(
-      *FindList(NameOf(kind_)), props_,
+      *FindList(KindName(kind_)), props_,
       {.filter = std::string(column.column) + " = " + FilterText(text), .with_deleted = true});
   const auto id = [&] { return rows->FieldValue(rows->FieldPosition(kind_.description().id)); };
   const Long first = rows->Eof() ? 0 : id().As<Long>();
@@ -53,10 +53,10 @@ Ref<Dictionary> Records::Find(const std::string& key) const {
   return record;
 }
 
-Ref<Dictionary> Records::WithLists(const Ref<Dictionary>& record) const {
+void Records::AddLists(Dictionary& record) const {
   for (const server::RecordList& list : kind_.description().lists) {
     if (list.component.empty()) continue;
-    Long id = IdOf(*record);
+    Long id = IdOf(record);
     const auto rows =
         CreateObject(list.component)->Call(list.method, props_, ByRef(id)).As<Recordset>();
     auto shown = Make<Vector>();
@@ -65,9 +65,8 @@ Ref<Dictionary> Records::WithLists(const Ref<Dictionary>& record) const {
       row->Remove(list.table.columns.front().name);  // the record's id
       shown->Append(Variant(row));
     }
-    record->Put(list.key, Variant(shown));
+    record.Put(list.key, Variant(shown));
   }
-  return record;
 }
 
 Long Records::Save(const Ref<Dictionary>& row, Long id) const {

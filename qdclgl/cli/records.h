@@ -22,8 +22,8 @@ class Records {
   Ref<Dictionary> Find(const std::string& key) const;
   // Nothing when there is none.
   Ref<Dictionary> Read(Long id) const;
-  // With the rows that belong to it, each list under its key.
-  Ref<Dictionary> WithLists(const Ref<Dictionary>& record) const;
+  // Puts the rows that belong to a record into it, each list under its key.
+  void AddLists(Dictionary& record) const;
   Long IdOf(const Dictionary& record) const;
 
   // Saves a row as the record with an id, as a new one for 0. What was saved in the meantime by

@@ -97,8 +97,7 @@ ExitCode TakeStep(const Step& step, const std::vector<Long>& ids, const std::str
   if (batch) batch->Commit();
   progress.Clear();
   console.out << done << (done == 1 ? " voucher " : " vouchers ") << step.done << ".\n";
-  if (done == ids.size()) return kDone;
-  return done == 0 ? kRefused : kLeftOut;
+  return OutcomeOf(done, ids.size());
 }
 
 ExitCode TakeStepOnAll(const Step& step, const std::string& props, const Console& console) {

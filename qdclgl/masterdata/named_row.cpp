@@ -7,11 +7,12 @@ namespace qdclgl {
 // ---- The row ----
 
 void NamedRow::Reset(const Ref<Object>& xa, Long id, String name) {
+  Ref<Object> context = xa;  // which may be the object's own
   m_ID = id;
   m_OrigName = name;
   m_Name = std::move(name);
   m_Modified = false;
-  const Ref<Object> former = std::exchange(m_Xa, xa);
+  std::swap(m_Xa, context);
 }
 
 void NamedRow::CancelChanges() {

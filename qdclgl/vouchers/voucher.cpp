@@ -1,6 +1,5 @@
 #include "qdclgl/vouchers/voucher.h"
 
-#include "qdclgl/frame/containers/deep_copy.h"
 #include "qdclgl/frame/objects/class_table.h"
 #include "qdclgl/frame/session/server_gateway.h"
 #include "qdclgl/frame/session/session.h"
@@ -16,7 +15,6 @@ constexpr const char* kCashProfitComponent = "QDSVGLVoucher.Voucherinfo";
 
 constexpr Integer kNobody = -1;
 
-constexpr RowKey kEntries("_Entries");
 constexpr RowKey kBillInfo("BillInfo");
 constexpr RowKey kBlankOutFlag("FBlankOutFlag");
 constexpr RowKey kExplanation("FExplanation");
@@ -47,24 +45,9 @@ Ref<Dictionary> Voucher::FetchRow(Object& info) {
       .As<Dictionary>();
 }
 
-void Voucher::Refresh() {
-  if (m_ID == 0) return;
-  const CallingOut out(this);
-  const Ref<Object> info = ServerGateway().CreateInstance(Protocol().info_component);
-  ConstructEx(FetchRow(*info), m_Xa);
-}
-
 void Voucher::Refresh1() { Construct(Bag().Dictionary(), m_Xa); }
 
-void Voucher::ResetModified() { Bag().ChangeFlag()->Reset(); }
-
-Ref<Voucher> Voucher::Clone() {
-  const CallingOut out(this);
-  auto clone = Make<Voucher>();
-  clone->Construct(CloneDictionary(Bag().Dictionary()), Nothing);
-  clone->m_DictOrig = CloneDictionary(m_DictOrig);
-  return clone;
-}
+Ref<Voucher> Voucher::Clone() { return CloneAs<Voucher>(); }
 
 // ---- Saving ----
 
@@ -216,10 +199,6 @@ void Voucher::VisitDifferences(Voucher& other) {
 
 // ---- Members with a rule of their own ----
 
-Boolean Voucher::Modified() const { return Bag().ChangeFlag()->Modified(); }
-
-Ref<Dictionary> Voucher::DictOrig() const { return m_DictOrig; }
-
 Long Voucher::VoucherID() const { return m_ID; }
 
 void Voucher::VoucherID(Long value) { m_ID = value; }
@@ -261,23 +240,6 @@ Boolean Voucher::BlankOutFlag() const {
 
 void Voucher::BlankOutFlag(Boolean value) {
   Bag().SetValue(kBlankOutFlag, Variant(static_cast<Integer>(value ? 1 : 0)));
-}
-
-Ref<Vector> Voucher::Lines() const {
-  Ref<Vector> lines = ReadField<Ref<Vector>>(kEntries, kPlain);
-  if (!lines) {
-    lines = Make<Vector>();
-    lines->LowerBound(1);
-    // Past the bag: looking at the lines of a new voucher is no edit.
-    Bag().Dictionary()->Put(kEntries, Variant(lines));
-  }
-  return lines;
-}
-
-Ref<VoucherEntrySet> Voucher::Entries() const {
-  auto entries = Make<VoucherEntrySet>();
-  entries->Attach(Lines(), Bag().ChangeFlag()->Item(kEntries.text()));
-  return entries;
 }
 
 Currency Voucher::Total(Currency (*side)(const Dictionary& row)) const {

@@ -4,13 +4,12 @@
 // Server components: QDSVGLVoucher.VoucherInfo reads, .VoucherUpdate writes.
 #pragma once
 
-#include "qdclgl/frame/entities/entity.h"
-#include "qdclgl/vouchers/voucher_entry.h"
+#include "qdclgl/vouchers/voucher_document.h"
 
 namespace qdclgl {
 
-class Voucher final : public Entity {
-  QD_MEMBERS(Voucher, Entity, Creatable, "A journal voucher.")
+class Voucher final : public VoucherDocument {
+  QD_MEMBERS(Voucher, VoucherDocument, Creatable, "A journal voucher.")
 
  public:
   QD_PROPERTY(Let, Long, ShowDeleted,
@@ -31,14 +30,11 @@ class Voucher final : public Entity {
             "transaction context.")
   QD_INHERITED(Construct)
   QD_METHOD(void, ConstructEx, (Ref<Dictionary> dict, const Ref<Object>& xa), "As Construct.")
-  QD_METHOD(void, Refresh, (),
-            "Reads the voucher again; does nothing for one that is not saved. All views taken "
-            "earlier stay with the old data. Calls GetDetail.")
+  QD_INHERITED(Refresh)
   QD_METHOD(void, Refresh1, (),
             "Takes the working data as saved: it becomes the baseline and nothing is modified. No "
             "server call.")
-  QD_METHOD(void, ResetModified, (),
-            "Clears the change flags of the voucher and of everything below it; the data stays.")
+  QD_INHERITED(ResetModified)
   QD_METHOD(void, SaveChanges, (),
             "Saves a modified voucher. An empty foot note is saved as one blank. A new voucher is "
             "read again. Calls CheckExistCashProfit, ClearCashFlow, Update, or Create and "
@@ -68,7 +64,7 @@ class Voucher final : public Entity {
            Default(-1))
   QD_PROPERTY(Get, String, Approver,
               "Name of who approved; empty text while CheckerID is -1. Key FApprover.")
-  QD_FIELD(GetLet, Long, Attachments, "FAttachments", "The number of attached papers.")
+  QD_INHERITED(Attachments)
   QD_PROPERTY(GetLet, Ref<Dictionary>, BillInfo,
               "A bill that travels with the voucher, Nothing when there is none. Key BillInfo.")
   QD_PROPERTY(GetLet, Boolean, BlankOutFlag,
@@ -87,24 +83,22 @@ class Voucher final : public Entity {
   QD_FIELD(Get, Currency, DebitTotal2, "FDebitTotal", "The debit total as the server stored it.")
   QD_PROPERTY(Get, Currency, DebitTotal,
               "The sum of the lines' debits, now. Error 6 beyond the range of Currency.")
-  QD_PROPERTY(Get, Ref<Dictionary>, DictOrig,
-              "The baseline that CancelChanges goes back to, Nothing for a new voucher.")
+  QD_INHERITED(DictOrig)
   QD_FIELD(GetLet, String, EditMode, "EditMode", "A text that travels to the server.", Default("2"))
-  QD_PROPERTY(Get, Ref<VoucherEntrySet>, Entries,
-              "The lines. Reading them marks nothing modified. Key _Entries.")
+  QD_INHERITED(Entries)
   QD_PROPERTY(GetLet, String, Explanation,
               "Reads the first explanation that a line has; a write stores the key FExplanation, "
               "which no read looks at.")
   QD_FIELD(GetLet, String, FootNote, "FFootNote", "The foot note.")
   QD_FIELD(GetLet, String, Group, "FGroup", "The word of the voucher's group.")
-  QD_FIELD(GetLet, Long, GroupID, "FGroupID", "Id of the voucher's group.")
+  QD_INHERITED(GroupID)
   QD_FIELD(GetLet, String, Handler, "FHandler", "Who handled the business.")
   QD_PROPERTY(Get, Boolean, HasForCyOrUnit,
               "Whether a line has a currency other than 1 or a unit. Error 6 behind the 32,767th "
               "line.")
   QD_FIELD(GetLet, String, InternalInd, "FInternalInd", "Carried for the server.")
   QD_FIELD(GetLet, Boolean, LockDate, "FLockDate", "Carried for the server.")
-  QD_PROPERTY(Get, Boolean, Modified, "Whether the voucher, a line or a detail was written.")
+  QD_INHERITED(Modified)
   QD_FIELD(GetLet, Long, Number, "FNumber", "The number within year, period and group.")
   QD_PROPERTY(GetLet, String, ObjectName,
               "Carried for the server; empty text is stored as Null. Key FObjectName.")
@@ -121,7 +115,7 @@ class Voucher final : public Entity {
   QD_FIELD(GetLet, Integer, PreparerID, "FPreparerID", "Who prepared the voucher, -1 nobody.",
            Default(-1))
   QD_INHERITED(Properties)
-  QD_FIELD(GetLet, String, Reference, "FReference", "Reference of the voucher.")
+  QD_INHERITED(Reference)
   QD_FIELD(GetLet, Long, SerialNum, "FSerialNum", "The serial number.")
   QD_FIELD(Get, Boolean, Summarized, "FSummarized", "Whether the voucher is summarized.")
   QD_PROPERTY(GetLet, DateTime, TransDate, "The date of the business. Key FTransDate.")
@@ -134,7 +128,6 @@ class Voucher final : public Entity {
 
  protected:
   const EntityProtocol& Protocol() const override;
-  bool HasChanges() const override { return Modified(); }
   // GetDetail(PropsString, VoucherID by reference, ShowDeleted by reference).
   Ref<Dictionary> FetchRow(Object& info) override;
 
@@ -152,7 +145,6 @@ class Voucher final : public Entity {
   // The name under a key, empty while `person` is nobody.
   String NameOf(const RowKey& name, Integer (Voucher::*person)() const) const;
   void StoreTextOrNull(const RowKey& key, const String& text);
-  Ref<Vector> Lines() const;
   // The sum over all lines of what stands on one side.
   Currency Total(Currency (*side)(const Dictionary& row)) const;
 

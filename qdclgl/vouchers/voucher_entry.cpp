@@ -88,7 +88,7 @@ void VoucherEntry::Credit(Currency value) {
 
 Ref<Object> VoucherEntry::CashFlow() const { return ReadField<Ref<Object>>(kCashFlow, kPlain); }
 
-void VoucherEntry::CashFlow(Ref<Object> value) { Bag().SetObject(kCashFlow, value); }
+void VoucherEntry::CashFlow(Variant value) { Bag().SetObject(kCashFlow, value.As<Object>()); }
 
 String VoucherEntry::CussentFrameWorkNum() const {
   static constexpr RowKey kFrameWorkName("FCussentFrameWorkName");

@@ -22,8 +22,9 @@ class VoucherEntry final : public LineView {
   QD_PROPERTY(GetLet, Currency, Amount,
               "The amount in base currency, on the side that DC tells. A write stores the side "
               "too, and raises error 380 on a line whose side is neither 0 nor 1. Key FAmount.")
-  QD_PROPERTY(GetLet, Ref<Object>, CashFlow,
-              "An object that travels with the line; Nothing removes it. Key CashFlow.")
+  QD_PROPERTY(GetLetVariant, Ref<Object>, CashFlow,
+              "An object that travels with the line; Nothing removes it. A write takes a Variant "
+              "that holds the object, error 13 for any other. Key CashFlow.")
   QD_FIELD(GetLet, Long, CashFlowItem, "FCashFlowItem", "Id of the cash flow item.", Clear(0))
   QD_FIELD(Get, Double, Coefficient, "FCoefficient", "Coefficient of the unit.")
   QD_FIELD(GetLet, Long, ContrastID, "FContrastID", "Carried for the server.")

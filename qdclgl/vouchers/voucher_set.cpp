@@ -3,19 +3,11 @@
 #include "qdclgl/frame/objects/class_table.h"
 #include "qdclgl/frame/objects/variant_kind.h"
 #include "qdclgl/frame/platform/machine.h"
+#include "qdclgl/vouchers/voucher_number.h"
 
 namespace qdclgl {
 
 QD_DEFINE_MEMBERS(VoucherSet)
-
-namespace {
-
-// A voucher's number means something only within its period and group.
-bool IsNumberGiven(const Variant& period, const Variant& group, const Variant& number) {
-  return !period.IsMissing() && !group.IsMissing() && !number.IsMissing();
-}
-
-}  // namespace
 
 const SetProtocol& VoucherSet::Protocol() const {
   static constexpr SetProtocol kProtocol = {
@@ -47,9 +39,7 @@ Variant VoucherSet::GetLastVchDateThisPeriod() { return {}; }
 Ref<Voucher> VoucherSet::CreateNew(Long nYear, Variant Period, Variant Group, Variant Number) {
   Ref<Voucher> voucher = MakeEntity(Nothing);
   voucher->Year(nYear);
-  if (!Period.IsMissing()) voucher->Period(CLng(Period));
-  if (!Group.IsMissing()) voucher->GroupID(CLng(Group));
-  if (!Number.IsMissing()) voucher->Number(CLng(Number));
+  PutNumber(*voucher, Period, Group, Number);
   return voucher;
 }
 

@@ -104,8 +104,10 @@ bool IsName(std::string_view text) {
   });
 }
 
+// A sentence, or a phrase in Chinese as some interfaces describe themselves.
 bool IsSentence(std::string_view text) {
-  return text.size() > 1 && text.ends_with('.') && text[0] != ' ' && TrimBlanks(text) == text;
+  const auto is_chinese = [&] { return std::ranges::any_of(text, [](char c) { return c < 0; }); };
+  return text.size() > 1 && (text.ends_with('.') || is_chinese()) && TrimBlanks(text) == text;
 }
 
 TEST(ClassList, IsNotEmpty) { EXPECT_FALSE(PublicClasses().empty()); }

@@ -31,7 +31,7 @@ class Neighbour final : public Object {
   ~Neighbour() override;
   std::string_view ClassName() const override { return "Neighbour"; }
   Variant Invoke(std::string_view name, CallKind kind, std::span<Argument> arguments) override;
-  Variant DefaultValue() override;
+  Variant PlainValue() override;
 
  private:
   Neighbourhood& home_;
@@ -147,7 +147,7 @@ Variant Neighbour::Invoke(std::string_view name, CallKind, std::span<Argument>) 
   return home_.AnswerOf(name);
 }
 
-Variant Neighbour::DefaultValue() { return home_.AnswerOf("default"); }
+Variant Neighbour::PlainValue() { return home_.AnswerOf("default"); }
 
 // ---- What neighbours do ----
 
@@ -237,7 +237,10 @@ Ref<Object> NewSubject(Neighbourhood& home, const ClassTable& table,
   if (Ref<Object> of_ledger = NewOfLedger(home, table, key_of_member)) return of_ledger;
   if (table.creatable()) {
     Ref<Object> object = table.Create();
-    if (table.Find("Construct") != nullptr) {
+    if (table.Find("Construct") != nullptr && table.Find("Properties") == nullptr) {
+      object->Call("Construct", Make<Neighbour>(home), Long{5}, "Old");
+      object->Let("Name", "Edited");
+    } else if (table.Find("Construct") != nullptr) {
       const Ref<Dictionary> row = home.HostileRow(key_of_member);
       auto list = Make<Vector>();
       list->Append(Variant(home.HostileRow("FAmount")));

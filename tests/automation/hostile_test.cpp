@@ -439,7 +439,7 @@ class ClassWalk {
       for (const auto& parameter : member.parameters) {
         values.push_back(ValueOf(parameter.type, style, document_));
       }
-      if (operation.puts) values.push_back(ValueOf(member.row.type, style, document_));
+      if (operation.puts) values.push_back(ValueOf(member.row.PutType(), style, document_));
       run([&] { Make(operation, values); });
     }
     if (home.subject) {

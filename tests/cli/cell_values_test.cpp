@@ -71,6 +71,40 @@ TEST(CellValues, WholeNumbersAreDecimalWhateverZeroesTheyBeginWith) {
   EXPECT_EQ(ReasonOf(ReadWhole, "-1"), "\"-1\" is not a whole number");
 }
 
+TEST(CellValues, IntegersLieBetweenTheirBounds) {
+  const auto read = [](std::string_view text) { return ReadInteger(text, -5, 7); };
+  EXPECT_EQ(read("-5"), -5);
+  EXPECT_EQ(read("07"), 7);
+  for (const char* text : {"8", "-6", "99999999999"}) {
+    EXPECT_EQ(ReasonOf<Long>(read, text), "\"" + std::string(text) + "\" is not between -5 and 7");
+  }
+  for (const char* text : {"", "-", "1.0", "+1", "--1", " 1", "1e1"}) {
+    EXPECT_EQ(ReasonOf<Long>(read, text), "\"" + std::string(text) + "\" is not a whole number");
+  }
+}
+
+TEST(CellValues, NumbersMayHaveAnExponentAndAreFinite) {
+  EXPECT_EQ(ReadNumber("-0.5"), -0.5);
+  EXPECT_EQ(ReadNumber("1e-7"), 1e-7);
+  EXPECT_EQ(ReadNumber("0.1234567890123456"), 0.1234567890123456);
+  EXPECT_EQ(ReasonOf(ReadNumber, "1e999"), "\"1e999\" is too large");
+  EXPECT_EQ(ReasonOf(ReadNumber, "inf"), "\"inf\" is too large");
+  for (const char* text : {"", "1,5", "x", "1x", "+1", "0x1"}) {
+    EXPECT_EQ(ReasonOf(ReadNumber, text), "\"" + std::string(text) + "\" is not a number");
+  }
+}
+
+TEST(CellValues, ATimeMayStandBehindADate) {
+  EXPECT_EQ(ReadTime("2024-02-29 13:05:09").ToText(), "2024-02-29 13:05:09");
+  EXPECT_EQ(ReadTime("2024-02-29"), DateTime::FromYmd(2024, 2, 29));
+  EXPECT_EQ(ReasonOf(ReadTime, "2024-02-29 24:00:00"),
+            "\"2024-02-29 24:00:00\" is not a time of the day");
+  EXPECT_EQ(ReasonOf(ReadTime, "2024-02-29 13:05"),
+            "\"2024-02-29 13:05\" is not a date; dates are written as yyyy-mm-dd");
+  EXPECT_EQ(ReasonOf(ReadTime, "2023-02-29 13:05:09"),
+            "\"2023-02-29\" is not a day of the calendar");
+}
+
 TEST(CellValues, TruthIsSaidInThreeWays) {
   for (const char* text : {"1", "Yes", "TRUE"}) EXPECT_TRUE(ReadTruth(text));
   for (const char* text : {"0", "no", "False"}) EXPECT_FALSE(ReadTruth(text));

@@ -189,6 +189,11 @@ TEST(Completion, OffersWhatTheProgramKnows) {
   EXPECT_EQ(offered("bal", 1), "balance\n");
   EXPECT_EQ(offered("balance --c", 2), "--csv\n");
   EXPECT_EQ(offered("api Currencyx", 2), "Currencyx\n");
+  EXPECT_EQ(offered("show acc", 2), "accounts\n");
+  EXPECT_EQ(offered("remove books.db curr", 3), "currencies\n");
+  EXPECT_EQ(offered("set users ann FR", 4), "FRoles=\n");
+  EXPECT_EQ(offered("add books.db users ann FV", 5), "\n") << "nobody sets the version";
+  EXPECT_EQ(offered("show users ann FR", 4), "\n");
 }
 
 }  // namespace

@@ -30,7 +30,7 @@ class Neighbour final : public Object {
   Variant Invoke(std::string_view name, CallKind, std::span<Argument> arguments) override {
     return home_.Answer(name, arguments);
   }
-  Variant DefaultValue() override { return home_.Answer("default", {}); }
+  Variant PlainValue() override { return home_.Answer("default", {}); }
 
  private:
   Neighbourhood& home_;

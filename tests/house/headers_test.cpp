@@ -202,10 +202,13 @@ TEST(MemberRows, ThatAreRightCompile) {
 }
 
 TEST(MemberRows, AMisspeltAccessWordIsToldInOneSentence) {
-  ExpectOneSentence("  QD_PROPERTY(GetLte, Long, Count, \"The number.\")\n",
-                    "GetLte is no access word; they are Get, Let, GetLet, GetSet and GetLetSet");
+  ExpectOneSentence(
+      "  QD_PROPERTY(GetLte, Long, Count, \"The number.\")\n",
+      "GetLte is no access word; they are Get, Let, Set, GetLet, GetSet, GetLetSet and "
+      "GetLetVariant");
   ExpectOneSentence("  QD_INDEXED(Gett, Long, At, (Long Index), \"A number.\")\n",
-                    "Gett is no access word; they are Get, Let, GetLet, GetSet and GetLetSet");
+                    "Gett is no access word; they are Get, Let, Set, GetLet, GetSet, GetLetSet and "
+                    "GetLetVariant");
   ExpectOneSentence("  QD_FIELD(GetSet, Long, Count, \"FCount\", \"The number.\")\n",
                     "GetSet is no access word; a field is Get or GetLet");
 }

@@ -18,7 +18,6 @@ using testing::Row;
 using testing::StateText;
 
 constexpr const char* kInfo = "QDSVGLUnit.MeasureUnitInfo";
-constexpr const char* kUpdate = "QDSVGLUnit.MeasureUnitUpdate";
 
 // "5 Pieces, unit 7 piece"
 std::string State(const MeasureUnitGroup& group) {
@@ -59,7 +58,7 @@ TEST_F(MeasureUnitGroupTest, ConstructTakesTheDefaultUnitAsTextANullAsAnEmptyOne
 TEST_F(MeasureUnitGroupTest, AValueThatIsNoTextLeavesTheGroupAsItWas) {
   const auto group = Group();
   EXPECT_EQ(ErrorOf([&] { group->Construct(Nothing, 6, "x", 8, Variant(Row({}))); }),
-            "error 438 (Dictionary): There is no default member.");
+            "error 438 (Dictionary): The object has no default value.");
   EXPECT_EQ(State(*group), "5 Pieces, unit 7 piece");
 }
 
@@ -96,7 +95,7 @@ TEST_F(MeasureUnitGroupTest, AFactorOfOneMakesNoCallAndZeroOrOneBeyondItsTextIsR
   group->AdjustCoefficient(1);
   group->AdjustCoefficient(1, true);
   for (const double factor : {0.0, -0.0, 1.0 / 3, std::nextafter(1.0, 2.0)}) {
-    EXPECT_EQ(ErrorOf([&] { group->AdjustCoefficient(factor); }), "error -2147204784") << factor;
+    EXPECT_EQ(ErrorOf([&] { group->AdjustCoefficient(factor); }), "error 0x80044150") << factor;
   }
   EXPECT_EQ(server.TakeLog(), "");
 }

@@ -121,8 +121,8 @@ TEST_F(MeasureUnitTest, TheAuxiliaryClassIsTrimmedOnBothWaysAndTheNumberKeepsIts
 TEST_F(MeasureUnitTest, ACoefficientThatDoesNotSurviveItsTextIsRefusedAndNoOther) {
   const auto unit = UnitOf(Row({{"FCoefficient", 12.0}}));
   for (const double value : {1.0 / 3, 0.1 + 0.2, 1e15 + 0.3}) {
-    EXPECT_EQ(ErrorOf([&] { unit->Coefficient(value); }), "error -2147204784") << value;
-    EXPECT_EQ(ErrorOf([&] { unit->Let("Coefficient", value); }), "error -2147204784") << value;
+    EXPECT_EQ(ErrorOf([&] { unit->Coefficient(value); }), "error 0x80044150") << value;
+    EXPECT_EQ(ErrorOf([&] { unit->Let("Coefficient", value); }), "error 0x80044150") << value;
     EXPECT_EQ(State(unit), "id 0 {FCoefficient: 12#}");
   }
   for (const double value : {0.0, -1.5, 0.001, 1e15, 1e300}) {
@@ -457,6 +457,7 @@ TEST_F(MeasureUnitSetTest, TheTransactionContextGoesToEveryUnitMade) {
   EXPECT_EQ(context->holders(), 2);
   set->Refresh();
   EXPECT_EQ(context->holders(), 5);
+  server.Answer(kInfo, "GetUnitDetail", Variant(Row({{"FMeasureUnitID", Long{5}}})));
   const auto created = set->CreateNew();
   const auto read = set->GetUnit(5);
   EXPECT_EQ(context->holders(), 7);

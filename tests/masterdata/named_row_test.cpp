@@ -339,7 +339,9 @@ TYPED_TEST(NamedRowTest, ExistenceCheckSearchesAFreshListAndMovesItsCursor) {
   expect(Missing, Missing, 0, "at 1");
   EXPECT_EQ(StateText(set->Call("ExistenceCheck", Named("Name", "First"))), "1");
   EXPECT_EQ(StateText(set->Call("ExistenceCheck", Named(TypeParam::kIdArgument, Long{3}))), "3");
-  EXPECT_EQ(ErrorOf([&] { set->ExistenceCheck(Missing, "O'Neil"); }), "error 3001");
+  EXPECT_EQ(ErrorOf([&] { set->ExistenceCheck(Missing, "O'Neil"); }),
+            "error 3001 (Recordset): The criterion \"FName = 'O'Neil'\" needs its end at position "
+            "12.");
   EXPECT_EQ(ErrorOf([&] { set->ExistenceCheck("x"); }), "error 13");
 }
 

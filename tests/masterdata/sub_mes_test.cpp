@@ -235,7 +235,7 @@ TEST_F(SubMesSetTest, CreateNewFillsTheRowThatCancelChangesGoesBackTo) {
   named->Let("Name", "y");
   named->Call("CancelChanges");
   EXPECT_EQ(State(named), "id 0 {FTypeID: 5, FName: \"x\"}");
-  EXPECT_EQ(ErrorOf([&] { set->CreateNew(0, "n"); }), "error -2147204860");
+  EXPECT_EQ(ErrorOf([&] { set->CreateNew(0, "n"); }), "error 0x80044104");
   EXPECT_EQ(ErrorOf([&] { set->Call("CreateNew"); }), "error 449");
   EXPECT_EQ(server.TakeLog(), "");
 }
@@ -251,7 +251,9 @@ TEST_F(SubMesSetTest, ExistenceCheckSearchesAListOfItsOwnForTheNumber) {
   set->GetNext();
   EXPECT_EQ(set->ExistenceCheck("7", "nobody"), 0);
   EXPECT_EQ(StateOf(*set), "at 2 of 30 by 0 \"\" \"\"") << "its own list and cursor stay";
-  EXPECT_EQ(ErrorOf([&] { set->ExistenceCheck(Long{7}, "O'Neil"); }), "error 3001");
+  EXPECT_EQ(ErrorOf([&] { set->ExistenceCheck(Long{7}, "O'Neil"); }),
+            "error 3001 (Recordset): The criterion \" FNumber = 'O'Neil'\" needs its end at "
+            "position 15.");
   EXPECT_EQ(ErrorOf([&] { set->Call("ExistenceCheck", Long{7}); }), "error 449");
   server.Answer(kInfo, "GetSubMesList", Variant(Recordset::Create({"FItemID"})));
   EXPECT_EQ(set->ExistenceCheck(Long{7}, "O'Neil"), 0) << "an empty list is not searched";
@@ -282,8 +284,8 @@ TEST_F(SubMesSetTest, ItemGoesByANumberInTheTypeGivenOrTheSetsOwn) {
 }
 
 TEST_F(SubMesSetTest, ItemWithoutATypeIsRefusedBeforeItsNumberIsLookedAt) {
-  EXPECT_EQ(ErrorOf([&] { OfType(0)->Item(0, 0, "n"); }), "error -2147204860");
-  EXPECT_EQ(ErrorOf([&] { OfType(0)->Item(); }), "error -2147204860");
+  EXPECT_EQ(ErrorOf([&] { OfType(0)->Item(0, 0, "n"); }), "error 0x80044104");
+  EXPECT_EQ(ErrorOf([&] { OfType(0)->Item(); }), "error 0x80044104");
   EXPECT_EQ(ErrorOf([&] { OfType(30)->Item(); }), "error 5");
   EXPECT_EQ(ErrorOf([&] { OfType(0)->Item(0, 5); }), "error 5");
   EXPECT_EQ(server.TakeLog(), "");

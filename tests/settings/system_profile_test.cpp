@@ -1318,9 +1318,9 @@ TEST_F(SettlementOptionsTest, ADayThatIsNotSetOrCannotBeReadIsTheFallback) {
 
 TEST_F(SettlementOptionsTest, TodayIsTheMachinesDayOfTheCall) {
   profile->Refresh();
-  server.platform().today = DateTime::FromYmd(2026, 2, 28);
+  server.platform().now = DateTime::FromParts({2026, 2, 28, 23, 59, 59});
   EXPECT_EQ(profile->SCGetDateToday(), DateTime::FromYmd(2026, 2, 28));
-  server.platform().today = DateTime::FromYmd(2026, 3, 1);
+  server.platform().now = DateTime::FromYmd(2026, 3, 1);
   EXPECT_EQ(profile->SCGetDateToday(), DateTime::FromYmd(2026, 3, 1));
 }
 

@@ -66,6 +66,7 @@ struct EntityCase {
   std::string create = "Create(\"props\", <row>)";
   std::string update = "Update(\"props\", ref <id>, <row>)";
   TrackStates track_state = {};
+  bool copies_baseline = false;       // CancelChanges goes back to a copy of the row, nobody else's
   bool keeps_id_without_key = false;  // Construct of a row without the id leaves the object's id
   bool refresh_takes_id = false;      // Refresh takes the id of the row that it reads
   ChangeRecord saved_by = ChangeRecord::kDictionary;
@@ -87,9 +88,10 @@ struct EntityCase {
 // The ways of using an entity by name, from the names in `declared`.
 EntityUse EntityUseByName(const EntityCase& declared);
 
-// The declaration of the class T with its id and its text member as typed callers use them.
-template <class T>
-EntityCase EntityCaseOf(Long (T::*id)() const, void (T::*edit)(String), EntityCase declared) {
+// The declaration of the class T with its id and its text member, which a base class may hold, as
+// typed callers use them.
+template <class T, class Base>
+EntityCase EntityCaseOf(Long (T::*id)() const, void (Base::*edit)(String), EntityCase declared) {
   declared.class_name = T::kClassName;
   declared.make = [] { return Ref<Entity>(Make<T>()); };
   const auto typed = [](Entity& entity) -> T& { return static_cast<T&>(entity); };

@@ -68,7 +68,9 @@ struct SetCase {
   std::string item_adds = {};                 // and what stands in the row behind it
   std::string item_of_nothing = "id 0 {}";    // what Item makes of a row that the server hasn't got
   std::string created_row = "id 0 {}";        // what CreateNew makes when it is given nothing
+  std::string created_error = {};             // how CreateNew ends, where it makes nothing
   std::string walked_class = {};              // what a walk makes, where it isn't the set's entity
+  bool record_set_fetches = false;            // RecordSet is the list, fetched on first use
   bool takes_record_set = true;               // a recordset put in takes the list's place
   bool item_is_default = true;
   std::function<void(RecordingServer&)> prepare = {};  // answers that only this class needs

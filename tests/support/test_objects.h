@@ -55,7 +55,7 @@ class Foreign final : public Object {
   explicit Foreign(std::function<Variant()> code) : code_(std::move(code)) {}
   std::string_view ClassName() const override { return "Foreign"; }
   Variant Invoke(std::string_view, CallKind, std::span<Argument>) override { return code_(); }
-  Variant DefaultValue() override { return code_(); }
+  Variant PlainValue() override { return code_(); }
 
  private:
   std::function<Variant()> code_;

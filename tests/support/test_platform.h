@@ -29,7 +29,7 @@ class TestPlatform final : public Platform {
 
   std::string computer_name = "HOST";
   Long process_id = 4711;
-  DateTime today = DateTime::FromYmd(2026, 1, 31);
+  DateTime now = DateTime::FromParts({2026, 1, 31, 13, 5, 0});
   std::string system_directory = "C:\\SYS";
   std::string address = "10.0.0.1";
   // By path. Profiles need an entry here to count as existing.
@@ -51,7 +51,7 @@ class TestPlatform final : public Platform {
 
   std::optional<std::string> ComputerName(std::size_t buffer_size) override;
   Long ProcessId() override { return process_id; }
-  DateTime Today() override { return today; }
+  DateTime Now() override { return now; }
   std::optional<std::string> SystemDirectory(std::size_t buffer_size) override;
   std::optional<std::string> AddressText(std::size_t buffer_size) override;
   Long PrivateProfileInt(const std::string& section, const std::string& key, Long default_value,

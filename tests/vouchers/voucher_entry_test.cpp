@@ -630,10 +630,23 @@ TEST(VoucherEntry, CashFlowHoldsAnObjectAndNothingRemovesIt) {
   EXPECT_EQ(State(*absent), "{} flagged");
 }
 
+TEST(VoucherEntry, CashFlowTakesAVariantThatHoldsAnObject) {
+  const auto line = Line();
+  const Variant flow(Make<Opaque>());
+  line->CashFlow(flow);
+  EXPECT_EQ(State(*line), "{CashFlow: <Opaque>} modified flagged");
+  EXPECT_EQ(line->CashFlow().get(), flow.ObjectPointer());
+  line->CashFlow(Variant(Nothing));
+  EXPECT_EQ(State(*line), "{} modified flagged");
+  const MemberRow& row = VoucherEntry::Table().Find("CashFlow")->row;
+  EXPECT_EQ(std::string(row.type) + " " + std::string(row.PutType()), "Object Variant");
+}
+
 TEST(VoucherEntry, CashFlowRefusesPlainValues) {
   for (const Variant& value : {Variant(5), Variant("text"), Variant(Null), Variant()}) {
     const auto line = Line();
     EXPECT_EQ(ErrorOf([&] { line->Let("CashFlow", value); }), "error 13") << StateText(value);
+    EXPECT_EQ(ErrorOf([&] { line->CashFlow(value); }), "error 13") << StateText(value);
     EXPECT_EQ(State(*line), "{}");
   }
 }

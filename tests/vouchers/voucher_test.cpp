@@ -109,14 +109,15 @@ struct Typed {
   std::function<void(Voucher&, const Variant&)> let;  // none for a member that is only read
 };
 
-template <class T>
-Typed Get(T (Voucher::*get)() const) {
+// A member of the class or of its base.
+template <class T, class Owner>
+Typed Get(T (Owner::*get)() const) {
   return {[get](const Voucher& voucher) { return Variant((voucher.*get)()); }, nullptr};
 }
 
-template <class T>
-Typed GetLet(T (Voucher::*get)() const, void (Voucher::*let)(T)) {
-  Typed typed = Get<T>(get);
+template <class T, class Owner>
+Typed GetLet(T (Owner::*get)() const, void (Owner::*let)(T)) {
+  Typed typed = Get(get);
   typed.let = [let](Voucher& voucher, const Variant& value) { (voucher.*let)(value.As<T>()); };
   return typed;
 }

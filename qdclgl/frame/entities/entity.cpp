@@ -14,7 +14,7 @@ void Entity::Construct(const Ref<Dictionary>& dict, const Ref<Object>& xa) {
   bag.Attach(row, false, Nothing, Protocol().construct_track_state);
   std::swap(m_DictOrig, row);
   const Ref<qdclgl::Properties> former = PutBag(bag);
-  if (const Ref<Dictionary> taken = m_DictOrig) m_ID = IdIn(*taken);
+  if (const Ref<Dictionary> taken = m_DictOrig) TakeIds(*taken);
   std::swap(m_Xa, context);
 }
 
@@ -27,7 +27,7 @@ void Entity::Refresh() {
   if (m_ID == 0) return;
   const CallingOut out(this);
   const Ref<Object> info = ServerGateway().CreateInstance(Protocol().info_component);
-  Reload(FetchRow(*info));
+  TakeRow(FetchRow(*info));
 }
 
 void Entity::Reload(Ref<Dictionary> row) {

@@ -46,6 +46,8 @@ class Entity : public RowView, public ISetXactContext, private ApartmentMember {
   virtual bool HasChanges() const { return Bag().Modified(); }
   // The id that a row gives the object.
   virtual Long IdIn(const Dictionary& row) const;
+  // Takes from a row what the object keeps beside it: the id.
+  virtual void TakeIds(const Dictionary& row) { m_ID = IdIn(row); }
   // GetDetail(PropsString, id by reference).
   virtual Ref<Dictionary> FetchRow(Object& info);
   // Create(PropsString, row): the new id.
@@ -54,6 +56,8 @@ class Entity : public RowView, public ISetXactContext, private ApartmentMember {
   virtual void UpdateRow(Object& update, const Ref<Dictionary>& row);
   // Stamps the row and hands it to the server: a save without its question and its reading back.
   void WriteRow();
+  // Makes what Refresh has read the object's row; Reload, unless a class makes the object anew.
+  virtual void TakeRow(Ref<Dictionary> row) { Reload(std::move(row)); }
   // Writes "MachineName" and "IPAddress" into the working Dictionary; no change flag is set.
   virtual void StampMachine();
 

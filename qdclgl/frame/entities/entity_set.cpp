@@ -9,10 +9,7 @@ namespace qdclgl {
 void RowListBase::Refresh() { Fetch(); }
 
 void RowListBase::Fetch() const {
-  const CallingOut out(this);
-  m_Rs = nullptr;  // first, so that a list that can't be fetched is not mistaken for the old one
-  const Ref<Object> info = ServerGateway().CreateInstance(InfoComponent());
-  m_Rs = AskForList(*info);
+  FetchBy([this](Object& info) { return AskForList(info); });
 }
 
 Long RowListBase::Count() const {

@@ -38,8 +38,16 @@ class RowListBase : public Object, public ISetXactContext, private ApartmentMemb
   virtual const char* InfoComponent() const = 0;
   virtual Ref<Recordset> AskForList(Object& info) const = 0;
 
-  // Drops the list and asks the server for it.
+  // Drops the list and takes the one that `ask` gets of the component that lists.
+  template <class Ask>
+  void FetchBy(Ask ask) const {
+    const CallingOut out(this);
+    m_Rs = nullptr;  // first, so that a list that can't be fetched is not mistaken for the old one
+    const Ref<Object> info = ServerGateway().CreateInstance(InfoComponent());
+    m_Rs = ask(*info);
+  }
   void Fetch() const;
+
   // The list, fetched unless there is one: what a reader sees does not change by it.
   Ref<Recordset> List() const;
   // The row under the cursor of a list. Error 5 behind the last one.

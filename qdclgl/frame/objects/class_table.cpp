@@ -236,7 +236,7 @@ Variant Object::Invoke(std::string_view name, CallKind kind, std::span<Argument>
   return members->Invoke(*this, name, kind, arguments);
 }
 
-Variant Object::DefaultValue() {
+Variant Object::PlainValue() {
   CheckThread();
   const ClassTable* members = Members();
   const ClassMember* member = members != nullptr ? members->default_member() : nullptr;

@@ -207,7 +207,7 @@ Variant DefaultValueOf(const Variant& object) {
   for (int steps = 0; value.IsObject(); ++steps) {
     if (value.IsNothing()) Mismatch();
     if (steps == kDeepestNesting) RaiseError(error_number::kOutOfStackSpace);
-    value = value.ObjectPointer()->DefaultValue();
+    value = value.ObjectPointer()->PlainValue();
   }
   return value;
 }

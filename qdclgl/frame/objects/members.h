@@ -21,9 +21,12 @@
 //   QD_INDEXED(access, Type, Name, (params), help, ...) a value with arguments
 //   QD_VARIABLE(Type, Name, initial, help)              a plain variable of the object
 //   QD_METHOD(Result, Name, (params), help, ...)        a method
+//   QD_OVERRIDE(Result, Name, (params), help, ...)      the same over a virtual one of the base
 //   QD_INHERITED(Name)                                  the row of that name of a base class
+//   QD_INHERITED_AS(Name, help)                         the same with a help text of its own
 //
-// `access` is Get, Let, GetLet, GetSet or GetLetSet. A parameter written `T name` goes by value,
+// `access` is Get, Let, Set, GetLet, GetSet or GetLetSet; or GetLetVariant, for a value that is
+// written as a Variant, whatever it reads as. A parameter written `T name` goes by value,
 // `const T& name` or `T& name` by reference; `= default` makes it optional, `= Missing` optional
 // without a default, `= {}` optional with the zero of its type where the omission can't be told
 // from it. Behind the help text may stand Default(x), the value that an absent, Null or empty key
@@ -168,10 +171,13 @@ struct MemberRow {
   std::string_view parameters = {};  // as written, with the parentheses
   std::span<const ParameterType> parameter_types = {};
   RowOptions options = {};
+  std::string_view put_type = {};  // what a put takes; empty: `type`
   Invoker method = nullptr;
   Invoker get = nullptr;
   Invoker let = nullptr;
   Invoker set = nullptr;
+
+  constexpr std::string_view PutType() const { return put_type.empty() ? type : put_type; }
 };
 
 namespace detail {
@@ -416,15 +422,13 @@ ClassDescription Describe() {
     return table;                                                         \
   }
 
-#define QD_METHOD(Result, Name, params, help_text, ...)     \
-  Result Name params;                                       \
-  QD_IMPL_ROW(::qdclgl::detail::WithSignature<&Self::Name>( \
-      {.name = #Name,                                       \
-       .help = help_text,                                   \
-       .type = ::qdclgl::TypeWord<Result, Self>(),          \
-       .parameters = #params,                               \
-       .options = ::qdclgl::RowOptions(__VA_ARGS__),        \
-       .method = ::qdclgl::detail::InvokeMember<&Self::Name>}))
+#define QD_METHOD(Result, Name, params, help_text, ...) \
+  Result Name params;                                   \
+  QD_IMPL_METHOD_ROW(Result, Name, params, help_text, __VA_ARGS__)
+
+#define QD_OVERRIDE(Result, Name, params, help_text, ...) \
+  Result Name params override;                            \
+  QD_IMPL_METHOD_ROW(Result, Name, params, help_text, __VA_ARGS__)
 
 #define QD_FIELD(access, Type, Name, row_key, help_text, ...)                                   \
   QD_IMPL_IF(QD_IMPL_IS_FIELD_##access, #access " is no access word; a field is Get or GetLet", \
@@ -464,14 +468,8 @@ ClassDescription Describe() {
                .get = ::qdclgl::detail::VariableInvokers<&Self::m_##Name>::Get, \
                .let = ::qdclgl::detail::VariableInvokers<&Self::m_##Name>::Let})
 
-#define QD_INHERITED(Name)                                                        \
-  template <class Self>                                                           \
-  static constexpr ::qdclgl::MemberRow MemberRowAt(QD_IMPL_THIS_LINE) {           \
-    static_assert(::qdclgl::detail::HasRow<typename Self::MemberBase>(#Name),     \
-                  "the base class has no row " #Name " that could be inherited"); \
-    return ::qdclgl::detail::RowNamed<typename Self::MemberBase>(#Name);          \
-  }                                                                               \
-  QD_IMPL_WITHIN_REACH
+#define QD_INHERITED(Name) QD_IMPL_INHERITED(Name, )
+#define QD_INHERITED_AS(Name, help_text) QD_IMPL_INHERITED(Name, row.help = help_text;)
 
 // ---- Behind the row macros ----
 
@@ -480,6 +478,25 @@ ClassDescription Describe() {
 #define QD_IMPL_WITHIN_REACH                                                  \
   static_assert(__LINE__ - kFirstMemberLine < ::qdclgl::detail::kMemberLines, \
                 "this row stands more than 512 lines below the head of its class's rows");
+
+#define QD_IMPL_METHOD_ROW(Result, Name, params, help_text, ...) \
+  QD_IMPL_ROW(::qdclgl::detail::WithSignature<&Self::Name>(      \
+      {.name = #Name,                                            \
+       .help = help_text,                                        \
+       .type = ::qdclgl::TypeWord<Result, Self>(),               \
+       .parameters = #params,                                    \
+       .options = ::qdclgl::RowOptions(__VA_ARGS__),             \
+       .method = ::qdclgl::detail::InvokeMember<&Self::Name>}))
+
+#define QD_IMPL_INHERITED(Name, change)                                                     \
+  template <class Self>                                                                     \
+  static constexpr ::qdclgl::MemberRow MemberRowAt(QD_IMPL_THIS_LINE) {                     \
+    static_assert(::qdclgl::detail::HasRow<typename Self::MemberBase>(#Name),               \
+                  "the base class has no row " #Name " that could be inherited");           \
+    ::qdclgl::MemberRow row = ::qdclgl::detail::RowNamed<typename Self::MemberBase>(#Name); \
+    change return row;                                                                      \
+  }                                                                                         \
+  QD_IMPL_WITHIN_REACH
 
 #define QD_IMPL_ROW(...)                                                \
   template <class Self>                                                 \
@@ -498,18 +515,22 @@ ClassDescription Describe() {
 #define QD_IMPL_KEEP(sentence, ...) __VA_ARGS__
 #define QD_IMPL_REFUSE(sentence, ...) static_assert(false, sentence);
 
-#define QD_IMPL_IF_ACCESS(access, ...)                                                      \
-  QD_IMPL_IF(QD_IMPL_IS_ACCESS_##access,                                                    \
-             #access " is no access word; they are Get, Let, GetLet, GetSet and GetLetSet", \
-             __VA_ARGS__)
+#define QD_IMPL_IF_ACCESS(access, ...)                                                           \
+  QD_IMPL_IF(                                                                                    \
+      QD_IMPL_IS_ACCESS_##access,                                                                \
+      #access                                                                                    \
+      " is no access word; they are Get, Let, Set, GetLet, GetSet, GetLetSet and GetLetVariant", \
+      __VA_ARGS__)
 
 #define QD_IMPL_IS_FIELD_Get ~, ~
 #define QD_IMPL_IS_FIELD_GetLet ~, ~
 #define QD_IMPL_IS_ACCESS_Get ~, ~
 #define QD_IMPL_IS_ACCESS_Let ~, ~
+#define QD_IMPL_IS_ACCESS_Set ~, ~
 #define QD_IMPL_IS_ACCESS_GetLet ~, ~
 #define QD_IMPL_IS_ACCESS_GetSet ~, ~
 #define QD_IMPL_IS_ACCESS_GetLetSet ~, ~
+#define QD_IMPL_IS_ACCESS_GetLetVariant ~, ~
 
 #define QD_IMPL_STRIP(...) __VA_ARGS__
 #define QD_IMPL_PUT_PARAMS(Type, ...) (__VA_ARGS__ __VA_OPT__(, ) Type value)
@@ -519,25 +540,33 @@ ClassDescription Describe() {
   void Name QD_IMPL_PUT_PARAMS(Type, QD_IMPL_STRIP params);
 #define QD_IMPL_DECLARE_GetLet(Type, Name, params) \
   QD_IMPL_DECLARE_Get(Type, Name, params) QD_IMPL_DECLARE_Let(Type, Name, params)
+#define QD_IMPL_DECLARE_Set QD_IMPL_DECLARE_Let
 #define QD_IMPL_DECLARE_GetSet QD_IMPL_DECLARE_GetLet
 #define QD_IMPL_DECLARE_GetLetSet QD_IMPL_DECLARE_GetLet
+#define QD_IMPL_DECLARE_GetLetVariant(Type, Name, params) \
+  QD_IMPL_DECLARE_Get(Type, Name, params) QD_IMPL_DECLARE_Let(::qdclgl::Variant, Name, params)
 
 #define QD_IMPL_GETTER(Name) ::qdclgl::detail::InvokeMember<::qdclgl::detail::Getter(&Self::Name)>
 #define QD_IMPL_PUTTER(Name) ::qdclgl::detail::InvokeMember<::qdclgl::detail::Putter(&Self::Name)>
 #define QD_IMPL_INVOKERS_Get(Name) .get = QD_IMPL_GETTER(Name)
 #define QD_IMPL_INVOKERS_Let(Name) .let = QD_IMPL_PUTTER(Name)
+#define QD_IMPL_INVOKERS_Set(Name) .set = QD_IMPL_PUTTER(Name)
 #define QD_IMPL_INVOKERS_GetLet(Name) .get = QD_IMPL_GETTER(Name), .let = QD_IMPL_PUTTER(Name)
 #define QD_IMPL_INVOKERS_GetSet(Name) .get = QD_IMPL_GETTER(Name), .set = QD_IMPL_PUTTER(Name)
 #define QD_IMPL_INVOKERS_GetLetSet(Name) \
   .get = QD_IMPL_GETTER(Name), .let = QD_IMPL_PUTTER(Name), .set = QD_IMPL_PUTTER(Name)
+#define QD_IMPL_INVOKERS_GetLetVariant(Name) \
+  .put_type = ::qdclgl::TypeWord<::qdclgl::Variant>(), QD_IMPL_INVOKERS_GetLet(Name)
 
 #define QD_IMPL_INDEX_TYPES_Get(Name) \
   ::qdclgl::detail::IndexTypes(::qdclgl::detail::Getter(&Self::Name))
 #define QD_IMPL_INDEX_TYPES_GetLet QD_IMPL_INDEX_TYPES_Get
 #define QD_IMPL_INDEX_TYPES_GetSet QD_IMPL_INDEX_TYPES_Get
 #define QD_IMPL_INDEX_TYPES_GetLetSet QD_IMPL_INDEX_TYPES_Get
+#define QD_IMPL_INDEX_TYPES_GetLetVariant QD_IMPL_INDEX_TYPES_Get
 #define QD_IMPL_INDEX_TYPES_Let(Name) \
   ::qdclgl::detail::IndexTypes(::qdclgl::detail::Putter(&Self::Name))
+#define QD_IMPL_INDEX_TYPES_Set QD_IMPL_INDEX_TYPES_Let
 
 #define QD_IMPL_FIELD_Get(Type, Name, row_key, ...)              \
   Type Name() const {                                            \

@@ -140,7 +140,7 @@ class Object {
 
   // The value of the default member, which stands for the object where a plain value is needed.
   // Error 438 for a class without one.
-  virtual Variant DefaultValue();
+  virtual Variant PlainValue();
 
   // Late-bound calls as one writes them (bodies in late_bound.h):
   //   info->Call("GetList", props, ByRef(options), Named("Name", ByRef(name)), Missing)

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <atomic>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -83,8 +84,10 @@ class Platform {
 
   virtual Long ProcessId() = 0;
 
-  // The day it is here, without a time.
-  virtual DateTime Today() = 0;
+  // The day and the time it is here, in whole seconds.
+  virtual DateTime Now() = 0;
+  // The day alone.
+  DateTime Today() { return DateTime(std::floor(Now().days)); }
 
   // The folder of system-wide settings, without a separator at its end. Nothing when the system
   // gives none or the path and its closing NUL do not fit into `buffer_size` bytes.

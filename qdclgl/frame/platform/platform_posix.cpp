@@ -460,11 +460,13 @@ class PosixPlatform final : public Platform {
 
   Long ProcessId() override { return static_cast<Long>(::getpid()); }
 
-  DateTime Today() override {
+  DateTime Now() override {
     const std::time_t now = std::time(nullptr);
     std::tm local{};
     ::localtime_r(&now, &local);
-    return DateTime::FromYmd(local.tm_year + 1900, local.tm_mon + 1, local.tm_mday);
+    // A leap second is still within its minute.
+    return DateTime::FromParts({local.tm_year + 1900, local.tm_mon + 1, local.tm_mday,
+                                local.tm_hour, local.tm_min, std::min(local.tm_sec, 59)});
   }
 
   std::optional<std::string> SystemDirectory(std::size_t buffer_size) override {

@@ -70,10 +70,11 @@ class WindowsPlatform final : public Platform {
 
   Long ProcessId() override { return static_cast<Long>(GetCurrentProcessId()); }
 
-  DateTime Today() override {
+  DateTime Now() override {
     SYSTEMTIME now{};
     GetLocalTime(&now);
-    return DateTime::FromYmd(now.wYear, now.wMonth, now.wDay);
+    return DateTime::FromParts(
+        {now.wYear, now.wMonth, now.wDay, now.wHour, now.wMinute, now.wSecond});
   }
 
   std::optional<std::string> SystemDirectory(std::size_t buffer_size) override {

@@ -31,7 +31,7 @@ std::span<const Column> Written(const RecordList& list) {
 class SentList {
  public:
   SentList(const RecordSave& save, const RecordList& list) : save_(save), list_(list) {
-    for (const Ref<Dictionary>& row : save.SentRows(list.key, list.sent())) {
+    for (const Ref<Dictionary>& row : save.SentRows(list.key, list.shown)) {
       rows_.push_back(NormalizedCells(Written(list), *row));
     }
     if (rows_.size() > kMostColumns) {

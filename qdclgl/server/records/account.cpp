@@ -14,6 +14,8 @@ namespace qdclgl::server {
 
 const MasterData& Accounts();
 const MasterData& Currencies();
+const MasterData& MeasureUnits();
+const MasterData& UnitGroups();
 
 namespace {
 
@@ -136,6 +138,26 @@ void ReplaceItems(const RecordSave& save) {
 
 // ---- Saving ----
 
+// The unit is one of the account's group; an account that names a unit alone is of that group. The
+// group's name stands beside it.
+void SettleUnit(RecordSave& save) {
+  if (!save.Changes("FMeasureUnitID") && !save.Changes("FUnitGroupID")) return;
+  const Long unit = save.Number("FMeasureUnitID");
+  const Long group = save.db()
+                         .QueryValue<Long>("SELECT FUnitGroupID FROM t_MeasureUnit"
+                                           " WHERE FMeasureUnitID = ?",
+                                           unit)
+                         .value_or(0);
+  if (save.Number("FUnitGroupID") == 0) save.record().Put("FUnitGroupID", group);
+  if (unit != 0 && save.Number("FUnitGroupID") != group) {
+    save.Refuse(refusal::kBadReference,
+                "unit of measure " + std::to_string(unit) + " is of another unit group.");
+  }
+  const auto name = save.db().QueryValue<std::string>(
+      "SELECT FName FROM t_UnitGroup WHERE FUnitGroupID = ?", save.Number("FUnitGroupID"));
+  save.record().Put("FUnitGroup", Variant(name.value_or("")));
+}
+
 bool IsRenumbered(const RecordSave& save) { return !save.is_new() && save.Changes("FNumber"); }
 
 void Check(RecordSave& save) {
@@ -151,6 +173,8 @@ void Check(RecordSave& save) {
   if (std::abs(save.Number("FDC")) > 1) {
     save.Refuse(refusal::kBadValue, "FDC is 0, 1 or -1.");
   }
+  save.RequireReferences();
+  SettleUnit(save);
 
   if (IsRenumbered(save)) {
     RefuseChildren(save.db(), save.stored(), save.id(), true);
@@ -333,10 +357,10 @@ const MasterData& Accounts() {
            {{"FCurrencyName", kText}, kJoined},
            {{"FHelperCode", kText}},
            {{"FQuantities", kBoolean}},
-           {{"FMeasureUnitID", kLong}},
+           {.column = {"FMeasureUnitID", kLong}, .refers = {.kind = MeasureUnits}},
            {{"FMeasureUnit", kText}},
-           {{"FUnitGroupID", kLong}},
-           {{"FUnitGroup", kText}, kServer},
+           {.column = {"FUnitGroupID", kLong}, .refers = {.kind = UnitGroups}},
+           {{"FUnitGroup", kText}, kDerived},
            {{"FIsCash", kBoolean}},
            {{"FIsBank", kBoolean}},
            {{"FIsBudget", kBoolean}},

@@ -10,6 +10,10 @@ namespace qdclgl::server {
 const MasterData& MultiLedgers();
 const MasterData& Accounts();
 const MasterData& Currencies();
+const MasterData& MeasureUnits();
+const MasterData& SubMessages();
+const MasterData& SubMessageTypes();
+const MasterData& UnitGroups();
 const MasterData& Users();
 const MasterData& VoucherGroups();
 
@@ -18,6 +22,10 @@ std::span<const MasterData* const> MasterDataKinds() {
       &MultiLedgers(),
       &Accounts(),
       &Currencies(),
+      &MeasureUnits(),
+      &SubMessages(),
+      &SubMessageTypes(),
+      &UnitGroups(),
       &Users(),
       &VoucherGroups(),
   };

@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "qdclgl/frame/containers/vector.h"
+#include "qdclgl/frame/objects/variant_kind.h"
 #include "qdclgl/frame/vocabulary/text.h"
 #include "qdclgl/server/db/list.h"
 #include "qdclgl/server/db/refusals.h"
@@ -257,12 +258,31 @@ Ref<Dictionary> MasterData::Require(Database& db, Long id) const {
   return record;
 }
 
+Ref<Dictionary> MasterData::RequireByKey(Database& db, const Variant& key) const {
+  if (IsVariantKind(key, variant_kind::kNumber)) return Require(db, CLng(key));
+  const auto text = key.As<String>();
+  const Long id = IdWithKey(db, text);
+  if (id == 0) Refuse(refusal::kNotFound, Noun() + " \"" + text + "\": there is none.");
+  return Require(db, id);
+}
+
 Long MasterData::IdWith(Database& db, std::string_view column, std::string_view text) const {
   const std::string id(description_.id);
   return db
       .QueryValue<Long>("SELECT " + id + " FROM " + std::string(description_.table) + " WHERE " +
                             std::string(column) + " = ? ORDER BY " + id,
                         text)
+      .value_or(0);
+}
+
+Long MasterData::IdWith(Database& db, std::string_view column, std::string_view text,
+                        std::string_view owner_column, Long owner) const {
+  const std::string id(description_.id);
+  return db
+      .QueryValue<Long>("SELECT " + id + " FROM " + std::string(description_.table) + " WHERE " +
+                            std::string(column) + " = ? AND " + std::string(owner_column) +
+                            " = ? ORDER BY " + id,
+                        text, owner)
       .value_or(0);
 }
 

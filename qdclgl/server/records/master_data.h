@@ -146,11 +146,6 @@ struct RecordList {
   // What gives callers the rows by a record's id, where GetDetail does not bring them under the
   // key.
   std::string_view component = {}, method = {};
-
-  // What callers may send in a row.
-  std::span<const Column> sent() const {
-    return shown.empty() ? std::span<const Column>(table.columns) : std::span(shown);
-  }
 };
 
 // A record as the trail tells it.
@@ -171,8 +166,9 @@ inline constexpr Column kAddress{"IPAddress", ColumnType::kText};
 
 // The text by which people tell records apart, unique among them.
 struct TextKey {
-  std::string_view column;    // FNumber, or that of the name
-  bool ignores_case = false;  // then it is kept in upper case
+  std::string_view column;       // FNumber, or that of the name
+  bool ignores_case = false;     // then it is kept in upper case
+  std::string_view within = {};  // a column: unique only among records with the same value there
 };
 
 // Records have a key, and another record has another one.
@@ -230,6 +226,7 @@ class MasterData {
   std::string Noun() const;          // "Voucher group", as a sentence begins
   const Right& reading() const { return reading_; }
   const Right& writing() const { return writing_; }
+  // Of its two components.
   std::string_view info_prog_id() const { return info_prog_id_; }
   std::string_view update_prog_id() const { return update_prog_id_; }
   const ClassTable& info() const { return *info_; }
@@ -253,8 +250,13 @@ class MasterData {
   Ref<Dictionary> Read(Database& db, Long id) const;
   // NotFound when there is none.
   Ref<Dictionary> Require(Database& db, Long id) const;
+  // The same of a key: the id, where it is a number, and otherwise the text.
+  Ref<Dictionary> RequireByKey(Database& db, const Variant& key) const;
   // The id of the first record with this text in a column, 0 when there is none.
   Long IdWith(Database& db, std::string_view column, std::string_view text) const;
+  // The same among those with an id in another column.
+  Long IdWith(Database& db, std::string_view column, std::string_view text,
+              std::string_view owner_column, Long owner) const;
   // The same for the key, in whatever case where that is ignored.
   Long IdWithKey(Database& db, std::string_view key) const;
 

@@ -683,7 +683,7 @@ TEST(Properties, APropertyStandsForItsValueWhereAPlainValueIsNeeded) {
   EXPECT_EQ(CLng(number), 5);
   EXPECT_EQ(CStr(text), "text");
   EXPECT_TRUE(Equals(text, "text"));
-  EXPECT_EQ(StateText(bag->Item("A")->DefaultValue()), "\"5\"");
+  EXPECT_EQ(StateText(bag->Item("A")->PlainValue()), "\"5\"");
   const auto other = Bag();
   other->SetValue("C", text);
   EXPECT_EQ(CStr(other->Item("C")->Value()), "text");
@@ -699,7 +699,7 @@ TEST(Properties, AChainOfDefaultMembersEndsAtThePlainValue) {
 
 TEST(Properties, ABagHasNoValueOfItsOwn) {
   EXPECT_EQ(ErrorOf([] {
-              Bag({{"A", 5}})->DefaultValue();
+              Bag({{"A", 5}})->PlainValue();
             }),
             "error 438 (Properties): The object has no default value.");
 }

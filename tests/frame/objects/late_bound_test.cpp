@@ -56,6 +56,9 @@ class Desk final : public Object {
   QD_PROPERTY(GetLetSet, Variant, Content, "Anything.")
   QD_INDEXED(GetLet, String, Cell, (Long Row, Long Column), "A text in its place.")
   QD_INDEXED(GetSet, Ref<Object>, Drawer, (Long Index), "An object in its place.")
+  QD_PROPERTY(Set, Ref<Object>, Guest, "An object that can't be read.")
+  QD_INDEXED(Set, Ref<Object>, Shelf, (Long Index), "An object in its place, likewise.")
+  QD_PROPERTY(GetLetVariant, Ref<Object>, Lamp, "An object that is written as a Variant.")
   QD_VARIABLE(String, Note, "none", "A text.")
 
  private:
@@ -111,6 +114,13 @@ Long Desk::Size() const { return size_; }
 void Desk::Size(Long value) { size_ = value; }
 String Desk::Title() const { return "title"; }
 void Desk::Secret(Long value) { size_ = -value; }
+void Desk::Guest(Ref<Object> value) { owner_ = std::move(value); }
+void Desk::Shelf(Long Index, Ref<Object> value) {
+  size_ = Index;
+  owner_ = std::move(value);
+}
+Ref<Object> Desk::Lamp() const { return owner_; }
+void Desk::Lamp(Variant value) { owner_ = value.As<Object>(); }
 Ref<Object> Desk::Owner() const { return owner_; }
 void Desk::Owner(Ref<Object> value) { owner_ = std::move(value); }
 Variant Desk::Content() const { return content_; }
@@ -174,10 +184,10 @@ TEST_F(LateBoundTest, AnObjectStandsForItsDefaultMember) {
   const auto seven = Make<Desk>();
   seven->Size(7);
   EXPECT_EQ(Answer("ShowThree", seven), "\"7, Missing, 3\"");
-  EXPECT_EQ(seven->DefaultValue().As<Long>(), 7);
-  EXPECT_EQ(ErrorOf([] { Make<Opaque>()->DefaultValue(); }),
+  EXPECT_EQ(seven->PlainValue().As<Long>(), 7);
+  EXPECT_EQ(ErrorOf([] { Make<Opaque>()->PlainValue(); }),
             "error 438 (Opaque): The object has no default value.");
-  EXPECT_EQ(ErrorOf([] { Make<Dictionary>()->DefaultValue(); }),
+  EXPECT_EQ(ErrorOf([] { Make<Dictionary>()->PlainValue(); }),
             "error 438 (Dictionary): The object has no default value.");
 }
 
@@ -396,6 +406,37 @@ TEST_F(LateBoundTest, APlainValueIsNotLetIntoASetOnlyProperty) {
   EXPECT_EQ(ErrorOf([&] { desk->Let("Owner", Long{5}); }), refused);
 }
 
+TEST_F(LateBoundTest, AMemberThatIsOnlySetTakesObjectsAndIsNotRead) {
+  const auto opaque = Make<Opaque>();
+  desk->Set("Guest", opaque);
+  EXPECT_EQ(desk->Owner().get(), opaque.get());
+  desk->Let("Guest", Nothing);
+  EXPECT_EQ(desk->Owner(), nullptr);
+  desk->Set("Shelf", Long{6}, opaque);
+  EXPECT_EQ(desk->Size(), 6);
+  EXPECT_EQ(desk->Owner().get(), opaque.get());
+  for (const char* member : {"Guest", "Shelf"}) {
+    const std::string refused =
+        "error 438 (Desk): The member " + std::string(member) + " can't be used this way.";
+    EXPECT_EQ(ErrorOf([&] { desk->Get(member); }), refused);
+    EXPECT_EQ(ErrorOf([&] { desk->Let(member, Long{5}); }), refused);
+    const MemberRow& row = Desk::Table().Find(member)->row;
+    EXPECT_TRUE(row.set != nullptr && row.get == nullptr && row.let == nullptr) << member;
+  }
+}
+
+TEST_F(LateBoundTest, AMemberMayBeWrittenAsAVariantWhateverItReadsAs) {
+  const auto opaque = Make<Opaque>();
+  desk->Lamp(Variant(opaque));
+  EXPECT_EQ(desk->Lamp().get(), opaque.get());
+  desk->Let("Lamp", Nothing);
+  EXPECT_EQ(desk->Owner(), nullptr);
+  const MemberRow& row = Desk::Table().Find("Lamp")->row;
+  EXPECT_EQ(std::string(row.type) + " " + std::string(row.PutType()), "Object Variant");
+  const MemberRow& owner = Desk::Table().Find("Owner")->row;
+  EXPECT_EQ(std::string(owner.type) + " " + std::string(owner.PutType()), "Object Object");
+}
+
 TEST_F(LateBoundTest, AMemberUsedTheWrongWayRaisesError438) {
   const auto refused = [](const std::string& name) {
     return "error 438 (Desk): The member " + name + " can't be used this way.";
@@ -443,7 +484,7 @@ TEST_F(LateBoundTest, TheTableHasTheRowsInOrder) {
   const ClassTable& table = Desk::Table();
   EXPECT_EQ(table.name(), "Desk");
   EXPECT_EQ(table.help(), "A desk.");
-  EXPECT_EQ(table.members().size(), 26u);
+  EXPECT_EQ(table.members().size(), 29u);
   EXPECT_EQ(table.members().front().row.name, "Show");
   EXPECT_EQ(table.members().back().row.name, "Note");
   EXPECT_EQ(table.members()[3].ordinal, 4);

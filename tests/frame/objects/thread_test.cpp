@@ -38,7 +38,7 @@ TEST(WrongThread, ALateBoundCallIsRefusedWithWordsAndChangesNothing) {
       [&] { row->Set("Value", "a", Nothing); },
       [&] { row->Call("NoSuchMember"); },
       [&] { row->Invoke("Count", CallKind::kGet, {}); },
-      [&] { row->DefaultValue(); },
+      [&] { row->PlainValue(); },
   };
   for (const auto& use : uses) EXPECT_EQ(ErrorElsewhere(use), Refused("Dictionary"));
   EXPECT_EQ(StateText(Variant(row)), "{a: 1}");

@@ -12,7 +12,9 @@
 #include <unistd.h>
 
 #include <array>
+#include <cmath>
 #include <cstdlib>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -149,6 +151,27 @@ TEST(PosixPlatform, GivesNoComputerNameThatDoesNotFitWithItsNul) {
 
 TEST(PosixPlatform, TellsTheProcessId) {
   EXPECT_EQ(MachinePlatform().ProcessId(), static_cast<Long>(::getpid()));
+}
+
+// The machine's clock as its own functions tell it, as a text.
+std::string ClockText() {
+  const std::time_t now = std::time(nullptr);
+  char text[32];
+  std::tm local{};
+  std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", ::localtime_r(&now, &local));
+  return text;
+}
+
+TEST(PosixPlatform, TellsTheDayAndTheTimeInWholeSeconds) {
+  const std::string before = ClockText();
+  const DateTime now = MachinePlatform().Now();
+  const std::string after = ClockText();
+  EXPECT_LE(before.substr(0, 10), now.ToText().substr(0, 10));
+  if (now.days != std::floor(now.days)) {  // midnight is a day without a time
+    EXPECT_LE(before, now.ToText());
+    EXPECT_LE(now.ToText(), after);
+  }
+  EXPECT_EQ(DateTime::FromParts(now.ToParts()), now);
 }
 
 TEST(PosixPlatform, TakesTheSystemDirectoryFromTheEnvironment) {
@@ -641,6 +664,8 @@ TEST(TestPlatform, AnswersWithItsFields) {
   TestPlatform platform;
   EXPECT_EQ(CurrentPlatform().ComputerName(128), "HOST");
   EXPECT_EQ(CurrentPlatform().ProcessId(), 4711);
+  EXPECT_EQ(CurrentPlatform().Now().ToText(), "2026-01-31 13:05:00");
+  EXPECT_EQ(CurrentPlatform().Today().ToText(), "2026-01-31");
   EXPECT_EQ(CurrentPlatform().SystemDirectory(128), "C:\\SYS");
   EXPECT_EQ(CurrentPlatform().AddressText(64), "10.0.0.1");
   platform.computer_name = "OTHER";

@@ -122,7 +122,7 @@ class ChoosyPlatform final : public Platform {
 
   std::optional<std::string> ComputerName(std::size_t) override { return std::nullopt; }
   Long ProcessId() override { return 0; }
-  DateTime Today() override { return {}; }
+  DateTime Now() override { return {}; }
   std::optional<std::string> SystemDirectory(std::size_t) override { return std::nullopt; }
   std::optional<std::string> AddressText(std::size_t) override { return std::nullopt; }
   Long PrivateProfileInt(const std::string&, const std::string&, Long value,
