@@ -1,7 +1,6 @@
 #include "qdclgl/cli/ledger_page.h"
 
 #include "qdclgl/cli/table.h"
-#include "qdclgl/frame/containers/vector.h"
 #include "qdclgl/server/ledgers/ledger_sheet.h"
 
 namespace qdclgl::cli {
@@ -22,13 +21,6 @@ String Text(const Dictionary& row, std::string_view key) { return row.Value(key)
 String NameOf(const Dictionary& row, std::string_view given, std::string_view otherwise) {
   String name = Text(row, given);
   return name.empty() ? Text(row, otherwise) : name;
-}
-
-std::vector<Ref<Dictionary>> RowsUnder(const Dictionary& ledger, std::string_view key) {
-  std::vector<Ref<Dictionary>> rows;
-  const auto list = ledger.Value(key).As<Vector>();
-  for (std::size_t i = 0; i < list->size(); ++i) rows.push_back(list->at(i).As<Dictionary>());
-  return rows;
 }
 
 // The figures of a sheet, in the order of their fields.

@@ -215,7 +215,7 @@ Ref<Object> NewOfLedger(Neighbourhood& home, const ClassTable& table,
                         std::string_view key_of_member) {
   const auto ledger = Make<MultiLedger>();
   const Ref<Dictionary> row = home.HostileRow(key_of_member);
-  for (const char* key : {"_Columns", "_SubColumns"}) {
+  for (const std::string_view key : {"_Columns", "_SubColumns"}) {
     auto list = Make<Vector>();
     for (int i = 0; i < 3; ++i) {
       const Ref<Dictionary> column = home.HostileRow(key_of_member);

@@ -101,6 +101,23 @@ TEST_P(Ledgers, WhatIsNotThereOrWronglyAskedIsOneLine) {
   EXPECT_EQ(Run({"ledgers"}).out, "FLedgerID  FLedgerName  FAccountNumber  FAccountName\n");
 }
 
+TEST_P(Ledgers, TheCommandsOfAllRecordsKnowLedgersAndTheirColumns) {
+  InitWithPostings();
+  EXPECT_EQ(Run({"add", "ledgers", "Costs", "FAccountID=4",
+                 "_Columns=[{\"FColumnName\": \"Capital\", \"FAccountID\": 5, \"FDC\": 1}]"})
+                .err,
+            "");
+  const auto ledger = nlohmann::json::parse(Run({"show", "ledgers", "Costs", "--json"}).out)[0];
+  EXPECT_EQ(ledger["FAccountNumber"], "2000");
+  EXPECT_EQ(ledger["_Columns"][0]["FAccountNumber"], "2000.01");
+  EXPECT_EQ(Run({"set", "ledgers", "Costs", "_Columns=" + ledger["_Columns"].dump(),
+                 "FLedgerName=Equity"})
+                .err,
+            "")
+      << "what was shown can be sent";
+  EXPECT_EQ(Run({"remove", "ledgers", "Equity", "--yes"}).err, "");
+}
+
 TEST_P(Ledgers, WithBooksFromTheEnvironmentTheFirstWordIsNotTheBooks) {
   InitWithPostings();
   setenv("QDCLGL_BOOK", book.c_str(), 1);

@@ -566,7 +566,8 @@ TEST_P(SetSuite, ItemRefusesAnAnswerThatIsNoDictionary) {
   for (const Variant& answer : {Variant("text"), Variant(Long{1}), Variant(NoRows())}) {
     AnswerDetail(answer);
     EXPECT_EQ(ErrorOf([&] { use().item(*set, Variant(Long{5})); }), "error 13");
-    if (FindsByText()) EXPECT_EQ(ErrorOf([&] { use().item(*set, Variant("x")); }), "error 13");
+    if (!FindsByText()) continue;
+    EXPECT_EQ(ErrorOf([&] { use().item(*set, Variant("x")); }), "error 13");
   }
 }
 

@@ -1,6 +1,7 @@
 #include "qdclgl/server/ledgers/ledger_sheet.h"
 
 #include <algorithm>
+#include <cmath>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -48,6 +49,8 @@ struct Days {
       return Calendar::Span{calendar.SpanOf({year, 1}).start,
                             calendar.SpanOf({year, calendar.period_count()}).end};
     };
+    from = DateTime(std::floor(from.days));
+    to = DateTime(std::floor(to.days));
     if (from == DateTime()) from = year_of(rules.current.year).start;
     const Long year = calendar.PeriodOf(from).year;
     if (to == DateTime()) to = year_of(year).end;
@@ -58,14 +61,6 @@ struct Days {
     return {calendar, from, to, year, calendar.PeriodOf(to), year_of(year).start};
   }
 };
-
-// A list of the ledger's row.
-std::vector<Ref<Dictionary>> RowsUnder(const Dictionary& ledger, std::string_view key) {
-  std::vector<Ref<Dictionary>> rows;
-  const auto list = ledger.Value(key).As<Vector>();
-  for (std::size_t i = 0; i < list->size(); ++i) rows.push_back(list->at(i).As<Dictionary>());
-  return rows;
-}
 
 // Which columns and sub-columns a line counts in.
 class Layout {
@@ -392,6 +387,13 @@ class Sheet {
 };
 
 }  // namespace
+
+std::vector<Ref<Dictionary>> RowsUnder(const Dictionary& ledger, std::string_view key) {
+  std::vector<Ref<Dictionary>> rows;
+  const auto list = ledger.Value(key).As<Vector>();
+  for (std::size_t i = 0; i < list->size(); ++i) rows.push_back(list->at(i).As<Dictionary>());
+  return rows;
+}
 
 Ref<Recordset> LedgerSheet(Database& db, const Dictionary& ledger, DateTime from, DateTime to) {
   const Days days = Days::Of(db, from, to);

@@ -2,6 +2,9 @@
 // it falls under each of its columns.
 #pragma once
 
+#include <string_view>
+#include <vector>
+
 #include "qdclgl/frame/containers/dictionary.h"
 #include "qdclgl/frame/containers/recordset.h"
 #include "qdclgl/server/db/database.h"
@@ -16,6 +19,9 @@ inline constexpr std::string_view kPeriod = "Period";    // the sums of a period
 inline constexpr std::string_view kYear = "Year";        // those of its year so far
 inline constexpr std::string_view kClosing = "Closing";  // what is carried forward, and all sums
 }  // namespace sheet_row
+
+// The columns or sub-columns of a ledger, by the key that its row has them under.
+std::vector<Ref<Dictionary>> RowsUnder(const Dictionary& ledger, std::string_view key);
 
 // The sheet of a ledger, a row as it is read with its lists, from one day to another; day 0 stands
 // for the first day of the current year, and for the last day of the year that the sheet begins in.

@@ -135,6 +135,9 @@ TEST_P(LedgerSheetTest, PeriodsYearsAndWhatWentBeforeHaveTheirSums) {
             "Period 2025-02-01: 32 0 = 1 63 | 32\n"
             "Year 2025-02-01: 48 0 = 1 63 | 48\n"
             "Closing 2025-02-01: 32 0 = 1 63 | 32\n");
+  EXPECT_EQ(Text(Sheet(ledger, "2025-02-01 13:00:00", "2025-02-01 01:00:00")),
+            Text(Sheet(ledger, "2025-02-01", "2025-02-01")))
+      << "days count, whatever their time";
   EXPECT_EQ(Text(Sheet(ledger, "2024-03-31", "2024-03-31")), "Opening 2024-03-31: 0 0 = 1 7 | 0\n"
                                                              "Closing 2024-03-31: 0 0 = 1 7 | 0\n");
 }
