@@ -159,18 +159,27 @@ void SettleCurrencies(Database& db, VoucherTree& tree) {
   }
 }
 
-// The unit of a line is one of its account's group; where the line doesn't tell, it gets the unit's
-// number and name.
-void SettleUnit(Database& db, VoucherTree& tree, std::size_t i) {
-  LineCells& cells = tree.lines[i].cells;
-  const Long id = cells.Get<"FMeasureUnitID">();
+struct KnownUnit {
+  Long id;
+  Long account_id;
+  std::string number, name;
+};
+
+// The unit of a line that has one: in use, and of the unit group of the line's account.
+const KnownUnit& RequireUnit(Database& db, const VoucherTree& tree, std::size_t i,
+                             std::vector<KnownUnit>& known) {
+  const Long id = tree.lines[i].cells.Get<"FMeasureUnitID">();
+  const Long account_id = tree.lines[i].cells.Get<"FAccountID">();
+  const auto found = std::ranges::find_if(
+      known, [&](const KnownUnit& unit) { return unit.id == id && unit.account_id == account_id; });
+  if (found != known.end()) return *found;
   const auto refuse = [&](const std::string& reason) {
     Refuse(refusal::kBadReference, LineSentence(tree, i) + reason);
   };
   const auto unit = db.QueryRow<std::string, std::string, bool, Long, Long, std::string>(
       "SELECT u.FNumber, u.FName, u.FDeleted, u.FUnitGroupID, a.FUnitGroupID, a.FNumber"
       " FROM t_MeasureUnit u JOIN t_Account a ON a.FAccountID = ? WHERE u.FMeasureUnitID = ?",
-      cells.Get<"FAccountID">(), id);
+      account_id, id);
   if (!unit || std::get<bool>(*unit)) {
     refuse("there is no unit of measure " + std::to_string(id) + (unit ? " in use." : "."));
   }
@@ -179,13 +188,18 @@ void SettleUnit(Database& db, VoucherTree& tree, std::size_t i) {
     refuse("unit of measure " + number + " (" + name + ") is not of the unit group of account " +
            account + ".");
   }
-  if (cells.Get<"FMeasureUnit">().empty()) cells.Put<"FMeasureUnit">(name);
-  if (cells.Get<"FMeasureUnitNumber">().empty()) cells.Put<"FMeasureUnitNumber">(number);
+  return known.emplace_back(KnownUnit{id, account_id, number, name});
 }
 
+// Lines that name a unit alone get its number and name.
 void SettleUnits(Database& db, VoucherTree& tree) {
+  std::vector<KnownUnit> known;
   for (std::size_t i = 0; i < tree.lines.size(); ++i) {
-    if (tree.lines[i].cells.Get<"FMeasureUnitID">() != 0) SettleUnit(db, tree, i);
+    LineCells& cells = tree.lines[i].cells;
+    if (cells.Get<"FMeasureUnitID">() == 0) continue;
+    const KnownUnit& unit = RequireUnit(db, tree, i, known);
+    if (cells.Get<"FMeasureUnit">().empty()) cells.Put<"FMeasureUnit">(unit.name);
+    if (cells.Get<"FMeasureUnitNumber">().empty()) cells.Put<"FMeasureUnitNumber">(unit.number);
   }
 }
 
