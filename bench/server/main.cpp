@@ -19,11 +19,13 @@
 #include <vector>
 
 #include "bench/server/books.h"
+#include "qdclgl/accounts/account_set.h"
 #include "qdclgl/frame/containers/recordset.h"
 #include "qdclgl/frame/objects/late_bound.h"
 #include "qdclgl/frame/session/server_gateway.h"
 #include "qdclgl/frame/session/session.h"
 #include "qdclgl/frame/session/startup.h"
+#include "qdclgl/ledgers/multi_ledger_set.h"
 #include "qdclgl/server/db/connection_text.h"
 #include "qdclgl/server/db/connections.h"
 #include "qdclgl/server/server.h"
@@ -139,6 +141,39 @@ void ComparePostgreSQL(const char* text) {
       kProcesses * kEach);
 }
 
+// The sheet of a year: of one account among many, and of all that have lines.
+void MeasureLedgers(const String& props, int vouchers) {
+  const auto measure = [&](const char* what, const std::string& filter) {
+    const auto accounts = Make<AccountSet>();
+    accounts->Filter(filter);
+    const auto ledger = Make<MultiLedgerSet>()->CreateNew(what);
+    ledger->AccountID(accounts->GetCurrent()->AccountID());
+    for (auto& account : *accounts) {
+      ledger->Columns()->Add();
+      const auto column = ledger->Columns()->Item(ledger->Columns()->Count());
+      column->AccountID(account.AccountID());
+      column->DC(1);
+    }
+    ledger->SaveChanges();
+    Long rows = 0;
+    std::vector<double> times;
+    for (int i = 0; i < 9; ++i) {
+      times.push_back(Seconds([&] {
+        rows = CreateObject("QDSVGLMCLedger.MultiColumnLedgerInfo")
+                   ->Call("GetLedger", props, ledger->LedgerID(), DateTime::FromYmd(2024, 1, 1),
+                          DateTime::FromYmd(2024, 12, 31))
+                   .As<Recordset>()
+                   ->RecordCount();
+      }));
+    }
+    std::printf(
+        "Ledger of a year of %d vouchers, %s, %d columns, %d rows: %.1f ms (goal 1000).\n\n",
+        vouchers, what, ledger->Columns()->Count(), rows, Median(times) * 1e3);
+  };
+  measure("one account", "FNumber = '1000'");
+  measure("one account with ten columns", "FNumber >= '1000' AND FNumber < '1010'");
+}
+
 void CompareReading(const std::filesystem::path& folder, int vouchers) {
   const std::string file = File(folder, "large.db");
   bench::MakeBooks("Provider=SQLite;Data Source=" + file + ";Synchronous=Normal;");
@@ -155,6 +190,8 @@ void CompareReading(const std::filesystem::path& folder, int vouchers) {
   for (int i = 0; i < 15; ++i) times.push_back(Seconds([&] { balances("GetList"); }));
   std::printf("Trial balance of %d posted lines from stored balances: %.2f ms (goal 10).\n\n",
               vouchers * 4, Median(times) * 1e3);
+
+  MeasureLedgers(props, vouchers);
 
   Compare(
       "SQLite: trial balance from the lines", 7, 1 / 1.3, [&] { balances("GetListFromLines"); },

@@ -5,6 +5,10 @@
 #include "qdclgl/accounts/account_set.h"
 #include "qdclgl/accounts/currency.h"
 #include "qdclgl/frame/vocabulary/text.h"
+#include "qdclgl/ledgers/multi_ledger_set.h"
+#include "qdclgl/masterdata/measure_unit_group.h"
+#include "qdclgl/masterdata/sub_mes.h"
+#include "qdclgl/masterdata/sub_mes_type.h"
 #include "qdclgl/notes/note.h"
 #include "qdclgl/settings/system_profile.h"
 #include "qdclgl/vouchers/voucher_group.h"
@@ -24,6 +28,20 @@ std::span<const ClassTable* const> PublicClasses() {
       &AccountSet::Table(),
       &Currencyx::Table(),
       &CurrencySet::Table(),
+      &MultiColumn::Table(),
+      &MultiColumnSet::Table(),
+      &MultiLedger::Table(),
+      &MultiLedgerSet::Table(),
+      &MultiSubColumn::Table(),
+      &MultiSubColumnSet::Table(),
+      &MeasureUnit::Table(),
+      &MeasureUnitSet::Table(),
+      &MeasureUnitGroup::Table(),
+      &MeasureUnitGroupSet::Table(),
+      &SubMes::Table(),
+      &SubMesSet::Table(),
+      &SubMesType::Table(),
+      &SubMesTypeSet::Table(),
       &Note::Table(),
       &NoteSet::Table(),
       &SystemProfile::Table(),

@@ -236,7 +236,10 @@ class Wrapper final : public IDispatch,
   bool IsOwnInterface(REFIID iid) const {
     return served_ != nullptr && iid == served_->interface_id;
   }
-  ISetXactContext* Context() const { return dynamic_cast<ISetXactContext*>(object_.get()); }
+  ISetXactContext* Context() const {
+    const bool reached = table_ != nullptr && table_->takes_context();
+    return reached ? dynamic_cast<ISetXactContext*>(object_.get()) : nullptr;
+  }
 
   static DISPID IdOfParameter(const ClassMember& member, std::string_view name) {
     const auto& parameters = member.parameters;

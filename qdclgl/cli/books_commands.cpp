@@ -116,17 +116,6 @@ void AnnounceClosing(const std::string& props, const Console& console) {
   }
 }
 
-// Whether somebody agrees. UsageError when there is nobody to ask.
-bool IsAgreed(const Console& console) {
-  if (console.answers == nullptr) {
-    throw UsageError("close asks before it closes, and nobody is there to answer; say --yes");
-  }
-  console.out << "Close it? [y/N] " << std::flush;
-  std::string answer;
-  std::getline(*console.answers, answer);
-  return answer == "y" || answer == "Y" || answer == "yes";
-}
-
 struct CloseOptions {
   Login login;
   bool yes = false;
@@ -135,7 +124,7 @@ struct CloseOptions {
 int Close(const CloseOptions& options, const Console& console) {
   const std::string props = options.login.Open();
   AnnounceClosing(props, console);
-  if (!options.yes && !IsAgreed(console)) {
+  if (!options.yes && !IsAgreed(console, "Close it?")) {
     console.out << "Nothing is closed.\n";
     return kRefused;
   }

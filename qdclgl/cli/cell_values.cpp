@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <optional>
 
 #include "qdclgl/cli/console.h"
@@ -50,6 +51,24 @@ void LimitDecimals(std::string_view text, const Number& number, std::size_t most
   }
 }
 
+// Whether a text has the form, in which "d" stands for a digit.
+bool HasForm(std::string_view text, std::string_view form) {
+  return std::ranges::equal(
+      text, form, [](char c, char place) { return place == 'd' ? IsDigit(c) : c == place; });
+}
+
+int Digits(std::string_view text, std::size_t first, std::size_t count) {
+  return ReadWhole(text.substr(first, count));
+}
+
+DateTime FromParts(std::string_view text, const DateTime::Parts& parts, const char* otherwise) {
+  try {
+    return DateTime::FromParts(parts);
+  } catch (const Error&) {
+    Refuse(text, otherwise);
+  }
+}
+
 Double ReadDouble(std::string_view text) {
   Double value = 0;
   const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
@@ -90,16 +109,20 @@ Double ReadRate(std::string_view text) {
 }
 
 DateTime ReadDate(std::string_view text) {
-  const bool has_form = text.size() == 10 && text[4] == '-' && text[7] == '-' &&
-                        AreDigits(text.substr(0, 4)) && AreDigits(text.substr(5, 2)) &&
-                        AreDigits(text.substr(8, 2));
-  if (!has_form) Refuse(text, "is not a date; dates are written as yyyy-mm-dd");
-  try {
-    return DateTime::FromYmd(ReadWhole(text.substr(0, 4)), ReadWhole(text.substr(5, 2)),
-                             ReadWhole(text.substr(8, 2)));
-  } catch (const Error&) {
-    Refuse(text, "is not a day of the calendar");
+  if (!HasForm(text, "dddd-dd-dd")) {
+    Refuse(text, "is not a date; dates are written as yyyy-mm-dd");
   }
+  return FromParts(text, {Digits(text, 0, 4), Digits(text, 5, 2), Digits(text, 8, 2)},
+                   "is not a day of the calendar");
+}
+
+DateTime ReadTime(std::string_view text) {
+  if (!HasForm(text, "dddd-dd-dd dd:dd:dd")) return ReadDate(text);
+  DateTime::Parts parts = ReadDate(text.substr(0, 10)).ToParts();
+  parts.hour = Digits(text, 11, 2);
+  parts.minute = Digits(text, 14, 2);
+  parts.second = Digits(text, 17, 2);
+  return FromParts(text, parts, "is not a time of the day");
 }
 
 Long ReadWhole(std::string_view text) {
@@ -107,6 +130,27 @@ Long ReadWhole(std::string_view text) {
   if (!AreDigits(text)) Refuse(text, "is not a whole number");
   const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
   if (result.ec != std::errc()) Refuse(text, "is too large");
+  return value;
+}
+
+Long ReadInteger(std::string_view text, Long least, Long most) {
+  const std::string_view digits = text.starts_with('-') ? text.substr(1) : text;
+  if (!AreDigits(digits)) Refuse(text, "is not a whole number");
+  Long value = 0;
+  const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (result.ec != std::errc() || value < least || value > most) {
+    Refuse(text, "is not between " + std::to_string(least) + " and " + std::to_string(most));
+  }
+  return value;
+}
+
+Double ReadNumber(std::string_view text) {
+  Double value = 0;
+  const char* const end = text.data() + text.size();
+  const auto result = std::from_chars(text.data(), end, value);
+  if (result.ptr != end || result.ec == std::errc::invalid_argument)
+    Refuse(text, "is not a number");
+  if (result.ec != std::errc() || !std::isfinite(value)) Refuse(text, "is too large");
   return value;
 }
 

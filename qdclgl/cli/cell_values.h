@@ -23,8 +23,14 @@ Double ReadPrice(std::string_view text);
 Double ReadRate(std::string_view text);
 // "2024-01-31"
 DateTime ReadDate(std::string_view text);
+// The same, with " hh:mm:ss" behind it where there is a time.
+DateTime ReadTime(std::string_view text);
 // A whole number from 0 on.
 Long ReadWhole(std::string_view text);
+// A whole number between the bounds.
+Long ReadInteger(std::string_view text, Long least, Long most);
+// Any number: "-0.5", "1e-7".
+Double ReadNumber(std::string_view text);
 // 1, 0, yes, no, true, false.
 Boolean ReadTruth(std::string_view text);
 

@@ -6,6 +6,16 @@
 
 namespace qdclgl::cli {
 
+bool IsAgreed(const Console& console, const std::string& question) {
+  if (console.answers == nullptr) {
+    throw UsageError("\"" + question + "\" - nobody is there to answer; say --yes");
+  }
+  console.out << question << " [y/N] " << std::flush;
+  std::string answer;
+  std::getline(*console.answers, answer);
+  return answer == "y" || answer == "Y" || answer == "yes";
+}
+
 ExitCode ExitCodeOf(const Error& error) {
   using namespace server::refusal;
   switch (error.number()) {

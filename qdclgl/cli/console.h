@@ -38,6 +38,9 @@ class UsageError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+// Whether somebody agrees: asks "Close it?". UsageError when there is nobody to ask.
+bool IsAgreed(const Console& console, const std::string& question);
+
 ExitCode ExitCodeOf(const Error& error);
 
 // Whether the server refuses one record, so that others can follow; otherwise it can't work at all.

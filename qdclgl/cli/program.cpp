@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <utility>
 
 #include "qdclgl/cli/cell_values.h"
 #include "qdclgl/frame/session/server_gateway.h"
@@ -23,6 +24,26 @@ password comes from QDCLGL_PASSWORD. `qdclgl COMMAND --help` tells a command's o
 
 Exit codes: 0 done; 1 refused or failed; 2 wrong usage; 3 a part of the input was left out;
 4 the books are damaged; 5 the books can't be opened; 6 a file can't be read or written.)";
+
+// A word in brackets would be taken for a list of words; with a mark in front it is one word, which
+// every option then has without the mark.
+constexpr char kOneWordMark = '\x1F';
+
+std::string Marked(const std::string& word) {
+  const bool is_list = word.starts_with('[') && word.ends_with(']');
+  return is_list ? kOneWordMark + word : word;
+}
+
+void TakeUnmarkedWords(CLI::App& command) {
+  for (CLI::Option* option : command.get_options({})) {
+    option->transform(
+        [](std::string word) {
+          if (word.starts_with(kOneWordMark)) word.erase(0, 1);
+          return word;
+        },
+        "");
+  }
+}
 
 std::string FromEnvironment(const char* variable) {
   const char* value = std::getenv(variable);
@@ -54,10 +75,13 @@ Program::Program(const Console& console)
   AddBooksCommands(*this);
   AddImportCommand(*this);
   AddListCommands(*this);
+  AddRecordCommands(*this);
   AddVoucherCommands(*this);
   AddBalanceCommand(*this);
+  AddLedgerCommand(*this);
   AddUserCommand(*this);
   AddApiCommand(*this);
+  for (CLI::App* command : app_.get_subcommands({})) TakeUnmarkedWords(*command);
 }
 
 CLI::App* Program::Add(const std::string& name, const std::string& help, std::function<int()> run) {
@@ -81,20 +105,28 @@ CLI::App* Program::AddForBooks(const std::string& name, const std::string& help,
   return command;
 }
 
-CLI::App* Program::AddForVouchers(const std::string& name, const std::string& help, Login& login,
-                                  std::vector<Long>& ids, std::function<int()> run) {
+CLI::App* Program::AddForWords(const std::string& name, const std::string& help, Login& login,
+                               std::vector<std::string>& words, Words description,
+                               std::function<int()> run) {
   CLI::App* command = AddForBooks(name, help, login, std::move(run));
-  const auto words = std::make_shared<std::vector<std::string>>();
-  command->add_option("ID", *words, "Ids of vouchers");
-  command->parse_complete_callback([&login, &ids, words] {
-    const auto is_digit = [](char c) { return c >= '0' && c <= '9'; };
-    if (!login.book.empty() && std::ranges::all_of(login.book, is_digit)) {
-      words->insert(words->begin(), login.book);
-      login.book = BookFromEnvironment();
-    }
-    for (const std::string& word : *words) ids.push_back(WholeOption("ID", word));
+  command->add_option(description.name, words, description.help);
+  command->parse_complete_callback([&login, &words, is_word = std::move(description.is_word)] {
+    if (login.book.empty() || !is_word(login.book, words)) return;
+    words.insert(words.begin(), std::exchange(login.book, BookFromEnvironment()));
   });
   return command;
+}
+
+CLI::App* Program::AddForVouchers(const std::string& name, const std::string& help, Login& login,
+                                  std::vector<Long>& ids, std::function<int()> run) {
+  const auto words = std::make_shared<std::vector<std::string>>();
+  return AddForWords(
+      name, help, login, *words,
+      {"ID", "Ids of vouchers", [](const std::string& first, const auto&) { return IsID(first); }},
+      [&ids, words, run = std::move(run)] {
+        ids = IDsOf(*words);
+        return run();
+      });
 }
 
 std::string BookFromEnvironment() { return FromEnvironment(kBookVariable); }
@@ -111,6 +143,16 @@ Long WholeOption(const std::string& name, const std::string& text) {
   } catch (const BadCell& bad) {
     throw CLI::ValidationError(name, bad.what());
   }
+}
+
+bool IsID(std::string_view word) {
+  return std::ranges::all_of(word, [](char c) { return c >= '0' && c <= '9'; });
+}
+
+std::vector<Long> IDsOf(const std::vector<std::string>& words) {
+  std::vector<Long> ids;
+  for (const std::string& word : words) ids.push_back(WholeOption("ID", word));
+  return ids;
 }
 
 int Program::RunChosen() { return chosen_(); }
@@ -139,7 +181,9 @@ int Run(const std::vector<std::string>& arguments, const Console& console) {
   };
   Program program(console);
   try {
-    program.app().parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
+    std::vector<std::string> words;  // the last one first
+    std::transform(arguments.rbegin(), arguments.rend(), std::back_inserter(words), Marked);
+    program.app().parse(std::move(words));
     const int code = program.RunChosen();
     console.out.flush();
     if (!console.out) throw FileError("the output can't be written");

@@ -44,8 +44,19 @@ class Program {
   // A command that works on books: with BOOK and --user, which come into `login`.
   CLI::App* AddForBooks(const std::string& name, const std::string& help, Login& login,
                         std::function<int()> run);
+  // A command that is told by words what to do with books: with them behind BOOK as well. A first
+  // word for which `is_word` is true, asked along with those behind it, is one of them already, and
+  // the books are those that QDCLGL_BOOK names.
+  struct Words {
+    const char* name;
+    const char* help;
+    std::function<bool(const std::string& first, const std::vector<std::string>& rest)> is_word;
+  };
+  CLI::App* AddForWords(const std::string& name, const std::string& help, Login& login,
+                        std::vector<std::string>& words, Words description,
+                        std::function<int()> run);
   // A command that works on vouchers of books: with ID... as well. A first word that is a whole
-  // number is an id already, of the books that QDCLGL_BOOK names.
+  // number is an id.
   CLI::App* AddForVouchers(const std::string& name, const std::string& help, Login& login,
                            std::vector<Long>& ids, std::function<int()> run);
 
@@ -64,6 +75,10 @@ std::string BookFromEnvironment();
 // A text as a filter holds it: in quotes, a quote inside doubled.
 std::string FilterText(std::string_view text);
 
+// Whether a word is an id of a voucher, and words as ids.
+bool IsID(std::string_view word);
+std::vector<Long> IDsOf(const std::vector<std::string>& words);
+
 // --csv and --json.
 void AddFormat(CLI::App& command, Format& format);
 // A whole number as an option's text is read: what is wrong with it is wrong usage.
@@ -75,9 +90,11 @@ CLI::Option* AddWhole(CLI::App& command, const std::string& name, Long& value,
 // The families of commands, each in the file of that name.
 void AddBooksCommands(Program& program);    // init, upgrade, close, reopen, doctor
 void AddImportCommand(Program& program);    // import
-void AddListCommands(Program& program);     // one for each list of the books
-void AddVoucherCommands(Program& program);  // voucher, and the steps from check to remove
+void AddListCommands(Program& program);     // list, and one for each list of the books
+void AddRecordCommands(Program& program);   // kinds, show, add, set, remove
+void AddVoucherCommands(Program& program);  // voucher, and the steps from check to unpost
 void AddBalanceCommand(Program& program);   // balance
+void AddLedgerCommand(Program& program);    // ledger
 void AddUserCommand(Program& program);      // user
 void AddApiCommand(Program& program);       // api
 

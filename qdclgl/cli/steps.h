@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "qdclgl/cli/console.h"
+#include "qdclgl/cli/program.h"
 #include "qdclgl/vouchers/voucher_set.h"
 
 namespace qdclgl::cli {
@@ -20,6 +20,7 @@ struct Step {
 };
 
 std::span<const Step> Steps();
+inline constexpr std::string_view kRemoval = "remove";
 // One of them, by its name.
 const Step& StepNamed(std::string_view name);
 
@@ -28,5 +29,9 @@ const Step& StepNamed(std::string_view name);
 ExitCode TakeStep(const Step& step, const std::vector<Long>& ids, const std::string& props,
                   const Console& console);
 ExitCode TakeStepOnAll(const Step& step, const std::string& props, const Console& console);
+
+// A run of a step's command. UsageError unless there are either ids or all.
+int RunStep(const Step& step, const Login& login, const std::vector<Long>& ids, bool all,
+            const Console& console);
 
 }  // namespace qdclgl::cli

@@ -111,18 +111,30 @@ nlohmann::ordered_json ToJson(const Variant& value) {
   }
 }
 
+namespace {
+
+std::string Dump(const nlohmann::ordered_json& json, int indent = -1) {
+  return json.dump(indent, ' ', false, nlohmann::json::error_handler_t::replace);
+}
+
+}  // namespace
+
+std::string JsonText(const Variant& value, int indent) { return Dump(ToJson(value), indent); }
+
 TableWriter::TableWriter(std::ostream& out, Format format, std::vector<std::string> headings)
     : out_(out), format_(format), headings_(std::move(headings)), is_number_(headings_.size()) {
   if (format_ == Format::kCsv) WriteCsv(headings_);
+}
+
+void TableWriter::AlignRight(std::size_t from) {
+  std::fill(is_number_.begin() + static_cast<std::ptrdiff_t>(from), is_number_.end(), true);
 }
 
 void TableWriter::Row(const std::vector<Variant>& cells) {
   if (format_ == Format::kJson) {
     nlohmann::ordered_json row;
     for (std::size_t i = 0; i < cells.size(); ++i) row[headings_[i]] = ToJson(cells[i]);
-    // Text that is not UTF-8 can't stand in JSON.
-    out_ << (is_first_ ? "[\n " : ",\n ")
-         << row.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+    out_ << (is_first_ ? "[\n " : ",\n ") << Dump(row);
     is_first_ = false;
     return;
   }

@@ -19,11 +19,15 @@ std::string CellText(const Variant& value);
 // Amounts as texts with 4 decimals, so that no reader rounds them; rows and lists with all that
 // hangs below them.
 nlohmann::ordered_json ToJson(const Variant& value);
+// The same as a text; what is not UTF-8 can't stand in it.
+std::string JsonText(const Variant& value, int indent = -1);
 
 class TableWriter {
  public:
   TableWriter(std::ostream& out, Format format, std::vector<std::string> headings);
 
+  // In a plain table all columns from this one on stand to the right, as numbers do by themselves.
+  void AlignRight(std::size_t from);
   void Row(const std::vector<Variant>& cells);
   // What stands behind the last row. A plain table, which must know its widest cells, is written
   // here as a whole.

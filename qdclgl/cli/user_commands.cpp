@@ -1,6 +1,5 @@
 // The users of the books: making them, and changing what they may do.
 #include <cstdlib>
-#include <utility>
 
 #include "qdclgl/cli/program.h"
 #include "qdclgl/frame/containers/dictionary.h"
@@ -16,7 +15,7 @@ constexpr const char* kNewPasswordVariable = "QDCLGL_NEW_PASSWORD";
 
 struct UserOptions {
   Login login;
-  std::string name;
+  std::vector<std::string> names;
   std::string roles;
   bool set_password = false;
   bool no_password = false;
@@ -43,20 +42,22 @@ std::string NewPassword() {
 }
 
 int ChangeUser(const UserOptions& options, const Console& console) {
+  if (options.names.size() != 1) throw UsageError("user takes one NAME");
+  const std::string& name = options.names[0];
   const std::string password = options.set_password ? NewPassword() : "";
   const std::string props = options.login.Open();
   const auto update = CreateObject("QDSVGLUser.UserUpdate");
-  Ref<Dictionary> user = Find(props, options.name);
+  Ref<Dictionary> user = Find(props, name);
   if (options.remove) {
     Long id = user ? user->Value("FUserID").As<Long>() : 0;
     update->Call("Delete", props, ByRef(id));
-    console.out << "User " << options.name << " is removed.\n";
+    console.out << "User " << name << " is removed.\n";
     return kDone;
   }
   const bool is_new = !user;
   if (is_new) {
     user = Make<Dictionary>();
-    user->Value("FName", options.name);
+    user->Value("FName", name);
   }
   if (!options.roles.empty()) user->Value("FRoles", options.roles);
   if (options.disable || options.enable) user->Value("FDisabled", options.disable);
@@ -73,7 +74,7 @@ int ChangeUser(const UserOptions& options, const Console& console) {
                    options.no_password);
     }
   }
-  console.out << "User " << options.name << (is_new ? " is made.\n" : " is changed.\n");
+  console.out << "User " << name << (is_new ? " is made.\n" : " is changed.\n");
   return kDone;
 }
 
@@ -81,17 +82,14 @@ int ChangeUser(const UserOptions& options, const Console& console) {
 
 void AddUserCommand(Program& program) {
   const auto options = std::make_shared<UserOptions>();
+  // With books from the environment a lone word is the user.
+  const auto is_name = [](const std::string&, const std::vector<std::string>& rest) {
+    return rest.empty() && !BookFromEnvironment().empty();
+  };
   CLI::App* command =
-      program.AddForBooks("user", "Makes or changes a user of the books", options->login,
+      program.AddForWords("user", "Makes or changes a user of the books", options->login,
+                          options->names, {"NAME", "The user", is_name},
                           [options, &program] { return ChangeUser(*options, program.console()); });
-  command->add_option("NAME", options->name, "The user");
-  // With books from the environment the only word is the user.
-  command->parse_complete_callback([options] {
-    if (options->name.empty() && !BookFromEnvironment().empty()) {
-      options->name = std::exchange(options->login.book, BookFromEnvironment());
-    }
-    if (options->name.empty()) throw CLI::RequiredError("NAME");
-  });
   command
       ->add_option(
           "--roles", options->roles,

@@ -1,5 +1,5 @@
 // One voucher to read, and the steps of the workflow for one, many or all.
-#include <nlohmann/json.hpp>
+#include <algorithm>
 
 #include "qdclgl/cli/cell_values.h"
 #include "qdclgl/cli/program.h"
@@ -115,24 +115,11 @@ int PrintVoucher(const VoucherOptions& options, const Console& console) {
                 "There is no voucher with the id " + std::to_string(id) + ".");
   }
   if (options.json) {
-    console.out << ToJson(Variant(voucher->Properties()->Dictionary()))
-                       .dump(2, ' ', false, nlohmann::json::error_handler_t::replace)
-                << '\n';
+    console.out << JsonText(Variant(voucher->Properties()->Dictionary()), 2) << '\n';
   } else {
     PrintPlain(*voucher, console.out);
   }
   return kDone;
-}
-
-// ---- The steps ----
-
-int RunStep(const Step& step, const VoucherOptions& options, const Console& console) {
-  if (options.all == !options.ids.empty()) {
-    throw UsageError(std::string(step.name) + " takes IDs or --all");
-  }
-  const std::string props = options.login.Open();
-  return options.all ? TakeStepOnAll(step, props, console)
-                     : TakeStep(step, options.ids, props, console);
 }
 
 // ---- voucher --from-template ----
@@ -183,6 +170,15 @@ void AddTemplateOptions(CLI::App& command, TemplateUse& use) {
 
 }  // namespace
 
+// ---- The steps ----
+
+int RunStep(const Step& step, const Login& login, const std::vector<Long>& ids, bool all,
+            const Console& console) {
+  if (all == !ids.empty()) throw UsageError(std::string(step.name) + " takes IDs or --all");
+  const std::string props = login.Open();
+  return all ? TakeStepOnAll(step, props, console) : TakeStep(step, ids, props, console);
+}
+
 void AddVoucherCommands(Program& program) {
   const auto options = std::make_shared<VoucherOptions>();
   CLI::App* command = program.AddForVouchers(
@@ -195,11 +191,13 @@ void AddVoucherCommands(Program& program) {
   AddTemplateOptions(*command, options->from);
 
   for (const Step& step : Steps()) {
+    if (&step == &StepNamed(kRemoval)) continue;  // removes other records too
     const auto step_options = std::make_shared<VoucherOptions>();
     CLI::App* step_command =
         program.AddForVouchers(step.name, step.help, step_options->login, step_options->ids,
                                [step_options, &program, &step] {
-                                 return RunStep(step, *step_options, program.console());
+                                 return RunStep(step, step_options->login, step_options->ids,
+                                                step_options->all, program.console());
                                });
     step_command->add_flag("--all", step_options->all, "All vouchers that are ready for it");
   }

@@ -98,9 +98,8 @@ std::string ClassesByFolder(const std::vector<ClassHeader>& headers) {
 
 std::string Kinds(const fs::path& root) {
   static const std::regex kKind("\nconst MasterData& (\\w+)\\(\\) \\{");
-  const std::string folder = "qdclgl/server";
   std::string declarations, addresses;
-  for (const std::string& file : FilesBelow(root, folder, ".cpp")) {
+  for (const std::string& file : FilesBelow(root, "qdclgl/server", ".cpp")) {
     for (const std::string& kind : Found(root, file, kKind)) {
       declarations += "const MasterData& " + kind + "();\n";
       addresses += "      &" + kind + "(),\n";

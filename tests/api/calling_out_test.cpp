@@ -86,8 +86,8 @@ class Neighbourhood final : public Gateway {
 
   Variant AnswerOf(std::string_view method) {
     if (Act()) return deed_->answer;
-    if (method == "GetList" || method == "GetListByAccount") return Variant(List());
-    if (method.starts_with("GetDetail")) return Variant(FullRow());
+    if (method.ends_with("List") || method == "GetListByAccount") return Variant(List());
+    if (method.find("Detail") != method.npos) return Variant(FullRow());
     if (method == "ListProfiles") return Variant(Row({{"CurrentPeriod", "5"}}));
     if (method == "Clone") return Variant(Make<Neighbour>(*this));
     if (method == "CheckExistCashProfit") return Long{3};
@@ -97,7 +97,8 @@ class Neighbourhood final : public Gateway {
   // A row that holds an object.
   Ref<Dictionary> FullRow() {
     auto row = Row({{"Held", Variant(Make<Neighbour>(*this))}});
-    for (const std::string_view id : {"FGroupID", "FAccountID", "FCurrencyID", "FVoucherID"}) {
+    for (const std::string_view id : {"FGroupID", "FAccountID", "FCurrencyID", "FVoucherID",
+                                      "FMeasureUnitID", "FUnitGroupID", "FItemID", "FTypeID"}) {
       row->Put(id, Variant(Long{5}));
     }
     return row;
@@ -210,7 +211,10 @@ Ref<Object> NewSubject(Neighbourhood& home, const ClassTable& table,
                        std::string_view key_of_member) {
   if (table.creatable()) {
     Ref<Object> object = table.Create();
-    if (table.Find("Construct") != nullptr) {
+    if (table.Find("Construct") != nullptr && table.Find("Properties") == nullptr) {
+      object->Call("Construct", Make<Neighbour>(home), Long{5}, "Old");
+      object->Let("Name", "Edited");
+    } else if (table.Find("Construct") != nullptr) {
       const Ref<Dictionary> row = home.HostileRow(key_of_member);
       auto list = Make<Vector>();
       list->Append(Variant(home.HostileRow("FAmount")));

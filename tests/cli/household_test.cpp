@@ -4,6 +4,8 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <map>
+#include <nlohmann/json.hpp>
 #include <sstream>
 
 #include "qdclgl/cli/cell_values.h"
@@ -37,7 +39,48 @@ std::vector<std::string> BalancesIn(const std::string& text) {
   return rows;
 }
 
-class Household : public CliTest {};
+class Household : public CliTest {
+ protected:
+  // A ledger of each account that has others below it, with a column for each of these and side:
+  // all it carries forward is what the balances say.
+  void ExpectLedgersAgreeWithTheBalances() const {
+    using Json = nlohmann::json;
+    std::map<std::string, Json> balances;
+    for (const Json& row : Json::parse(Run({"balance", "--json"}).out)) {
+      if (row["FCurrencyID"] == 0) balances[row["FAccountNumber"]] = row;
+    }
+    std::size_t columns = 0;
+    for (const auto& [number, balance] : balances) {
+      if (balance["FDetail"] == true) continue;
+      for (const std::string side : {"debit", "credit"}) {
+        SCOPED_TRACE(number + " " + side);
+        const std::string name = number + " " + side;
+        ASSERT_EQ(Run({"ledger", "add", name, "--account", number, "--columns", "children",
+                       "--side", side})
+                      .err,
+                  "");
+        const Json rows = Json::parse(
+            Run({"ledger", name, "--from", "2021/1", "--to", "2023-12-31", "--json"}).out);
+        const Json& closing = rows.back();
+        EXPECT_EQ(closing["FDebit"], balance["FDebit"]);
+        EXPECT_EQ(closing["FCredit"], balance["FCredit"]);
+        const Json ledger =
+            Json::parse(Run({"ledgers", "--filter", "FLedgerName = '" + name + "'", "--json"}).out);
+        std::size_t i = 0;
+        for (const Json& column : ledger[0]["_Columns"]) {
+          const auto of = balances.find(column["FAccountNumber"]);
+          EXPECT_EQ(closing["FColumn" + std::to_string(++i)],
+                    of == balances.end() ? Json("0.0000")
+                                         : of->second[side == "debit" ? "FDebit" : "FCredit"])
+              << column;
+        }
+        columns += i;
+      }
+    }
+    EXPECT_GT(columns, 100u);
+    EXPECT_EQ(Run({"doctor"}).out, "The books are in order.\n");
+  }
+};
 
 TEST_P(Household, TheImportReproducesTheBalances) {
   const std::string data = DataFolder();
@@ -56,6 +99,7 @@ TEST_P(Household, TheImportReproducesTheBalances) {
   EXPECT_EQ(expected.size(), 61u);
   EXPECT_EQ(BalancesIn(Run({"balance", "--csv"}).out), expected);
   EXPECT_EQ(Run({"doctor"}).out, "The books are in order.\n");
+  ExpectLedgersAgreeWithTheBalances();
 }
 
 QDCLGL_CLI_TEST(Household);

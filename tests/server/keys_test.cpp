@@ -42,7 +42,9 @@ class KeysTest : public RecordsTest {
     object->Call("Refresh");
     const auto rows = object->Get("RecordSet").As<Recordset>();
     const std::span<const Column> described = ColumnsFrom(rows->FieldName(0));
-    EXPECT_EQ(static_cast<std::size_t>(rows->FieldCount()), described.size()) << set.name();
+    Long lists = 0;  // of rows, which are no columns
+    for (Long i = 0; i < rows->FieldCount(); ++i) lists += rows->FieldName(i).starts_with('_');
+    EXPECT_EQ(static_cast<std::size_t>(rows->FieldCount() - lists), described.size()) << set.name();
     std::map<std::string_view, std::string_view> columns;
     for (const Column& column : described) {
       EXPECT_NO_THROW(rows->FieldPosition(column.name)) << set.name();

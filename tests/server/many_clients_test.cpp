@@ -1,11 +1,9 @@
 // Clients in processes of their own: killed at any moment, and many at once.
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <csignal>
 #include <cstdio>
 #include <thread>
 
+#include "tests/server/client.h"
 #include "tests/server/ledger_fixture.h"
 #include "tests/support/random_seed.h"
 
@@ -13,41 +11,6 @@ namespace qdclgl::server::testing {
 namespace {
 
 using ::qdclgl::testing::RandomSeed;
-
-class Client {
- public:
-  Client(const std::string& connection, std::uint_fast32_t seed, double seconds) {
-    int ends[2];
-    EXPECT_EQ(pipe(ends), 0);
-    pid_ = fork();
-    if (pid_ == 0) {
-      dup2(ends[1], STDOUT_FILENO);
-      close(ends[0]);
-      close(ends[1]);
-      execl(QDCLGL_SERVER_WORKER, QDCLGL_SERVER_WORKER, connection.c_str(),
-            std::to_string(seed).c_str(), std::to_string(seconds).c_str(), nullptr);
-      _exit(127);
-    }
-    close(ends[1]);
-    output_ = fdopen(ends[0], "r");
-  }
-  ~Client() { fclose(output_); }
-
-  std::string NextLine() {
-    char line[1000] = "";
-    return fgets(line, sizeof line, output_) != nullptr ? line : "";
-  }
-  void Kill() const { kill(pid_, SIGKILL); }
-  int Wait() const {
-    int status = 0;
-    waitpid(pid_, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
-  }
-
- private:
-  pid_t pid_;
-  FILE* output_;
-};
 
 class ManyClients : public LedgerTest {
  protected:

@@ -29,6 +29,7 @@ struct Column {
   Zero on_zero = Zero::kIsStored;
   std::function<Variant(const View&)> read;
   std::function<void(View&, const Variant&)> write;  // null for a member that is only read
+  std::string error = {};  // what a read raises where the row has no value, if anything
 };
 
 template <class T>
@@ -67,6 +68,13 @@ Column<View> WithDefault(Column<View> column, Variant read_without_value, Varian
   return column;
 }
 
+// The column of a member that raises 13 where the row has no value.
+template <class View>
+Column<View> WithoutDefault(Column<View> column) {
+  column.error = "error 13";
+  return column;
+}
+
 // A view of its own, with a flag of its own, on a row; an entity of a row.
 template <class View>
 Ref<View> ViewOn(const Ref<Dictionary>& row) {
@@ -85,11 +93,23 @@ std::string RowText(const Column<View>& column, const Variant& value) {
   return "{" + column.key + ": " + StateText(value) + "}";
 }
 
+// What a member reads, or what its read raises.
 template <class View>
 std::string TextRead(const Column<View>& column, View& view) {
-  const std::string typed = StateText(column.read(view));
-  const std::string late = StateText(view.Get(column.name));
+  const auto text_of = [](auto read) {
+    std::string text;
+    const std::string error = ErrorOf([&] { text = StateText(read()); });
+    return error == "no error" ? text : error;
+  };
+  const std::string typed = text_of([&] { return column.read(view); });
+  const std::string late = text_of([&] { return view.Get(column.name); });
   return typed == late ? typed : typed + ", but by name " + late;
+}
+
+// The same where the row has no value.
+template <class View>
+std::string TextWithoutValue(const Column<View>& column) {
+  return column.error.empty() ? StateText(column.zero) : column.error;
 }
 
 template <class View>
@@ -100,7 +120,7 @@ void ExpectDefaults(const std::vector<Column<View>>& columns) {
                                        Row({{column.key, Variant()}})}) {
       const std::string before = StateText(Variant(row));
       const auto view = ViewOn<View>(row);
-      EXPECT_EQ(TextRead(column, *view), StateText(column.zero)) << before;
+      EXPECT_EQ(TextRead(column, *view), TextWithoutValue(column)) << before;
       EXPECT_EQ(State(*view), before);
     }
   }
@@ -122,7 +142,7 @@ void ExpectReads(const std::vector<Column<View>>& columns) {
 
     const Ref<Dictionary> without = others->Clone();
     without->Remove(column.key);
-    EXPECT_EQ(TextRead(column, *ViewOn<View>(without)), StateText(column.zero));
+    EXPECT_EQ(TextRead(column, *ViewOn<View>(without)), TextWithoutValue(column));
   }
 }
 

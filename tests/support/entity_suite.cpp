@@ -114,6 +114,10 @@ std::string EntitySuite::Stamped(const std::string& row) const {
   return it().stamps ? With(row, kStamps) : row;
 }
 
+std::string EntitySuite::StampedEarly(const std::string& row) const {
+  return it().stamps_first || it().stamps_before_component ? Stamped(row) : row;
+}
+
 std::string EntitySuite::Sent(const std::string& row) const {
   return With(Stamped(row), it().save_adds);
 }
@@ -135,7 +139,7 @@ EntitySuite::Save EntitySuite::SaveOf(Long id, const std::string& row,
   };
 
   Save save;
-  save.events.push_back({CreateUpdate(), "", edited(id, it().stamps_first ? Stamped(row) : row)});
+  save.events.push_back({CreateUpdate(), "", edited(id, StampedEarly(row))});
   const Long saved = id != 0 ? id : 8;
   if (id == 0) {
     save.events.push_back({write(it().create), " -> 8", edited(0, sent)});
@@ -647,9 +651,8 @@ TEST_P(EntitySuite, AComponentThatCannotBeMadeEndsTheOperationAndLeavesTheEdits)
   EXPECT_EQ(ErrorOf([&] { use().save_changes(*entity); }), "error 429");
   EXPECT_EQ(server.TakeLog(),
             CreateInfo() + " -> error 429\n" + CreateUpdate() + " -> error 429\n");
-  EXPECT_EQ(WholeState(*entity), "id 5 {" + (it().stamps_first ? Stamped(row) : row) +
-                                     "} modified flagged from id 5 {" + RowText(Long{5}, "Old") +
-                                     "}");
+  EXPECT_EQ(WholeState(*entity), "id 5 {" + StampedEarly(row) + "} modified flagged from id 5 {" +
+                                     RowText(Long{5}, "Old") + "}");
 }
 
 // ---- The session and the transaction context ----

@@ -70,9 +70,10 @@ struct EntityCase {
   bool keeps_id_without_key = false;  // Construct of a row without the id leaves the object's id
   bool refresh_takes_id = false;      // Refresh takes the id of the row that it reads
   ChangeRecord saved_by = ChangeRecord::kDictionary;
-  bool stamps = true;          // a save writes the machine's name and address into the row
-  bool stamps_first = false;   // it does so before it looks for changes
-  std::string save_adds = {};  // what else it writes into the row, ", FKey: value"
+  bool stamps = true;         // a save writes the machine's name and address into the row
+  bool stamps_first = false;  // it does so before it looks for changes
+  bool stamps_before_component = false;  // or of a changed row, before it makes the component
+  std::string save_adds = {};            // what else it writes into the row, ", FKey: value"
   std::vector<std::string> before_update = {};  // lines of the log between component and Update
   bool reads_back_update = true;  // an updated row is read again; otherwise what was sent is kept
 
@@ -161,6 +162,7 @@ class EntitySuite : public ::testing::TestWithParam<EntityParam> {
 
   // A row's text with the stamps, and as a save sends it.
   std::string Stamped(const std::string& row) const;
+  std::string StampedEarly(const std::string& row) const;  // where it is, before the component
   std::string Sent(const std::string& row) const;
   // The save of an edited entity of this id and row (as text without its braces), which
   // CancelChanges would bring back to the row `baseline`.

@@ -18,6 +18,12 @@ std::string ScriptKey(std::string_view component, std::string_view method) {
   return FoldAsciiCase(component) + "." + FoldAsciiCase(method);
 }
 
+std::string_view VerbOf(CallKind kind) {
+  if (Includes(kind, CallKind::kMethod)) return "call";
+  if (Includes(kind, CallKind::kGet)) return "get";
+  return Includes(kind, CallKind::kLet) ? "let" : "set";
+}
+
 }  // namespace
 
 class RecordingServer::Component final : public Object {
@@ -25,8 +31,8 @@ class RecordingServer::Component final : public Object {
   Component(RecordingServer& server, std::string_view prog_id)
       : server_(server), prog_id_(prog_id) {}
   std::string_view ClassName() const override { return prog_id_; }
-  Variant Invoke(std::string_view name, CallKind, std::span<Argument> arguments) override {
-    return server_.Call(prog_id_, name, arguments);
+  Variant Invoke(std::string_view name, CallKind kind, std::span<Argument> arguments) override {
+    return server_.Call(prog_id_, kind, name, arguments);
   }
 
  private:
@@ -104,11 +110,12 @@ Ref<Object> RecordingServer::Create(std::string_view verb, std::string_view prog
   return Make<Component>(*this, prog_id);
 }
 
-Variant RecordingServer::Call(const std::string& component, std::string_view method,
+Variant RecordingServer::Call(const std::string& component, CallKind kind, std::string_view method,
                               std::span<Argument> arguments) {
   const bool session = IsSessionStore(component);
   const bool shown = !session || log_session_;
-  std::string line = "call " + std::string(method) + "(" + StateText(arguments) + ")";
+  std::string line =
+      std::string(VerbOf(kind)) + " " + std::string(method) + "(" + StateText(arguments) + ")";
   if (Log(session, std::move(line))) Fail();
   try {
     Variant answer = AnswerOf(component, method, arguments);

@@ -49,6 +49,7 @@ class RecordingServer {
   //   create QDSVGLVoucherGroup.VoucherGroupInfo
   //   call GetDetail("props", ref 5) -> {FGroupID: 5}
   //   call Delete("props", ref 5) -> error 5: words
+  // A property of a component that is read or written stands behind `get`, `let` or `set`.
   // `create-object` in place of `create` tells of a creation that did not go through the gateway.
   std::string TakeLog();
 
@@ -59,7 +60,7 @@ class RecordingServer {
   class RecordingGateway;
 
   Ref<Object> Create(std::string_view verb, std::string_view prog_id);
-  Variant Call(const std::string& component, std::string_view method,
+  Variant Call(const std::string& component, CallKind kind, std::string_view method,
                std::span<Argument> arguments);
   Variant AnswerOf(const std::string& component, std::string_view method,
                    std::span<Argument> arguments);

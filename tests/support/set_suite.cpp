@@ -110,6 +110,14 @@ Ref<EntityListBase> SetSuite::Fetched() {
   return set;
 }
 
+void SetSuite::MoveOn(EntityListBase& set) {
+  if (it().get_next == "no error") {
+    use().get_next(set);
+  } else {
+    use().record_set(set)->MoveNext();
+  }
+}
+
 std::string SetSuite::EntityState(const Ref<Object>& given) const {
   auto* made = dynamic_cast<Entity*>(given.get());
   if (made == nullptr || made->ClassName() != entity().class_name)
@@ -253,7 +261,9 @@ TEST_P(SetSuite, EveryUseOfTheListFetchesItAndPassesAFailureAtEachEvent) {
   expect("Refresh", fetched, use().refresh);
   expect("Count", fetched, [&](EntityListBase& set) { use().count(set); });
   expect("GetCurrent", fetched, [&](EntityListBase& set) { use().get_current(set); });
-  expect("GetNext", moved, [&](EntityListBase& set) { use().get_next(set); });
+  if (it().get_next == "no error") {
+    expect("GetNext", moved, [&](EntityListBase& set) { use().get_next(set); });
+  }
   expect("NewEnum", fetched, [&](EntityListBase& set) { use().new_enum(set); });
   expect("a walk", fetched, [&](EntityListBase& set) { use().walk(set, [](Object&) {}); });
 }
@@ -360,12 +370,22 @@ TEST_P(SetSuite, GetCurrentMakesTheEntityOfTheRowAndLeavesTheCursor) {
   EXPECT_EQ(server.TakeLog(), "");
 }
 
-TEST_P(SetSuite, GetNextMovesTheCursorAndBehindTheLastRowBothRaiseFive) {
+TEST_P(SetSuite, GetNextMovesTheCursorUnlessItFailsAndBehindTheLastRowBothRaiseFive) {
   const auto set = Fetched();
-  EXPECT_EQ(EntityState(use().get_next(*set)), "id 1 " + RowText(1, "First"));
+  const auto expect_next = [&](Long id, const Variant& text) {
+    Ref<Object> next;
+    EXPECT_EQ(ErrorOf([&] { next = use().get_next(*set); }), it().get_next);
+    if (next) {
+      EXPECT_EQ(EntityState(next), "id " + std::to_string(id) + " " + RowText(id, text));
+    } else {
+      EXPECT_EQ(State(*set), ThreeRowsText() + " at " + std::to_string(id) + " by 0 \"\" \"\"");
+      MoveOn(*set);
+    }
+  };
+  expect_next(1, "First");
   EXPECT_EQ(EntityState(use().get_current(*set)), "id 2 " + RowText(2, "Second"));
-  EXPECT_EQ(EntityState(use().get_next(*set)), "id 2 " + RowText(2, "Second"));
-  EXPECT_EQ(EntityState(use().get_next(*set)), "id 3 " + RowText(3, Null));
+  expect_next(2, "Second");
+  expect_next(3, Null);
   for (int i = 0; i < 2; ++i) {
     EXPECT_EQ(ErrorOf([&] { use().get_next(*set); }), "error 5");
     EXPECT_EQ(ErrorOf([&] { use().get_current(*set); }), "error 5");
@@ -414,7 +434,7 @@ TEST_P(SetSuite, AWalkBeginsAtTheFirstRowAndLeavesTheCursorWhereItStands) {
     const auto enumerator = use().new_enum(*set);
     EXPECT_TRUE(enumerator->Skip(2));
     EXPECT_EQ(State(*set), ThreeRowsText() + " at " + cursor + " by 0 \"\" \"\"");
-    if (cursor != std::string("the end")) use().get_next(*set);
+    if (cursor != std::string("the end")) MoveOn(*set);
     EXPECT_EQ(IdsOf(*enumerator), "3");
   }
 }
@@ -464,7 +484,8 @@ TEST_P(SetSuite, ItemOfANumberReadsTheRowByItsIdByValueAndNeedsNoList) {
           return set;
         },
         [&, &key = key](EntityListBase& of) { item = use().item(of, key); },
-        ItemEvents(Call(it().get_detail, std::to_string(id)), 5, "Nothing by 4 \"f\" \"s\""),
+        ItemEvents(Filled(Call(it().get_detail, std::to_string(id)), {{"<filter>", "\"f\""}}), 5,
+                   "Nothing by 4 \"f\" \"s\""),
         "Nothing by 4 \"f\" \"s\"", [&](EntityListBase& of) { return State(of); });
     ASSERT_NE(item, nullptr);
     std::string row = RowText(5, "Stored");
@@ -474,6 +495,12 @@ TEST_P(SetSuite, ItemOfANumberReadsTheRowByItsIdByValueAndNeedsNoList) {
 }
 
 TEST_P(SetSuite, ItemOfATextReadsTheRowByItsTextAndSearchesNoList) {
+  if (!FindsByText()) {
+    const auto set = it().make();
+    EXPECT_EQ(ErrorOf([&] { use().item(*set, Variant("First")); }), "error 5");
+    EXPECT_EQ(server.TakeLog(), "");
+    return;
+  }
   const std::string held = ThreeRowsText() + " at 1 by 0 \"\" \"\"";
   for (const std::string key : {"First", "12", " 1a", ""}) {
     SCOPED_TRACE(key);
@@ -526,6 +553,7 @@ TEST_P(SetSuite, ItemOfANumberTooLargeRaisesOverflow) {
 TEST_P(SetSuite, ItemThatTheServerDoesNotKnowIsAnEmptyOneUnlessTheClassNeedsTheRow) {
   AnswerDetail(Nothing);
   for (const Variant& key : {Variant(Long{99}), Variant("unknown")}) {
+    if (key.IsString() && !FindsByText()) continue;
     const auto set = it().make();
     std::string outcome;
     const std::string error = ErrorOf([&] { outcome = EntityState(use().item(*set, key)); });
@@ -538,7 +566,7 @@ TEST_P(SetSuite, ItemRefusesAnAnswerThatIsNoDictionary) {
   for (const Variant& answer : {Variant("text"), Variant(Long{1}), Variant(NoRows())}) {
     AnswerDetail(answer);
     EXPECT_EQ(ErrorOf([&] { use().item(*set, Variant(Long{5})); }), "error 13");
-    EXPECT_EQ(ErrorOf([&] { use().item(*set, Variant("x")); }), "error 13");
+    if (FindsByText()) EXPECT_EQ(ErrorOf([&] { use().item(*set, Variant("x")); }), "error 13");
   }
 }
 
@@ -553,7 +581,7 @@ TEST_P(SetSuite, ItemLeavesTheCallersKeyWhateverTheServerWrites) {
   Variant id(Long{5});
   Variant text("First");
   set->Get("Item", ByRef(id));
-  set->Get("Item", ByRef(text));
+  if (FindsByText()) set->Get("Item", ByRef(text));
   EXPECT_EQ(StateText(id) + " " + StateText(text), "5 \"First\"");
 }
 
@@ -721,7 +749,9 @@ TEST_P(SetSuite, TheConnectionTextIsAskedForBehindTheComponentAndAfreshForEachCa
   const std::function<void()> operations[] = {
       [&] { use().refresh(*set); },
       [&] { use().item(*set, Variant(Long{5})); },
-      [&] { use().item(*set, Variant("First")); },
+      [&] {
+        if (FindsByText()) use().item(*set, Variant("First"));
+      },
       [&] { use().existence_check(*set, Long{5}, Missing); },
       [&] {
         if (!it().exists_by_text.empty()) use().existence_check(*set, Missing, "First");
@@ -760,11 +790,11 @@ TEST_P(SetSuite, TheTransactionContextIsHandedToEveryEntityReplacedAndReleased) 
     EXPECT_EQ(context->holders(), 3);
     const auto current = use().get_current(*set);
     EXPECT_EQ(context->holders(), 4);
-    const auto next = use().get_next(*set);
+    const auto next = it().get_next == "no error" ? use().get_next(*set) : use().get_current(*set);
     EXPECT_EQ(context->holders(), 5);
     const auto by_id = use().item(*set, Variant(Long{5}));
     EXPECT_EQ(context->holders(), 6);
-    const auto by_text = use().item(*set, Variant("First"));
+    const auto by_text = use().item(*set, FindsByText() ? Variant("First") : Variant(Long{5}));
     EXPECT_EQ(context->holders(), 7);
     const auto enumerator = use().new_enum(*set);
     EXPECT_EQ(context->holders(), 8);  // the walker

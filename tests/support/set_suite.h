@@ -61,6 +61,8 @@ struct SetCase {
   std::string remove = "Delete(\"props\", ref <id>, \"HOST\", \"10.0.0.1\")";
   OtherKey item_key = OtherKey::kTextOnly;
   OtherKey remove_key = OtherKey::kTextOnly;
+  // How GetNext ends at a row that it doesn't give; the cursor then stays.
+  std::string get_next = "no error";
   bool item_makes_component_first = false;    // even for a key that it then refuses
   std::vector<Event> behind_get_detail = {};  // what Item does to complete the row
   std::string item_adds = {};                 // and what stands in the row behind it
@@ -174,6 +176,11 @@ class SetSuite : public ::testing::TestWithParam<SetParam> {
   void AnswerList(const Variant& answer);
   void AnswerDetail(const Variant& answer);
   void AnswerExistence(const Variant& answer);
+
+  // Whether Item finds a row by its text.
+  bool FindsByText() const { return it().item_key != OtherKey::kNone; }
+  // Moves the cursor on.
+  void MoveOn(EntityListBase& set);
 
   // A set that fetched the three rows.
   Ref<EntityListBase> Fetched();

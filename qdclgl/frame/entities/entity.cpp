@@ -41,15 +41,28 @@ void Entity::Reload(Ref<Dictionary> row) {
 void Entity::SaveChanges() {
   if (!HasChanges()) return;
   const CallingOut out(this);
+  WriteRow();
+  Refresh();
+}
+
+void Entity::WriteRow() {
+  if (Protocol().stamps_first) StampMachine();
   const Ref<Object> update = ServerGateway().CreateInstance(Protocol().update_component);
-  StampMachine();
+  if (!Protocol().stamps_first) StampMachine();
   const Ref<Dictionary> dict = Bag().Dictionary();
   if (m_ID != 0) {
-    update->Call("Update", GetPropsString(), ByRef(m_ID), dict);
+    UpdateRow(*update, dict);
   } else {
-    m_ID = update->Call("Create", GetPropsString(), dict).As<Long>();
+    m_ID = CreateRow(*update, dict);
   }
-  Refresh();
+}
+
+Long Entity::CreateRow(Object& update, const Ref<Dictionary>& row) {
+  return update.Call("Create", GetPropsString(), row).As<Long>();
+}
+
+void Entity::UpdateRow(Object& update, const Ref<Dictionary>& row) {
+  update.Call("Update", GetPropsString(), ByRef(m_ID), row);
 }
 
 Long Entity::IdIn(const Dictionary& row) const { return row.Value(Protocol().id_key).As<Long>(); }

@@ -17,6 +17,7 @@ struct EntityProtocol {
   // How the working copy's Dictionary tracks changes (Dictionary::SetTrackState).
   Long construct_track_state = 0;
   Long reload_track_state = 1;
+  bool stamps_first = false;  // a save stamps the row before it makes the component
 };
 
 class Entity : public RowView, public ISetXactContext, private ApartmentMember {
@@ -47,6 +48,12 @@ class Entity : public RowView, public ISetXactContext, private ApartmentMember {
   virtual Long IdIn(const Dictionary& row) const;
   // GetDetail(PropsString, id by reference).
   virtual Ref<Dictionary> FetchRow(Object& info);
+  // Create(PropsString, row): the new id.
+  virtual Long CreateRow(Object& update, const Ref<Dictionary>& row);
+  // Update(PropsString, id by reference, row).
+  virtual void UpdateRow(Object& update, const Ref<Dictionary>& row);
+  // Stamps the row and hands it to the server: a save without its question and its reading back.
+  void WriteRow();
   // Makes what Refresh has read the object's row; Reload, unless a class makes the object anew.
   virtual void TakeRow(Ref<Dictionary> row) { Reload(std::move(row)); }
   // Writes "MachineName" and "IPAddress" into the working Dictionary; no change flag is set.

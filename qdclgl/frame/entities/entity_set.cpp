@@ -4,32 +4,50 @@
 
 namespace qdclgl {
 
-Long EntityListBase::ListOptions() const { return m_Query.list_options; }
-void EntityListBase::ListOptions(Long value) { m_Query.list_options = value; }
+// ---- The recordset ----
 
-String EntityListBase::Filter() const { return m_Query.filter; }
-void EntityListBase::Filter(String value) { m_Query.filter = std::move(value); }
+void RowListBase::Refresh() { Fetch(); }
 
-String EntityListBase::Sort() const { return m_Query.sort; }
-void EntityListBase::Sort(String value) { m_Query.sort = std::move(value); }
-
-void EntityListBase::Refresh() { Fetch(); }
-
-void EntityListBase::Fetch() const {
+void RowListBase::Fetch() const {
   const CallingOut out(this);
   m_Rs = nullptr;  // first, so that a list that can't be fetched is not mistaken for the old one
-  const Ref<Object> info = ServerGateway().CreateInstance(Protocol().info_component);
-  m_Rs = FetchList(*info, m_Query);
+  const Ref<Object> info = ServerGateway().CreateInstance(InfoComponent());
+  m_Rs = AskForList(*info);
 }
 
-Long EntityListBase::Count() const {
+Long RowListBase::Count() const {
   const Ref<Recordset> list = List();
   return list->RecordCount();
 }
 
-Ref<Recordset> EntityListBase::RecordSet() const { return m_Rs; }
+Ref<Recordset> RowListBase::RecordSet() const { return m_Rs; }
 
-void EntityListBase::RecordSet(Ref<Recordset> value) { m_Rs = std::move(value); }
+void RowListBase::RecordSet(Ref<Recordset> value) { m_Rs = std::move(value); }
+
+Ref<Recordset> RowListBase::List() const {
+  const Ref self(this);
+  if (!m_Rs) Fetch();
+  if (!m_Rs) RaiseError(error_number::kObjectNotSet);  // the server answered with Nothing
+  return m_Rs;
+}
+
+Ref<Dictionary> RowListBase::CurrentRow(const Ref<Recordset>& list) {
+  if (list->Eof()) RaiseError(error_number::kInvalidCall);
+  return RowToDictionary(list);
+}
+
+// ---- The fields ----
+
+Long QueriedListBase::ListOptions() const { return m_Query.list_options; }
+void QueriedListBase::ListOptions(Long value) { m_Query.list_options = value; }
+
+String QueriedListBase::Filter() const { return m_Query.filter; }
+void QueriedListBase::Filter(String value) { m_Query.filter = std::move(value); }
+
+String QueriedListBase::Sort() const { return m_Query.sort; }
+void QueriedListBase::Sort(String value) { m_Query.sort = std::move(value); }
+
+// ---- The keys ----
 
 Ref<Recordset> EntityListBase::FetchList(Object& info, Query& query) const {
   return info
@@ -46,18 +64,6 @@ Ref<Dictionary> EntityListBase::FetchRow(Variant Key) const {
   const Variant row = by_id ? info->Call("GetDetail", props, CLng(Key))
                             : info->Call(Protocol().text_key_method, props, ByRef(Key));
   return row.As<Dictionary>();
-}
-
-Ref<Recordset> EntityListBase::List() const {
-  const Ref self(this);
-  if (!m_Rs) Fetch();
-  if (!m_Rs) RaiseError(error_number::kObjectNotSet);  // the server answered with Nothing
-  return m_Rs;
-}
-
-Ref<Dictionary> EntityListBase::CurrentRow(const Ref<Recordset>& list) {
-  if (list->Eof()) RaiseError(error_number::kInvalidCall);
-  return RowToDictionary(list);
 }
 
 Long EntityListBase::CheckExistence(std::initializer_list<Argument> keys) {

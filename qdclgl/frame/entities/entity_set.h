@@ -20,14 +20,11 @@ struct SetProtocol {
   const char* text_key_method;   // reads one row by its number or name
 };
 
-// What does not depend on the kind of entity.
-class EntityListBase : public Object, public ISetXactContext, private ApartmentMember {
+// A recordset that is fetched on first use, and the context that its objects get.
+class RowListBase : public Object, public ISetXactContext, private ApartmentMember {
   QD_BASE_MEMBERS(Object)
 
  public:
-  QD_PROPERTY(GetLet, Long, ListOptions, "Options for the next Refresh.")
-  QD_PROPERTY(GetLet, String, Filter, "Filter for the next Refresh.")
-  QD_PROPERTY(GetLet, String, Sort, "Sort order for the next Refresh.")
   QD_METHOD(void, Refresh, (), "Drops the list and fetches it again. Calls GetList.")
   QD_PROPERTY(Get, Long, Count, "The number of rows. Fetches the list on first use.")
   QD_PROPERTY(GetSet, Ref<Recordset>, RecordSet,
@@ -37,28 +34,16 @@ class EntityListBase : public Object, public ISetXactContext, private ApartmentM
   void SetTransactionContext(const Ref<Object>& xa) override { m_Xa = xa; }
 
  protected:
-  virtual const SetProtocol& Protocol() const = 0;
+  // The component that lists, and what it answers.
+  virtual const char* InfoComponent() const = 0;
+  virtual Ref<Recordset> AskForList(Object& info) const = 0;
 
-  // What a list is asked for; a server may write it.
-  struct Query {
-    Long list_options = 0;
-    String filter;
-    String sort;
-  };
-  // GetList(PropsString, ListOptions, Filter, Sort), the three by reference.
-  virtual Ref<Recordset> FetchList(Object& info, Query& query) const;
-  // GetDetail(PropsString, id) for a number, the text key method (PropsString, Key by reference)
-  // for a text; error 5 for any other key.
-  virtual Ref<Dictionary> FetchRow(Variant Key) const;
-
+  // Drops the list and asks the server for it.
+  void Fetch() const;
   // The list, fetched unless there is one: what a reader sees does not change by it.
   Ref<Recordset> List() const;
   // The row under the cursor of a list. Error 5 behind the last one.
   static Ref<Dictionary> CurrentRow(const Ref<Recordset>& list);
-
-  // ExistenceCheck(PropsString, key) with the first of `keys` that is given, each as it is to be
-  // passed; 0 without a call when none is. The component is made in any case.
-  Long CheckExistence(std::initializer_list<Argument> keys);
 
   // The id of a key: a number as it is, a text looked up by `find`; 0 for a key of any other kind.
   template <class Find>
@@ -66,6 +51,55 @@ class EntityListBase : public Object, public ISetXactContext, private ApartmentM
     if (IsVariantKind(key, variant_kind::kNumber)) return CLng(key);
     return IsVariantKind(key, variant_kind::kText) ? find() : 0;
   }
+
+  Ref<Object> m_Xa;
+
+ private:
+  // A reader fetches the list on first use: what callers see of the object does not change by it.
+  mutable Ref<Recordset> m_Rs;
+};
+
+// One that is asked for by options, a filter and an order.
+class QueriedListBase : public RowListBase {
+  QD_BASE_MEMBERS(RowListBase)
+
+ public:
+  QD_PROPERTY(GetLet, Long, ListOptions, "Options for the next Refresh.")
+  QD_PROPERTY(GetLet, String, Filter, "Filter for the next Refresh.")
+  QD_PROPERTY(GetLet, String, Sort, "Sort order for the next Refresh.")
+
+ protected:
+  // What a list is asked for; a server may write it, also when a reader asks.
+  struct Query {
+    Long list_options = 0;
+    String filter;
+    String sort;
+  };
+  Query& ListQuery() const { return m_Query; }
+  virtual Ref<Recordset> FetchList(Object& info, Query& query) const = 0;
+  Ref<Recordset> AskForList(Object& info) const final { return FetchList(info, m_Query); }
+
+ private:
+  mutable Query m_Query;
+};
+
+// What does not depend on the kind of entity.
+class EntityListBase : public QueriedListBase {
+  QD_BASE_MEMBERS(QueriedListBase)
+
+ protected:
+  virtual const SetProtocol& Protocol() const = 0;
+
+  const char* InfoComponent() const final { return Protocol().info_component; }
+  // GetList(PropsString, ListOptions, Filter, Sort), the three by reference.
+  Ref<Recordset> FetchList(Object& info, Query& query) const override;
+  // GetDetail(PropsString, id) for a number, the text key method (PropsString, Key by reference)
+  // for a text; error 5 for any other key.
+  virtual Ref<Dictionary> FetchRow(Variant Key) const;
+
+  // ExistenceCheck(PropsString, key) with the first of `keys` that is given, each as it is to be
+  // passed; 0 without a call when none is. The component is made in any case.
+  Long CheckExistence(std::initializer_list<Argument> keys);
 
   // Delete(PropsString, id by reference, and what follows it). Error 5 for id 0, which is no row.
   template <class... Args>
@@ -80,40 +114,20 @@ class EntityListBase : public Object, public ISetXactContext, private ApartmentM
     const Ref<Object> update = ServerGateway().CreateInstance(Protocol().update_component);
     update->Call(method, GetPropsString(), ByRef(id), std::forward<Args>(args)...);
   }
-
-  Ref<Object> m_Xa;
-
- private:
-  // Drops the list and asks the server for it.
-  void Fetch() const;
-
-  // A reader fetches the list on first use: what callers see of the object does not change by it.
-  mutable Ref<Recordset> m_Rs;
-  mutable Query m_Query;
 };
 
-template <class Entity>
-class EntitySet : public EntityListBase {
-  QD_BASE_MEMBERS(EntityListBase)
+// The rows of a list as objects.
+template <class Entity, class Base>
+class RowList : public Base {
+  QD_BASE_MEMBERS(Base)
 
  public:
-  QD_INHERITED(ListOptions)
-  QD_INHERITED(Filter)
-  QD_INHERITED(Sort)
   QD_METHOD(Ref<Entity>, GetCurrent, (),
             "The entity of the row under the cursor. Error 5 behind the last row.")
   QD_METHOD(Ref<Entity>, GetNext, (),
             "The entity of the row under the cursor; then the cursor moves on. Error 5 behind the "
             "last row.")
   QD_METHOD(Ref<Enumerator>, NewEnum, (), "The entities of all rows; the set's cursor stays.")
-  QD_INHERITED(Refresh)
-  QD_INHERITED(Count)
-  QD_INDEXED(Get, Ref<Entity>, Item, (Variant Key),
-             "The entity of an id (a number) or of a number or name (a text), read from the "
-             "server; an empty one when the server knows no such row. Error 5 for any other key. "
-             "Calls GetDetail or the text key's method.",
-             DefaultMember)
-  QD_INHERITED(RecordSet)
 
   // The entities in order, for C++ callers: `for (auto& entity : set)`.
   typename EnumeratorRange<Entity>::Iterator begin() {
@@ -123,39 +137,50 @@ class EntitySet : public EntityListBase {
 
  protected:
   Ref<Entity> MakeEntity(const Ref<Dictionary>& row) const {
-    auto entity = Make<Entity>();
-    entity->Construct(row, m_Xa);
-    return entity;
+    return MakeOfRow<Entity>(row, this->m_Xa);
   }
 };
 
 template <class Entity>
-Ref<Entity> EntitySet<Entity>::GetCurrent() {
+class EntitySet : public RowList<Entity, EntityListBase> {
+  using Rows = RowList<Entity, EntityListBase>;
+  QD_BASE_MEMBERS(Rows)
+
+ public:
+  QD_INDEXED(Get, Ref<Entity>, Item, (Variant Key),
+             "The entity of an id (a number) or of a number or name (a text), read from the "
+             "server; an empty one when the server knows no such row. Error 5 for any other key. "
+             "Calls GetDetail or the text key's method.",
+             DefaultMember)
+};
+
+template <class Entity, class Base>
+Ref<Entity> RowList<Entity, Base>::GetCurrent() {
   const CallingOut out(this);
-  return MakeEntity(CurrentRow(List()));
+  return MakeEntity(Base::CurrentRow(this->List()));
 }
 
-template <class Entity>
-Ref<Entity> EntitySet<Entity>::GetNext() {
+template <class Entity, class Base>
+Ref<Entity> RowList<Entity, Base>::GetNext() {
   const CallingOut out(this);
-  const Ref<Recordset> list = List();  // the one that is read is the one that moves on
-  Ref<Entity> entity = MakeEntity(CurrentRow(list));
+  const Ref<Recordset> list = this->List();  // the one that is read is the one that moves on
+  Ref<Entity> entity = MakeEntity(Base::CurrentRow(list));
   list->MoveNext();
   return entity;
 }
 
-template <class Entity>
-Ref<Enumerator> EntitySet<Entity>::NewEnum() {
+template <class Entity, class Base>
+Ref<Enumerator> RowList<Entity, Base>::NewEnum() {
   const CallingOut out(this);
   auto walker = Make<EntityWalker<Entity>>();
-  walker->Attach(List(), m_Xa);
+  walker->Attach(this->List(), this->m_Xa);
   return EnumFactory().CreateEnum(walker);
 }
 
 template <class Entity>
 Ref<Entity> EntitySet<Entity>::Item(Variant Key) const {
   const CallingOut out(this);
-  return MakeEntity(FetchRow(std::move(Key)));
+  return this->MakeEntity(this->FetchRow(std::move(Key)));
 }
 
 }  // namespace qdclgl

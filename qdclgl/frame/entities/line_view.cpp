@@ -28,9 +28,13 @@ void LineListBase::Add(Variant index) {
     Lines()->Append(Variant(Make<Dictionary>()));
   } else {
     if (!IsVariantKind(index, variant_kind::kWholeNumber)) RaiseError(error_number::kTypeMismatch);
-    VectorInsertAt(Lines(), CLng(index), Make<Dictionary>());
+    Insert(CLng(index), Make<Dictionary>());
   }
   m_Flag->Modified(true);
+}
+
+void LineListBase::Insert(Long index, const Ref<Dictionary>& line) {
+  VectorInsertAt(Lines(), index, line);
 }
 
 void LineListBase::Remove(Long index) {

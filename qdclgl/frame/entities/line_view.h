@@ -43,6 +43,9 @@ class LineListBase : public Object {
   void Attach(const Ref<Vector>& vector, const Ref<ChangeFlag>& flag);
 
  protected:
+  // Puts a line at a position.
+  virtual void Insert(Long index, const Ref<Dictionary>& line);
+
   // The list. Error 91 for a view that was never bound.
   const Ref<Vector>& Lines() const;
 

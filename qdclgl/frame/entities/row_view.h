@@ -43,6 +43,7 @@ class RowView : public Object {
   // empty. Error 13 or 6 when the stored value does not convert.
   template <class T>
   T ReadField(const RowKey& key, const RowOptions& options) const {
+    if (!options.has_default) return Bag().GetValue(key).template As<T>();
     return FieldOf<T>(Bag().Find(key), options);
   }
   // The same of a value in place, null when the key is absent.

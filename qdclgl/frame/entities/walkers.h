@@ -31,7 +31,20 @@ class WalkRecordset : public IWalkVariant {
   Long m_Passed = 0;
 };
 
-// Makes an `Entity` of each row with Construct(row, transaction context).
+// An object of a row: by Construct(row, transaction context), or by TakeRow of a class that keeps
+// values of the row and not the row.
+template <class T>
+Ref<T> MakeOfRow(const Ref<Dictionary>& row, const Ref<Object>& xa) {
+  auto object = Make<T>();
+  if constexpr (requires { object->TakeRow(row, xa); }) {
+    object->TakeRow(row, xa);
+  } else {
+    object->Construct(row, xa);
+  }
+  return object;
+}
+
+// Makes an `Entity` of each row.
 template <class Entity>
 class EntityWalker final : public WalkRecordset {
  public:
@@ -44,9 +57,7 @@ class EntityWalker final : public WalkRecordset {
 
  protected:
   Ref<Object> OnCreateObject(const Ref<Dictionary>& Dict) override {
-    auto entity = Make<Entity>();
-    entity->Construct(Dict, m_Xa);
-    return entity;
+    return MakeOfRow<Entity>(Dict, m_Xa);
   }
 
  private:

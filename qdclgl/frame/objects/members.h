@@ -21,7 +21,7 @@
 //   QD_INDEXED(access, Type, Name, (params), help, ...) a value with arguments
 //   QD_VARIABLE(Type, Name, initial, help)              a plain variable of the object
 //   QD_METHOD(Result, Name, (params), help, ...)        a method
-//   QD_INHERITED(Name)                                  the base class's row of that name
+//   QD_INHERITED(Name)                                  the row of that name of a base class
 //   QD_INHERITED_AS(Name, help)                         the same with a help text of its own
 //
 // `access` is Get, Let, Set, GetLet, GetSet or GetLetSet; or GetLetVariant, for a value that is
@@ -29,8 +29,9 @@
 // `const T& name` or `T& name` by reference; `= default` makes it optional, `= Missing` optional
 // without a default, `= {}` optional with the zero of its type where the omission can't be told
 // from it. Behind the help text may stand Default(x), the value that an absent, Null or empty key
-// reads as (otherwise zero, empty text or Nothing); Clear(x), the value whose writing removes the
-// key; DefaultMember, for the member that stands for the object.
+// reads as (otherwise zero, empty text or Nothing); NoDefault, for a member that reads the text of
+// its key's value, so that an absent, Null or empty key is no number (error 13); Clear(x), the
+// value whose writing removes the key; DefaultMember, for the member that stands for the object.
 #pragma once
 
 #include <array>
@@ -106,6 +107,8 @@ struct Clear {
   RowLiteral value;
   constexpr explicit Clear(RowLiteral literal) : value(literal) {}
 };
+struct NoDefaultTag {};
+inline constexpr NoDefaultTag NoDefault;
 struct DefaultMemberTag {};
 inline constexpr DefaultMemberTag DefaultMember;
 
@@ -114,6 +117,7 @@ inline constexpr DefaultMemberTag DefaultMember;
 struct RowOptions {
   RowLiteral default_value;
   RowLiteral clear_value;
+  bool has_default = true;
   bool is_default_member = false;
 
   constexpr RowOptions() = default;
@@ -125,6 +129,7 @@ struct RowOptions {
  private:
   constexpr void Apply(row_options::Default option) { default_value = option.value; }
   constexpr void Apply(row_options::Clear option) { clear_value = option.value; }
+  constexpr void Apply(row_options::NoDefaultTag) { has_default = false; }
   constexpr void Apply(row_options::DefaultMemberTag) { is_default_member = true; }
 };
 
@@ -338,21 +343,23 @@ consteval auto CollectRows() {
 template <class T>
 inline constexpr auto kRows = CollectRows<T>();
 
-template <class T>
-consteval bool HasRow(std::string_view name) {
-  for (const MemberRow& row : kRows<T>) {
-    if (row.name == name) return true;
-  }
-  return false;
-}
-
-// The row of that name in the class T's own list; no row when there is none.
+// The row of that name in the class T's own list or, where it has none, in that of the next base
+// that has; no row when there is none.
 template <class T>
 consteval MemberRow RowNamed(std::string_view name) {
-  for (const MemberRow& row : kRows<T>) {
-    if (row.name == name) return row;
+  if constexpr (requires { T::kFirstMemberLine; }) {
+    for (const MemberRow& row : kRows<T>) {
+      if (row.name == name) return row;
+    }
+    return RowNamed<typename T::MemberBase>(name);
+  } else {
+    return {};
   }
-  return {};
+}
+
+template <class T>
+consteval bool HasRow(std::string_view name) {
+  return !RowNamed<T>(name).name.empty();
 }
 
 }  // namespace detail
@@ -368,7 +375,7 @@ struct ClassDescription {
   std::string_view name;
   std::string_view help;
   std::span<const MemberRow> rows;
-  bool takes_context = false;         // implements ISetXactContext
+  bool takes_context = false;         // callers reach ISetXactContext
   Ref<Object> (*create)() = nullptr;  // null: callers can't create it
 };
 
@@ -377,9 +384,10 @@ enum class Creation { Creatable, Internal };
 
 template <class T>
 ClassDescription Describe() {
-  ClassDescription description{T::kClassName, T::kClassHelp, detail::kRows<T>,
-                               std::is_base_of_v<ISetXactContext, T>};
+  ClassDescription description{T::kClassName, T::kClassHelp, detail::kRows<T>};
+  // Whoever makes an object gives it its context; callers don't make those of internal classes.
   if constexpr (T::kCreation == Creation::Creatable) {
+    description.takes_context = std::is_base_of_v<ISetXactContext, T>;
     description.create = [] { return Ref<Object>(Make<T>()); };
   }
   return description;

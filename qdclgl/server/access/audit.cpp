@@ -104,11 +104,22 @@ void WriteAudit(const Caller& caller, const Deed& deed) {
   row.action = deed.action;
   row.origin = deed.origin;
   row.changes = deed.changes;
-  static const std::string kSQLite = InsertSql(true), kPostgreSQL = InsertSql(false);
-  caller.db.Execute(caller.db.IsSQLite() ? kSQLite : kPostgreSQL, row.user_id, row.user_name,
-                    row.machine_name, row.address, row.subject, row.record_id, row.record,
-                    row.action, row.origin, row.changes, row.subject, row.record_id, row.subject,
-                    row.record_id, DigestOf(row));
+  const auto with_values = [&](const auto& run) {
+    return run(row.user_id, row.user_name, row.machine_name, row.address, row.subject,
+               row.record_id, row.record, row.action, row.origin, row.changes, row.subject,
+               row.record_id, row.subject, row.record_id, DigestOf(row));
+  };
+  if (caller.db.IsSQLite()) {
+    static const std::string kSql = InsertSql(true);
+    with_values([&](const auto&... values) { caller.db.Execute(kSql, values...); });
+  } else {
+    static const std::string kSql = InsertSql(false) + " RETURNING FAuditID, FHash";
+    const auto [id, hash] = *with_values([&](const auto&... values) {
+      return caller.db.QueryRow<Long, std::string>(kSql, values...);
+    });
+    caller.db.ProveCommitBy("SELECT 1 FROM t_Audit WHERE FAuditID = " + std::to_string(id) +
+                            " AND FHash = '" + hash + "'");
+  }
   SealIfDue(caller.db);
 }
 

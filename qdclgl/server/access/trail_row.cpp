@@ -186,6 +186,8 @@ std::string ChangesText(const TrailRow* before, const TrailRow* after) {
 std::string_view NounOf(std::string_view list) {
   if (list == "_Entries") return "line";
   if (list == "_Details") return "detail";
+  if (list == "_Columns") return "column";
+  if (list == "_SubColumns") return "sub-column";
   return "item";
 }
 

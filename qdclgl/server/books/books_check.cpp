@@ -9,6 +9,7 @@
 #include "qdclgl/server/books/notes_check.h"
 #include "qdclgl/server/books/texts_check.h"
 #include "qdclgl/server/books/trail_check.h"
+#include "qdclgl/server/books/units_check.h"
 #include "qdclgl/server/db/columns.h"
 #include "qdclgl/server/periods/calendar.h"
 #include "qdclgl/server/periods/settings.h"
@@ -206,6 +207,7 @@ Ref<Recordset> CheckBooks(Database& db, std::string_view kept_head) {
   CheckUsers(db, findings);
   CheckReferences(db, findings);
   CheckNotes(db, findings);
+  CheckUnits(db, findings);
   CheckSettings(db, findings);
   CheckTrail(db, kept_head, findings);
   CheckDatabase(db, findings);

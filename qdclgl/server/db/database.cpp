@@ -191,18 +191,23 @@ bool Database::IsCommittedAfterAll() {
 
 bool Database::IsCommittedInPostgreSQL() const {
   if (transaction_id_.empty()) return false;
-  const std::string question = "SELECT CASE WHEN " + std::string(kServerRun) + " = '" +
-                               server_run_ + "' THEN pg_xact_status('" + transaction_id_ + "') END";
   using Clock = std::chrono::steady_clock;
   constexpr std::chrono::seconds kPatience(10);
   constexpr std::chrono::milliseconds kPause(50);
   for (const auto end = Clock::now() + kPatience; Clock::now() < end;
        std::this_thread::sleep_for(kPause)) {
     try {
-      const std::string answer = Driver(text_).Run(question);
+      Database witness(text_);
+      if (witness.server_run_ != server_run_) {
+        // The ids are of another run, or of a server that took this one's place. Nothing that was
+        // under way there goes on.
+        if (proof_.empty()) break;
+        return witness.QueryValue<int>(proof_).has_value();
+      }
+      const std::string answer =
+          witness.driver_->Run("SELECT pg_xact_status('" + transaction_id_ + "')");
       if (answer == "committed") return true;
       if (answer == "aborted") return false;
-      if (answer.empty()) break;  // the ids are of another run of the server
     } catch (const Error&) {
       continue;  // the server may come back
     }
@@ -240,6 +245,7 @@ void Database::BeginBatch(const BatchOwner& owner, bool alone) {
   driver_->work() = {.depth = 1, .in_batch = true};
   writes_ = true;
   transaction_id_.clear();
+  proof_.clear();
 }
 
 void Database::CommitBatch() {
@@ -261,7 +267,7 @@ void Database::EndBatchOf(const BatchOwner& owner) {
 // ---- Transaction ----
 
 Transaction::Transaction(Database& database, Kind kind, std::string_view question)
-    : database_(database), level_(database.driver_->work().depth) {
+    : database_(database), level_(database.driver_->work().depth), proof_before_(database.proof_) {
   const bool writes = kind != Kind::kRead;
   database.RequireSound();
   if (writes) database.RequireWritable();
@@ -283,7 +289,10 @@ Transaction::Transaction(Database& database, Kind kind, std::string_view questio
     database.RollBack(level_);
     throw;
   }
-  if (level_ == 0) database.writes_ = writes;
+  if (level_ == 0) {
+    database.writes_ = writes;
+    database.proof_.clear();
+  }
   ++database.driver_->work().depth;
 }
 
@@ -323,7 +332,9 @@ void Transaction::Commit() {
 }
 
 Transaction::~Transaction() {
-  if (open_) database_.RollBack(level_);
+  if (!open_) return;
+  database_.RollBack(level_);
+  database_.proof_ = std::move(proof_before_);
 }
 
 }  // namespace qdclgl::server

@@ -115,6 +115,10 @@ class Database {
   bool IsBatchOrphaned() const { return InBatch() && batch_owner_.expired(); }
   // BatchFailed when the database has failed in the batch under way.
   void RequireSound() const;
+  // Tells of a query that finds a row once the transaction under way is in the books and none
+  // otherwise. It settles a commit whose answer was lost when the server has started again, or
+  // another one is in its place.
+  void ProveCommitBy(std::string query) { proof_ = std::move(query); }
   // Whether the books can only be read here: their file, or its folder, can't be written to.
   bool IsReadOnly() const;
   // ReadOnly; DatabaseBusy beside another session's batch.
@@ -189,6 +193,7 @@ class Database {
   // count on as long as the server runs without a crash.
   std::string transaction_id_;
   std::string server_run_;
+  std::string proof_;
 };
 
 // A transaction, or a savepoint inside a batch or another transaction. Without a Commit it is
@@ -217,6 +222,7 @@ class Transaction {
 
   Database& database_;
   int level_;
+  std::string proof_before_;
   bool open_ = true;
   std::optional<std::string> answer_;
 };

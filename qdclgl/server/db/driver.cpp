@@ -1,7 +1,9 @@
 #include "qdclgl/server/db/driver.h"
 
 #include <algorithm>
+#include <chrono>
 #include <memory>
+#include <thread>
 
 #include "qdclgl/server/db/refusals.h"
 #include "qdclgl/server/db/sqlite_functions.h"
@@ -40,6 +42,11 @@ std::string UriOf(const BooksFile& file) {
   return file.access() == BooksFile::Access::kFrozen ? uri + "?immutable=1" : uri;
 }
 
+// Several hosts are a server and those that can take its place.
+bool HasStandby(const ConnectionText& text) {
+  return text[connection_key::kHost].find(',') != std::string_view::npos;
+}
+
 std::string PostgreSQLOptions(const ConnectionText& text) {
   std::string options;
   const auto add = [&](std::string_view word, std::string_view value) {
@@ -61,6 +68,12 @@ std::string PostgreSQLOptions(const ConnectionText& text) {
   add("sslcert", text[connection_key::kSslCert]);
   add("sslkey", text[connection_key::kSslKey]);
   add("connect_timeout", "10");
+  // A machine that dies says nothing; it is noticed within a minute.
+  add("keepalives_idle", "30");
+  add("keepalives_interval", "10");
+  add("keepalives_count", "3");
+  add("tcp_user_timeout", "60000");
+  if (HasStandby(text)) add("target_session_attrs", "read-write");
   return options;
 }
 
@@ -96,11 +109,23 @@ void Driver::OpenSQLite(const ConnectionText& text) {
 }
 
 void Driver::OpenPostgreSQL(const ConnectionText& text) {
-  try {
-    session_.open(soci::postgresql, PostgreSQLOptions(text));
-  } catch (const soci::soci_error& error) {
-    // It carries no state that would tell what is wrong; its text does.
-    Refuse(refusal::kConnectionLost, std::string("PostgreSQL: ") + error.what());
+  using Clock = std::chrono::steady_clock;
+  constexpr std::chrono::seconds kPromotion(60);
+  constexpr std::chrono::milliseconds kPause(100);
+  const auto end = Clock::now() + kPromotion;
+  while (session_.get_backend() == nullptr) {
+    try {
+      session_.open(soci::postgresql, PostgreSQLOptions(text));
+    } catch (const soci::soci_error& error) {
+      // It carries no state that would tell what is wrong; its text does. No answer, or one of a
+      // server that only reads, changes when another server takes the place of the first.
+      const std::string message = error.what();
+      const bool waits = HasStandby(text) && message.find("FATAL") == message.npos;
+      if (!waits || Clock::now() >= end) {
+        Refuse(refusal::kConnectionLost, "PostgreSQL: " + message);
+      }
+      std::this_thread::sleep_for(kPause);
+    }
   }
   postgresql_ = static_cast<soci::postgresql_session_backend*>(session_.get_backend());
 }

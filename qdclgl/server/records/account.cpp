@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <set>
 
-#include "qdclgl/frame/containers/vector.h"
 #include "qdclgl/frame/values/value_rules.h"
 #include "qdclgl/frame/vocabulary/text.h"
 #include "qdclgl/server/db/list.h"
@@ -15,6 +14,8 @@ namespace qdclgl::server {
 
 const MasterData& Accounts();
 const MasterData& Currencies();
+const MasterData& MeasureUnits();
+const MasterData& UnitGroups();
 
 namespace {
 
@@ -114,28 +115,15 @@ void RenameBelow(const RecordSave& save) {
 
 // ---- Item classes ----
 
-void ReplaceItems(const RecordSave& save, const Variant& items) {
+void ReplaceItems(const RecordSave& save) {
   save.db().Execute("DELETE FROM t_AccountItem WHERE FAccountID = ?", save.id());
-  const auto refuse = [&](const std::string& reason) { save.Refuse(refusal::kBadValue, reason); };
-  const auto* list =
-      items.IsObject() ? dynamic_cast<const Vector*>(items.ObjectPointer()) : nullptr;
-  if (list == nullptr) refuse("_Items is no Vector.");
   const std::span<const Column> columns = std::span(kItemColumns).subspan(1);
   std::set<Long> classes;
-  for (std::size_t i = 0; i < list->size(); ++i) {
-    const Variant& element = list->at(i);
-    const auto* item =
-        element.IsObject() ? dynamic_cast<const Dictionary*>(element.ObjectPointer()) : nullptr;
-    if (item == nullptr) refuse("an element of _Items is no Dictionary.");
-    for (std::uint32_t key = 0; key < item->size(); ++key) {
-      if (std::ranges::find(kItemColumns, std::string_view(item->key_at(key)), &Column::name) ==
-          std::end(kItemColumns)) {
-        refuse("there is no column \"" + item->key_at(key) + "\" in an element of _Items.");
-      }
-    }
+  for (const Ref<Dictionary>& item : save.SentRows(kItems, kItemColumns)) {
     const auto cell = [&](const Column& column) {
       return Normalized(column, item->Value(column.name));
     };
+    const auto refuse = [&](const std::string& reason) { save.Refuse(refusal::kBadValue, reason); };
     const auto id = cell(columns[0]).As<Long>();
     if (id == 0) refuse("an element of _Items has no FItemClassID.");
     if (!classes.insert(id).second) {
@@ -149,6 +137,26 @@ void ReplaceItems(const RecordSave& save, const Variant& items) {
 }
 
 // ---- Saving ----
+
+// The unit is one of the account's group; an account that names a unit alone is of that group. The
+// group's name stands beside it.
+void SettleUnit(RecordSave& save) {
+  if (!save.Changes("FMeasureUnitID") && !save.Changes("FUnitGroupID")) return;
+  const Long unit = save.Number("FMeasureUnitID");
+  const Long group = save.db()
+                         .QueryValue<Long>("SELECT FUnitGroupID FROM t_MeasureUnit"
+                                           " WHERE FMeasureUnitID = ?",
+                                           unit)
+                         .value_or(0);
+  if (save.Number("FUnitGroupID") == 0) save.record().Put("FUnitGroupID", group);
+  if (unit != 0 && save.Number("FUnitGroupID") != group) {
+    save.Refuse(refusal::kBadReference,
+                "unit of measure " + std::to_string(unit) + " is of another unit group.");
+  }
+  const auto name = save.db().QueryValue<std::string>(
+      "SELECT FName FROM t_UnitGroup WHERE FUnitGroupID = ?", save.Number("FUnitGroupID"));
+  save.record().Put("FUnitGroup", Variant(name.value_or("")));
+}
 
 bool IsRenumbered(const RecordSave& save) { return !save.is_new() && save.Changes("FNumber"); }
 
@@ -165,6 +173,8 @@ void Check(RecordSave& save) {
   if (std::abs(save.Number("FDC")) > 1) {
     save.Refuse(refusal::kBadValue, "FDC is 0, 1 or -1.");
   }
+  save.RequireReferences();
+  SettleUnit(save);
 
   if (IsRenumbered(save)) {
     RefuseChildren(save.db(), save.stored(), save.id(), true);
@@ -187,7 +197,7 @@ void Follow(RecordSave& save) {
   if (!save.is_new() && save.Changes("FName")) RenameBelow(save);
   if (IsRenumbered(save)) KeepDetailFlag(db, save.stored().Value("FParentID").As<Long>());
   KeepDetailFlag(db, save.Number("FParentID"));
-  if (const Variant* items = save.sent().Find(kItems)) ReplaceItems(save, *items);
+  if (save.sent().Contains(kItems)) ReplaceItems(save);
 }
 
 void Remove(RecordRemoval& removal) {
@@ -347,10 +357,10 @@ const MasterData& Accounts() {
            {{"FCurrencyName", kText}, kJoined},
            {{"FHelperCode", kText}},
            {{"FQuantities", kBoolean}},
-           {{"FMeasureUnitID", kLong}},
+           {.column = {"FMeasureUnitID", kLong}, .refers = {.kind = MeasureUnits}},
            {{"FMeasureUnit", kText}},
-           {{"FUnitGroupID", kLong}},
-           {{"FUnitGroup", kText}, kServer},
+           {.column = {"FUnitGroupID", kLong}, .refers = {.kind = UnitGroups}},
+           {{"FUnitGroup", kText}, kDerived},
            {{"FIsCash", kBoolean}},
            {{"FIsBank", kBoolean}},
            {{"FIsBudget", kBoolean}},
@@ -379,9 +389,11 @@ const MasterData& Accounts() {
       .query = "SELECT a.*, c.FNumber AS FCurrencyNumber, c.FName AS FCurrencyName"
                " FROM t_Account a JOIN t_Currency c ON c.FCurrencyID = a.FCurrencyID",
       .order = "FNumber",
-      .lists = {{kItems,
-                 {"t_AccountItem", {std::begin(kItemColumns), std::end(kItemColumns)}},
-                 "FAccountID, FItemClassID"}},
+      .lists = {{.key = kItems,
+                 .table = {"t_AccountItem", {std::begin(kItemColumns), std::end(kItemColumns)}},
+                 .order = "FAccountID, FItemClassID",
+                 .component = AccountItemInfo::kProgID,
+                 .method = "GetListByAccount"}},
       .check = Check,
       .follow = Follow,
       .remove = Remove,

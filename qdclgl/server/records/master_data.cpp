@@ -1,7 +1,10 @@
 #include "qdclgl/server/records/master_data.h"
 
 #include <algorithm>
+#include <limits>
 
+#include "qdclgl/frame/containers/vector.h"
+#include "qdclgl/frame/objects/variant_kind.h"
 #include "qdclgl/frame/vocabulary/text.h"
 #include "qdclgl/server/db/list.h"
 #include "qdclgl/server/db/refusals.h"
@@ -33,6 +36,9 @@ void ReplaceAll(std::string& text, std::string_view word, std::string_view with)
   }
 }
 
+// "CurrencyInfo" of the ProgID QDSVGLCurrency.CurrencyInfo.
+std::string_view ClassIn(std::string_view prog_id) { return prog_id.substr(prog_id.find('.') + 1); }
+
 // "Number" of column FNumber, as an argument is called.
 std::string_view ArgumentOf(std::string_view column) { return column.substr(1); }
 
@@ -43,10 +49,14 @@ std::string_view ArgumentOf(std::string_view column) { return column.substr(1); 
 MasterData::MasterData(Description description)
     : description_(std::move(description)),
       shown_{{description_.id, ColumnType::kLong}, kVersion},
+      callers_(shown_),
       trailed_(shown_),
       trail_texts_(trailed_.size()) {
   for (const RecordColumn& column : description_.columns) {
     shown_.push_back(column.column);
+    if (column.keeper != Keeper::kSecret) {
+      callers_.push_back({column.column.name, column.sent.value_or(column.column.type)});
+    }
     if (column.keeper == Keeper::kJoined) continue;
     stored_.push_back(column.column);
     if (column.keeper == Keeper::kDerived) continue;
@@ -66,9 +76,12 @@ MasterData::MasterData(Description description)
   reading_ = {Role::kReader, Kept("read " + nouns)};
   writing_ = {description_.writer, Kept("change " + nouns)};
   info_prog_id_ = Kept(std::string(description_.component) + "Info");
-  update_prog_id_ = Kept(std::string(description_.component) + "Update");
-  info_ = TableOf("Info", "Reads " + nouns + ".", description_.info);
-  update_ = TableOf("Update", "Writes " + nouns + ".", description_.update);
+  if (description_.update_component.empty()) {
+    description_.update_component = description_.component;
+  }
+  update_prog_id_ = Kept(std::string(description_.update_component) + "Update");
+  info_ = TableOf(info_prog_id_, "Reads " + nouns + ".", description_.info);
+  update_ = TableOf(update_prog_id_, "Writes " + nouns + ".", description_.update);
   const auto rights_of = [&](const ClassTable& table, const Right& usual) {
     std::vector<MethodRight> rights;
     for (const ClassMember& member : table.members()) {
@@ -90,8 +103,14 @@ MasterData::MasterData(Description description)
   for (const auto& [method, help] : description_.helps) require_method(method);
 }
 
-std::string_view MasterData::subject() const {
-  return description_.component.substr(description_.component.find('.') + 1);
+std::string_view MasterData::subject() const { return ClassIn(description_.component); }
+
+std::vector<std::string_view> MasterData::NestedLists() const {
+  std::vector<std::string_view> keys;
+  for (const RecordList& list : description_.lists) {
+    if (!list.shown.empty()) keys.push_back(list.key);
+  }
+  return keys;
 }
 
 std::string_view MasterData::Kept(std::string text) { return texts_.emplace_back(std::move(text)); }
@@ -113,7 +132,7 @@ std::string MasterData::Worded(std::string_view help) const {
   return text;
 }
 
-std::unique_ptr<const ClassTable> MasterData::TableOf(std::string_view suffix,
+std::unique_ptr<const ClassTable> MasterData::TableOf(std::string_view prog_id,
                                                       std::string_view help,
                                                       const RecordClass& type) {
   std::vector<MemberRow> rows(type.rows.begin(), type.rows.end());
@@ -126,8 +145,8 @@ std::unique_ptr<const ClassTable> MasterData::TableOf(std::string_view suffix,
     ReplaceAll(parameters, "RecordKey", ArgumentOf(description_.key.column));
     row.parameters = Kept(std::move(parameters));
   }
-  return std::make_unique<const ClassTable>(ClassDescription{
-      Kept(std::string(subject()) + std::string(suffix)), Kept(std::string(help)), rows});
+  return std::make_unique<const ClassTable>(
+      ClassDescription{ClassIn(prog_id), Kept(std::string(help)), rows});
 }
 
 std::vector<ServerComponent> MasterData::Components() const {
@@ -153,13 +172,66 @@ std::vector<StoredTable> MasterData::Tables() const {
 
 // ---- Reading ----
 
+namespace {
+
+using RowsById = std::map<Long, Ref<Vector>>;
+
+// The rows of a nested list of the records with ids from `first` to `last`, by their ids.
+RowsById NestedRows(Database& db, const RecordList& list, Long first, Long last) {
+  static constexpr Storage kParameters[] = {Storage::kWhole, Storage::kWhole};
+  std::vector<Column> columns = list.shown;
+  columns.push_back(list.table.columns.front());
+  const std::string id(columns.back().name);
+  Statement& statement = db.Prepared("SELECT " + NamesOf(columns) + " FROM (" +
+                                         std::string(list.query) + ") AS list WHERE " + id +
+                                         " BETWEEN ? AND ? ORDER BY " + std::string(list.order),
+                                     kParameters, StoragesOf(columns));
+  statement.Set(0, std::int64_t{first});
+  statement.Set(1, std::int64_t{last});
+  RowsById rows;
+  const Ref<KeyList> keys = KeysOf(list.shown);
+  for (statement.Open(); statement.Fetch();) {
+    Ref<Vector>& of_record = rows[static_cast<Long>(statement.Whole(list.shown.size()))];
+    if (!of_record) of_record = Make<Vector>();
+    of_record->Append(Variant(ReadRow(statement, list.shown, keys)));
+  }
+  return rows;
+}
+
+Variant RowsFor(Long id, const RowsById& rows) {
+  const auto found = rows.find(id);
+  return found == rows.end() ? Variant(Make<Vector>()) : Variant(found->second);
+}
+
+}  // namespace
+
 Ref<Recordset> MasterData::List(Database& db, Long options, std::string_view filter,
                                 std::string_view sort) const {
   std::string query(description_.query);
   if ((options & kWithDeleted) == 0 && !description_.deleted.empty()) {
     query += " WHERE " + std::string(description_.deleted) + " = 0";
   }
-  return FetchList(db, {query, shown_, description_.order}, filter, sort);
+  const Ref<Recordset> list = FetchList(db, {query, shown_, description_.order}, filter, sort);
+  return NestedLists().empty() ? list : WithNestedLists(db, list);
+}
+
+Ref<Recordset> MasterData::WithNestedLists(Database& db, const Ref<Recordset>& list) const {
+  auto records = Make<Recordset>();
+  for (const Column& column : shown_) records->AppendField(column.name);
+  std::vector<RowsById> nested;
+  for (const RecordList& rows : description_.lists) {
+    if (rows.shown.empty()) continue;
+    records->AppendField(rows.key);
+    nested.push_back(NestedRows(db, rows, 1, std::numeric_limits<Long>::max()));
+  }
+  records->Open();
+  for (; !list->Eof(); list->MoveNext()) {
+    std::vector<Variant> row;
+    for (Long i = 0; i < list->FieldCount(); ++i) row.push_back(list->FieldValue(i));
+    for (const RowsById& rows : nested) row.push_back(RowsFor(row[0].As<Long>(), rows));
+    records->AddRow(std::move(row));
+  }
+  return records;
 }
 
 Ref<Dictionary> MasterData::Read(Database& db, Long id) const {
@@ -173,6 +245,9 @@ Ref<Dictionary> MasterData::Read(Database& db, Long id) const {
   if (!statement.Fetch()) return nullptr;
   Ref<Dictionary> record = ReadRow(statement, shown_, KeysOf(shown_));
   statement.Reset();
+  for (const RecordList& list : description_.lists) {
+    if (!list.shown.empty()) record->Put(list.key, RowsFor(id, NestedRows(db, list, id, id)));
+  }
   return record;
 }
 
@@ -184,12 +259,31 @@ Ref<Dictionary> MasterData::Require(Database& db, Long id) const {
   return record;
 }
 
+Ref<Dictionary> MasterData::RequireByKey(Database& db, const Variant& key) const {
+  if (IsVariantKind(key, variant_kind::kNumber)) return Require(db, CLng(key));
+  const auto text = key.As<String>();
+  const Long id = IdWithKey(db, text);
+  if (id == 0) Refuse(refusal::kNotFound, Noun() + " \"" + text + "\": there is none.");
+  return Require(db, id);
+}
+
 Long MasterData::IdWith(Database& db, std::string_view column, std::string_view text) const {
   const std::string id(description_.id);
   return db
       .QueryValue<Long>("SELECT " + id + " FROM " + std::string(description_.table) + " WHERE " +
                             std::string(column) + " = ? ORDER BY " + id,
                         text)
+      .value_or(0);
+}
+
+Long MasterData::IdWith(Database& db, std::string_view column, std::string_view text,
+                        std::string_view owner_column, Long owner) const {
+  const std::string id(description_.id);
+  return db
+      .QueryValue<Long>("SELECT " + id + " FROM " + std::string(description_.table) + " WHERE " +
+                            std::string(column) + " = ? AND " + std::string(owner_column) +
+                            " = ? ORDER BY " + id,
+                        text, owner)
       .value_or(0);
 }
 
@@ -227,7 +321,7 @@ std::map<Long, TrailedRecord> MasterData::Trailed(Database& db, Long first, Long
             const Variant *name = nullptr, *number = nullptr;
             for (std::size_t i = 1; i < trailed_.size(); ++i) {
               const auto [key, type] = trailed_[i];
-              if (key == kName) name = &values[i];
+              if (key == description_.name) name = &values[i];
               if (key == kNumber) number = &values[i];
               if (const auto text = trail_texts_[i]; text != nullptr) {
                 row.AddText(key, text(values[i]));
@@ -264,8 +358,8 @@ std::string MasterData::Changes(Database& db, Long id,
   return ChangesText(before ? &*before : nullptr, now ? &*now : nullptr);
 }
 
-std::string MasterData::NameOf(const Dictionary& record) {
-  return NameFrom(record.Value(kName).As<String>(), record.Find(kNumber));
+std::string MasterData::NameOf(const Dictionary& record) const {
+  return NameFrom(record.Value(description_.name).As<String>(), record.Find(kNumber));
 }
 
 std::string MasterData::Called(const Dictionary& record) const {
@@ -284,12 +378,13 @@ std::string MasterData::Noun() const { return Capitalised(std::string(descriptio
 Ref<Dictionary> MasterData::Taken(const Dictionary& sent, const Dictionary* stored) const {
   RefuseUnknownKeys(sent);
   auto record = Make<Dictionary>();
-  for (const auto& [column, keeper, absent, shown, refers] : description_.columns) {
-    if (keeper == Keeper::kJoined) continue;
-    const Variant* given = keeper == Keeper::kCaller ? sent.Find(column.name)
-                           : stored != nullptr       ? stored->Find(column.name)
-                                                     : nullptr;
-    record->Put(column.name, Normalized(column, IsNothingGiven(given) ? absent : *given));
+  for (const RecordColumn& described : description_.columns) {
+    if (described.keeper == Keeper::kJoined) continue;
+    const Column& column = described.column;
+    const Variant* given = described.keeper == Keeper::kCaller ? sent.Find(column.name)
+                           : stored != nullptr                 ? stored->Find(column.name)
+                                                               : nullptr;
+    record->Put(column.name, Normalized(column, IsNothingGiven(given) ? described.absent : *given));
   }
   return record;
 }

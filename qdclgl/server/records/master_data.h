@@ -111,6 +111,7 @@ constexpr RecordClass RecordClassOf() {
 enum class Keeper : std::uint8_t {
   kCaller,   // callers write it; where their row lacks the key, it stands for the absent value
   kServer,   // the server keeps it; what callers send is passed over
+  kSecret,   // kept likewise, and never shown
   kDerived,  // kept likewise, and follows from other values, also of other records: not on the
              // trail
   kJoined,   // of another table, shown beside the record; what callers send is passed over
@@ -129,6 +130,7 @@ struct RecordColumn {
   Variant absent = {};                             // Empty: the zero of the type
   std::string (*shown)(const Variant&) = nullptr;  // as the trail tells a value, if otherwise
   Referred refers = {};
+  std::optional<ColumnType> sent = {};  // in callers' rows, if otherwise
 };
 
 // A list of rows that belongs to a record.
@@ -137,6 +139,13 @@ struct RecordList {
   StoredTable table;     // its first column is the record's id
   std::string_view order;
   std::vector<std::pair<std::string_view, Referred>> refers = {};  // by column
+  // Of a list that is part of its record's rows, as a Vector of rows under its key: what these
+  // have, and the SELECT of that, which has the record's id too. Otherwise rows don't have it.
+  std::vector<Column> shown = {};
+  std::string_view query = {};
+  // What gives callers the rows by a record's id, where GetDetail does not bring them under the
+  // key.
+  std::string_view component = {}, method = {};
 };
 
 // A record as the trail tells it.
@@ -157,8 +166,9 @@ inline constexpr Column kAddress{"IPAddress", ColumnType::kText};
 
 // The text by which people tell records apart, unique among them.
 struct TextKey {
-  std::string_view column;    // FNumber or FName
-  bool ignores_case = false;  // then it is kept in upper case
+  std::string_view column;       // FNumber, or that of the name
+  bool ignores_case = false;     // then it is kept in upper case
+  std::string_view within = {};  // a column: unique only among records with the same value there
 };
 
 // Records have a key, and another record has another one.
@@ -173,17 +183,19 @@ class MasterData {
     // .CurrencyUpdate, an id is their argument CurrencyID, and the audit trail calls a record
     // Currency.
     std::string_view component;
-    std::string_view noun;        // as people call a record: "voucher group"
-    std::string_view nouns;       // "voucher groups"
-    std::string_view brief = {};  // in help texts, where the noun is long: "group"
+    std::string_view update_component = {};  // where the writing one is called otherwise
+    std::string_view noun;                   // as people call a record: "voucher group"
+    std::string_view nouns;                  // "voucher groups"
+    std::string_view brief = {};             // in help texts, where the noun is long: "group"
     NamedList list;
 
     std::string_view table;
     std::string_view id;  // its column; FVersion is in every table
     TextKey key;
-    std::string_view deleted = {};       // the column that marks a record deleted
-    bool is_marked_when_used = false;    // by a removal, which is refused otherwise
-    std::vector<RecordColumn> columns;   // all but id and version
+    std::string_view name = record_column::kName;  // the column with the name
+    std::string_view deleted = {};                 // the column that marks a record deleted
+    bool is_marked_when_used = false;              // by a removal, which is refused otherwise
+    std::vector<RecordColumn> columns;             // all but id and version
     std::string_view query = {};         // the table with the joined columns; otherwise the table
     std::string_view order = {};         // of lists; otherwise by id
     std::vector<RecordList> lists = {};  // what belongs to a record elsewhere
@@ -225,6 +237,10 @@ class MasterData {
   std::vector<ServerComponent> Components() const;
   // The columns of its records: id, version, then the others.
   std::span<const Column> Columns() const { return shown_; }
+  // The keys of the lists that its rows have behind them.
+  std::vector<std::string_view> NestedLists() const;
+  // The same as callers' rows have them, without those that are secret.
+  std::span<const Column> CallersColumns() const { return callers_; }
   // Its tables with all their columns.
   std::vector<StoredTable> Tables() const;
 
@@ -235,8 +251,13 @@ class MasterData {
   Ref<Dictionary> Read(Database& db, Long id) const;
   // NotFound when there is none.
   Ref<Dictionary> Require(Database& db, Long id) const;
+  // The same of a key: the id, where it is a number, and otherwise the text.
+  Ref<Dictionary> RequireByKey(Database& db, const Variant& key) const;
   // The id of the first record with this text in a column, 0 when there is none.
   Long IdWith(Database& db, std::string_view column, std::string_view text) const;
+  // The same among those with an id in another column.
+  Long IdWith(Database& db, std::string_view column, std::string_view text,
+              std::string_view owner_column, Long owner) const;
   // The same for the key, in whatever case where that is ignored.
   Long IdWithKey(Database& db, std::string_view key) const;
 
@@ -248,7 +269,7 @@ class MasterData {
   std::string Changes(Database& db, Long id, const std::optional<TrailRow>& before) const;
 
   // "1000 (Cash)", or "Receipts" for records without a number.
-  static std::string NameOf(const Dictionary& record);
+  std::string NameOf(const Dictionary& record) const;
   // "Account 1000 (Cash)"
   std::string Called(const Dictionary& record) const;
 
@@ -260,9 +281,11 @@ class MasterData {
   std::string_view Kept(std::string text);
   // A help text with the kind's words in place of those in braces.
   std::string Worded(std::string_view help) const;
-  std::unique_ptr<const ClassTable> TableOf(std::string_view suffix, std::string_view help,
+  std::unique_ptr<const ClassTable> TableOf(std::string_view prog_id, std::string_view help,
                                             const RecordClass& type);
 
+  // The records of a list with those of their lists that are part of their rows.
+  Ref<Recordset> WithNestedLists(Database& db, const Ref<Recordset>& list) const;
   // What `sent` makes of the record `stored`, null for a new one.
   Ref<Dictionary> Taken(const Dictionary& sent, const Dictionary* stored) const;
   // BadValue for a key that no column has: nothing that a caller sends is lost in silence.
@@ -272,6 +295,7 @@ class MasterData {
 
   Description description_;
   std::vector<Column> shown_;
+  std::vector<Column> callers_;
   std::vector<Column> stored_;   // those of them that are written
   std::vector<Column> trailed_;  // the id, and those that are on the trail
   std::vector<std::string (*)(const Variant&)> trail_texts_;  // how, for each of them

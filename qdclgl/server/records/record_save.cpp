@@ -1,5 +1,8 @@
 #include "qdclgl/server/records/record_save.h"
 
+#include <algorithm>
+
+#include "qdclgl/frame/containers/vector.h"
 #include "qdclgl/frame/vocabulary/text.h"
 #include "qdclgl/server/access/audit.h"
 #include "qdclgl/server/db/refusals.h"
@@ -11,6 +14,12 @@ using namespace record_column;
 namespace {
 
 constexpr std::size_t kLongestText = 255;
+
+// The column of exactly this name, null when there is none.
+const Column* FindIn(std::span<const Column> columns, std::string_view name) {
+  const auto found = std::ranges::find(columns, name, &Column::name);
+  return found == columns.end() ? nullptr : &*found;
+}
 
 // A key of a sent row that is no column of the record.
 std::string SentText(const Dictionary& sent, const Column& column) {
@@ -35,8 +44,8 @@ RecordSave::RecordSave(const Caller& caller, const MasterData& kind, const Ref<D
       transaction_(caller, Transaction::Kind::kChangeRules),
       record_(kind.Taken(*sent, nullptr)) {}
 
-RecordSave::RecordSave(const Caller& caller, const MasterData& kind, const Ref<Dictionary>& sent,
-                       Long id)
+RecordSave::RecordSave(const Caller& caller, const MasterData& kind, Long id,
+                       const Ref<Dictionary>& sent, Stored)
     : caller_(caller),
       kind_(kind),
       sent_(sent ? sent : throw Error(error_number::kObjectNotSet)),
@@ -44,7 +53,19 @@ RecordSave::RecordSave(const Caller& caller, const MasterData& kind, const Ref<D
       id_(id),
       stored_(kind.Require(caller.db, id)),
       before_(kind.TrailOf(caller.db, id)),
-      list_ids_(IdsInLists(caller.db, kind, id)) {
+      list_ids_(IdsInLists(caller.db, kind, id)) {}
+
+RecordSave::RecordSave(const Caller& caller, const MasterData& kind, Long id,
+                       const Ref<Dictionary>& sent)
+    : RecordSave(caller, kind, id, sent, Stored{}) {
+  const Ref<Dictionary> row = stored_->Clone();
+  for (std::uint32_t i = 0; i < sent->size(); ++i) row->Put(sent->key_at(i), sent->value_at(i));
+  record_ = kind.Taken(*row, stored_.get());
+}
+
+RecordSave::RecordSave(const Caller& caller, const MasterData& kind, const Ref<Dictionary>& sent,
+                       Long id)
+    : RecordSave(caller, kind, id, sent, Stored{}) {
   const Long version = Normalized(kVersion, sent->Value(kVersion.name)).As<Long>();
   const Long stored_version = stored_->Value(kVersion.name).As<Long>();
   const auto refuse = [&](std::int32_t number, const std::string& reason) {
@@ -75,8 +96,38 @@ bool RecordSave::Changes(std::string_view column) const {
   return is_new() || !Equals(stored_->Value(column), record_->Value(column));
 }
 
+void RecordSave::PutOwner(std::string_view column, Long id) {
+  if (Number(column) == 0) record_->Put(column, id);
+  if (Number(column) == id) return;
+  Refuse(refusal::kBadValue, std::string(column) + " of its row is " +
+                                 std::to_string(Number(column)) + ", and the call says " +
+                                 std::to_string(id) + ".");
+}
+
 void RecordSave::Refuse(std::int32_t number, const std::string& reason) const {
   server::Refuse(number, kind_.Called(*record_) + ": " + reason);
+}
+
+std::vector<Ref<Dictionary>> RecordSave::SentRows(std::string_view key,
+                                                  std::span<const Column> known) const {
+  const std::string name(key);
+  const auto refuse = [&](const std::string& reason) { Refuse(refusal::kBadValue, reason); };
+  const Variant sent = sent_->Value(key);
+  const auto* list = sent.IsObject() ? dynamic_cast<const Vector*>(sent.ObjectPointer()) : nullptr;
+  if (list == nullptr) refuse(name + " is no Vector.");
+  std::vector<Ref<Dictionary>> rows;
+  for (std::size_t i = 0; i < list->size(); ++i) {
+    const Variant& element = list->at(i);
+    auto* row = element.IsObject() ? dynamic_cast<Dictionary*>(element.ObjectPointer()) : nullptr;
+    if (row == nullptr) refuse("an element of " + name + " is no Dictionary.");
+    for (std::uint32_t at = 0; at < row->size(); ++at) {
+      if (FindIn(known, row->key_at(at)) == nullptr) {
+        refuse("there is no column \"" + row->key_at(at) + "\" in an element of " + name + ".");
+      }
+    }
+    rows.emplace_back(row);
+  }
+  return rows;
 }
 
 void RecordSave::RequireText(std::string_view column) const {
@@ -96,9 +147,11 @@ void RecordSave::RequireKey() {
 }
 
 void RecordSave::RequireUniqueKey() const {
-  const std::string_view column = kind_.description().key.column;
+  const auto& [column, ignores_case, within] = kind_.description().key;
   const std::string text = Text(column);
-  const Long other = kind_.IdWith(caller_.db, column, text);
+  const Long other = within.empty()
+                         ? kind_.IdWith(caller_.db, column, text)
+                         : kind_.IdWith(caller_.db, column, text, within, Number(within));
   if (other == 0 || other == id_) return;
   server::Refuse(column == kNumber ? refusal::kNumberTaken : refusal::kNameTaken,
                  kind_.Called(*kind_.Require(caller_.db, other)) + " has " + std::string(column) +
@@ -136,7 +189,7 @@ void RecordSave::Write() {
 
 void RecordSave::Audit() const {
   const std::string changes = kind_.Changes(caller_.db, id_, before_);
-  const std::string name = MasterData::NameOf(*record_);
+  const std::string name = kind_.NameOf(*record_);
   const std::string machine_name = SentText(*sent_, kMachineName);
   const std::string address = SentText(*sent_, kAddress);
   WriteAudit(caller_, {.subject = kind_.subject(),
@@ -194,7 +247,7 @@ void RecordRemoval::Mark() {
 }
 
 void RecordRemoval::Commit(std::string_view machine_name, std::string_view address) {
-  const std::string name = MasterData::NameOf(*stored_);
+  const std::string name = kind_.NameOf(*stored_);
   const std::string changes = kind_.Changes(caller_.db, id_, before_);
   WriteAudit(caller_, {.subject = kind_.subject(),
                        .record_id = id_,
@@ -206,13 +259,51 @@ void RecordRemoval::Commit(std::string_view machine_name, std::string_view addre
   transaction_.Commit();
 }
 
+// ---- What components do with one record ----
+
+namespace {
+
+Ref<Dictionary> NamedRow(const String& name, std::string_view machine_name,
+                         std::string_view address) {
+  auto row = Make<Dictionary>();
+  row->Put(kName, Variant(name));
+  row->Put(kMachineName.name, Variant(String(machine_name)));
+  row->Put(kAddress.name, Variant(String(address)));
+  return row;
+}
+
+}  // namespace
+
+Long CreateRecord(const MasterData& kind, std::string_view props, const Ref<Dictionary>& sent) {
+  const Caller caller = EnterUnconfirmed(props, kind.writing());
+  RecordSave save(caller, kind, sent);
+  save.Run();
+  return save.id();
+}
+
+void DeleteRecord(const MasterData& kind, std::string_view props, Long id,
+                  std::string_view machine_name, std::string_view address) {
+  const Caller caller = EnterUnconfirmed(props, kind.writing());
+  RecordRemoval removal(caller, kind, id);
+  kind.description().remove(removal);
+  removal.Commit(machine_name, address);
+}
+
+Long CreateNamed(const MasterData& kind, std::string_view props, const String& name,
+                 std::string_view machine_name, std::string_view address) {
+  return CreateRecord(kind, props, NamedRow(name, machine_name, address));
+}
+
+void RenameRecord(const MasterData& kind, std::string_view props, Long id, const String& name,
+                  std::string_view machine_name, std::string_view address) {
+  const Caller caller = EnterUnconfirmed(props, kind.writing());
+  RecordSave(caller, kind, id, NamedRow(name, machine_name, address)).Run();
+}
+
 // ---- The component that writes ----
 
 Long RecordUpdate::Create(std::string_view PropsString, const Ref<Dictionary>& dict) {
-  const Caller caller = EnterUnconfirmed(PropsString, kind().writing());
-  RecordSave save(caller, kind(), dict);
-  save.Run();
-  return save.id();
+  return CreateRecord(kind(), PropsString, dict);
 }
 
 void RecordUpdate::Update(std::string_view PropsString, const Long& RecordID,
@@ -223,10 +314,7 @@ void RecordUpdate::Update(std::string_view PropsString, const Long& RecordID,
 
 void RecordUpdate::Delete(std::string_view PropsString, const Long& RecordID,
                           std::string_view MachineName, std::string_view IPAddress) {
-  const Caller caller = EnterUnconfirmed(PropsString, kind().writing());
-  RecordRemoval removal(caller, kind(), RecordID);
-  kind().description().remove(removal);
-  removal.Commit(MachineName, IPAddress);
+  DeleteRecord(kind(), PropsString, RecordID, MachineName, IPAddress);
 }
 
 }  // namespace qdclgl::server

@@ -11,16 +11,22 @@ class RecordSave {
   RecordSave(const Caller& caller, const MasterData& kind, const Ref<Dictionary>& sent);
   // NotFound without a record; NoVersion and Changed unless the sent row is of the stored version.
   RecordSave(const Caller& caller, const MasterData& kind, const Ref<Dictionary>& sent, Long id);
+  // A stored record, of whatever version, of which the caller sends some columns alone. NotFound.
+  RecordSave(const Caller& caller, const MasterData& kind, Long id, const Ref<Dictionary>& sent);
 
   // Checks, writes, lets follow what follows, and commits; then id and version stand in the sent
   // row.
   void Run();
 
+  const Caller& caller() const { return caller_; }
   Database& db() const { return caller_.db; }
   const Session& session() const { return *caller_.session; }
   bool is_new() const { return !stored_; }
   Long id() const { return id_; }  // of a new record once it is written
   const Dictionary& sent() const { return *sent_; }
+  // The rows of a list that was sent under `key`. BadValue for what is no list of rows, and for a
+  // key in one of them that is no column of `known`.
+  std::vector<Ref<Dictionary>> SentRows(std::string_view key, std::span<const Column> known) const;
   // What was stored; not for a new record.
   const Dictionary& stored() const { return *stored_; }
   // Whether the save gives a column another value; true for a new record.
@@ -30,6 +36,10 @@ class RecordSave {
   Dictionary& record() { return *record_; }
   std::string Text(std::string_view column) const { return record_->Value(column).As<String>(); }
   Long Number(std::string_view column) const { return record_->Value(column).As<Long>(); }
+
+  // What a call names as the owner of the record, in the column for it; BadValue when the row names
+  // another one.
+  void PutOwner(std::string_view column, Long id);
 
   // Refuses it: "Account 1000 (Cash): " and the reason.
   [[noreturn]] void Refuse(std::int32_t number, const std::string& reason) const;
@@ -44,6 +54,11 @@ class RecordSave {
   void RequireReferences() const;
 
  private:
+  // What both saves of a stored record begin with.
+  struct Stored {};
+  RecordSave(const Caller& caller, const MasterData& kind, Long id, const Ref<Dictionary>& sent,
+             Stored);
+
   // The same for what belongs to the record elsewhere, behind all that follows from the save.
   void RequireListReferences() const;
   // Inserts or overwrites the record.
@@ -69,6 +84,7 @@ class RecordRemoval {
   // NotFound without a record.
   RecordRemoval(const Caller& caller, const MasterData& kind, Long id);
 
+  const Caller& caller() const { return caller_; }
   Database& db() const { return caller_.db; }
   Long id() const { return id_; }
   const Dictionary& stored() const { return *stored_; }
@@ -95,5 +111,16 @@ class RecordRemoval {
   Ref<Dictionary> stored_;
   std::optional<TrailRow> before_;
 };
+
+// ---- What components do with one record ----
+
+Long CreateRecord(const MasterData& kind, std::string_view props, const Ref<Dictionary>& sent);
+void DeleteRecord(const MasterData& kind, std::string_view props, Long id,
+                  std::string_view machine_name, std::string_view address);
+// For callers to whom a record is a name: they know of no version.
+Long CreateNamed(const MasterData& kind, std::string_view props, const String& name,
+                 std::string_view machine_name, std::string_view address);
+void RenameRecord(const MasterData& kind, std::string_view props, Long id, const String& name,
+                  std::string_view machine_name, std::string_view address);
 
 }  // namespace qdclgl::server

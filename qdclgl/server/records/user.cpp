@@ -35,13 +35,6 @@ std::string RolesOf(const Variant& bits) {
   return RolesText(static_cast<unsigned>(bits.As<Long>()));
 }
 
-// As callers see them.
-constexpr Column kShown[] = {
-    {"FUserID", ColumnType::kLong},      {"FVersion", ColumnType::kLong},
-    {"FName", ColumnType::kText},        {kRoles, ColumnType::kText},
-    {"FDisabled", ColumnType::kBoolean},
-};
-
 // The users with their roles as text, so that filters and sorts work on what callers see.
 const std::string& ShownQuery() {
   static const std::string kQuery = [] {
@@ -152,12 +145,12 @@ class UserUpdate final : public RecordUpdate {
 Ref<Recordset> UserInfo::GetList(std::string_view PropsString, const String& Filter,
                                  const String& Sort) {
   const Caller caller = Enter(PropsString, kind().reading());
-  return FetchList(caller.db, {ShownQuery(), kShown, "FName"}, Filter, Sort);
+  return FetchList(caller.db, {ShownQuery(), kind().CallersColumns(), "FName"}, Filter, Sort);
 }
 
 Ref<Dictionary> UserInfo::GetDetail(std::string_view PropsString, const Long& UserID) {
   const Caller caller = Enter(PropsString, kind().reading());
-  const Ref<Recordset> list = FetchList(caller.db, {ShownQuery(), kShown, "FName"},
+  const Ref<Recordset> list = FetchList(caller.db, {ShownQuery(), kind().CallersColumns(), "FName"},
                                         "FUserID = " + std::to_string(UserID), "");
   return list->Eof() ? nullptr : list->Row();
 }
@@ -200,7 +193,7 @@ void UserUpdate::SetPassword(std::string_view PropsString, const Long& UserID,
   const Ref<Dictionary> user = kind().Require(caller.db, id);
   const std::optional<TrailRow> before = kind().TrailOf(caller.db, id);
   caller.db.Execute("UPDATE t_User SET FPassword = ? WHERE FUserID = ?", hash, id);
-  const std::string name = MasterData::NameOf(*user);
+  const std::string name = kind().NameOf(*user);
   LoginAttempt::Forget(caller.db, name);
   const std::string changes = kind().Changes(caller.db, id, before);
   WriteAudit(caller, {.subject = kind().subject(),
@@ -224,8 +217,8 @@ const MasterData& Users() {
       .id = "FUserID",
       .key = {"FName"},
       .columns = {{{"FName", kText}},
-                  {{kPassword, kText}, Keeper::kServer, {}, FingerprintOf},
-                  {{kRoles, kLong}, Keeper::kCaller, {}, RolesOf},
+                  {{kPassword, kText}, Keeper::kSecret, {}, FingerprintOf},
+                  {.column = {kRoles, kLong}, .shown = RolesOf, .sent = kText},
                   {{"FDisabled", kBoolean}}},
       .order = "FName",
       .follow = Follow,

@@ -159,6 +159,36 @@ void SettleCurrencies(Database& db, VoucherTree& tree) {
   }
 }
 
+// The unit of a line is one of its account's group; where the line doesn't tell, it gets the unit's
+// number and name.
+void SettleUnit(Database& db, VoucherTree& tree, std::size_t i) {
+  LineCells& cells = tree.lines[i].cells;
+  const Long id = cells.Get<"FMeasureUnitID">();
+  const auto refuse = [&](const std::string& reason) {
+    Refuse(refusal::kBadReference, LineSentence(tree, i) + reason);
+  };
+  const auto unit = db.QueryRow<std::string, std::string, bool, Long, Long, std::string>(
+      "SELECT u.FNumber, u.FName, u.FDeleted, u.FUnitGroupID, a.FUnitGroupID, a.FNumber"
+      " FROM t_MeasureUnit u JOIN t_Account a ON a.FAccountID = ? WHERE u.FMeasureUnitID = ?",
+      cells.Get<"FAccountID">(), id);
+  if (!unit || std::get<bool>(*unit)) {
+    refuse("there is no unit of measure " + std::to_string(id) + (unit ? " in use." : "."));
+  }
+  const auto& [number, name, is_deleted, group, account_group, account] = *unit;
+  if (group != account_group) {
+    refuse("unit of measure " + number + " (" + name + ") is not of the unit group of account " +
+           account + ".");
+  }
+  if (cells.Get<"FMeasureUnit">().empty()) cells.Put<"FMeasureUnit">(name);
+  if (cells.Get<"FMeasureUnitNumber">().empty()) cells.Put<"FMeasureUnitNumber">(number);
+}
+
+void SettleUnits(Database& db, VoucherTree& tree) {
+  for (std::size_t i = 0; i < tree.lines.size(); ++i) {
+    if (tree.lines[i].cells.Get<"FMeasureUnitID">() != 0) SettleUnit(db, tree, i);
+  }
+}
+
 // What is too large to be added up, see line_size.h.
 void CheckSizes(const VoucherTree& tree) {
   std::int64_t size = 0;
@@ -299,6 +329,7 @@ void ApplyRules(Database& db, const VoucherFacts& facts, VoucherTree& tree) {
   CheckSigns(facts.rules, tree);
   SettleAccounts(facts, tree);
   SettleCurrencies(db, tree);
+  SettleUnits(db, tree);
 }
 
 void GiveNumber(Database& db, const VoucherTree* stored, VoucherTree& tree) {

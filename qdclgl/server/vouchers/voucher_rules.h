@@ -34,7 +34,7 @@ struct VoucherFacts {
 // Completes what a caller left open (year, period, group, accounts and currencies given by number)
 // and holds the voucher against the rules of the books: NoLines, NotBalanced, BadAccount,
 // BadCurrency, BadSide, BadGroup, PeriodClosed, WrongPeriod, Required, BadNumber, BadValue,
-// TooLarge, NotAtRate, NegativeAmount. The number is not given yet.
+// TooLarge, NotAtRate, NegativeAmount, BadReference. The number is not given yet.
 void ApplyRules(Database& db, const VoucherFacts& facts, VoucherTree& tree);
 
 // Numbers that callers give end far below those that a row can hold: the counter goes on behind

@@ -8,6 +8,17 @@ constexpr const char* kInfo = "QDSVGLAccount.AccountInfo";
 constexpr const char* kItemInfo = "QDSVGLAccount.AccountItemInfo";
 constexpr const char* kUpdate = "QDSVGLAccount.AccountUpdate";
 
+Long AddUnitGroup(RecordBooks& books, const std::string& name) {
+  return books.Call("QDSVGLUnit.UnitGroupUpdate", "Create", books.props, Row({{"FName", name}}))
+      .As<Long>();
+}
+Long AddUnit(RecordBooks& books, Long group, const std::string& number) {
+  return books
+      .Call("QDSVGLUnit.UnitUpdate", "Create", books.props,
+            Row({{"FUnitGroupID", group}, {"FNumber", number}, {"FName", number}}))
+      .As<Long>();
+}
+
 const RecordKind kAccounts = {
     .noun = "Account",
     .subject = "Account",
@@ -29,10 +40,10 @@ const RecordKind kAccounts = {
                 {"FCurrencyName", "Dollar", "EUR"},
                 {"FHelperCode", "C", "T"},
                 {"FQuantities", true, false},
-                {"FMeasureUnitID", Long{4}, Long{14}},
+                {"FMeasureUnitID", Long{0}, Long{2}},
                 {"FMeasureUnit", "kg", "t"},
-                {"FUnitGroupID", Long{5}, Long{15}},
-                {"FUnitGroup", "", ""},
+                {"FUnitGroupID", Long{1}, Long{2}},
+                {"FUnitGroup", "Weights", "Pieces"},
                 {"FIsCash", true, false},
                 {"FIsBank", true, false},
                 {"FIsBudget", true, false},
@@ -58,7 +69,10 @@ const RecordKind kAccounts = {
                 {"FViewMsg", true, false},
                 {"FDelete", false, false},
                 {"UUID", "u", "v"}},
-    .absent = {{"FCurrencyID", Long{1}}, {"FCurrencyNumber", "EUR"}, {"FCurrencyName", "EUR"}},
+    .absent = {{"FCurrencyID", Long{1}},
+               {"FCurrencyNumber", "EUR"},
+               {"FCurrencyName", "EUR"},
+               {"FUnitGroup", ""}},
     .spelled = {{"FNumber", "a100"}},
     .longest = {{"FName", 255}},
     .coded = {"FNumber"},
@@ -86,6 +100,8 @@ const RecordKind kAccounts = {
         [](RecordBooks& books) {
           books.Call("QDSVGLCurrency.CurrencyUpdate", "Create", books.props,
                      Row({{"FNumber", "USD"}, {"FName", "Dollar"}}));
+          AddUnit(books, AddUnitGroup(books, "Weights"), "kg");
+          AddUnit(books, AddUnitGroup(books, "Pieces"), "pc");
         },
     .references = {{.column = "FCurrencyID",
                     .noun = "currency",
@@ -101,7 +117,26 @@ const RecordKind kAccounts = {
                         },
                     .refusal = "BadCurrency",
                     .is_required = true,
-                    .is_marked = true}},
+                    .is_marked = true},
+                   {.column = "FMeasureUnitID",
+                    .noun = "unit of measure",
+                    .id = "FMeasureUnitID",
+                    .update = "QDSVGLUnit.UnitUpdate",
+                    .make =
+                        [](RecordBooks& books) {
+                          static int number = 0;
+                          return AddUnit(books, 1, "R" + std::to_string(++number));
+                        },
+                    .is_marked = true},
+                   {.column = "FUnitGroupID",
+                    .noun = "unit group",
+                    .id = "FUnitGroupID",
+                    .update = "QDSVGLUnit.UnitGroupUpdate",
+                    .make =
+                        [](RecordBooks& books) {
+                          static int number = 0;
+                          return AddUnitGroup(books, "R" + std::to_string(++number));
+                        }}},
 };
 QDCLGL_RECORD_KIND(Account, kAccounts);
 

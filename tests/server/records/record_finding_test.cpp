@@ -79,6 +79,7 @@ TEST_P(RecordSuite, ListsFilterAndSortByEveryColumn) {
   };
   for (std::uint32_t i = 0; i < rows.front()->size(); ++i) {
     const std::string column = rows.front()->key_at(i);
+    if (column.starts_with('_')) continue;  // a list of rows
     const auto precedes = [&](const auto& left, const auto& right) {
       return Precedes(left->Value(column), right->Value(column));
     };

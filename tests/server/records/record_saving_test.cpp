@@ -88,7 +88,7 @@ TEST_P(RecordSuite, AnAbsentKeyStandsForItsDefault) {
   for (const Variant& nothing : {Variant(), Variant(Null), Variant(Nothing), Variant(Missing)}) {
     const Ref<Dictionary> row = Sent(Values::kAbsent, ++number);
     for (const Column* column : Written()) {
-      if (!Has(kind.required, column->name)) row->Put(column->name, nothing);
+      if (!IsNeeded(column->name)) row->Put(column->name, nothing);
     }
     id = Create(row);
     EXPECT_EQ(TypedText(Detail(id)), Saved(Values::kAbsent, id, 1, number));

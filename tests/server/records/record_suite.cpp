@@ -91,6 +91,7 @@ std::vector<Variant> UnfitFor(const Variant& value) {
 std::string TypedText(const Dictionary& row) {
   std::string text;
   for (std::uint32_t i = 0; i < row.size(); ++i) {
+    if (row.key_at(i).starts_with('_')) continue;
     const Variant& value = row.value_at(i);
     // Some dates that are sent have no text.
     const bool is_date = value.Type() == VariantType::kDate;
@@ -117,9 +118,8 @@ RecordSuite::RecordSuite() : RecordBooks(GetParam().database), kind(*GetParam().
 }
 
 Variant RecordSuite::ValueOf(const Column& column, Values values, int number) const {
-  const bool is_required = Has(kind.required, column.name);
   Variant value = values == Values::kChanged ? column.changed : column.sample;
-  if (values == Values::kAbsent && !is_required) {
+  if (values == Values::kAbsent && !IsNeeded(column.name)) {
     const Variant* absent = Find(kind.absent, column.name);
     if (absent != nullptr) {
       value = *absent;
@@ -136,7 +136,7 @@ Variant RecordSuite::ValueOf(const Column& column, Values values, int number) co
 Ref<Dictionary> RecordSuite::Sent(Values values, int number) const {
   auto row = Make<Dictionary>();
   for (const Column* column : Written()) {
-    if (values == Values::kAbsent && !Has(kind.required, column->name)) continue;
+    if (values == Values::kAbsent && !IsNeeded(column->name)) continue;
     row->Put(column->name, ValueOf(*column, values, number));
   }
   return row;
@@ -207,14 +207,20 @@ Long RecordSuite::Existence(Argument argument) {
   return Call(kind.info, "ExistenceCheck", props, std::move(argument)).As<Long>();
 }
 
-std::string RecordSuite::NameIn(const Dictionary& record) {
-  const String name = record.Value("FName").As<String>();
+std::string RecordSuite::NameIn(const Dictionary& record) const {
+  const String name = record.Value(kind.name).As<String>();
   return record.Contains("FNumber") ? record.Value("FNumber").As<String>() + " (" + name + ")"
                                     : name;
 }
 
 std::string RecordSuite::Called(const Dictionary& record) const {
   return std::string(kind.noun) + " " + NameIn(record);
+}
+
+bool RecordSuite::IsNeeded(std::string_view column) const {
+  const auto refers = std::ranges::find(kind.references, column, &RecordKind::Reference::column);
+  const bool is_referred = refers != kind.references.end() && refers->is_required;
+  return Has(kind.required, column) || (is_referred && Find(kind.absent, column) == nullptr);
 }
 
 bool RecordSuite::IsWritten(const Column& column) const {

@@ -63,6 +63,7 @@ struct RecordKind {
   std::vector<std::string_view> never_shown = {};         // only the table has them
   std::vector<std::string_view> required = {};            // texts
   ByColumn<std::string_view> unique = {};                 // texts, with the refusal of a second one
+  std::string_view name = "FName";                        // the column with the record's name
   std::string_view order;                                 // the column that lists go by
   bool has_list_options = true;                           // otherwise lists show all records
   std::string_view text_key = {};                         // the column that records are found by
@@ -99,7 +100,8 @@ std::vector<Variant> UnfitFor(const Variant& value);
 // As filters write a value.
 std::string Literal(const Variant& value);
 
-// A row's keys, types and values, a line for each; "Nothing" without a row.
+// A row's keys, types and values, a line for each; "Nothing" without a row. Lists of rows, whose
+// keys begin with an underscore, are left to the tests of their kinds.
 std::string TypedText(const Dictionary& row);
 std::string TypedText(const Ref<Dictionary>& row);
 std::vector<Ref<Dictionary>> RowsOf(const Ref<Recordset>& list);
@@ -148,7 +150,9 @@ class RecordSuite : public ::testing::TestWithParam<RecordCase>, protected Recor
 
   // "Voucher group Receipts", and without the noun.
   std::string Called(const Dictionary& record) const;
-  static std::string NameIn(const Dictionary& record);
+  std::string NameIn(const Dictionary& record) const;
+  // Whether a row without the column is refused.
+  bool IsNeeded(std::string_view column) const;
   // The columns that callers write.
   bool IsWritten(const RecordKind::Column& column) const;
   std::vector<const RecordKind::Column*> Written() const;

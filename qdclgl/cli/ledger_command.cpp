@@ -1,0 +1,193 @@
+// Multi-column ledgers: printing one, and adding one.
+#include <algorithm>
+#include <sstream>
+#include <utility>
+
+#include "qdclgl/accounts/account_set.h"
+#include "qdclgl/cli/cell_values.h"
+#include "qdclgl/cli/ledger_page.h"
+#include "qdclgl/cli/program.h"
+#include "qdclgl/frame/session/server_gateway.h"
+#include "qdclgl/frame/vocabulary/text.h"
+#include "qdclgl/ledgers/multi_ledger_set.h"
+#include "qdclgl/server/db/refusals.h"
+
+namespace qdclgl::cli {
+
+namespace {
+
+constexpr const char* kInfo = "QDSVGLMCLedger.MultiColumnLedgerInfo";
+constexpr const char* kAdd = "add";
+
+struct LedgerOptions {
+  Login login;
+  Format format = Format::kPlain;
+  bool html = false;
+  std::vector<std::string> words;  // behind BOOK: NAME, or add and NAME
+  std::string name;
+  bool add = false;
+  std::string from, to;
+  std::string account, columns, side, currencies;
+};
+
+[[noreturn]] void RefuseMissing(const std::string& what) {
+  throw Error(server::refusal::kNotFound, "qdclgl", "There is no " + what + ".");
+}
+
+// ---- Printing ----
+
+// "2024-01-31" is a day, "2024/1" a period: its first or its last day.
+DateTime DayOf(const std::string& props, const char* option, const std::string& text, bool last) {
+  const std::size_t slash = text.find('/');
+  try {
+    if (slash == text.npos) return ReadDate(text);
+    Long year = ReadWhole(text.substr(0, slash)), period = ReadWhole(text.substr(slash + 1));
+    DateTime start, end;
+    CreateObject("QDCPeriodDate.clsPeriodDate")
+        ->Call("GetPeriodStartEnd", props, ByRef(period), ByRef(year), ByRef(start), ByRef(end));
+    return last ? end : start;
+  } catch (const BadCell&) {
+    throw UsageError(std::string(option) +
+                     " takes a day such as 2024-01-31 or a period such as "
+                     "2024/1, not " +
+                     Quoted(text));
+  }
+}
+
+int PrintLedger(const LedgerOptions& options, const Console& console) {
+  const std::string props = options.login.Open();
+  const auto day = [&](const char* option, const std::string& text, bool last) {
+    return text.empty() ? DateTime() : DayOf(props, option, text, last);
+  };
+  const DateTime from = day("--from", options.from, false), to = day("--to", options.to, true);
+  const auto info = CreateObject(kInfo);
+  const auto ledger = info->Call("GetDetailByNumber", props, options.name).As<Dictionary>();
+  if (!ledger) RefuseMissing("ledger " + Quoted(options.name));
+  const auto sheet =
+      info->Call("GetLedger", props, ledger->Value("FLedgerID"), from, to).As<Recordset>();
+  if (options.html) WriteLedgerPage(console.out, *ledger, *sheet);
+  else if (options.format == Format::kPlain) WriteLedgerTable(console.out, *ledger, *sheet);
+  else WriteRecordset(console.out, options.format, sheet, {});
+  return kDone;
+}
+
+// ---- Adding ----
+
+std::vector<std::string> Words(const std::string& list) {
+  std::vector<std::string> words;
+  std::istringstream in(list);
+  for (std::string word; std::getline(in, word, ',');) {
+    const std::size_t first = word.find_first_not_of(' ');
+    if (first == word.npos) continue;
+    words.push_back(word.substr(first, word.find_last_not_of(' ') - first + 1));
+  }
+  return words;
+}
+
+// The accounts that a filter finds, by number.
+Ref<AccountSet> AccountsWhere(const std::string& filter) {
+  auto accounts = Make<AccountSet>();
+  accounts->Filter(filter);
+  accounts->Sort("FNumber");
+  return accounts;
+}
+
+Ref<Account> AccountOf(const std::string& number) {
+  const auto accounts = AccountsWhere("FNumber = " + FilterText(ToUpper(number)));
+  if (accounts->Count() == 0) RefuseMissing("account " + Quoted(number));
+  return accounts->GetCurrent();
+}
+
+// The side that a column of an account counts: as told, or that of the account's balance.
+Long SideOf(const Account& account, const std::string& side) {
+  if (side.empty()) return account.DC() < 0 ? 0 : 1;
+  if (side != "debit" && side != "credit") throw UsageError("--side takes debit or credit");
+  return side == "debit" ? 1 : 0;
+}
+
+void AddColumn(MultiLedger& ledger, const Account& account, const std::string& side) {
+  const auto columns = ledger.Columns();
+  columns->Add();
+  const auto column = columns->Item(columns->Count());
+  column->AccountID(account.AccountID());
+  column->ColumnName(account.Name());
+  column->DC(SideOf(account, side));
+}
+
+int AddLedger(const LedgerOptions& options, const Console& console) {
+  if (options.account.empty()) throw UsageError("a new ledger takes an --account");
+  options.login.Open();
+  const Ref<Account> account = AccountOf(options.account);
+  const Ref<MultiLedger> ledger = Make<MultiLedgerSet>()->CreateNew(options.name);
+  ledger->AccountID(account->AccountID());
+  if (options.columns == "children") {
+    const auto children = AccountsWhere("FParentID = " + std::to_string(account->AccountID()));
+    for (auto& child : *children) AddColumn(*ledger, child, options.side);
+  } else {
+    for (const std::string& number : Words(options.columns)) {
+      AddColumn(*ledger, *AccountOf(number), options.side);
+    }
+  }
+  for (const std::string& number : Words(options.currencies)) {
+    const auto currency = Make<CurrencySet>()->Item(ToUpper(number));
+    if (currency->CurrencyID() == 0) RefuseMissing("currency " + Quoted(number));
+    const auto sub_columns = ledger->SubColumns();
+    sub_columns->Add();
+    const auto sub_column = sub_columns->Item(sub_columns->Count());
+    sub_column->CurrencyID(currency->CurrencyID());
+    sub_column->SubColumnName(currency->Number());
+  }
+  ledger->SaveChanges();
+  const Long count = ledger->Columns()->Count();
+  console.out << "Ledger " << options.name << " has " << count
+              << (count == 1 ? " column.\n" : " columns.\n");
+  return kDone;
+}
+
+// BOOK, and what stands behind it. With books from the environment the first word is not BOOK.
+void ReadWords(LedgerOptions& options) {
+  std::vector<std::string>& words = options.words;
+  const std::string known = BookFromEnvironment();
+  const bool lacks_name = words.empty();
+  const bool lacks_book = options.login.book == kAdd && words.size() == 1;
+  if (!known.empty() && !options.login.book.empty() && (lacks_name || lacks_book)) {
+    words.insert(words.begin(), std::exchange(options.login.book, known));
+  }
+  options.add = words.size() == 2 && words.front() == kAdd;
+  if (words.size() != (options.add ? 2u : 1u)) throw CLI::RequiredError("NAME");
+  options.name = words.back();
+}
+
+}  // namespace
+
+void AddLedgerCommand(Program& program) {
+  const auto options = std::make_shared<LedgerOptions>();
+  CLI::App* command = program.AddForBooks(
+      "ledger", "Prints a multi-column ledger, or adds one", options->login, [options, &program] {
+        return options->add ? AddLedger(*options, program.console())
+                            : PrintLedger(*options, program.console());
+      });
+  command->add_option("NAME", options->words, "The ledger; behind the word add, a new one");
+  command->parse_complete_callback([options] { ReadWords(*options); });
+  const auto add_text = [&](const char* name, std::string& text, const char* type,
+                            const char* help) {
+    return command->add_option(name, text, help)->type_name(type);
+  };
+  auto* from = add_text("--from", options->from, "DAY", "The first day or period [this year's]");
+  auto* to = add_text("--to", options->to, "DAY", "The last day or period [that year's]");
+  AddFormat(*command, options->format);
+  auto* html = command->add_flag("--html", options->html, "Prints a page for a browser");
+  html->excludes("--csv")->excludes("--json");
+  for (auto* option :
+       {add_text("--account", options->account, "NUMBER", "The account of a new ledger"),
+        add_text("--columns", options->columns, "NUMBERS",
+                 "Its columns: accounts with commas between them, or children"),
+        add_text("--side", options->side, "SIDE",
+                 "What its columns count: debit or credit [as their accounts' balances]"),
+        add_text("--currencies", options->currencies, "NUMBERS",
+                 "Its sub-columns: currencies with commas between them")}) {
+    option->excludes(from)->excludes(to)->excludes(html);
+  }
+}
+
+}  // namespace qdclgl::cli

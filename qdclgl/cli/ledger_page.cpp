@@ -1,0 +1,150 @@
+#include "qdclgl/cli/ledger_page.h"
+
+#include "qdclgl/cli/table.h"
+#include "qdclgl/frame/containers/vector.h"
+#include "qdclgl/server/ledgers/ledger_sheet.h"
+
+namespace qdclgl::cli {
+
+namespace {
+
+using namespace server;
+
+// A column of the printed sheet: its heading, and where its values stand.
+struct Heading {
+  std::string text;
+  std::string field;
+};
+
+String Text(const Dictionary& row, std::string_view key) { return row.Value(key).As<String>(); }
+
+// The name that a list's row was given, or that of what it shows.
+String NameOf(const Dictionary& row, std::string_view given, std::string_view otherwise) {
+  String name = Text(row, given);
+  return name.empty() ? Text(row, otherwise) : name;
+}
+
+std::vector<Ref<Dictionary>> RowsUnder(const Dictionary& ledger, std::string_view key) {
+  std::vector<Ref<Dictionary>> rows;
+  const auto list = ledger.Value(key).As<Vector>();
+  for (std::size_t i = 0; i < list->size(); ++i) rows.push_back(list->at(i).As<Dictionary>());
+  return rows;
+}
+
+// The figures of a sheet, in the order of their fields.
+std::vector<Heading> Figures(const Dictionary& ledger) {
+  std::vector<Heading> headings = {{"Debit", "FDebit"}, {"Credit", "FCredit"}};
+  std::vector<String> currencies;
+  for (const auto& sub : RowsUnder(ledger, "_SubColumns")) {
+    currencies.push_back(NameOf(*sub, "FSubColumnName", "FCurrencyNumber"));
+    const std::string field = "FSub" + std::to_string(currencies.size());
+    headings.push_back({currencies.back() + " debit", field + "Debit"});
+    headings.push_back({currencies.back() + " credit", field + "Credit"});
+    headings.push_back({currencies.back() + " rate", field + "Rate"});
+  }
+  headings.push_back({"Side", ""});
+  headings.push_back({"Balance", "FBalance"});
+  std::size_t number = 0;
+  for (const auto& column : RowsUnder(ledger, "_Columns")) {
+    const String name = NameOf(*column, "FColumnName", "FAccountNumber");
+    const std::string field = "FColumn" + std::to_string(++number);
+    headings.push_back({name, field});
+    for (std::size_t i = 0; i < currencies.size(); ++i) {
+      headings.push_back({name + " " + currencies[i], field + "Sub" + std::to_string(i + 1)});
+    }
+  }
+  return headings;
+}
+
+// What stands in front of a row's figures: day, voucher, account and words.
+std::vector<std::string> LeadOf(const Dictionary& row) {
+  const String kind = Text(row, "FRow");
+  const std::string day = CellText(row.Value("FDate"));
+  if (kind == sheet_row::kLine) {
+    return {day, Text(row, "FGroup") + " " + Text(row, "FNumber"), Text(row, "FAccountNumber"),
+            Text(row, "FExplanation")};
+  }
+  const std::string words = kind == sheet_row::kOpening ? "Brought forward"
+                            : kind == sheet_row::kPeriod
+                                ? "Period " + Text(row, "FYear") + "/" + Text(row, "FPeriod")
+                            : kind == sheet_row::kYear ? "Year " + Text(row, "FYear") + " to date"
+                                                       : "Carried forward";
+  return {day, "", "", words};
+}
+
+// A figure as it is printed; what is nothing is left out, but for the balance.
+std::string FigureText(const Dictionary& row, const Heading& heading) {
+  if (heading.text == "Side" && heading.field.empty()) {
+    const auto side = row.Value("FDC").As<Long>();
+    return side > 0 ? "debit" : side < 0 ? "credit" : "";
+  }
+  const Variant value = row.Value(heading.field);
+  const bool is_shown = heading.field == "FBalance" || (!value.IsEmpty() && CDbl(value) != 0);
+  return is_shown ? CellText(value) : "";
+}
+
+constexpr const char* kLead[] = {"Date", "Voucher", "Account", "Explanation"};
+
+std::string Escaped(std::string_view text) {
+  std::string escaped;
+  for (const char c : text) {
+    switch (c) {
+      case '&': escaped += "&amp;"; break;
+      case '<': escaped += "&lt;"; break;
+      case '>': escaped += "&gt;"; break;
+      case '"': escaped += "&quot;"; break;
+      default: escaped += c;
+    }
+  }
+  return escaped;
+}
+
+}  // namespace
+
+void WriteLedgerTable(std::ostream& out, const Dictionary& ledger, Recordset& sheet) {
+  const std::vector<Heading> figures = Figures(ledger);
+  std::vector<std::string> headings(std::begin(kLead), std::end(kLead));
+  for (const Heading& heading : figures) headings.push_back(heading.text);
+  TableWriter table(out, Format::kPlain, headings);
+  table.AlignRight(std::size(kLead));
+  for (; !sheet.Eof(); sheet.MoveNext()) {
+    const Ref<Dictionary> row = sheet.Row();
+    std::vector<Variant> cells;
+    for (std::string& text : LeadOf(*row)) cells.emplace_back(std::move(text));
+    for (const Heading& heading : figures) cells.emplace_back(FigureText(*row, heading));
+    table.Row(cells);
+  }
+  table.Finish();
+}
+
+void WriteLedgerPage(std::ostream& out, const Dictionary& ledger, Recordset& sheet) {
+  const std::string title =
+      Escaped(Text(ledger, "FLedgerName") + ": " + Text(ledger, "FAccountNumber") + " " +
+              Text(ledger, "FAccountName"));
+  out << "<!DOCTYPE html>\n<html><head><meta charset=\"utf-8\"><title>" << title
+      << "</title>\n<style>\n"
+         "body { font-family: sans-serif; font-size: 9pt }\n"
+         "table { border-collapse: collapse }\n"
+         "thead { display: table-header-group }\n"
+         "th, td { border: 1px solid #999; padding: 1px 4px }\n"
+         ".figure { text-align: right; white-space: nowrap }\n"
+         "tr.sum td { font-weight: bold }\n"
+         "</style></head>\n<body><h1>"
+      << title << "</h1>\n<table><thead><tr>";
+  const std::vector<Heading> figures = Figures(ledger);
+  for (const char* heading : kLead) out << "<th>" << heading << "</th>";
+  for (const Heading& heading : figures) out << "<th>" << Escaped(heading.text) << "</th>";
+  out << "</tr></thead>\n<tbody>\n";
+  for (; !sheet.Eof(); sheet.MoveNext()) {
+    const Ref<Dictionary> row = sheet.Row();
+    out << (Text(*row, "FRow") == sheet_row::kLine ? "<tr>" : "<tr class=\"sum\">");
+    for (const std::string& text : LeadOf(*row)) out << "<td>" << Escaped(text) << "</td>";
+    for (const Heading& heading : figures) {
+      out << "<td class=\"figure\">" << Escaped(FigureText(*row, heading)) << "</td>";
+    }
+    out << "</tr>\n";
+  }
+  out << "</tbody></table></body></html>\n";
+}
+
+}  // namespace qdclgl::cli

@@ -1,0 +1,188 @@
+#include "qdclgl/cli/record_kinds.h"
+
+#include <algorithm>
+#include <fstream>
+#include <limits>
+#include <nlohmann/json.hpp>
+
+#include "qdclgl/cli/cell_values.h"
+#include "qdclgl/cli/console.h"
+#include "qdclgl/cli/nearest.h"
+#include "qdclgl/frame/containers/vector.h"
+#include "qdclgl/frame/vocabulary/text.h"
+#include "qdclgl/server/records/kinds.h"
+
+namespace qdclgl::cli {
+
+using server::Column;
+using server::ColumnType;
+using server::MasterData;
+
+// ---- Kinds ----
+
+std::string_view NameOf(const MasterData& kind) { return kind.description().list.name; }
+
+std::span<const MasterData* const> RecordKinds() {
+  static const std::vector<const MasterData*> kKinds = [] {
+    const auto kinds = server::MasterDataKinds();
+    std::vector<const MasterData*> sorted(kinds.begin(), kinds.end());
+    std::ranges::sort(sorted, {}, [](const MasterData* kind) { return NameOf(*kind); });
+    return sorted;
+  }();
+  return kKinds;
+}
+
+const MasterData* FindKind(std::string_view name) {
+  for (const MasterData* kind : RecordKinds()) {
+    if (EqualsIgnoringAsciiCase(NameOf(*kind), name)) return kind;
+  }
+  return nullptr;
+}
+
+namespace {
+
+std::vector<std::string_view> KindNames() {
+  std::vector<std::string_view> names;
+  for (const MasterData* kind : RecordKinds()) names.push_back(NameOf(*kind));
+  return names;
+}
+
+}  // namespace
+
+bool IsNearKind(std::string_view name) { return !Nearest(name, KindNames()).empty(); }
+
+const MasterData& KindNamed(std::string_view name) {
+  if (const MasterData* kind = FindKind(name)) return *kind;
+  throw UsageError(NoSuch("kind", name, KindNames()));
+}
+
+// ---- Columns ----
+
+std::string_view WordFor(ColumnType type) {
+  switch (type) {
+    case ColumnType::kLong:
+    case ColumnType::kInteger: return "whole number";
+    case ColumnType::kBoolean: return "yes or no";
+    case ColumnType::kCurrency: return "amount";
+    case ColumnType::kDouble:
+    case ColumnType::kSingle: return "number";
+    case ColumnType::kDate: return "date";
+    case ColumnType::kText: return "text";
+  }
+  return "";
+}
+
+std::vector<WrittenColumn> WrittenColumns(const MasterData& kind) {
+  std::vector<WrittenColumn> columns;
+  for (const server::RecordColumn& column : kind.description().columns) {
+    if (column.keeper != server::Keeper::kCaller) continue;
+    columns.push_back({column.column.name, column.sent.value_or(column.column.type)});
+  }
+  for (const server::RecordList& list : kind.description().lists) {
+    columns.push_back({.name = list.key, .list = &list});
+  }
+  return columns;
+}
+
+namespace {
+
+WrittenColumn ColumnNamed(const MasterData& kind, std::string_view name) {
+  const std::vector<WrittenColumn> columns = WrittenColumns(kind);
+  std::vector<std::string_view> names;
+  for (const WrittenColumn& column : columns) {
+    if (EqualsIgnoringAsciiCase(column.name, name)) return column;
+    names.push_back(column.name);
+  }
+  if (const Column* kept = FindColumn(kind.CallersColumns(), name)) {
+    throw UsageError(std::string(kept->name) + " can't be set, the server keeps it");
+  }
+  throw UsageError(NoSuch("column", name, names));
+}
+
+// ---- Values ----
+
+template <class Whole>
+Whole ReadWithin(std::string_view text) {
+  return static_cast<Whole>(
+      ReadInteger(text, std::numeric_limits<Whole>::min(), std::numeric_limits<Whole>::max()));
+}
+
+Variant ReadTyped(ColumnType type, const std::string& text) {
+  switch (type) {
+    case ColumnType::kLong: return ReadWithin<Long>(text);
+    case ColumnType::kInteger: return ReadWithin<Integer>(text);
+    case ColumnType::kBoolean: return ReadTruth(text);
+    case ColumnType::kCurrency: return ReadAmount(text);
+    case ColumnType::kDouble: return ReadNumber(text);
+    case ColumnType::kSingle: return static_cast<Single>(ReadNumber(text));
+    case ColumnType::kDate: return ReadTime(text);
+    case ColumnType::kText: return text;
+  }
+  return {};
+}
+
+Variant ReadValue(const Column& column, const std::string& text) {
+  if (text.empty()) return {};
+  try {
+    return ReadTyped(column.type, text);
+  } catch (const BadCell& bad) {
+    throw UsageError(std::string(column.name) + ": " + bad.what());
+  }
+}
+
+// A cell of a JSON row as a command line would have it.
+std::string TextOf(const nlohmann::json& cell) {
+  if (cell.is_null()) return "";
+  return cell.is_string() ? cell.get<std::string>() : cell.dump();
+}
+
+Variant ReadRows(const server::RecordList& list, const std::string& text) {
+  auto rows = Make<Vector>();
+  if (text.empty()) return Variant(rows);
+  const std::string key(list.key);
+  const auto json = nlohmann::json::parse(text, nullptr, false);
+  if (!json.is_array())
+    throw UsageError(key + ": " + Quoted(text) + " is not a JSON array of rows");
+  std::vector<std::string_view> names;
+  for (const Column& column : list.table.columns) names.push_back(column.name);
+  for (const auto& element : json) {
+    if (!element.is_object()) {
+      throw UsageError(key + ": " + Quoted(element.dump()) + " is not a JSON object");
+    }
+    auto row = Make<Dictionary>();
+    for (const auto& [name, cell] : element.items()) {
+      const Column* column = FindColumn(list.table.columns, name);
+      if (column == nullptr) throw UsageError(key + ": " + NoSuch("column", name, names));
+      row->Put(column->name, ReadValue(*column, TextOf(cell)));
+    }
+    rows->Append(Variant(row));
+  }
+  return Variant(rows);
+}
+
+// What stands in a file, without its last line end. No column takes more than is read here.
+std::string TextOfFile(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  std::string text(server::kLongestStoredText + 3, '\0');
+  file.read(text.data(), static_cast<std::streamsize>(text.size()));
+  if (file.bad() || (file.gcount() == 0 && !file.eof())) throw FileError(path + " can't be read");
+  text.resize(static_cast<std::size_t>(file.gcount()));
+  if (text.ends_with('\n')) text.pop_back();
+  if (text.ends_with('\r')) text.pop_back();
+  return text;
+}
+
+}  // namespace
+
+Assignment ReadAssignment(const MasterData& kind, std::string_view word) {
+  const std::size_t sign = word.find('=');
+  if (sign == word.npos) throw UsageError(Quoted(word) + " is not of the form column=value");
+  const WrittenColumn column = ColumnNamed(kind, word.substr(0, sign));
+  std::string text(word.substr(sign + 1));
+  if (text.starts_with("@@")) text.erase(0, 1);
+  else if (text.starts_with('@')) text = TextOfFile(text.substr(1));
+  return {column.name, column.list != nullptr ? ReadRows(*column.list, text)
+                                              : ReadValue({column.name, column.type}, text)};
+}
+
+}  // namespace qdclgl::cli

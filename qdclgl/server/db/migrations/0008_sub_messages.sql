@@ -1,0 +1,21 @@
+-- Sub-messages
+CREATE TABLE t_SubMesType (
+  FTypeID IDENTITY,
+  FVersion INTEGER NOT NULL,
+  FName TEXT NOT NULL UNIQUE
+);
+
+CREATE TABLE t_SubMes (
+  FItemID IDENTITY,
+  FVersion INTEGER NOT NULL,
+  FTypeID INTEGER NOT NULL REFERENCES t_SubMesType (FTypeID),
+  FNumber TEXT NOT NULL,
+  FName TEXT NOT NULL,
+  FFullName TEXT NOT NULL,
+  FSpec TEXT NOT NULL,
+  FAgioRatio REAL NOT NULL,
+  FCoefficient REAL NOT NULL,
+  FDay INTEGER NOT NULL,
+  UUID TEXT NOT NULL,
+  UNIQUE (FTypeID, FNumber)
+);

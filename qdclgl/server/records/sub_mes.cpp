@@ -1,0 +1,239 @@
+// Sub-messages: small dictionaries of two levels, types and their entries. Both are served by the
+// components of items, under method names of their own.
+#include "qdclgl/server/db/list.h"
+#include "qdclgl/server/db/refusals.h"
+#include "qdclgl/server/records/record_save.h"
+
+namespace qdclgl::server {
+
+const MasterData& SubMessages();
+const MasterData& SubMessageTypes();
+
+namespace {
+
+constexpr Right kReads{Role::kReader, "read sub-messages"};
+constexpr Right kWrites{Role::kAdministrator, "change sub-messages"};
+
+// ---- Entries ----
+
+void CheckEntry(RecordSave& save) {
+  CheckKey(save);
+  save.RequireReferences();
+  if (!save.is_new() && save.Changes("FTypeID")) {
+    save.Refuse(refusal::kBadValue, "an entry stays with its type.");
+  }
+}
+
+// The entry of an id; with a type of 0 of any, otherwise Nothing for one of another type.
+Ref<Dictionary> EntryOf(Database& db, Long id, Long type) {
+  Ref<Dictionary> entry = SubMessages().Read(db, id);
+  if (entry && type != 0 && entry->Value("FTypeID").As<Long>() != type) return nullptr;
+  return entry;
+}
+
+// NotFound unless the entry is one of the type.
+void RequireEntry(Database& db, Long id, Long type) {
+  if (EntryOf(db, id, type)) return;
+  Refuse(refusal::kNotFound, "Sub-message with id " + std::to_string(id) + " of type " +
+                                 std::to_string(type) + ": there is none.");
+}
+
+// ---- The components ----
+
+class ItemInfo final : public Object {
+  QD_MEMBERS(ItemInfo, Object, Creatable, "Reads sub-messages and their types.")
+
+ public:
+  static constexpr std::string_view kProgID = "QDSVGLItem.ItemInfo";
+  static constexpr MethodRight kRights[] = {{"GetSubMesTypeDetail", kReads},
+                                            {"GetSubMesTypeList", kReads},
+                                            {"GetSubMesDetail", kReads},
+                                            {"GetSubMesDetailByNumber", kReads},
+                                            {"GetSubMesList", kReads}};
+
+  QD_METHOD(Ref<Dictionary>, GetSubMesTypeDetail,
+            (std::string_view PropsString, const Variant& Key),
+            "The type of an id (a number) or a name (a text). NotFound.")
+  QD_METHOD(Ref<Recordset>, GetSubMesTypeList,
+            (std::string_view PropsString, const Variant& Reserved = Missing,
+             const String& Filter = {}),
+            "The types of sub-messages. BadFilter.")
+  QD_METHOD(Ref<Dictionary>, GetSubMesDetail,
+            (std::string_view PropsString, const Long& ItemID, const Long& TypeID = {}),
+            "The entry of an id, Nothing when there is none in that type; type 0 is any.")
+  QD_METHOD(Ref<Dictionary>, GetSubMesDetailByNumber,
+            (std::string_view PropsString, const Long& TypeID, const String& Number),
+            "The entry of a type with that number, Nothing when there is none.")
+  QD_METHOD(Ref<Recordset>, GetSubMesList,
+            (std::string_view PropsString, const Variant& TypeID, const Long& ListOptions = {},
+             const String& Filter = {}, const String& Sort = {}),
+            "The entries of a type, or of all with 0. BadFilter, BadSort.")
+};
+
+class ItemUpdate final : public Object {
+  QD_MEMBERS(ItemUpdate, Object, Creatable, "Writes sub-messages and their types.")
+
+ public:
+  static constexpr std::string_view kProgID = "QDSVGLItem.ItemUpdate";
+  static constexpr MethodRight kRights[] = {
+      {"CreateSubMesType", kWrites}, {"RenameSubMesType", kWrites}, {"DeleteSubMesType", kWrites},
+      {"CreateSubMes", kWrites},     {"UpdateSubMes", kWrites},     {"DeleteSubMes", kWrites}};
+
+  QD_METHOD(Long, CreateSubMesType,
+            (std::string_view PropsString, const String& Name, std::string_view MachineName = "",
+             std::string_view IPAddress = ""),
+            "Saves a new type and gives its id. Required, NameTaken, BadValue.")
+  QD_METHOD(void, RenameSubMesType,
+            (std::string_view PropsString, const Long& TypeID, const String& Name,
+             std::string_view MachineName = "", std::string_view IPAddress = ""),
+            "Gives a type another name, whoever saved it since. NotFound, Required, NameTaken, "
+            "BadValue.")
+  QD_METHOD(void, DeleteSubMesType,
+            (std::string_view PropsString, const Long& TypeID, std::string_view MachineName = "",
+             std::string_view IPAddress = ""),
+            "Removes a type without entries. NotFound, InUse.")
+  QD_METHOD(Long, CreateSubMes,
+            (std::string_view PropsString, Long TypeID, const Ref<Dictionary>& dict),
+            "Saves a new entry; a row that names no type is of the type given. Required, "
+            "BadReference, NumberTaken, BadValue.")
+  QD_METHOD(void, UpdateSubMes,
+            (std::string_view PropsString, const Long& ItemID, const Ref<Dictionary>& dict,
+             const Long& TypeID = {}),
+            "Saves an entry. NotFound, also for one of another type; NoVersion, Changed, and those "
+            "of CreateSubMes.")
+  QD_METHOD(void, DeleteSubMes,
+            (std::string_view PropsString, const Long& ItemID, const Long& TypeID = {},
+             std::string_view MachineName = "", std::string_view IPAddress = ""),
+            "Removes an entry. NotFound, also for one of another type.")
+};
+
+QD_DEFINE_MEMBERS(ItemInfo)
+QD_DEFINE_MEMBERS(ItemUpdate)
+
+Ref<Dictionary> ItemInfo::GetSubMesTypeDetail(std::string_view PropsString, const Variant& Key) {
+  const Caller caller = Enter(PropsString, kReads);
+  return SubMessageTypes().RequireByKey(caller.db, Key);
+}
+
+Ref<Recordset> ItemInfo::GetSubMesTypeList(std::string_view PropsString, const Variant&,
+                                           const String& Filter) {
+  const Caller caller = Enter(PropsString, kReads);
+  return SubMessageTypes().List(caller.db, 0, Filter, "");
+}
+
+Ref<Dictionary> ItemInfo::GetSubMesDetail(std::string_view PropsString, const Long& ItemID,
+                                          const Long& TypeID) {
+  const Caller caller = Enter(PropsString, kReads);
+  return EntryOf(caller.db, ItemID, TypeID);
+}
+
+Ref<Dictionary> ItemInfo::GetSubMesDetailByNumber(std::string_view PropsString, const Long& TypeID,
+                                                  const String& Number) {
+  const Caller caller = Enter(PropsString, kReads);
+  return SubMessages().Read(caller.db,
+                            SubMessages().IdWith(caller.db, "FNumber", Number, "FTypeID", TypeID));
+}
+
+Ref<Recordset> ItemInfo::GetSubMesList(std::string_view PropsString, const Variant& TypeID,
+                                       const Long&, const String& Filter, const String& Sort) {
+  const Caller caller = Enter(PropsString, kReads);
+  const MasterData::Description& entries = SubMessages().description();
+  const std::int64_t type = TypeID.As<Long>();
+  const BoundValue values[] = {type, type};
+  const std::string query = std::string(entries.query) + " WHERE (FTypeID = ? OR ? = 0)";
+  return FetchList(caller.db, {query, SubMessages().Columns(), entries.order}, Filter, Sort,
+                   values);
+}
+
+Long ItemUpdate::CreateSubMesType(std::string_view PropsString, const String& Name,
+                                  std::string_view MachineName, std::string_view IPAddress) {
+  return CreateNamed(SubMessageTypes(), PropsString, Name, MachineName, IPAddress);
+}
+
+void ItemUpdate::RenameSubMesType(std::string_view PropsString, const Long& TypeID,
+                                  const String& Name, std::string_view MachineName,
+                                  std::string_view IPAddress) {
+  RenameRecord(SubMessageTypes(), PropsString, TypeID, Name, MachineName, IPAddress);
+}
+
+void ItemUpdate::DeleteSubMesType(std::string_view PropsString, const Long& TypeID,
+                                  std::string_view MachineName, std::string_view IPAddress) {
+  DeleteRecord(SubMessageTypes(), PropsString, TypeID, MachineName, IPAddress);
+}
+
+Long ItemUpdate::CreateSubMes(std::string_view PropsString, Long TypeID,
+                              const Ref<Dictionary>& dict) {
+  const Caller caller = EnterUnconfirmed(PropsString, kWrites);
+  RecordSave save(caller, SubMessages(), dict);
+  save.PutOwner("FTypeID", TypeID);
+  save.Run();
+  return save.id();
+}
+
+void ItemUpdate::UpdateSubMes(std::string_view PropsString, const Long& ItemID,
+                              const Ref<Dictionary>& dict, const Long& TypeID) {
+  const Caller caller = EnterUnconfirmed(PropsString, kWrites);
+  CallersTransaction transaction(caller, Transaction::Kind::kChangeRules);
+  RequireEntry(caller.db, ItemID, TypeID);
+  RecordSave(caller, SubMessages(), dict, ItemID).Run();
+  transaction.Commit();
+}
+
+void ItemUpdate::DeleteSubMes(std::string_view PropsString, const Long& ItemID, const Long& TypeID,
+                              std::string_view MachineName, std::string_view IPAddress) {
+  const Caller caller = EnterUnconfirmed(PropsString, kWrites);
+  RecordRemoval removal(caller, SubMessages(), ItemID);
+  RequireEntry(caller.db, ItemID, TypeID);
+  removal.Remove();
+  removal.Commit(MachineName, IPAddress);
+}
+
+}  // namespace
+
+const MasterData& SubMessages() {
+  using enum ColumnType;
+  static const MasterData kKind({
+      .component = "QDSVGLItem.SubMes",
+      .noun = "sub-message",
+      .nouns = "sub-messages",
+      .list = {"sub-messages", "Lists the entries of the sub-message dictionaries",
+               "FItemID FTypeID FNumber FName"},
+      .table = "t_SubMes",
+      .id = "FItemID",
+      .key = {.column = "FNumber", .within = "FTypeID"},
+      .columns = {{.column = {"FTypeID", kLong},
+                   .refers = {.kind = SubMessageTypes, .is_required = true}},
+                  {{"FNumber", kText}},
+                  {{"FName", kText}},
+                  {{"FFullName", kText}},
+                  {{"FSpec", kText}},
+                  {{"FAgioRatio", kDouble}},
+                  {{"FCoefficient", kDouble}},
+                  {{"FDay", kLong}},
+                  {{"UUID", kText}}},
+      .order = "FTypeID, FNumber",
+      .check = CheckEntry,
+      .errors = "Required, BadReference, NumberTaken, BadValue",
+      .components = {ComponentOf<ItemInfo>(), ComponentOf<ItemUpdate>()},
+  });
+  return kKind;
+}
+
+const MasterData& SubMessageTypes() {
+  using enum ColumnType;
+  static const MasterData kKind({
+      .component = "QDSVGLItem.SubMesType",
+      .noun = "sub-message type",
+      .nouns = "sub-message types",
+      .brief = "type",
+      .list = {"sub-message-types", "Lists the sub-message dictionaries", "FTypeID FName"},
+      .table = "t_SubMesType",
+      .id = "FTypeID",
+      .key = {"FName"},
+      .columns = {{{"FName", kText}}},
+      .helps = {{"Delete", "Removes a type without entries. NotFound, InUse."}},
+  });
+  return kKind;
+}
+
+}  // namespace qdclgl::server
