@@ -122,20 +122,7 @@ int PrintVoucher(const VoucherOptions& options, const Console& console) {
   return kDone;
 }
 
-}  // namespace
-
-// ---- The steps ----
-
-int RunStep(const Step& step, const Login& login, const std::vector<Long>& ids, bool all,
-            const Console& console) {
-  if (all == !ids.empty()) throw UsageError(std::string(step.name) + " takes IDs or --all");
-  const std::string props = login.Open();
-  return all ? TakeStepOnAll(step, props, console) : TakeStep(step, ids, props, console);
-}
-
 // ---- voucher --from-template ----
-
-namespace {
 
 // "2=850.50"
 void AddAmount(std::map<Long, Currency>& amounts, const std::string& text) {
@@ -182,6 +169,15 @@ void AddTemplateOptions(CLI::App& command, TemplateUse& use) {
 }
 
 }  // namespace
+
+// ---- The steps ----
+
+int RunStep(const Step& step, const Login& login, const std::vector<Long>& ids, bool all,
+            const Console& console) {
+  if (all == !ids.empty()) throw UsageError(std::string(step.name) + " takes IDs or --all");
+  const std::string props = login.Open();
+  return all ? TakeStepOnAll(step, props, console) : TakeStep(step, ids, props, console);
+}
 
 void AddVoucherCommands(Program& program) {
   const auto options = std::make_shared<VoucherOptions>();

@@ -226,8 +226,8 @@ Ref<Recordset> CheckBooks(Database& db, std::string_view kept_head) {
   CheckItemClasses(db, findings);
   CheckUsers(db, findings);
   CheckReferences(db, findings);
-  CheckUnits(db, findings);
   CheckNotes(db, findings);
+  CheckUnits(db, findings);
   CheckSettings(db, findings);
   CheckTrail(db, kept_head, findings);
   CheckDatabase(db, findings);

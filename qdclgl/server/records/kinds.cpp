@@ -4,18 +4,17 @@
 
 namespace qdclgl::server {
 
-// Each kind's function stands in the file that describes it: of this folder, or of one above where
-// the kind has something of vouchers.
+// Each kind's function stands in the file that describes it.
 // clang-format off
 // BEGIN kinds (scripts/update-derived)
 const MasterData& MultiLedgers();
 const MasterData& Accounts();
 const MasterData& Currencies();
 const MasterData& MeasureUnits();
+const MasterData& Notes();
 const MasterData& SubMessages();
 const MasterData& SubMessageTypes();
 const MasterData& UnitGroups();
-const MasterData& Notes();
 const MasterData& ItemClasses();
 const MasterData& Users();
 const MasterData& VoucherGroups();
@@ -27,10 +26,10 @@ std::span<const MasterData* const> MasterDataKinds() {
       &Accounts(),
       &Currencies(),
       &MeasureUnits(),
+      &Notes(),
       &SubMessages(),
       &SubMessageTypes(),
       &UnitGroups(),
-      &Notes(),
       &ItemClasses(),
       &Users(),
       &VoucherGroups(),
