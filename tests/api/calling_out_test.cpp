@@ -99,8 +99,9 @@ class Neighbourhood final : public Gateway {
   // A row that holds an object.
   Ref<Dictionary> FullRow() {
     auto row = Row({{"Held", Variant(Make<Neighbour>(*this))}});
-    for (const std::string_view id : {"FGroupID", "FAccountID", "FCurrencyID", "FVoucherID",
-                                      "FMeasureUnitID", "FUnitGroupID", "FItemID", "FTypeID", "FItemClassID"}) {
+    for (const std::string_view id :
+         {"FGroupID", "FAccountID", "FCurrencyID", "FVoucherID", "FMeasureUnitID", "FUnitGroupID",
+          "FItemID", "FTypeID", "FItemClassID"}) {
       row->Put(id, Variant(Long{5}));
     }
     return row;
