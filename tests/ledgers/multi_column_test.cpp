@@ -165,6 +165,15 @@ TEST_F(MultiColumnSetTest, SortByDCEndsWithAnExchangeWithTheLastRow) {
   // The exchange of the first and the last leaves a credit before a debit.
   EXPECT_EQ(BySide({0, 0, 1}), "321");
   EXPECT_EQ(BySide({0, 2, 0, 1}), "4231");
+  int reads = 0;
+  const auto side = [&](Long value) {
+    return Variant(Make<Foreign>([&reads, value]() -> Variant {
+      ++reads;
+      return value;
+    }));
+  };
+  EXPECT_EQ(BySide({side(0), side(0), side(1)}), "321");
+  EXPECT_EQ(reads, 3) << "nothing is read behind it";
 }
 
 TEST_F(MultiColumnSetTest, SortByDCLeavesOtherSidesWhereTheyAreAndTakesNoneForCredit) {

@@ -130,11 +130,6 @@ TEST_F(MultiLedgerTest, HasItsMembersInInterfaceOrderAndIsMadeByItsSetAlone) {
             "error 438 (MultiLedger): No member Construct.");
 }
 
-TEST_F(MultiLedgerTest, TheDefaultMemberIsTheBag) {
-  const auto ledger = ViewOn<MultiLedger>(Stored());
-  EXPECT_EQ(ledger->DefaultValue().As<Properties>(), ledger->Properties());
-}
-
 TEST_F(MultiLedgerTest, ReadsDefaultsWhereTheRowHasNoValue) { testing::ExpectDefaults(Columns()); }
 
 TEST_F(MultiLedgerTest, ReadsEachMemberFromItsKeyAlone) { testing::ExpectReads(Columns()); }
