@@ -69,7 +69,7 @@ struct EntityCase {
   bool copies_baseline = false;       // CancelChanges goes back to a copy of the row, nobody else's
   bool keeps_id_without_key = false;  // Construct of a row without the id leaves the object's id
   bool refresh_takes_id = false;      // Refresh takes the id of the row that it reads
-  bool cancel_constructs = false;       // CancelChanges constructs the object of its row anew
+  bool cancel_constructs = false;     // CancelChanges constructs the object of its row anew
   bool refresh_shows_failures = false;  // Refresh shows a failure to the user and raises nothing
   ChangeRecord saved_by = ChangeRecord::kDictionary;
   bool stamps = true;         // a save writes the machine's name and address into the row
