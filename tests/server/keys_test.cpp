@@ -27,7 +27,7 @@ std::string_view Word(ColumnType type) {
   return "";
 }
 
-// Sets whose components the server does not have yet.
+// Sets whose lists the server does not have yet.
 constexpr std::string_view kWithoutServer[] = {"ItemSet"};
 
 // The list that has this column first, as a component describes it.
@@ -65,7 +65,7 @@ TEST_P(KeysTest, EachKeyOfAClassIsAColumnOfItsList) {
     if (current == nullptr || set->Find("RecordSet") == nullptr) continue;
     ++sets;
     if (std::ranges::find(kWithoutServer, set->name()) != std::end(kWithoutServer)) {
-      EXPECT_EQ(RefusalOf([&] { ColumnsOf(*set); }), "error 429") << set->name();
+      EXPECT_EQ(RefusalOf([&] { ColumnsOf(*set); }), "error 438") << set->name();
       continue;
     }
     const auto columns = ColumnsOf(*set);

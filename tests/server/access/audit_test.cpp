@@ -21,6 +21,11 @@ TEST_P(AuditTest, TheTrailOfNewBooksTellsOfTheirMaking) {
                           "FNumber"}),
             "1 administrator Setting 0  Create 1\n"
             "1 administrator Currency 1 EUR (EUR) Create 1\n"
+            "1 administrator ItemClass 1 DEP (部门) Create 1\n"
+            "1 administrator ItemClass 2 STAFF (职员) Create 1\n"
+            "1 administrator ItemClass 3 CUSTOMER (客户) Create 1\n"
+            "1 administrator ItemClass 4 SUPPLIER (供应商) Create 1\n"
+            "1 administrator ItemClass 5 GOODS (商品) Create 1\n"
             "1 administrator User 1 administrator Create 1\n");
   EXPECT_EQ(TextOf(List("FSubject IN ('Setting', 'Currency')"), {"FChanges"}),
             R"({"new":{"GL.CurrentPeriod":"1","GL.CurrentYear":"2024","GL.PeriodByMonth":"1",)"
@@ -67,7 +72,7 @@ TEST_P(AuditTest, RefusedCallsLeaveNoTrace) {
 TEST_P(AuditTest, EveryReaderReadsAndStrangersDoNot) {
   AddUser("anna", "reader");
   Login("anna");
-  EXPECT_EQ(List()->RecordCount(), 4);
+  EXPECT_EQ(List()->RecordCount(), 9);
   EXPECT_NE(Head(), "");
   for (const char* method : {"GetList", "GetHead"}) {
     EXPECT_EQ(RefusalOf([&] { Call("QDSVGLAudit.AuditInfo", method, connection); }), "NotLoggedIn");

@@ -49,7 +49,7 @@ class TrailSealTest : public LedgerTest {
 };
 
 TEST_P(TrailSealTest, TheMakingOfBooksIsSealed) {
-  EXPECT_TRUE(made_with_.starts_with("1 3 3\n")) << made_with_;
+  EXPECT_TRUE(made_with_.starts_with("1 8 8\n")) << made_with_;
 }
 
 TEST_P(TrailSealTest, ClosingSealsAllThatWasDone) {

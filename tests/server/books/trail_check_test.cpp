@@ -118,8 +118,8 @@ TEST_P(TrailCheckTest, AChainTellsWhichRowIsWrong) {
                           " AND FNumber = 2"),
             "Trail Voucher 1 Row 2 of its trail is missing.\n"
             "Seal Audit 2 Its block has " +
-                std::to_string(DeedIds().size() - 6) + " row(s), sealed were " +
-                std::to_string(DeedIds().size() - 5) + ".\n");
+                std::to_string(DeedIds().size() - 11) + " row(s), sealed were " +
+                std::to_string(DeedIds().size() - 10) + ".\n");
   EXPECT_EQ(ProblemsAfter("UPDATE t_Audit SET FUserName = 'bob' WHERE FSubject = 'User' AND"
                           " FAction = 'SetPassword'"),
             "Trail User 2 Row 2 of its trail was changed.\n");
