@@ -129,7 +129,7 @@ std::string QuestionAbout(const MasterData& kind, const std::vector<Ref<Dictiona
   const MasterData::Description& description = kind.description();
   std::string names;
   for (const Ref<Dictionary>& record : found) {
-    names += (names.empty() ? " " : ", ") + OneLine(MasterData::NameOf(*record));
+    names += (names.empty() ? " " : ", ") + OneLine(kind.NameOf(*record));
   }
   return "Remove " + std::string(found.size() == 1 ? description.noun : description.nouns) + names +
          "?";
