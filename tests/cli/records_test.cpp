@@ -47,7 +47,7 @@ const std::vector<Sample>& Samples() {
       {"unit-groups", "Lengths", {}, "Heights", "FName=Lengths"},
       {"units",
        "KG",
-       {"FUnitGroupID=1", "FName=Kilogram", "FCoefficient=1"},
+       {"FUnitGroupID=1", "FName=Kilogram"},
        "KILO",
        "FName=kilogramme",
        {{"add", "unit-groups", "Masses"}}},
@@ -64,6 +64,13 @@ Words operator+(Words words, const Words& more) {
 // A cell of JSON as the command line takes it.
 std::string TextOf(const Json& cell) {
   return cell.is_string() ? cell.get<std::string>() : cell.dump();
+}
+
+// What a record has in the columns that callers write; others may follow from these.
+Json Written(const server::MasterData& kind, const Json& row) {
+  Json written;
+  for (const WrittenColumn& column : WrittenColumns(kind)) written[column.name] = row[column.name];
+  return written;
 }
 
 class Records : public CliTest {
@@ -201,8 +208,8 @@ TEST_P(Records, OfEachKindAreChangedAndRenamed) {
     const Json changed = Shown(sample);
     EXPECT_EQ(TextOf(changed[column]), sample.change.substr(sign + 1));
     expected[column] = changed[column];
-    expected["FVersion"] = 2;
-    EXPECT_EQ(changed, expected) << "nothing else";
+    EXPECT_EQ(Written(kind, changed), Written(kind, expected)) << "nothing else";
+    EXPECT_EQ(changed["FVersion"], 2);
 
     const std::string key_column(kind.description().key.column);
     ExpectDone(Run({"set", name, sample.key, key_column + "=" + sample.other_key}));
