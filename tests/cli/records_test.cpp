@@ -1,5 +1,7 @@
 // The commands for records of every kind: what is the same for all of them is proved for each kind
 // that the server has.
+#include "qdclgl/cli/records.h"
+
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 
@@ -9,7 +11,6 @@
 #include <sstream>
 
 #include "qdclgl/cli/program.h"
-#include "qdclgl/cli/record_kinds.h"
 #include "qdclgl/server/db/connections.h"
 #include "tests/cli/cli_fixture.h"
 
@@ -472,6 +473,21 @@ TEST_P(Records, OfTwoWhoChangeOneAtOnceNobodyLosesAnything) {
                .out)) {
     EXPECT_EQ(Json::parse(deed["FChanges"].get<std::string>()).size(), 2u) << deed;
   }
+}
+
+TEST_P(Records, ThatTwoHaveReadAreNotOverwrittenByTheSecond) {
+  Make();
+  ExpectDone(Run({"add", "currencies", "USD", "FName=Dollar"}));
+  const Login login{book, "administrator"};
+  const cli::Records records(KindNamed("currencies"), login.Open());
+  const Ref<Dictionary> first = records.Find("usd"), second = records.Find("USD");
+  first->Put("FName", Variant("first"));
+  second->Put("FScale", Variant(Long{3}));
+  records.Save(first, records.IdOf(*first));
+  EXPECT_THROW(records.Save(second, records.IdOf(*second)), Error);
+  const Json row = Json::parse(Run({"show", "currencies", "USD", "--json"}).out).at(0);
+  EXPECT_EQ(row["FName"], "first");
+  EXPECT_EQ(row["FScale"], 2);
 }
 
 QDCLGL_CLI_TEST(Records);
