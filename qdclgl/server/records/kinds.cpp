@@ -10,12 +10,12 @@ namespace qdclgl::server {
 const MasterData& MultiLedgers();
 const MasterData& Accounts();
 const MasterData& Currencies();
+const MasterData& ItemClasses();
 const MasterData& MeasureUnits();
 const MasterData& Notes();
 const MasterData& SubMessages();
 const MasterData& SubMessageTypes();
 const MasterData& UnitGroups();
-const MasterData& ItemClasses();
 const MasterData& Users();
 const MasterData& VoucherGroups();
 const MasterData& VoucherTemps();
@@ -25,12 +25,12 @@ std::span<const MasterData* const> MasterDataKinds() {
       &MultiLedgers(),
       &Accounts(),
       &Currencies(),
+      &ItemClasses(),
       &MeasureUnits(),
       &Notes(),
       &SubMessages(),
       &SubMessageTypes(),
       &UnitGroups(),
-      &ItemClasses(),
       &Users(),
       &VoucherGroups(),
       &VoucherTemps(),
