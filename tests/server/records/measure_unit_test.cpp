@@ -276,6 +276,15 @@ TEST_P(MeasureUnitTest, AFactorThatLeavesNoUnitAtOneOrIsNoneIsRefused) {
   EXPECT_EQ(State(), with_tiny) << "all or nothing";
 }
 
+TEST_P(MeasureUnitTest, AUnitMarkedDeletedDoesNotBecomeTheDefaultOne) {
+  const Long group = Weights();
+  UseInAccount(*this, kilogram);
+  Delete(kilogram);
+  const std::string before = State();
+  EXPECT_EQ(RefusalOf([&] { Adjust(group, 1000, true); }), "BadValue");
+  EXPECT_EQ(State(), before);
+}
+
 TEST_P(MeasureUnitTest, AnAdjustmentFailsAsAWholeAtEachStatement) {
   const Long group = Weights();
   FailEachStatement([&] { Adjust(group, 1000, true); });
