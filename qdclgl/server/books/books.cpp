@@ -80,10 +80,14 @@ Long BooksUpdate::Upgrade(std::string_view connection) {
   Transaction transaction(db, Transaction::Kind::kChangeRules);
   const int version = SchemaVersion(db);
   if (version == 0 || version > CurrentSchemaVersion()) RequireCurrentSchema(db);
+  std::vector<TrailedKind> new_kinds = TrailedKinds();
+  std::erase_if(new_kinds, [&](const TrailedKind& kind) { return HasTable(db, kind.table); });
   Migrate(db, CurrentSchemaVersion());
-  // Nobody is logged in.
+  const Caller nobody = CallerFromHere(db, 0, "");
   if (version < CurrentSchemaVersion() && !HasTrailBegun(db)) {
-    BeginTrail(CallerFromHere(db, 0, ""), "Upgrade");
+    BeginTrail(nobody, "Upgrade");
+  } else {
+    for (const TrailedKind& kind : new_kinds) TrailRecords(nobody, "Upgrade", kind);
   }
   GrantToProgramRoles(db);
   transaction.Commit();

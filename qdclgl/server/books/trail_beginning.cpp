@@ -34,20 +34,22 @@ void WriteWhole(const Caller& caller, std::string_view action, std::string_view 
 
 }  // namespace
 
+void TrailRecords(const Caller& caller, std::string_view action, const TrailedKind& kind) {
+  InRanges([&](Long from) { return NextId(caller.db, kind.table, kind.id, from); },
+           [&](Long first, Long last) {
+             for (const auto& [id, record] : kind.read(caller.db, first, last)) {
+               WriteWhole(caller, action, kind.subject, id, record.name, record.state);
+             }
+           });
+}
+
 void BeginTrail(const Caller& caller, std::string_view action) {
   Database& db = caller.db;
   for (const auto& [subject] : db.Query<std::string>("SELECT DISTINCT FSubject FROM t_Audit")) {
     LinkRows(db, subject);
   }
   WriteWhole(caller, action, kSettingSubject, 0, "", TrailedSettings(db).row());
-  for (const TrailedKind& kind : TrailedKinds()) {
-    InRanges([&](Long from) { return NextId(db, kind.table, kind.id, from); },
-             [&](Long first, Long last) {
-               for (const auto& [id, record] : kind.read(db, first, last)) {
-                 WriteWhole(caller, action, kind.subject, id, record.name, record.state);
-               }
-             });
-  }
+  for (const TrailedKind& kind : TrailedKinds()) TrailRecords(caller, action, kind);
   SealTrail(db);
 }
 

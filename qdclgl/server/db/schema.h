@@ -20,6 +20,8 @@ std::span<const Migration> Migrations();
 
 inline int CurrentSchemaVersion() { return static_cast<int>(Migrations().size()); }
 
+bool HasTable(Database& database, std::string_view table);
+
 // The version of the books, 0 for a database without books.
 int SchemaVersion(Database& database);
 

@@ -9,8 +9,12 @@ namespace qdclgl::server {
 // BEGIN kinds (scripts/update-derived)
 const MasterData& MultiLedgers();
 const MasterData& Accounts();
+const MasterData& CheckTypes();
 const MasterData& Currencies();
 const MasterData& MeasureUnits();
+const MasterData& Payments();
+const MasterData& SettAccts();
+const MasterData& SettTypes();
 const MasterData& SubMessages();
 const MasterData& SubMessageTypes();
 const MasterData& UnitGroups();
@@ -21,8 +25,12 @@ std::span<const MasterData* const> MasterDataKinds() {
   static const std::array kKinds = {
       &MultiLedgers(),
       &Accounts(),
+      &CheckTypes(),
       &Currencies(),
       &MeasureUnits(),
+      &Payments(),
+      &SettAccts(),
+      &SettTypes(),
       &SubMessages(),
       &SubMessageTypes(),
       &UnitGroups(),

@@ -261,10 +261,12 @@ bool VoucherTree::ReadLines(Database& db) {
   static constexpr Storage kParameters[] = {Storage::kWhole};
   static const std::string kLines =
       "SELECT " + NamesOf(kLineColumns, "e.") +
-      ", a.FNumber, a.FName, c.FNumber, c.FName, e.FExtra, v.FVersion FROM t_VoucherEntry e"
+      ", a.FNumber, a.FName, c.FNumber, c.FName, COALESCE(s.FNumber, ''), COALESCE(s.FName, ''),"
+      " e.FExtra, v.FVersion FROM t_VoucherEntry e"
       " JOIN t_Voucher v ON v.FVoucherID = e.FVoucherID"
       " JOIN t_Account a ON a.FAccountID = e.FAccountID"
       " JOIN t_Currency c ON c.FCurrencyID = e.FCurrencyID"
+      " LEFT JOIN t_SettType s ON s.FItemID = e.FSettleTypeID"
       " WHERE e.FVoucherID = ? ORDER BY e.FEntryID";
   static const std::vector<Storage> kLineResults =
       StoragesOf(Joined(kLineColumns, kLineNames, kExtra, kVersion));
