@@ -31,6 +31,8 @@ const MasterData& Payments() {
       .list = {"payment-terms", "Lists the payment terms",
                "FNumber FName FType FBeforeDays FMonthPayDay FStandDays"},
       .table = "t_Payment",
+      .id = "FItemID",
+      .key = {.column = "FNumber", .ignores_case = true},
       .columns = {{{"FBeforeDays", kInteger}},
                   {{"FMonthPayDay", kInteger}},
                   {{"FType", kText}, Keeper::kCaller, "1"},

@@ -15,6 +15,8 @@ const MasterData& SettAccts() {
           .list = {"settlement-accounts", "Lists the settlement accounts",
                    "FNumber FName AcctNumber FBalance"},
           .table = "t_SettAcct",
+          .id = "FItemID",
+          .key = {.column = "FNumber", .ignores_case = true},
           .columns = {{{"FBrNo", kText}, Keeper::kCaller, "0"},
                       {{"FBalance", kDouble}},
                       {{"FStartPeriod", kText}},

@@ -14,6 +14,8 @@ const MasterData& SettTypes() {
           .nouns = "settlement types",
           .list = {"settlement-types", "Lists the settlement types", "FNumber FName AcctNumber"},
           .table = "t_SettType",
+          .id = "FItemID",
+          .key = {.column = "FNumber", .ignores_case = true},
           .columns = {{{"FBrNo", ColumnType::kText}, Keeper::kCaller, "0"}},
       },
       {{"FAcctID", "AcctNumber", SettAccts}}));

@@ -58,8 +58,6 @@ MasterData::Description SettlementDictionary(MasterData::Description own,
   columns.insert(columns.end(), own.columns.begin(), own.columns.end());
   columns.push_back({{kDeleted, kInteger}});
   own.columns = std::move(columns);
-  own.id = "FItemID";
-  own.key = {.column = record_column::kNumber, .ignores_case = true};
   own.deleted = kDeleted;
   own.order = record_column::kNumber;
   if (own.check == CheckKey) own.check = CheckSettlement;

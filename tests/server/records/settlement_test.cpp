@@ -40,7 +40,6 @@ void PrepareAccounts(RecordBooks& books) {
 
 // A dictionary of these columns between number and name and the mark.
 RecordKind OfSettlement(RecordKind kind, std::vector<RecordKind::Column> columns) {
-  kind.id = "FItemID";
   kind.columns = {{"FNumber", "A1", "B_2"}, {"FName", "First", "Second"}};
   kind.columns.insert(kind.columns.end(), columns.begin(), columns.end());
   kind.columns.push_back({"FDeleted", Integer{0}, Integer{0}});
@@ -48,7 +47,6 @@ RecordKind OfSettlement(RecordKind kind, std::vector<RecordKind::Column> columns
   kind.coded = {"FNumber"};
   kind.required = {"FNumber"};
   kind.unique = {{"FNumber", "NumberTaken"}};
-  kind.order = "FNumber";
   kind.text_key = "FNumber";
   kind.detail_by_text = "GetDetailByNumber";
   kind.text_argument = "Number";
@@ -63,8 +61,11 @@ const RecordKind kSettTypes = OfSettlement(
         .info = "QDSVGLSettType.SettTypeInfo",
         .update = "QDSVGLSettType.SettTypeUpdate",
         .table = "t_SettType",
+        .id = "FItemID",
+        .columns = {},
         .absent = {{"FBrNo", "0"}, {"AcctNumber", ""}},
         .joined = {"AcctNumber"},
+        .order = "FNumber",
         .id_argument = "SettTypeID",
         .uses = {[](RecordBooks& books, Long type) {
           const std::string name = "V" + std::to_string(type);
@@ -103,8 +104,11 @@ const RecordKind kSettAccts = OfSettlement(
         .info = "QDSVGLSettAcct.SettAcctInfo",
         .update = "QDSVGLSettAcct.SettAcctUpdate",
         .table = "t_SettAcct",
+        .id = "FItemID",
+        .columns = {},
         .absent = {{"FBrNo", "0"}, {"AcctNumber", ""}},
         .joined = {"AcctNumber"},
+        .order = "FNumber",
         .id_argument = "SettAcctID",
         .uses = {[](RecordBooks& books, Long account) {
           Create(books, "QDSVGLSettType.SettType",
@@ -128,6 +132,8 @@ const RecordKind kCheckTypes = OfSettlement(
         .info = "QDSVGLCheckType.CheckTypeInfo",
         .update = "QDSVGLCheckType.CheckTypeUpdate",
         .table = "t_CheckType",
+        .id = "FItemID",
+        .columns = {},
         .absent = {{"AdjustAcctNumber", ""},
                    {"CheckAcctNumber", ""},
                    {"CostAcctNumber", ""},
@@ -136,6 +142,7 @@ const RecordKind kCheckTypes = OfSettlement(
                    {"ZZCXAcctNumber", ""}},
         .joined = {"AdjustAcctNumber", "CheckAcctNumber", "CostAcctNumber", "IncomAcctNumber",
                    "SellAcctNumber", "ZZCXAcctNumber"},
+        .order = "FNumber",
         .id_argument = "CheckTypeID",
         .prepare = PrepareAccounts,
         .references = {ToAccount("FAdjustAcctID"), ToAccount("FCheckAcctID"),
@@ -163,7 +170,10 @@ const RecordKind kPayments = OfSettlement(
         .info = "QDSVGLPayment.PaymentInfo",
         .update = "QDSVGLPayment.PaymentUpdate",
         .table = "t_Payment",
+        .id = "FItemID",
+        .columns = {},
         .absent = {{"FType", "1"}},
+        .order = "FNumber",
         .id_argument = "PaymentID",
     },
     {{"FBeforeDays", Integer{5}, Integer{999}},
