@@ -6,9 +6,13 @@
 #include "qdclgl/accounts/currency.h"
 #include "qdclgl/frame/vocabulary/text.h"
 #include "qdclgl/ledgers/multi_ledger_set.h"
+#include "qdclgl/masterdata/check_type.h"
 #include "qdclgl/masterdata/item.h"
 #include "qdclgl/masterdata/item_class.h"
 #include "qdclgl/masterdata/measure_unit_group.h"
+#include "qdclgl/masterdata/payment.h"
+#include "qdclgl/masterdata/sett_acct.h"
+#include "qdclgl/masterdata/sett_type.h"
 #include "qdclgl/masterdata/sub_mes.h"
 #include "qdclgl/masterdata/sub_mes_type.h"
 #include "qdclgl/notes/note.h"
@@ -43,10 +47,18 @@ std::span<const ClassTable* const> PublicClasses() {
       &ItemSet::Table(),
       &ItemClass::Table(),
       &ItemClassSet::Table(),
+      &CheckType::Table(),
+      &CheckTypeSet::Table(),
       &MeasureUnit::Table(),
       &MeasureUnitSet::Table(),
       &MeasureUnitGroup::Table(),
       &MeasureUnitGroupSet::Table(),
+      &Payment::Table(),
+      &PaymentSet::Table(),
+      &SettAcct::Table(),
+      &SettAcctSet::Table(),
+      &SettType::Table(),
+      &SettTypeSet::Table(),
       &SubMes::Table(),
       &SubMesSet::Table(),
       &SubMesType::Table(),

@@ -117,6 +117,10 @@ TEST_P(Faults, ClosingIsWholeOrRefused) {
 
 TEST_P(Faults, SavesOfMasterDataAreWholeOrRefused) {
   Sweep("Account", [&] { AddAccount("5000"); });
+  Sweep("Reference", [&] {
+    Call("QDSVGLSettAcct.SettAcctUpdate", "Create", props,
+         Row({{"FNumber", "TILL"}, {"FAcctID", Long{1}}}));
+  });
 }
 
 TEST_P(Faults, BatchesAreWholeOrRefused) {

@@ -55,12 +55,14 @@ class Stage : public LedgerTest {
   }
   void TestBody() override {}
 
+  using LedgerTest::AddUser;
   using LedgerTest::BalanceText;
   using LedgerTest::Books;
   using LedgerTest::Breaches;
   using LedgerTest::Call;
   using LedgerTest::connection;
   using LedgerTest::Line;
+  using LedgerTest::props;
   using LedgerTest::Read;
   using LedgerTest::Sale;
   using LedgerTest::Save;
@@ -272,6 +274,47 @@ std::vector<Scene> Scenes() {
           }}}},
        nullptr,
        VouchersText},
+      {"one removes a settlement type, one saves a line that names it",
+       {"type",
+        "administrator",
+        {{"removes",
+          [](Hands& hands) {
+            CreateObject("QDSVGLSettType.SettTypeUpdate")->Call("Delete", hands.props, Long{1});
+          }}}},
+       {"save",
+        "Bob",
+        {{"saves",
+          [](Hands& hands) {
+            CallUpdate("Create", hands.props,
+                       Stage::Voucher("2024-01-15",
+                                      {Stage::Line("1000", 5, 0, {{"FSettleTypeID", Long{1}}}),
+                                       Stage::Line("3000", 0, 5)}));
+          }}}},
+       [](Stage& stage) {
+         stage.Call("QDSVGLSettType.SettTypeUpdate", "Create", stage.props,
+                    ::qdclgl::testing::Row({{"FNumber", "CHQ"}}));
+       },
+       VouchersText},
+      {"one removes an account, one saves a settlement account on it",
+       {"account",
+        "administrator",
+        {{"removes",
+          [](Hands& hands) {
+            CreateObject("QDSVGLAccount.AccountUpdate")->Call("Delete", hands.props, Long{2});
+          }}}},
+       {"save",
+        "Cleo",
+        {{"saves",
+          [](Hands& hands) {
+            CreateObject("QDSVGLSettAcct.SettAcctUpdate")
+                ->Call("Create", hands.props,
+                       ::qdclgl::testing::Row({{"FNumber", "BANK"}, {"FAcctID", Long{2}}}));
+          }}}},
+       [](Stage& stage) { stage.AddUser("Cleo", "administrator"); },
+       [](Stage& stage) {
+         const auto rows = stage.Books().Query<Long>("SELECT FAcctID FROM t_SettAcct");
+         return std::to_string(rows.size()) + " settlement accounts";
+       }},
       {"one takes the other's role away, the other saves",
        {"demote", "administrator", {{"reads", ReadBob}, {"demotes", DemoteBob}}},
        saves_new("Bob", 2),

@@ -1,5 +1,7 @@
 #include "qdclgl/frame/entities/entity_set.h"
 
+#include <algorithm>
+
 #include "qdclgl/frame/objects/variant_kind.h"
 
 namespace qdclgl {
@@ -66,12 +68,10 @@ Ref<Dictionary> EntityListBase::FetchRow(Variant Key) const {
 Long EntityListBase::CheckExistence(std::initializer_list<Argument> keys) {
   const CallingOut out(this);
   const Ref<Object> info = ServerGateway().CreateInstance(Protocol().info_component);
-  for (const Argument& key : keys) {
-    if (!key.IsMissing()) {
-      return info->Call("ExistenceCheck", GetPropsString(), Argument(key)).As<Long>();
-    }
-  }
-  return 0;
+  const auto given = std::ranges::find_if_not(keys, &Argument::IsMissing);
+  if (given == keys.end() && !Protocol().asks_for_nothing) return 0;
+  const Argument& key = given == keys.end() ? *(given - 1) : *given;
+  return info->Call("ExistenceCheck", GetPropsString(), Argument(key)).As<Long>();
 }
 
 }  // namespace qdclgl

@@ -15,9 +15,10 @@ namespace qdclgl {
 
 // What differs between the sets of the family.
 struct SetProtocol {
-  const char* info_component;    // reads
-  const char* update_component;  // writes
-  const char* text_key_method;   // reads one row by its number or name
+  const char* info_component;     // reads
+  const char* update_component;   // writes
+  const char* text_key_method;    // reads one row by its number or name
+  bool asks_for_nothing = false;  // ExistenceCheck calls the server without a key too
 };
 
 // A recordset that is fetched on first use, and the context that its objects get.
@@ -106,7 +107,8 @@ class EntityListBase : public QueriedListBase {
   virtual Ref<Dictionary> FetchRow(Variant Key) const;
 
   // ExistenceCheck(PropsString, key) with the first of `keys` that is given, each as it is to be
-  // passed; 0 without a call when none is. The component is made in any case.
+  // passed. When none is, it goes with the last one, left out, if the set asks for nothing;
+  // otherwise 0 without a call. The component is made in any case.
   Long CheckExistence(std::initializer_list<Argument> keys);
 
   // Delete(PropsString, id by reference, and what follows it). Error 5 for id 0, which is no row.

@@ -6,6 +6,7 @@
 
 #include "qdclgl/frame/containers/recordset.h"
 #include "qdclgl/server/db/database.h"
+#include "qdclgl/server/records/voucher_names.h"
 
 namespace qdclgl::server {
 
@@ -31,12 +32,5 @@ class Findings {
   Ref<Recordset> list_ =
       Recordset::Create({"FRule", "FSubject", "FRecordID", "FRecord", "FProblem"});
 };
-
-// The text of a voucher's name, in SQL, for the tables v and g of kFromVouchers.
-inline constexpr std::string_view kVoucherName =
-    "CAST(v.FYear AS TEXT) || '/' || CAST(v.FPeriod AS TEXT) || ' ' || COALESCE(g.FName, '?') ||"
-    " ' ' || CAST(v.FNumber AS TEXT)";
-inline constexpr std::string_view kFromVouchers =
-    " FROM t_Voucher v LEFT JOIN t_VoucherGroup g ON g.FGroupID = v.FGroupID";
 
 }  // namespace qdclgl::server

@@ -49,6 +49,20 @@ std::string InDialect(Database& database, std::string_view sql) {
   return result;
 }
 
+// A migration may give rows their ids: the ids that the database gives go on behind them, as SQLite
+// sees to by itself.
+void RaiseIdentities(Database& database) {
+  if (database.IsSQLite()) return;
+  for (const auto& [table, id] : database.Query<std::string, std::string>(
+           "SELECT table_name, column_name FROM information_schema.columns"
+           " WHERE table_schema = current_schema() AND is_identity = 'YES'")) {
+    const std::string sequence = "pg_get_serial_sequence('" + table + "', '" + id + "')";
+    database.QueryValue<std::int64_t>("SELECT setval(" + sequence + ", GREATEST(nextval(" +
+                                      sequence + "), (SELECT COALESCE(MAX(" + id + "), 0) + 1" +
+                                      " FROM " + table + ")), false)");
+  }
+}
+
 }  // namespace
 
 bool HasTable(Database& database, std::string_view name) {
@@ -67,6 +81,7 @@ int SchemaVersion(Database& database) {
 
 void Migrate(Database& database, int version) {
   int present = SchemaVersion(database);
+  if (present >= version) return;
   if (present == 0) {
     database.ExecuteScript(InDialect(database,
                                      "CREATE TABLE t_Schema (FVersion INTEGER NOT NULL PRIMARY KEY,"
@@ -78,6 +93,7 @@ void Migrate(Database& database, int version) {
     database.Execute("INSERT INTO t_Schema (FVersion, FTitle) VALUES (?, ?)", present + 1,
                      migration.title);
   }
+  RaiseIdentities(database);
 }
 
 void RequireCurrentSchema(Database& database) {

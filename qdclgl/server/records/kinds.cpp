@@ -9,10 +9,14 @@ namespace qdclgl::server {
 // BEGIN kinds (scripts/update-derived)
 const MasterData& MultiLedgers();
 const MasterData& Accounts();
+const MasterData& CheckTypes();
 const MasterData& Currencies();
 const MasterData& ItemClasses();
 const MasterData& MeasureUnits();
 const MasterData& Notes();
+const MasterData& Payments();
+const MasterData& SettAccts();
+const MasterData& SettTypes();
 const MasterData& SubMessages();
 const MasterData& SubMessageTypes();
 const MasterData& UnitGroups();
@@ -24,10 +28,14 @@ std::span<const MasterData* const> MasterDataKinds() {
   static const std::array kKinds = {
       &MultiLedgers(),
       &Accounts(),
+      &CheckTypes(),
       &Currencies(),
       &ItemClasses(),
       &MeasureUnits(),
       &Notes(),
+      &Payments(),
+      &SettAccts(),
+      &SettTypes(),
       &SubMessages(),
       &SubMessageTypes(),
       &UnitGroups(),

@@ -65,7 +65,7 @@ MasterData::MasterData(Description description)
   }
   if (description_.brief.empty()) description_.brief = description_.noun;
   if (description_.query.empty()) {
-    description_.query = Kept("SELECT * FROM " + std::string(description_.table));
+    description_.query = "SELECT * FROM " + std::string(description_.table);
   }
   if (description_.order.empty()) description_.order = description_.id;
   if (description_.errors.empty()) {
@@ -207,7 +207,7 @@ Variant RowsFor(Long id, const RowsById& rows) {
 
 Ref<Recordset> MasterData::List(Database& db, Long options, std::string_view filter,
                                 std::string_view sort) const {
-  std::string query(description_.query);
+  std::string query = description_.query;
   if ((options & kWithDeleted) == 0 && !description_.deleted.empty()) {
     query += " WHERE " + std::string(description_.deleted) + " = 0";
   }
@@ -237,7 +237,7 @@ Ref<Recordset> MasterData::WithNestedLists(Database& db, const Ref<Recordset>& l
 Ref<Dictionary> MasterData::Read(Database& db, Long id) const {
   static constexpr Storage kParameters[] = {Storage::kWhole};
   Statement& statement =
-      db.Prepared("SELECT " + NamesOf(shown_) + " FROM (" + std::string(description_.query) +
+      db.Prepared("SELECT " + NamesOf(shown_) + " FROM (" + description_.query +
                       ") AS record WHERE " + std::string(description_.id) + " = ?",
                   kParameters, StoragesOf(shown_));
   statement.Set(0, std::int64_t{id});

@@ -196,7 +196,7 @@ class MasterData {
     std::string_view deleted = {};                 // the column that marks a record deleted
     bool is_marked_when_used = false;              // by a removal, which is refused otherwise
     std::vector<RecordColumn> columns;             // all but id and version
-    std::string_view query = {};         // the table with the joined columns; otherwise the table
+    std::string query = {};              // the table with the joined columns; otherwise the table
     std::string_view order = {};         // of lists; otherwise by id
     std::vector<RecordList> lists = {};  // what belongs to a record elsewhere
     // What else does, which is on the trail only as columns tell of it: its keys in a sent row, and

@@ -1,8 +1,11 @@
 #include "qdclgl/server/records/references.h"
 
 #include "qdclgl/server/records/kinds.h"
+#include "qdclgl/server/records/voucher_names.h"
 
 namespace qdclgl::server {
+
+const MasterData& SettTypes();
 
 namespace {
 
@@ -29,12 +32,34 @@ void AddReferencesOf(const MasterData& kind, std::vector<Reference>& references)
   }
 }
 
+std::string VoucherName(Database& db, Long id) {
+  return db
+      .QueryValue<std::string>("SELECT " + std::string(kVoucherName) + std::string(kFromVouchers) +
+                                   " WHERE v.FVoucherID = ?",
+                               id)
+      .value_or("?");
+}
+
 }  // namespace
+
+std::span<const ReferringColumn> LineReferences() {
+  static constexpr ReferringColumn kReferences[] = {{"FSettleTypeID", {SettTypes}}};
+  return kReferences;
+}
 
 const std::vector<Reference>& References() {
   static const std::vector<Reference> kReferences = [] {
     std::vector<Reference> references;
     for (const MasterData* kind : MasterDataKinds()) AddReferencesOf(*kind, references);
+    for (const auto& [column, refers] : LineReferences()) {
+      references.push_back({.subject = "Voucher",
+                            .noun = "voucher",
+                            .table = "t_VoucherEntry",
+                            .id = "FVoucherID",
+                            .column = column,
+                            .refers = refers,
+                            .name_of = VoucherName});
+    }
     return references;
   }();
   return kReferences;

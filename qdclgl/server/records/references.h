@@ -9,6 +9,7 @@
 #include <map>
 #include <optional>
 #include <set>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -16,6 +17,10 @@
 #include "qdclgl/server/records/master_data.h"
 
 namespace qdclgl::server {
+
+// Those of voucher lines, by column. (Accounts, currencies and groups have rules of their own.)
+using ReferringColumn = std::pair<std::string_view, Referred>;
+std::span<const ReferringColumn> LineReferences();
 
 // A column of the books that holds ids.
 struct Reference {
@@ -41,7 +46,7 @@ std::optional<std::string> ReasonAgainst(Database& db, const Referred& refers,
 std::optional<std::string> ReferrerOf(Database& db, const MasterData& kind, Long id);
 
 // The ids in those columns of a record's lists that refer to something.
-using HeldIds = std::map<const std::pair<std::string_view, Referred>*, std::set<Long>>;
+using HeldIds = std::map<const ReferringColumn*, std::set<Long>>;
 HeldIds IdsInLists(Database& db, const MasterData& kind, Long id);
 
 }  // namespace qdclgl::server

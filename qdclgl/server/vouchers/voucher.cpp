@@ -253,7 +253,7 @@ Long VoucherUpdate::Create(std::string_view PropsString, const Ref<Dictionary>& 
   SetPreparer(caller, tree);
 
   CallersTransaction transaction(caller, Transaction::Kind::kSave);
-  ApplyRules(caller.db, VoucherFacts::Of(caller.db, tree), tree);
+  ApplyRules(caller.db, VoucherFacts::Of(caller.db, tree), nullptr, tree);
   GiveNumber(caller.db, nullptr, tree);
   tree.Insert(caller.db);
   constexpr Long kAutomatic = 2;
@@ -280,7 +280,7 @@ void VoucherUpdate::Update(std::string_view PropsString, const Long& VoucherID,
   const Long preparer = stored.state.Get<"FPreparerID">();
   if (preparer != caller.session->user_id) AddEditor(caller.db, stored, preparer);
   SetPreparer(caller, tree);
-  ApplyRules(caller.db, facts, tree);
+  ApplyRules(caller.db, facts, &stored, tree);
   GiveNumber(caller.db, &stored, tree);
   tree.Update(caller.db);
   AuditSave(caller, &stored, tree, *Voucher, caller.marked ? 2 : 1);

@@ -4,11 +4,13 @@
 #include <bit>
 #include <cmath>
 #include <map>
+#include <set>
 
 #include "qdclgl/frame/objects/conversions.h"
 #include "qdclgl/frame/vocabulary/text.h"
 #include "qdclgl/server/db/refusals.h"
 #include "qdclgl/server/records/currency.h"
+#include "qdclgl/server/records/references.h"
 #include "qdclgl/server/vouchers/exchange.h"
 #include "qdclgl/server/vouchers/line_size.h"
 
@@ -156,6 +158,27 @@ void SettleCurrencies(Database& db, VoucherTree& tree) {
     Refuse(refusal::kNotAtRate, LineSentence(tree, i) + amount_for.ToText() +
                                     (currency.exchange.divides ? " divided by " : " times ") +
                                     CStr(Variant(rate)) + " is not " + amount.ToText() + ".");
+  }
+}
+
+// Refuses ids that the save brings in and that are no records in use.
+void CheckReferences(Database& db, const VoucherTree* stored, const VoucherTree& tree) {
+  for (const auto& [column, refers] : LineReferences()) {
+    const auto at = std::ranges::find(kLineColumns, column, &Column::name);
+    const auto place = static_cast<std::size_t>(at - std::begin(kLineColumns));
+    const auto id_of = [&](const VoucherLine& line) {
+      return line.cells.values()[place].Held<Long>();
+    };
+    std::set<Long> known;
+    if (stored != nullptr) {
+      for (const VoucherLine& line : stored->lines) known.insert(id_of(line));
+    }
+    for (std::size_t i = 0; i < tree.lines.size(); ++i) {
+      const Long id = id_of(tree.lines[i]);
+      if (!known.insert(id).second) continue;
+      const auto reason = ReasonAgainst(db, refers, column, id);
+      if (reason) Refuse(refers.refusal, LineSentence(tree, i) + *reason);
+    }
   }
 }
 
@@ -330,7 +353,8 @@ VoucherFacts VoucherFacts::Of(Database& db, const VoucherTree& tree) {
   return {LedgerRules::From(settings), std::move(group), std::move(accounts)};
 }
 
-void ApplyRules(Database& db, const VoucherFacts& facts, VoucherTree& tree) {
+void ApplyRules(Database& db, const VoucherFacts& facts, const VoucherTree* stored,
+                VoucherTree& tree) {
   if (tree.header.Get<"FNumber">() < 0) {
     Refuse(refusal::kBadNumber, "The number of a voucher is not negative.");
   }
@@ -343,6 +367,7 @@ void ApplyRules(Database& db, const VoucherFacts& facts, VoucherTree& tree) {
   CheckSigns(facts.rules, tree);
   SettleAccounts(facts, tree);
   SettleCurrencies(db, tree);
+  CheckReferences(db, stored, tree);
   SettleUnits(db, tree);
 }
 

@@ -33,9 +33,11 @@ struct VoucherFacts {
 
 // Completes what a caller left open (year, period, group, accounts and currencies given by number)
 // and holds the voucher against the rules of the books: NoLines, NotBalanced, BadAccount,
-// BadCurrency, BadSide, BadGroup, PeriodClosed, WrongPeriod, Required, BadNumber, BadValue,
-// TooLarge, NotAtRate, NegativeAmount, BadReference. The number is not given yet.
-void ApplyRules(Database& db, const VoucherFacts& facts, VoucherTree& tree);
+// BadCurrency, BadReference, BadSide, BadGroup, PeriodClosed, WrongPeriod, Required, BadNumber,
+// BadValue, TooLarge, NotAtRate, NegativeAmount. What lines refer to in the voucher as it is stored
+// (null for a new one) they keep. The number is not given yet.
+void ApplyRules(Database& db, const VoucherFacts& facts, const VoucherTree* stored,
+                VoucherTree& tree);
 
 // Numbers that callers give end far below those that a row can hold: the counter goes on behind
 // them, and must not come to its end by one slip.

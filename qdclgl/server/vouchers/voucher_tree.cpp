@@ -198,9 +198,12 @@ LineTables::LineTables(std::string_view owners, std::string_view id, std::string
     return " WHERE " + row + "." + own_id + " = ?";
   };
   read_lines_ = "SELECT " + NamesOf(kLineColumns, "e.") +
-                ", a.FNumber, a.FName, c.FNumber, c.FName, e.FExtra" + from(lines, "e") +
+                ", a.FNumber, a.FName, c.FNumber, c.FName, COALESCE(s.FNumber, ''),"
+                " COALESCE(s.FName, ''), e.FExtra" +
+                from(lines, "e") +
                 " JOIN t_Account a ON a.FAccountID = e.FAccountID"
-                " JOIN t_Currency c ON c.FCurrencyID = e.FCurrencyID" +
+                " JOIN t_Currency c ON c.FCurrencyID = e.FCurrencyID"
+                " LEFT JOIN t_SettType s ON s.FItemID = e.FSettleTypeID" +
                 where("e") + " ORDER BY e.FEntryID";
   read_details_ = "SELECT d.FEntryID, " + NamesOf(kDetailColumns, "d.") + from(details, "d") +
                   where("d") + " ORDER BY d.FEntryID, d.FIndex";

@@ -69,10 +69,9 @@ inline constexpr Column kLineColumns[] = {
 
 // What other tables tell about a line.
 inline constexpr Column kLineNames[] = {
-    {"FAccountNumber", ColumnType::kText},
-    {"FAccountName", ColumnType::kText},
-    {"FCurrencyNumber", ColumnType::kText},
-    {"FCurrencyName", ColumnType::kText},
+    {"FAccountNumber", ColumnType::kText},  {"FAccountName", ColumnType::kText},
+    {"FCurrencyNumber", ColumnType::kText}, {"FCurrencyName", ColumnType::kText},
+    {"FSettleType", ColumnType::kText},     {"FSettleTypeName", ColumnType::kText},
 };
 
 inline constexpr Column kDetailColumns[] = {

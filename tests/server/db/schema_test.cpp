@@ -1,9 +1,11 @@
 #include "qdclgl/server/db/schema.h"
 
+#include <algorithm>
 #include <fstream>
 #include <map>
 #include <set>
 
+#include "qdclgl/frame/containers/vector.h"
 #include "qdclgl/frame/vocabulary/text.h"
 #include "qdclgl/server/db/connections.h"
 #include "qdclgl/server/db/new_books.h"
@@ -232,6 +234,65 @@ TEST_P(SchemaTest, RecordsThatAnUpgradeBringsToBooksWithAWholeTrailAreOnItAndNoO
   EXPECT_EQ(trail, "1 DEP (部门) Upgrade\n2 STAFF (职员) Upgrade\n3 CUSTOMER (客户) Upgrade\n"
                    "4 SUPPLIER (供应商) Upgrade\n5 GOODS (商品) Upgrade\n");
   RemoveBooks(old);
+}
+
+TEST_P(FormerBooksTest, HaveTheSettlementTypesThatTheirLinesName) {
+  const std::string former = FormerBooks(2);
+  {
+    Database db(ConnectionText::Parse(former));
+    db.Execute("UPDATE t_VoucherEntry SET FSettleTypeID = 70 WHERE FVoucherID = 1");
+    db.Execute("UPDATE t_VoucherEntry SET FSettleTypeID = -3 WHERE FVoucherID = 2");
+  }
+  Upgrade(former);
+  props = Call("QDSVGLSession.SessionUpdate", "Login", former, "administrator", "").As<String>();
+  Long options = 0;
+  String filter, sort = "FItemID";
+  const auto list = Call("QDSVGLSettType.SettTypeInfo", "GetList", props, ByRef(options),
+                         ByRef(filter), ByRef(sort))
+                        .As<Recordset>();
+  EXPECT_EQ(TextOf(list, {"FItemID", "FVersion", "FNumber", "FName", "FAcctID", "FBrNo"}),
+            "-3 1 _3  0 0\n70 1 70  0 0\n");
+  EXPECT_EQ(Breaches(), "");
+  EXPECT_EQ(
+      Call("QDSVGLSettType.SettTypeUpdate", "Create", props, Row({{"FNumber", "CHQ"}})).As<Long>(),
+      71)
+      << "ids go on behind them";
+  RemoveBooks(former);
+}
+
+// Books whose trail had begun before their kinds of records were all there.
+TEST_P(SchemaTest, RecordsThatAnUpgradeMakesAreOnTheTrail) {
+  const auto types =
+      std::ranges::find(Migrations(), "Dictionaries of settlement", &Migration::title);
+  const auto before = static_cast<int>(types - Migrations().begin());
+  constexpr Long kType = 7;
+  Books().Execute("INSERT INTO t_SettType VALUES (?, 1, 'CHQ', '', 0, '', 0)", kType);
+  Long voucher = AddVoucher(AddGroup("Receipts"), AddAccount("1"), AddAccount("2"), 5);
+  const auto row =
+      Call("QDSVGLVoucher.VoucherInfo", "GetDetail", props, ByRef(voucher), false).As<Dictionary>();
+  row->Value("_Entries").As<Vector>()->Item(1).As<Dictionary>()->Put("FSettleTypeID", kType);
+  Call("QDSVGLVoucher.VoucherUpdate", "Update", props, ByRef(voucher), row);
+  // The books as they would be without all that came with the migration and behind it.
+  Tables former;
+  {
+    const std::string old = OldBooks(before);
+    former = TablesIn(*std::make_unique<Database>(ConnectionText::Parse(old)));
+    RemoveBooks(old);
+  }
+  Break("DROP INDEX t_VoucherEntry_SettleType");
+  for (const auto& [table, columns] : TablesIn(Books())) {
+    if (!former.contains(table)) Break("DROP TABLE " + table);
+  }
+  Break("DELETE FROM t_Schema WHERE FVersion > " + std::to_string(before));
+  Connections::OfThisThread().CloseAll();
+
+  EXPECT_EQ(Upgrade(connection), before);
+  EXPECT_EQ(Breaches(), "");
+  EXPECT_EQ(
+      TextOf(
+          Call("QDSVGLAudit.AuditInfo", "GetList", props, "FSubject = 'SettType'").As<Recordset>(),
+          {"FRecordID", "FNumber", "FAction", "FChanges"}),
+      "7 1 Upgrade {\"new\":{\"FVersion\":1,\"FNumber\":\"7\",\"FBrNo\":\"0\"}}\n");
 }
 
 TEST_P(SchemaTest, AnUpgradeThatFailsLeavesTheBooksAsTheyWere) {

@@ -224,6 +224,12 @@ std::string RecordSuite::Called(const Dictionary& record) const {
   return std::string(kind.noun) + " " + NameIn(record);
 }
 
+Variant RecordSuite::Marked(bool is_marked) const {
+  const auto mark = std::ranges::find(kind.columns, kind.mark, &Column::name);
+  if (mark->sample.Is(VariantType::kBoolean)) return is_marked;
+  return Integer{is_marked};
+}
+
 bool RecordSuite::IsNeeded(std::string_view column) const {
   const auto refers = std::ranges::find(kind.references, column, &RecordKind::Reference::column);
   const bool is_referred = refers != kind.references.end() && refers->is_required;

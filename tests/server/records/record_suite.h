@@ -152,6 +152,8 @@ class RecordSuite : public ::testing::TestWithParam<RecordCase>, protected Recor
 
   // "Voucher group Receipts", and without the noun.
   std::string Called(const Dictionary& record) const;
+  // The mark of a deleted record, and of another one, in the type of its column.
+  Variant Marked(bool is_marked) const;
   std::string NameIn(const Dictionary& record) const;
   // Whether a row without the column is refused.
   bool IsNeeded(std::string_view column) const;

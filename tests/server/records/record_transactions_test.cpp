@@ -252,7 +252,8 @@ TEST_P(RecordSuite, DeedsAreOnTheAuditTrail) {
   if (kind.mark_by_sign) {
     Delete(id, 1);
     EXPECT_EQ(expect(host, name, "Delete"),
-              Json({{"FVersion", {3, 4}}, {std::string(kind.mark), {false, true}}}));
+              Json({{"FVersion", {3, 4}},
+                    {std::string(kind.mark), {OnTrail(Marked(false)), OnTrail(Marked(true))}}}));
     version = 4;
   }
   Delete(id);
@@ -268,6 +269,7 @@ TEST_P(RecordSuite, DeedsAreOnTheAuditTrail) {
 }
 
 TEST_P(MarkedRecordSuite, MarkingIsOnTheAuditTrail) {
+  const std::string marking = Json({OnTrail(Marked(false)), OnTrail(Marked(true))}).dump();
   if (kind.used_is_marked) {
     const Long id = CreateSample();
     kind.uses.front()(*this, id);
@@ -278,7 +280,7 @@ TEST_P(MarkedRecordSuite, MarkingIsOnTheAuditTrail) {
                    .As<Recordset>(),
                {"FRecordID", "FRecord", "FAction", "FChanges"}),
         std::to_string(id) + " " + NameIn(*Record(id)) + " Delete {\"FVersion\":[1,2],\"" +
-            std::string(kind.mark) + "\":[false,true]}\n");
+            std::string(kind.mark) + "\":" + marking + "}\n");
   }
   if (!Has(kind.kept_by_server, kind.mark)) {
     const Long id = CreateSample(1);
@@ -290,7 +292,7 @@ TEST_P(MarkedRecordSuite, MarkingIsOnTheAuditTrail) {
                          .As<Recordset>(),
                      {"FRecordID", "FAction", "FChanges"}),
               std::to_string(id) + " Update {\"FVersion\":[1,2],\"" + std::string(kind.mark) +
-                  "\":[false,true]}\n");
+                  "\":" + marking + "}\n");
   }
 }
 

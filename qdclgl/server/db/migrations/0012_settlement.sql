@@ -1,0 +1,53 @@
+-- Dictionaries of settlement
+CREATE TABLE t_SettAcct (
+  FItemID IDENTITY,
+  FVersion INTEGER NOT NULL,
+  FNumber TEXT NOT NULL UNIQUE,
+  FName TEXT NOT NULL,
+  FAcctID INTEGER NOT NULL,
+  FBrNo TEXT NOT NULL,
+  FBalance REAL NOT NULL,
+  FStartPeriod TEXT NOT NULL,
+  FBeforeEnable INTEGER NOT NULL,
+  FDeleted INTEGER NOT NULL
+);
+
+CREATE TABLE t_SettType (
+  FItemID IDENTITY,
+  FVersion INTEGER NOT NULL,
+  FNumber TEXT NOT NULL UNIQUE,
+  FName TEXT NOT NULL,
+  FAcctID INTEGER NOT NULL,
+  FBrNo TEXT NOT NULL,
+  FDeleted INTEGER NOT NULL
+);
+INSERT INTO t_SettType (FItemID, FVersion, FNumber, FName, FAcctID, FBrNo, FDeleted)
+  SELECT DISTINCT FSettleTypeID, 1, REPLACE('' || FSettleTypeID, '-', '_'), '', 0, '0', 0
+  FROM t_VoucherEntry WHERE FSettleTypeID <> 0;
+CREATE INDEX t_VoucherEntry_SettleType ON t_VoucherEntry (FSettleTypeID) WHERE FSettleTypeID <> 0;
+
+CREATE TABLE t_CheckType (
+  FItemID IDENTITY,
+  FVersion INTEGER NOT NULL,
+  FNumber TEXT NOT NULL UNIQUE,
+  FName TEXT NOT NULL,
+  FAdjustAcctID INTEGER NOT NULL,
+  FCheckAcctID INTEGER NOT NULL,
+  FCostAcctID INTEGER NOT NULL,
+  FIncomAcctID INTEGER NOT NULL,
+  FSellAcctID INTEGER NOT NULL,
+  FZZCXAcctID INTEGER NOT NULL,
+  FDeleted INTEGER NOT NULL
+);
+
+CREATE TABLE t_Payment (
+  FItemID IDENTITY,
+  FVersion INTEGER NOT NULL,
+  FNumber TEXT NOT NULL UNIQUE,
+  FName TEXT NOT NULL,
+  FBeforeDays INTEGER NOT NULL,
+  FMonthPayDay INTEGER NOT NULL,
+  FType TEXT NOT NULL,
+  FStandDays INTEGER NOT NULL,
+  FDeleted INTEGER NOT NULL
+);
