@@ -16,8 +16,8 @@ std::span<const server::ServerComponent* const> Lists();
 const server::ServerComponent* FindList(std::string_view name);
 
 struct ListQuery {
-  std::string filter;
-  std::string sort;
+  std::string filter = {};
+  std::string sort = {};
   bool with_deleted = false;  // where a list leaves out what is marked deleted
 };
 

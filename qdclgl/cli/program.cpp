@@ -34,14 +34,13 @@ std::string Marked(const std::string& word) {
   return is_list ? kOneWordMark + word : word;
 }
 
+std::string Unmarked(const std::string& word) {
+  return word.starts_with(kOneWordMark) ? word.substr(1) : word;
+}
+
 void TakeUnmarkedWords(CLI::App& command) {
   for (CLI::Option* option : command.get_options({})) {
-    option->transform(
-        [](std::string word) {
-          if (word.starts_with(kOneWordMark)) word.erase(0, 1);
-          return word;
-        },
-        "");
+    option->transform([](const std::string& word) { return Unmarked(word); }, "");
   }
 }
 

@@ -35,9 +35,15 @@ struct Sample {
 const std::vector<Sample>& Samples() {
   static const std::vector<Sample> kSamples = {
       {"accounts", "7000", {"FName=Cash", "FDC=1"}, "7001", "FHelperCode=C"},
+      {"check-types", "CHQ", {"FName=Cheques"}, "BILLS", "FName=Bills"},
       {"currencies", "USD", {"FName=Dollar", "FExchangeRate=0.9"}, "USN", "FFixRate=1"},
       {"groups", "Receipts", {}, "Payments", "FDRange=1001"},
+      {"item-classes", "PROJ", {"FName=Projects"}, "JOBS", "FName=Jobs"},
       {"ledgers", "Costs", {"FAccountID=1"}, "Yields", "FAccountID=2"},
+      {"notes", "Receipt", {"FType=Receipts"}, "Bill", "FType=Bills"},
+      {"payment-terms", "N30", {"FName=Thirty days"}, "N60", "FStandDays=30"},
+      {"settlement-accounts", "BANK", {"FName=Bank"}, "TILL", "FName=Till"},
+      {"settlement-types", "CHQ", {"FName=Cheque"}, "BILL", "FName=Bill"},
       {"sub-message-types", "Sizes", {}, "Shapes", "FName=Sizes"},
       {"sub-messages",
        "red",
@@ -45,6 +51,7 @@ const std::vector<Sample>& Samples() {
        "green",
        "FDay=30",
        {{"add", "sub-message-types", "Colours"}}},
+      {"templates", "Rent", {"FReference=Rent"}, "Wages", "FReference=Wages"},
       {"unit-groups", "Lengths", {}, "Heights", "FName=Lengths"},
       {"units",
        "KG",

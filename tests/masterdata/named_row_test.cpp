@@ -275,23 +275,23 @@ TYPED_TEST(NamedRowTest, TheTransactionContextIsKeptByARefreshReplacedAndRelease
 // ---- The list ----
 
 TYPED_TEST(NamedRowTest, EveryUseOfTheListFetchesItAndPassesAFailureAtEachEvent) {
-  using Set = typename TypeParam::Set;
+  using List = typename TypeParam::Set;
   const auto expect = [&](const char* what, const std::string& behind,
-                          const std::function<void(Set&)>& operate) {
+                          const std::function<void(List&)>& operate) {
     SCOPED_TRACE(what);
     testing::ExpectEvents(
-        this->server, [] { return Make<Set>(); }, operate,
+        this->server, [] { return Make<List>(); }, operate,
         {{this->CreateInfo(), "", "none"},
          {std::string("call ") + TypeParam::kListCall, " -> " + this->ThreeRowsText(), "none"}},
         behind, this->ListOf);
   };
-  expect("Refresh", "at 1", [](Set& set) { set.Refresh(); });
-  expect("Count", "at 1", [](Set& set) { EXPECT_EQ(set.Count(), 3); });
-  expect("GetCurrent", "at 1", [](Set& set) { set.GetCurrent(); });
-  expect("GetNext", "at 2", [](Set& set) { set.GetNext(); });
-  expect("NewEnum", "at 1", [](Set& set) { set.NewEnum(); });
-  expect("by name", "at 1", [](Set& set) { set.Call("Refresh"); });
-  expect("ExistenceCheck", "at 1", [](Set& set) { set.ExistenceCheck(); });
+  expect("Refresh", "at 1", [](List& set) { set.Refresh(); });
+  expect("Count", "at 1", [](List& set) { EXPECT_EQ(set.Count(), 3); });
+  expect("GetCurrent", "at 1", [](List& set) { set.GetCurrent(); });
+  expect("GetNext", "at 2", [](List& set) { set.GetNext(); });
+  expect("NewEnum", "at 1", [](List& set) { set.NewEnum(); });
+  expect("by name", "at 1", [](List& set) { set.Call("Refresh"); });
+  expect("ExistenceCheck", "at 1", [](List& set) { set.ExistenceCheck(); });
 }
 
 TYPED_TEST(NamedRowTest, TheCursorGivesARowEachAndRaisesFiveBehindTheLast) {

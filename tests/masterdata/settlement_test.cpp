@@ -29,19 +29,17 @@ template <class Pair>
 class SettlementTest : public ::testing::Test {
  protected:
   using Set = typename Pair::Set;
-  using Entity = typename Pair::Entity;
+  using Kind = typename Pair::Entity;
 
   RecordingServer server;
   Ref<Set> set = Make<Set>();
-  std::string info = InfoOf<Entity>();
+  std::string info = InfoOf<Kind>();
 };
 
 using All =
     ::testing::Types<Dictionaries<SettTypeSet, SettType>, Dictionaries<SettAcctSet, SettAcct>,
                      Dictionaries<CheckTypeSet, CheckType>, Dictionaries<PaymentSet, Payment>>;
 TYPED_TEST_SUITE(SettlementTest, All);
-
-#define ENTITY using Entity = typename TestFixture::Entity
 
 TYPED_TEST(SettlementTest, SetsHaveTheirMembersInInterfaceOrder) {
   EXPECT_EQ(testing::MemberNames<typename TestFixture::Set>(),
@@ -50,7 +48,7 @@ TYPED_TEST(SettlementTest, SetsHaveTheirMembersInInterfaceOrder) {
 }
 
 TYPED_TEST(SettlementTest, NumberIsStoredInUpperCaseUpTo80LettersDigitsAndUnderscores) {
-  ENTITY;
+  using Entity = typename TestFixture::Kind;
   const std::string longest(80, 'z');
   const std::pair<std::string, std::string> cases[] = {
       {"ab1", "AB1"}, {"A_1", "A_1"}, {"", ""}, {longest, std::string(80, 'Z')}};
@@ -66,7 +64,7 @@ TYPED_TEST(SettlementTest, NumberIsStoredInUpperCaseUpTo80LettersDigitsAndUnders
 }
 
 TYPED_TEST(SettlementTest, ANumberThatCannotBeOneRaises380AndLeavesTheOldOne) {
-  ENTITY;
+  using Entity = typename TestFixture::Kind;
   const auto entity = ViewOn<Entity>(Row({{"FNumber", "OLD"}}));
   for (const std::string& number : {std::string("ab-1"), std::string("A.B"), std::string("A B"),
                                     std::string("支票"), std::string("é"), std::string(81, 'A')}) {
@@ -77,12 +75,12 @@ TYPED_TEST(SettlementTest, ANumberThatCannotBeOneRaises380AndLeavesTheOldOne) {
 }
 
 TYPED_TEST(SettlementTest, ANumberFromTheServerStaysAsItIs) {
-  ENTITY;
+  using Entity = typename TestFixture::Kind;
   EXPECT_EQ(ViewOn<Entity>(Row({{"FNumber", "old-one."}}))->Number(), "old-one.");
 }
 
 TYPED_TEST(SettlementTest, TheIdCannotBeLet) {
-  ENTITY;
+  using Entity = typename TestFixture::Kind;
   const Ref<Object> entity = ViewOn<Entity>(Row({{"FItemID", Long{5}}}));
   EXPECT_EQ(ErrorOf([&] { entity->Let("ItemID", Long{1}); }),
             "error 438 (" + std::string(Entity::kClassName) +
@@ -104,7 +102,7 @@ TYPED_TEST(SettlementTest, CreateNewMakesAnUnsavedEntityThroughTheSetters) {
 }
 
 TYPED_TEST(SettlementTest, WhatIsCreatedIsSavedAtOnceAndWhatIsEmptyIsNot) {
-  ENTITY;
+  using Entity = typename TestFixture::Kind;
   const std::string name(Entity::kClassName), subject = "QDSVGL" + name + "." + name;
   this->set->CreateNew()->SaveChanges();
   ViewOn<Entity>(Row({{"FItemID", Long{4}}, {"FName", "x"}}))->SaveChanges();
@@ -125,7 +123,7 @@ TYPED_TEST(SettlementTest, WhatIsCreatedIsSavedAtOnceAndWhatIsEmptyIsNot) {
 }
 
 TYPED_TEST(SettlementTest, WhatIsWrittenIntoTheRowDirectlyIsSaved) {
-  ENTITY;
+  using Entity = typename TestFixture::Kind;
   const std::string name(Entity::kClassName);
   const Ref<Entity> entity = this->set->CreateNew();
   entity->Properties()->Dictionary()->Value("FNumber", "CHQ");
@@ -151,7 +149,7 @@ TYPED_TEST(SettlementTest, ExistenceCheckGoesByTheFirstOfIdNumberAndName) {
 }
 
 TYPED_TEST(SettlementTest, WalksYieldCurrenciesAndGetNextTheSetsOwnEntities) {
-  ENTITY;
+  using Entity = typename TestFixture::Kind;
   const Ref<Recordset> list = Recordset::Create({"FItemID", "FName"});
   list->AddRow({Long{3}, "Check"});
   this->server.Answer(this->info, "GetList", Variant(list));
