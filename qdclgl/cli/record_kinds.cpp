@@ -79,7 +79,7 @@ std::vector<WrittenColumn> WrittenColumns(const MasterData& kind) {
     columns.push_back({column.column.name, column.sent.value_or(column.column.type)});
   }
   for (const server::RecordList& list : kind.description().lists) {
-    columns.push_back({.name = list.key, .list = &list});
+    if (!list.is_within_list) columns.push_back({.name = list.key, .list = &list});
   }
   return columns;
 }

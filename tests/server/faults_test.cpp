@@ -60,14 +60,15 @@ class Faults : public LedgerTest {
     RecordProperty(operation.name, places);
   }
 
-  // A state without what differs from one run to the next: of the trail only how long it is.
+  // A state without what differs from one run to the next: of the trail only how long it is, and
+  // not its seals, which come as time goes by; the check of the books looks at them.
   static std::string Shape(const std::string& state) {
     std::string shape;
     for (std::size_t at = 0; at < state.size();) {
       const std::size_t end = state.find('\n', at) + 1;
-      const std::string line = state.substr(at, end - at);
-      const bool is_of_trail = line.starts_with("t_Audit") || line.starts_with("t_audit");
-      shape += is_of_trail ? "t_Audit\n" : line;
+      const std::string table = ToUpper(state.substr(at, state.find(' ', at) - at));
+      if (table == "T_AUDIT") shape += "t_Audit\n";
+      else if (table != "T_AUDITSEAL") shape += state.substr(at, end - at);
       at = end;
     }
     return shape;

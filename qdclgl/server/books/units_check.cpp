@@ -29,13 +29,14 @@ void CheckUnits(Database& db, Findings& findings) {
                    " AND NOT EXISTS (SELECT 1 FROM t_MeasureUnit d WHERE"
                    " d.FMeasureUnitID = g.FDefaultUnitID AND d.FUnitGroupID = g.FUnitGroupID"
                    " AND d.FDeleted = 0 AND d.FCoefficient = 1) ORDER BY g.FUnitGroupID");
-  findings.AddRows(db, "AccountUnit", "Account",
-                   "Its unit of measure is of another unit group, or its group has another name.",
-                   "SELECT a.FAccountID, a.FNumber FROM t_Account a"
-                   " LEFT JOIN t_MeasureUnit u ON u.FMeasureUnitID = a.FMeasureUnitID"
-                   " LEFT JOIN t_UnitGroup g ON g.FUnitGroupID = a.FUnitGroupID"
-                   " WHERE u.FUnitGroupID <> a.FUnitGroupID OR g.FName <> a.FUnitGroup"
-                   " ORDER BY a.FAccountID");
+  findings.AddRows(
+      db, "AccountUnit", "Account",
+      "Its unit of measure is of another unit group, or its group has another name.",
+      "SELECT a.FAccountID, a.FNumber FROM t_Account a"
+      " LEFT JOIN t_MeasureUnit u ON u.FMeasureUnitID = a.FMeasureUnitID"
+      " LEFT JOIN t_UnitGroup g ON g.FUnitGroupID = a.FUnitGroupID"
+      " WHERE u.FUnitGroupID <> a.FUnitGroupID OR COALESCE(g.FName, '') <> a.FUnitGroup"
+      " ORDER BY a.FAccountID");
   findings.AddRows(db, "LineUnit", "Voucher",
                    "Its unit of measure is none of its account's unit group.",
                    "SELECT v.FVoucherID, " + std::string(kVoucherName) +

@@ -146,6 +146,7 @@ struct RecordList {
   // What gives callers the rows by a record's id, where GetDetail does not bring them under the
   // key.
   std::string_view component = {}, method = {};
+  bool is_within_list = false;  // its rows stand within those of the list before
 };
 
 // A record as the trail tells it.

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "qdclgl/server/access/audit.h"
+#include "qdclgl/server/access/trail_seal.h"
 #include "qdclgl/server/books/books_check.h"
 #include "qdclgl/server/records/kinds.h"
 #include "qdclgl/server/vouchers/voucher_tree.h"
@@ -40,6 +41,33 @@ class TrailCheckTest : public LedgerTest {
     Call("QDSVGLPeriod.PeriodUpdate", "Close", props);
     Call("QDSVGLPeriod.PeriodUpdate", "Reopen", props);
     Change("CheckBeforePost", "0");
+    MakeRecords();
+  }
+
+  void Make(std::string_view component, const Ref<Dictionary>& row) {
+    Call("QDSVGL" + std::string(component), "Create", props, row);
+  }
+  // One of each further kind.
+  void MakeRecords() {
+    for (const char* dictionary : {"SettAcct", "SettType", "CheckType", "Payment"}) {
+      const std::string name(dictionary);
+      Make(name + "." + name + "Update", Row({{"FNumber", "N"}, {"FName", "Name"}}));
+    }
+    Make("Unit.UnitGroupUpdate", Row({{"FName", "Masses"}}));
+    Make("Unit.UnitUpdate",
+         Row({{"FUnitGroupID", Long{1}}, {"FNumber", "KG"}, {"FName", "Kilogram"}}));
+    Make("Item.SubMesTypeUpdate", Row({{"FName", "Colours"}}));
+    Make("Item.SubMesUpdate", Row({{"FTypeID", Long{1}}, {"FNumber", "R"}, {"FName", "Red"}}));
+    Make("Note.NoteUpdate", Row({{"FName", "Receipt"}, {"FData", "form"}}));
+    const Ref<Dictionary> line = Line("1000", 0, 8);
+    line->Put("_Details", ListOf({Row({{"FItemClassID", Long{4}}, {"FValue", "Shop"}})}));
+    Make("VoucherTemp.VoucherTempUpdate", Row({{"FName", "Rent"}, {"_Entries", ListOf({line})}}));
+    Make("MCLedger.MColLedgerUpdate",
+         Row({{"FLedgerName", "Costs"},
+              {"FAccountID", Long{1}},
+              {"_Columns", ListOf({Row({{"FAccountID", Long{2}}, {"FColumnName", "Bank"}})})},
+              {"_SubColumns",
+               ListOf({Row({{"FCurrencyID", Long{1}}, {"FSubColumnName", "EUR"}})})}}));
   }
 
   static Ref<Vector> ListOf(std::initializer_list<Ref<Dictionary>> rows) {
@@ -114,12 +142,17 @@ TEST_P(TrailCheckTest, EachValueOfTheTrailThatIsChangedIsSeen) {
 }
 
 TEST_P(TrailCheckTest, AChainTellsWhichRowIsWrong) {
-  EXPECT_EQ(ProblemsAfter("DELETE FROM t_Audit WHERE FSubject = 'Voucher' AND FRecordID = 1"
-                          " AND FNumber = 2"),
+  const std::string row =
+      " FROM t_Audit WHERE FSubject = 'Voucher' AND FRecordID = 1 AND FNumber = 2";
+  const Long id = *Books().QueryValue<Long>("SELECT FAuditID" + row);
+  const std::vector<TrailSeal> seals = AllSeals(Books());
+  const auto seal = std::ranges::find_if(seals, [&](const auto& it) { return it.last_id >= id; });
+  ASSERT_NE(seal, seals.end());
+  EXPECT_EQ(ProblemsAfter("DELETE" + row),
             "Trail Voucher 1 Row 2 of its trail is missing.\n"
-            "Seal Audit 2 Its block has " +
-                std::to_string(DeedIds().size() - 11) + " row(s), sealed were " +
-                std::to_string(DeedIds().size() - 10) + ".\n");
+            "Seal Audit " +
+                std::to_string(seal->number) + " Its block has " + std::to_string(seal->count - 1) +
+                " row(s), sealed were " + std::to_string(seal->count) + ".\n");
   EXPECT_EQ(ProblemsAfter("UPDATE t_Audit SET FUserName = 'bob' WHERE FSubject = 'User' AND"
                           " FAction = 'SetPassword'"),
             "Trail User 2 Row 2 of its trail was changed.\n");

@@ -125,8 +125,12 @@ TEST_P(NoteServer, DataComeBackAsTheKindThatTheyWere) {
     const Variant stored = DataOf(id);
     EXPECT_EQ(stored.Type(), value.Type());
     EXPECT_EQ(StateText(stored), StateText(value));
-    if (value.Is(VariantType::kDouble)) EXPECT_EQ(stored.Held<Double>(), value.Held<Double>());
-    if (value.Is(VariantType::kDate)) EXPECT_EQ(stored.Held<DateTime>(), value.Held<DateTime>());
+    if (value.Is(VariantType::kDouble)) {
+      EXPECT_EQ(stored.Held<Double>(), value.Held<Double>());
+    }
+    if (value.Is(VariantType::kDate)) {
+      EXPECT_EQ(stored.Held<DateTime>(), value.Held<DateTime>());
+    }
     if (value.Is(VariantType::kByteArray)) {
       EXPECT_EQ(stored.BytesLowerBound(), value.BytesLowerBound());
     }

@@ -3,7 +3,7 @@
 #include <set>
 
 #include "qdclgl/frame/vocabulary/text.h"
-#include "qdclgl/server/server.h"
+#include "qdclgl/server/records/kinds.h"
 #include "tests/server/records/record_suite.h"
 
 namespace qdclgl::server::testing {
@@ -13,32 +13,23 @@ using Column = RecordKind::Column;
 
 // ---- The declarations ----
 
-TEST(RecordKindsTest, EveryPairOfMasterDataStandsInTheSuites) {
+TEST(RecordKindsTest, EveryKindStandsInTheSuites) {
   // Those that hold more than columns, as lines or data, have suites of their own.
-  static constexpr std::string_view kDocuments[] = {
-      "QDSVGLVoucher.Voucher", "QDSVGLVoucherTemp.VoucherTemp", "QDSVGLNote.Note"};
-  const auto has = [](const std::string& prog_id, std::initializer_list<std::string_view> methods) {
-    const auto found = std::ranges::find(ServerComponents(), prog_id, &ServerComponent::prog_id);
-    return found != ServerComponents().end() &&
-           std::ranges::all_of(methods, [&](std::string_view method) {
-             return found->table->Find(method) != nullptr;
-           });
-  };
-  std::size_t pairs = 0;
-  for (const ServerComponent& component : ServerComponents()) {
-    if (!component.prog_id.ends_with("Update")) continue;
-    const std::string stem(component.prog_id.substr(0, component.prog_id.size() - 6));
-    if (!has(stem + "Update", {"Create", "Update", "Delete"}) || !has(stem + "Info", {"GetDetail"}))
+  static constexpr std::string_view kDocuments[] = {"QDSVGLVoucherTemp.VoucherTemp",
+                                                    "QDSVGLNote.Note"};
+  std::size_t kinds = 0;
+  for (const MasterData* kind : MasterDataKinds()) {
+    if (std::ranges::find(kDocuments, kind->description().component) != std::end(kDocuments)) {
       continue;
-    if (std::ranges::find(kDocuments, stem) != std::end(kDocuments)) continue;
-    ++pairs;
-    const auto stands = std::ranges::count_if(RecordKinds(), [&](const RecordKind* kind) {
-      return kind->info == stem + "Info" && kind->update == stem + "Update";
+    }
+    ++kinds;
+    const auto stands = std::ranges::count_if(RecordKinds(), [&](const RecordKind* declared) {
+      return declared->info == kind->info_prog_id() && declared->update == kind->update_prog_id();
     });
-    EXPECT_EQ(stands, 1) << stem << "Info and " << stem
-                         << "Update stand in no test file, or in several, by QDCLGL_RECORD_KIND.";
+    EXPECT_EQ(stands, 1) << kind->Noun()
+                         << " stands in no test file, or in several, by QDCLGL_RECORD_KIND.";
   }
-  EXPECT_EQ(pairs, RecordKinds().size());
+  EXPECT_EQ(kinds, RecordKinds().size());
 }
 
 TEST_P(RecordSuite, TheDeclarationHasEveryColumnOfTheTable) {

@@ -22,6 +22,7 @@ TEST(References, EachThatAKindDeclaresIsInTheSuites) {
   for (const Reference& reference : References()) {
     if (reference.owner == nullptr) continue;
     if (reference.table != reference.owner->description().table) continue;  // a list's
+    if (reference.table == "t_VoucherTemp") continue;  // a document, which has a suite of its own
     declared.insert(In(reference.table, reference.column));
   }
   for (const RecordKind* kind : RecordKinds()) {
