@@ -2,6 +2,7 @@
 #include <filesystem>
 #include <memory>
 
+#include "qdclgl/frame/vocabulary/text.h"
 #include "qdclgl/server/db/connections.h"
 #include "qdclgl/server/db/new_books.h"
 #include "qdclgl/server/db/schema.h"

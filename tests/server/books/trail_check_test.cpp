@@ -44,30 +44,32 @@ class TrailCheckTest : public LedgerTest {
     MakeRecords();
   }
 
-  void Make(std::string_view component, const Ref<Dictionary>& row) {
+  void MakeRecord(std::string_view component, const Ref<Dictionary>& row) {
     Call("QDSVGL" + std::string(component), "Create", props, row);
   }
   // One of each further kind.
   void MakeRecords() {
     for (const char* dictionary : {"SettAcct", "SettType", "CheckType", "Payment"}) {
       const std::string name(dictionary);
-      Make(name + "." + name + "Update", Row({{"FNumber", "N"}, {"FName", "Name"}}));
+      MakeRecord(name + "." + name + "Update", Row({{"FNumber", "N"}, {"FName", "Name"}}));
     }
-    Make("Unit.UnitGroupUpdate", Row({{"FName", "Masses"}}));
-    Make("Unit.UnitUpdate",
-         Row({{"FUnitGroupID", Long{1}}, {"FNumber", "KG"}, {"FName", "Kilogram"}}));
-    Make("Item.SubMesTypeUpdate", Row({{"FName", "Colours"}}));
-    Make("Item.SubMesUpdate", Row({{"FTypeID", Long{1}}, {"FNumber", "R"}, {"FName", "Red"}}));
-    Make("Note.NoteUpdate", Row({{"FName", "Receipt"}, {"FData", "form"}}));
+    MakeRecord("Unit.UnitGroupUpdate", Row({{"FName", "Masses"}}));
+    MakeRecord("Unit.UnitUpdate",
+               Row({{"FUnitGroupID", Long{1}}, {"FNumber", "KG"}, {"FName", "Kilogram"}}));
+    MakeRecord("Item.SubMesTypeUpdate", Row({{"FName", "Colours"}}));
+    MakeRecord("Item.SubMesUpdate",
+               Row({{"FTypeID", Long{1}}, {"FNumber", "R"}, {"FName", "Red"}}));
+    MakeRecord("Note.NoteUpdate", Row({{"FName", "Receipt"}, {"FData", "form"}}));
     const Ref<Dictionary> line = Line("1000", 0, 8);
     line->Put("_Details", ListOf({Row({{"FItemClassID", Long{4}}, {"FValue", "Shop"}})}));
-    Make("VoucherTemp.VoucherTempUpdate", Row({{"FName", "Rent"}, {"_Entries", ListOf({line})}}));
-    Make("MCLedger.MColLedgerUpdate",
-         Row({{"FLedgerName", "Costs"},
-              {"FAccountID", Long{1}},
-              {"_Columns", ListOf({Row({{"FAccountID", Long{2}}, {"FColumnName", "Bank"}})})},
-              {"_SubColumns",
-               ListOf({Row({{"FCurrencyID", Long{1}}, {"FSubColumnName", "EUR"}})})}}));
+    MakeRecord("VoucherTemp.VoucherTempUpdate",
+               Row({{"FName", "Rent"}, {"_Entries", ListOf({line})}}));
+    MakeRecord("MCLedger.MColLedgerUpdate",
+               Row({{"FLedgerName", "Costs"},
+                    {"FAccountID", Long{1}},
+                    {"_Columns", ListOf({Row({{"FAccountID", Long{2}}, {"FColumnName", "Bank"}})})},
+                    {"_SubColumns",
+                     ListOf({Row({{"FCurrencyID", Long{1}}, {"FSubColumnName", "EUR"}})})}}));
   }
 
   static Ref<Vector> ListOf(std::initializer_list<Ref<Dictionary>> rows) {
@@ -174,7 +176,7 @@ TEST_P(TrailCheckTest, EachValueOfTheBooksThatIsChangedIsSeen) {
   for (const StoredTable& table : tables) {
     for (const Column& column : table.columns) {
       const std::string name(column.name), id(table.columns.front().name);
-      if (name == "FIndex") continue;  // a line's only detail stays its first one
+      if (name == "FIndex" || name == "FPart") continue;  // what is alone stays the first one
       EXPECT_NE(ProblemsAfter("UPDATE " + std::string(table.name) + " SET " + name + " = " + name +
                               (StorageOf(column.type) == Storage::kText ? " || '1'" : " * -1 + 1") +
                               " WHERE " + id + " = (SELECT MAX(" + id + ") FROM " +
