@@ -218,7 +218,9 @@ Com<IDispatch> HostileDocument(const std::string& key_of_member) {
   const auto lines = MakeNew(L"QDL.Vector");
   Get(lines, L"Append", {line});
   const auto row = HostileRow(key_of_member);
-  Put(row, L"Value", {L"_Entries", lines}, DISPATCH_PROPERTYPUTREF);
+  for (const wchar_t* list : {L"_Entries", L"_Columns", L"_SubColumns", L"_PropDesc"}) {
+    Put(row, L"Value", {list, lines}, DISPATCH_PROPERTYPUTREF);
+  }
   return row;
 }
 
@@ -262,12 +264,36 @@ Com<IDispatch> NewSubject(const std::string& name, const Com<IDispatch>& documen
   if (name == "VoucherDetail") {
     return from(from(from(from(voucher(), L"Entries"), L"Item", {1}), L"Details"), L"Item", {1});
   }
+  const auto ledger = [&] { return NewSubject("MultiLedger", document); };
+  if (name == "MultiLedger") {
+    const auto made = from(MakeNew(L"QDCLGL.MultiLedgerSet"), L"CreateNew", {});
+    const auto row = from(from(made, L"Properties"), L"Dictionary");
+    // The lists of a copy that is nobody else's.
+    const auto copy = from(from(voucher(), L"Properties"), L"Dictionary");
+    for (const wchar_t* list : {L"_Columns", L"_SubColumns"}) {
+      const std::vector<Value> key = {Value(list)};
+      Put(row, L"Value", {list, Get(copy, L"Value", key).object()}, DISPATCH_PROPERTYPUTREF);
+    }
+    return made;
+  }
+  if (name == "MultiColumnSet") return from(ledger(), L"Columns");
+  if (name == "MultiColumn") return from(from(ledger(), L"Columns"), L"Item", {1});
+  if (name == "MultiSubColumnSet") return from(ledger(), L"SubColumns");
+  if (name == "MultiSubColumn") return from(from(ledger(), L"SubColumns"), L"Item", {1});
+  const auto fields = [&] { return from(NewSubject("ItemClass", document), L"CustomProperties"); };
+  if (name == "CustomPropertySet") return fields();
+  if (name == "CustomProperty") return from(fields(), L"Item", {1});
   if (name == "Properties") return from(voucher(), L"Properties");
   if (name == "Property") return from(from(voucher(), L"Properties"), L"Item", {L"Held"});
   const auto object = MakeNew(L"QDCLGL." + ToWide(name));
   if (object && IdOf(object.get(), L"Construct") != kNoSuchId) {
-    Get(object, L"Construct", {document, Nothing()});
-    Put(from(from(object, L"Properties"), L"Dictionary"), L"Value", {L"Edited", 1});
+    if (IdOf(object.get(), L"Properties") == kNoSuchId) {
+      Get(object, L"Construct", {Nothing(), 5, L"Old"});
+      Put(object, L"Name", {Value(L"Edited")});
+    } else {
+      Get(object, L"Construct", {document, Nothing()});
+      Put(from(from(object, L"Properties"), L"Dictionary"), L"Value", {L"Edited", 1});
+    }
   }
   return object;
 }

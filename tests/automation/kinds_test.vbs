@@ -1,23 +1,32 @@
 ' Settlement dictionaries, notes and voucher templates: one of each is made, saved, found, walked and
 ' removed. Their server is components written in script, which keep what they are sent.
 Dim shell, store, recorder, kind, records, record, walked, template
-Const CLASSES = "HKEY_LOCAL_MACHINE\Software\Classes\"
+Const CLASSES = "HKLM\Software\Classes\"
+Const DICTIONARIES = "{6f0d7a10-51d5-4be6-9d52-0c4f6a5d0011}"
+Const NOTES = "{6f0d7a10-51d5-4be6-9d52-0c4f6a5d0012}"
+Const TEMPLATES = "{6f0d7a10-51d5-4be6-9d52-0c4f6a5d0013}"
 
 Set shell = CreateObject("WScript.Shell")
 Set store = CreateObject("QdclglTest.Store")
 Set recorder = CreateObject("QdclglTest.Recorder")
 
 ' One script serves the reading and the writing component of a kind.
-Sub ServeBy(component, kind)
-  Dim id, half
-  id = shell.RegRead(CLASSES & component & "\CLSID\")
+Sub ServeBy(id, kind)
+  Dim half
   For Each half In Array("Info", "Update")
-    shell.RegWrite CLASSES & "QDSVGL" & kind & "." & kind & half & "\CLSID\", id
+    shell.Run "reg add " & CLASSES & "QDSVGL" & kind & "." & kind & half & "\CLSID /ve /d " & id & " /f", 0, True
+  Next
+End Sub
+
+Sub EndService(kind)
+  Dim half
+  For Each half In Array("Info", "Update")
+    shell.Run "reg delete " & CLASSES & "QDSVGL" & kind & "." & kind & half & " /f", 0, True
   Next
 End Sub
 
 For Each kind In Array("SettType", "SettAcct", "CheckType", "Payment")
-  ServeBy "QdclglTest.Dictionaries", kind
+  ServeBy DICTIONARIES, kind
   store.Begin "FItemID"
   Set records = CreateObject("QDCLGL." & kind & "Set")
 
@@ -38,7 +47,8 @@ For Each kind In Array("SettType", "SettAcct", "CheckType", "Payment")
 
   TestCase kind & "s are counted, read one by one, and walked as currencies"
   Check records.Count, "Long 2"
-  Check TypeName(records.GetNext()) & " " & records.GetNext().Number, "String _" & kind & " CHQ"
+  Set record = records.GetNext()
+  Check TypeName(record) & " " & record.Number, "String _" & kind & " CHQ"
   walked = ""
   For Each record In records
     walked = walked & TypeName(record) & "=" & record.Number & ";"
@@ -52,7 +62,7 @@ For Each kind In Array("SettType", "SettAcct", "CheckType", "Payment")
   Check records.Item(1).ItemID, "Long 0"
 Next
 
-ServeBy "QdclglTest.Notes", "Note"
+ServeBy NOTES, "Note"
 store.Begin "FNoteID"
 Set records = CreateObject("QDCLGL.NoteSet")
 
@@ -81,7 +91,7 @@ records.Remove 1
 records.Refresh
 Check records.Count, "Long 1"
 
-ServeBy "QdclglTest.Templates", "VoucherTemp"
+ServeBy TEMPLATES, "VoucherTemp"
 store.Begin "FVoucherTempID"
 Set records = CreateObject("QDCLGL.VoucherTempSet")
 
@@ -123,10 +133,7 @@ records.Refresh
 Check records.Count, "Long 0"
 
 For Each kind In Array("SettType", "SettAcct", "CheckType", "Payment", "Note", "VoucherTemp")
-  For Each record In Array("Info", "Update")
-    shell.RegDelete CLASSES & "QDSVGL" & kind & "." & kind & record & "\CLSID\"
-    shell.RegDelete CLASSES & "QDSVGL" & kind & "." & kind & record & "\"
-  Next
+  EndService kind
 Next
 
 Finish
