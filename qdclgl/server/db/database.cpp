@@ -99,6 +99,7 @@ std::string Database::Run(std::string_view sql) {
 }
 
 void Database::ExecuteScript(std::string_view script) {
+  if (!is_sqlite_) return Command(script);  // one message
   while (true) {
     const auto end = script.find(';');
     const auto first = script.find_first_not_of(" \n");
