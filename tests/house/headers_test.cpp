@@ -101,8 +101,9 @@ TEST(PublicHeaders, EachCompilesByItself) {
 
 // What users write; all other macros of ours are for the library alone.
 const std::set<std::string> kUserMacros = {
-    "QD_MEMBERS",       "QD_BASE_MEMBERS",  "QD_DEFINE_MEMBERS", "QD_METHOD",    "QD_FIELD",
-    "QD_PROPERTY",      "QD_INDEXED",       "QD_VARIABLE",       "QD_INHERITED", "QD_VERSION",
+    "QD_MEMBERS",       "QD_BASE_MEMBERS",  "QD_DEFINE_MEMBERS", "QD_METHOD",
+    "QD_OVERRIDE",      "QD_FIELD",         "QD_PROPERTY",       "QD_INDEXED",
+    "QD_VARIABLE",      "QD_INHERITED",     "QD_INHERITED_AS",   "QD_VERSION",
     "QD_VERSION_MAJOR", "QD_VERSION_MINOR", "QD_VERSION_PATCH"};
 
 // Those that stand defined behind the given text.

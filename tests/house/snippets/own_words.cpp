@@ -1,4 +1,5 @@
-// A program with short words of its own beside all of the library's.
+// A program with short words of its own beside all of the library's, but those that are its
+// classes.
 struct Line {};
 struct Key {};
 struct Date {};
@@ -6,7 +7,6 @@ struct Row {};
 struct Column {};
 struct Table {};
 struct Entry {};
-struct Item {};
 struct List {};
 struct Member {};
 struct Parameter {};
@@ -32,7 +32,6 @@ Row row;
 Column column;
 Table table;
 Entry entry;
-Item item;
 List list;
 Member member;
 Parameter parameter;
