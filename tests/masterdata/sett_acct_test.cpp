@@ -73,54 +73,5 @@ TEST_F(SettAcctTest, OneThatWasNeverConstructedRaisesObjectNotSet) {
   EXPECT_EQ(server.TakeLog(), "");
 }
 
-// ---- The account ----
-
-TEST_F(SettAcctTest, AnAccountNumberIsLookedUpWhenItIsWrittenAndTheOldOneReadsOn) {
-  const std::string row = "AcctNumber: \"OLD\"";
-  testing::ExpectEvents(
-      server,
-      [&] {
-        server.Answer("QDSVGLAccount.AccountInfo", "ExistenceCheck", Long{31});
-        return ViewOn<SettAcct>(Row({{"AcctNumber", "OLD"}}));
-      },
-      [](SettAcct& entity) { entity.AccountNumber("a1"); },
-      {{"create QDSVGLAccount.AccountInfo", "", "id 0 {" + row + "}"},
-       {"call ExistenceCheck(\"props\", Number:=ref Variant \"a1\")", " -> 31",
-        "id 0 {" + row + "}"}},
-      "id 0 {" + row + ", FAcctID: 31} modified flagged",
-      [](const SettAcct& entity) { return StateOf(entity); });
-}
-
-TEST_F(SettAcctTest, AnUnknownAccountNumberClearsTheLinkAndRaisesNothing) {
-  for (const Long unknown : {0, -1}) {
-    server.Answer("QDSVGLAccount.AccountInfo", "ExistenceCheck", unknown);
-    const auto entity = ViewOn<SettAcct>(Row({{"FAcctID", Long{5}}, {"AcctNumber", "OLD"}}));
-    entity->AccountNumber("none");
-    EXPECT_EQ(entity->AccountID(), 0);
-    EXPECT_EQ(entity->AccountNumber(), "OLD");
-    EXPECT_EQ(StateOf(*entity), "id 0 {FAcctID: 0, AcctNumber: \"OLD\"} modified flagged");
-  }
-}
-
-TEST_F(SettAcctTest, AnEmptyAccountNumberIsLookedUpToo) {
-  ViewOn<SettAcct>(Nothing)->Let("AccountNumber", "");
-  EXPECT_EQ(server.TakeLog(), "create QDSVGLAccount.AccountInfo\n"
-                              "call ExistenceCheck(\"props\", Number:=ref Variant \"\")\n");
-}
-
-TEST_F(SettAcctTest, TheIdAndTheNumberOfTheAccountAreNotTiedTogether) {
-  const auto entity = ViewOn<SettAcct>(Row({{"FAcctID", Long{5}}, {"AcctNumber", "OLD"}}));
-  entity->AccountID(9);
-  EXPECT_EQ(entity->AccountNumber(), "OLD");
-  EXPECT_EQ(StateOf(*entity), "id 0 {FAcctID: 9, AcctNumber: \"OLD\"} modified flagged");
-  EXPECT_EQ(server.TakeLog(), "");
-}
-
-TEST_F(SettAcctTest, AnAccountNumberReadsAsTextAndEmptyWhereThereIsNone) {
-  EXPECT_EQ(ViewOn<SettAcct>(Nothing)->AccountNumber(), "");
-  EXPECT_EQ(ViewOn<SettAcct>(Row({{"AcctNumber", Null}}))->AccountNumber(), "");
-  EXPECT_EQ(ViewOn<SettAcct>(Row({{"AcctNumber", Long{12}}}))->AccountNumber(), "12");
-}
-
 }  // namespace
 }  // namespace qdclgl

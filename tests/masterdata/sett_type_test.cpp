@@ -70,54 +70,5 @@ TEST_F(SettTypeTest, OneThatWasNeverConstructedRaisesObjectNotSet) {
   EXPECT_EQ(server.TakeLog(), "");
 }
 
-// ---- The account ----
-
-TEST_F(SettTypeTest, AnAccountNumberIsLookedUpWhenItIsWrittenAndTheOldOneReadsOn) {
-  const std::string row = "AcctNumber: \"OLD\"";
-  testing::ExpectEvents(
-      server,
-      [&] {
-        server.Answer("QDSVGLSettAcct.SettAcctInfo", "ExistenceCheck", Long{31});
-        return ViewOn<SettType>(Row({{"AcctNumber", "OLD"}}));
-      },
-      [](SettType& entity) { entity.AccountNumber("a1"); },
-      {{"create QDSVGLSettAcct.SettAcctInfo", "", "id 0 {" + row + "}"},
-       {"call ExistenceCheck(\"props\", Number:=ref Variant \"a1\")", " -> 31",
-        "id 0 {" + row + "}"}},
-      "id 0 {" + row + ", FAcctID: 31} modified flagged",
-      [](const SettType& entity) { return StateOf(entity); });
-}
-
-TEST_F(SettTypeTest, AnUnknownAccountNumberClearsTheLinkAndRaisesNothing) {
-  for (const Long unknown : {0, -1}) {
-    server.Answer("QDSVGLSettAcct.SettAcctInfo", "ExistenceCheck", unknown);
-    const auto entity = ViewOn<SettType>(Row({{"FAcctID", Long{5}}, {"AcctNumber", "OLD"}}));
-    entity->AccountNumber("none");
-    EXPECT_EQ(entity->AccountID(), 0);
-    EXPECT_EQ(entity->AccountNumber(), "OLD");
-    EXPECT_EQ(StateOf(*entity), "id 0 {FAcctID: 0, AcctNumber: \"OLD\"} modified flagged");
-  }
-}
-
-TEST_F(SettTypeTest, AnEmptyAccountNumberIsLookedUpToo) {
-  ViewOn<SettType>(Nothing)->Let("AccountNumber", "");
-  EXPECT_EQ(server.TakeLog(), "create QDSVGLSettAcct.SettAcctInfo\n"
-                              "call ExistenceCheck(\"props\", Number:=ref Variant \"\")\n");
-}
-
-TEST_F(SettTypeTest, TheIdAndTheNumberOfTheAccountAreNotTiedTogether) {
-  const auto entity = ViewOn<SettType>(Row({{"FAcctID", Long{5}}, {"AcctNumber", "OLD"}}));
-  entity->AccountID(9);
-  EXPECT_EQ(entity->AccountNumber(), "OLD");
-  EXPECT_EQ(StateOf(*entity), "id 0 {FAcctID: 9, AcctNumber: \"OLD\"} modified flagged");
-  EXPECT_EQ(server.TakeLog(), "");
-}
-
-TEST_F(SettTypeTest, AnAccountNumberReadsAsTextAndEmptyWhereThereIsNone) {
-  EXPECT_EQ(ViewOn<SettType>(Nothing)->AccountNumber(), "");
-  EXPECT_EQ(ViewOn<SettType>(Row({{"AcctNumber", Null}}))->AccountNumber(), "");
-  EXPECT_EQ(ViewOn<SettType>(Row({{"AcctNumber", Long{12}}}))->AccountNumber(), "12");
-}
-
 }  // namespace
 }  // namespace qdclgl

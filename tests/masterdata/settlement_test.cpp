@@ -163,5 +163,73 @@ TYPED_TEST(SettlementTest, WalksYieldCurrenciesAndGetNextTheSetsOwnEntities) {
   EXPECT_EQ(this->set->GetNext()->ClassName(), Entity::kClassName);
 }
 
+// ---- The account of those that name one ----
+
+template <class Pair>
+class SettlementOfAccountTest : public SettlementTest<Pair> {
+ protected:
+  // What looks numbers up: settlement accounts for types, the chart of accounts for these.
+  const std::string looked_up_by = std::is_same_v<typename Pair::Entity, SettType>
+                                       ? InfoOf<SettAcct>()
+                                       : "QDSVGLAccount.AccountInfo";
+};
+using OfAccount =
+    ::testing::Types<Dictionaries<SettTypeSet, SettType>, Dictionaries<SettAcctSet, SettAcct>>;
+TYPED_TEST_SUITE(SettlementOfAccountTest, OfAccount);
+
+TYPED_TEST(SettlementOfAccountTest, AnAccountNumberIsLookedUpWhenItIsWrittenAndTheOldOneReadsOn) {
+  using Entity = typename TestFixture::Kind;
+  const std::string row = "AcctNumber: \"OLD\"";
+  testing::ExpectEvents(
+      this->server,
+      [&] {
+        this->server.Answer(this->looked_up_by, "ExistenceCheck", Long{31});
+        return ViewOn<Entity>(Row({{"AcctNumber", "OLD"}}));
+      },
+      [](Entity& entity) { entity.AccountNumber("a1"); },
+      {{"create " + this->looked_up_by, "", "id 0 {" + row + "}"},
+       {"call ExistenceCheck(\"props\", Number:=ref Variant \"a1\")", " -> 31",
+        "id 0 {" + row + "}"}},
+      "id 0 {" + row + ", FAcctID: 31} modified flagged",
+      [](const Entity& entity) { return StateOf(entity); });
+}
+
+TYPED_TEST(SettlementOfAccountTest, AnUnknownAccountNumberClearsTheLinkAndRaisesNothing) {
+  using Entity = typename TestFixture::Kind;
+  for (const Long unknown : {0, -1}) {
+    this->server.Answer(this->looked_up_by, "ExistenceCheck", unknown);
+    const auto entity = ViewOn<Entity>(Row({{"FAcctID", Long{5}}, {"AcctNumber", "OLD"}}));
+    entity->AccountNumber("none");
+    EXPECT_EQ(entity->AccountID(), 0);
+    EXPECT_EQ(entity->AccountNumber(), "OLD");
+    EXPECT_EQ(StateOf(*entity), "id 0 {FAcctID: 0, AcctNumber: \"OLD\"} modified flagged");
+  }
+}
+
+TYPED_TEST(SettlementOfAccountTest, AnEmptyAccountNumberIsLookedUpToo) {
+  using Entity = typename TestFixture::Kind;
+  ViewOn<Entity>(Nothing)->Let("AccountNumber", "");
+  EXPECT_EQ(this->server.TakeLog(),
+            "create " + this->looked_up_by +
+                "\n"
+                "call ExistenceCheck(\"props\", Number:=ref Variant \"\")\n");
+}
+
+TYPED_TEST(SettlementOfAccountTest, TheIdAndTheNumberOfTheAccountAreNotTiedTogether) {
+  using Entity = typename TestFixture::Kind;
+  const auto entity = ViewOn<Entity>(Row({{"FAcctID", Long{5}}, {"AcctNumber", "OLD"}}));
+  entity->AccountID(9);
+  EXPECT_EQ(entity->AccountNumber(), "OLD");
+  EXPECT_EQ(StateOf(*entity), "id 0 {FAcctID: 9, AcctNumber: \"OLD\"} modified flagged");
+  EXPECT_EQ(this->server.TakeLog(), "");
+}
+
+TYPED_TEST(SettlementOfAccountTest, AnAccountNumberReadsAsTextAndEmptyWhereThereIsNone) {
+  using Entity = typename TestFixture::Kind;
+  EXPECT_EQ(ViewOn<Entity>(Nothing)->AccountNumber(), "");
+  EXPECT_EQ(ViewOn<Entity>(Row({{"AcctNumber", Null}}))->AccountNumber(), "");
+  EXPECT_EQ(ViewOn<Entity>(Row({{"AcctNumber", Long{12}}}))->AccountNumber(), "12");
+}
+
 }  // namespace
 }  // namespace qdclgl
