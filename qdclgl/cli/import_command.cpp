@@ -7,12 +7,12 @@
 #include "qdclgl/cli/journal.h"
 #include "qdclgl/cli/program.h"
 #include "qdclgl/cli/steps.h"
+#include "qdclgl/cli/voucher_draft.h"
 
 namespace qdclgl::cli {
 
 namespace {
 
-constexpr const char* kUsualGroup = "General";
 // Departments are details of a line under this item class.
 constexpr const char* kDepartmentClass = "DEP";
 constexpr const char* kDepartmentName = "Department";
