@@ -314,6 +314,24 @@ TEST_P(SchemaTest, AnUpgradeThatFailsLeavesTheBooksAsTheyWere) {
   RemoveBooks(old);
 }
 
+class ScriptTest : public SchemaTest {};
+
+// Each message is a place where a connection can be lost, and a wait for who is far away.
+TEST_P(ScriptTest, AllStepsAndTheIdentitiesBehindThemAreOneMessage) {
+  const std::string fresh = NewConnectionText(GetParam());
+  MakeBooks(ConnectionText::Parse(fresh), [](Database& db) {
+    std::string messages;
+    Database::SetStatementHook([&](std::string_view sql) {
+      messages += std::string(sql.substr(0, sql.find_first_of(" \n(", 1))) + "\n";
+    });
+    Migrate(db, CurrentSchemaVersion());
+    Database::SetStatementHook(nullptr);
+    EXPECT_EQ(messages, "SELECT\nCREATE\nINSERT\n");
+  });
+  RemoveBooks(fresh);
+}
+QDCLGL_BOOKS_TEST_OF(ScriptTest, kPostgreSQL);
+
 TEST_P(SchemaTest, BooksOfANewerProgramAreLeftAlone) {
   Books().Execute("INSERT INTO t_Schema (FVersion, FTitle) VALUES (?, 'The future')",
                   CurrentSchemaVersion() + 1);
