@@ -324,12 +324,7 @@ VoucherFacts VoucherFacts::Of(Database& db, const VoucherTree& tree) {
       " UNION ALL SELECT 2, FAccountID, FNumber, '', FDetail, FDelete FROM t_Account"
       " WHERE FAccountID IN " +
       places(ids.size()) + " OR FNumber IN " + places(numbers.size());
-  std::vector<Storage> parameters = {Storage::kWhole, Storage::kText};
-  parameters.resize(2 + ids.size(), Storage::kWhole);
-  parameters.resize(2 + ids.size() + numbers.size(), Storage::kText);
-  static constexpr Storage kResults[] = {Storage::kWhole, Storage::kWhole, Storage::kText,
-                                         Storage::kText,  Storage::kWhole, Storage::kWhole};
-  Statement& statement = db.Prepared(sql, parameters, kResults);
+  Statement& statement = db.Prepared(sql);
   const Long group_id = tree.header.Get<"FGroupID">();
   std::size_t position = 0;
   statement.Set(position++, std::int64_t{group_id});
@@ -342,7 +337,7 @@ VoucherFacts VoucherFacts::Of(Database& db, const VoucherTree& tree) {
   std::vector<Account> accounts;
   for (statement.Open(); statement.Fetch();) {
     const auto id = static_cast<Long>(statement.Whole(1));
-    const std::string& name = statement.Text(2);
+    const std::string name(statement.Text(2));
     const bool is_deleted = statement.Whole(5) != 0;
     switch (statement.Whole(0)) {
       case kSetting: settings.emplace(name, statement.Text(3)); break;

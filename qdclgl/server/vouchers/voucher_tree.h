@@ -163,7 +163,6 @@ class LineTables {
   StoredTable lines_, details_;
   RowInsertion insert_lines_, insert_details_;
   std::string read_lines_, read_details_, remove_lines_, remove_details_;
-  std::vector<Storage> line_results_, detail_results_;
 };
 
 struct VoucherTree {
