@@ -295,8 +295,8 @@ TEST_P(LineItemsTest, BalancesByItemsKnowPeriodsCurrenciesAndQuantities) {
                    "FEndBalanceFor", "FDebitQty", "FEndQty"});
   };
   const std::string id = std::to_string(anna);
-  EXPECT_EQ(list("GetItemList"), " " + id + " Anna 0 0 0 2.5 2.5\nEUR " + id +
-                                     " Anna 4 3 1 0 0\nUSD " + id + " Anna 10 0 10 2.5 2.5\n");
+  EXPECT_EQ(list("GetItemList"), id + " Anna 0 0 0 2.5 2.5\nEUR " + id + " Anna 4 3 1 0 0\nUSD " +
+                                     id + " Anna 10 0 10 2.5 2.5\n");
   EXPECT_EQ(list("GetItemList"), list("GetItemListFromLines"));
   EXPECT_EQ(Breaches(), "");
 }
