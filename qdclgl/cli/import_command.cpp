@@ -71,6 +71,7 @@ class JournalImport {
       if (vouchers.size() == Batch::kSize) StoreAll(vouchers);
     }
     StoreAll(vouchers);
+    ReportKnown();
     result_.is_whole = reports_.IsEmpty();
     return result_;
   }
@@ -119,7 +120,17 @@ class JournalImport {
       return;
     }
     ++result_.left_out;
-    reports_.Add(voucher.at, "voucher " + Quoted(voucher.key) + " is in the books already");
+    if (known_++ == 0) first_known_ = voucher;
+  }
+
+  // A journal that comes a second time is one report and not one for each of its vouchers.
+  void ReportKnown() {
+    if (known_ == 0) return;
+    std::string who = "voucher " + Quoted(first_known_.key);
+    if (known_ > 1) who += " and " + std::to_string(known_ - 1) + " behind it";
+    reports_.Add(first_known_.at, who + (known_ == 1 ? " is" : " are") +
+                                      " in the books already; --resume passes over " +
+                                      (known_ == 1 ? "it" : "them"));
   }
 
   // False when the voucher can't be stored; then why is reported.
@@ -251,6 +262,8 @@ class JournalImport {
   const ItemSheet items_;
   JournalReader reader_;
   JournalResult result_;
+  long known_ = 0;  // vouchers that are in the books already
+  JournalVoucher first_known_;
 };
 
 int Import(const ImportOptions& options, const Console& console) {
