@@ -11,6 +11,11 @@ namespace qdclgl::cli {
 
 namespace {
 
+bool IsCalled(const SheetColumn& column, std::string_view heading) {
+  const auto equals = [&](std::string_view name) { return EqualsIgnoringAsciiCase(name, heading); };
+  return equals(column.heading) || std::ranges::any_of(column.others, equals);
+}
+
 std::ifstream Opened(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   if (!file) throw FileError(path + " can't be read");
@@ -55,7 +60,7 @@ void Sheet::ReadHeadings(std::span<const SheetColumn> columns, Reports& reports)
   for (std::size_t i = 0; i < width_; ++i) {
     const CsvCell& cell = row.cells[i];
     const auto known = std::find_if(columns.begin(), columns.end(), [&](const SheetColumn& column) {
-      return EqualsIgnoringAsciiCase(column.heading, cell.text);
+      return IsCalled(column, cell.text);
     });
     if (known == columns.end()) {
       fail(cell.at, NoSuch("column", cell.text, headings));

@@ -52,6 +52,7 @@
   REFUSAL(0x2C, OwnVoucher, "Who had a hand in a voucher does not take this step.")             \
   REFUSAL(0x2D, TooLarge, "Amounts, totals or data are beyond what the books hold.")            \
   REFUSAL(0x2E, VoucherCashed, "The voucher is cashed.")                                        \
+  REFUSAL(0x2F, BadItem, "A line names an item of each class that its account asks for.")       \
   REFUSAL(0x30, NoParent, "The account above is missing.")                                      \
   REFUSAL(0x31, ParentInUse, "The account above has lines of its own.")                         \
   REFUSAL(0x32, HasChildren, "The account has sub-accounts.")                                   \

@@ -437,6 +437,12 @@ bool IsUsedInVouchers(Database& db, std::string_view column, Long id) {
                             id);
 }
 
+void RemoveEmptyBalances(Database& db, std::string_view column, Long id) {
+  for (const std::string_view table : {"t_ItemBalance", "t_Balance"}) {
+    db.Execute("DELETE FROM " + std::string(table) + " WHERE " + std::string(column) + " = ?", id);
+  }
+}
+
 // ---- The components; what saves and removes stands with the save ----
 
 RecordInfo::RecordInfo(const MasterData& kind) : RecordComponent(kind, kind.info()) {}

@@ -128,6 +128,7 @@ class Cells {
 using HeaderCells = Cells<kHeaderColumns>;
 using StateCells = Cells<kStateColumns>;
 using LineCells = Cells<kLineColumns>;
+using DetailCells = Cells<kDetailColumns>;
 
 struct VoucherLine {
   LineCells cells;
