@@ -166,7 +166,14 @@ void SQLiteDriver::RaiseFailure() {
   if (code == SQLITE_BUSY || code == SQLITE_LOCKED) {
     Refuse(refusal::kDatabaseBusy, "Other programs are writing to the books; try again.");
   }
-  Refuse(refusal::kDatabaseFailed, "SQLite: " + std::string(sqlite3_errmsg(connection())));
+  if (code == SQLITE_NOTADB) {
+    Refuse(refusal::kNoBooks, "The file " + file_.path() + " holds no books.");
+  }
+  const std::string reason = sqlite3_errmsg(connection());
+  if (code == SQLITE_CORRUPT) {
+    Refuse(refusal::kDamaged, "The file " + file_.path() + " is damaged: " + reason + ".");
+  }
+  Refuse(refusal::kDatabaseFailed, "SQLite: " + reason);
 }
 
 }  // namespace qdclgl::server

@@ -364,7 +364,8 @@ VoucherFacts VoucherFacts::Of(Database& db, const VoucherTree& tree) {
       case kGroup: group = {id, name, is_deleted}; break;
       case kAccount: accounts.push_back({id, name, statement.Whole(4) != 0, is_deleted}); break;
       case kItemClass:
-        classes[id].push_back({static_cast<Long>(statement.Whole(4)), name, statement.Text(3)});
+        classes[id].push_back({static_cast<Long>(statement.Whole(4)), name,
+                               std::string(statement.Text(3))});
     }
   }
   for (Account& account : accounts) account.classes = std::move(classes[account.id]);
