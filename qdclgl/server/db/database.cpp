@@ -3,7 +3,10 @@
 #include <chrono>
 #include <thread>
 
+#include "qdclgl/frame/platform/machine.h"
+#include "qdclgl/frame/platform/platform.h"
 #include "qdclgl/frame/vocabulary/text.h"
+#include "qdclgl/server/db/busy.h"
 #include "qdclgl/server/db/driver.h"
 #include "qdclgl/server/db/refusals.h"
 
@@ -16,6 +19,12 @@ std::string Quoted(std::string_view text, char quote) {
   std::string quoted(1, quote);
   for (const char c : text) quoted.append(c == quote ? 2 : 1, c);
   return quoted + quote;
+}
+
+// By this others are told who is in their way.
+std::string OwnName() {
+  return "QDCLGL on " + GetMachineName() + ", process " +
+         std::to_string(CurrentPlatform().ProcessId());
 }
 
 // What changes when the server of PostgreSQL starts again, or loses its memory in a crash.
@@ -40,14 +49,19 @@ constexpr int kRules = 0, kBatchAlone = 1, kSessions = 3;
 // ---- The connection ----
 
 Database::Database(const ConnectionText& text)
-    : text_(text), is_sqlite_(text.IsSQLite()), driver_(std::make_unique<Driver>(text)) {
+    : text_(text),
+      is_sqlite_(text.IsSQLite()),
+      driver_(std::make_unique<Driver>(
+          text, [text](int backend) { return SentenceOfBusyBooks(text, backend); })) {
   if (is_sqlite_) {
     const bool normal = EqualsIgnoringAsciiCase(text[connection_key::kSynchronous], "Normal");
     Command(normal ? "PRAGMA synchronous = NORMAL" : "PRAGMA synchronous = FULL");
     Command("PRAGMA foreign_keys = ON");
     Command("PRAGMA case_sensitive_like = ON");
   } else {
-    Command("SET client_min_messages = warning");
+    Command("SET client_min_messages = warning; SET lock_timeout = '" +
+            std::to_string(text.Number(connection_key::kLockTimeout)) +
+            "s'; SET application_name = " + Quoted(OwnName(), '\''));
     const std::string_view schema = text[connection_key::kSchema];
     if (!schema.empty()) Command("SET search_path TO " + Quoted(schema, '"'));
     server_run_ = driver_->Run("SELECT " + std::string(kServerRun));
@@ -126,7 +140,7 @@ void Database::RequireWritable() const {
   }
   if (is_beside_batch_) {
     Refuse(refusal::kDatabaseBusy,
-           "Another session has a batch under way in this thread; end that first.");
+           "A batch is under way in this thread, and this would wait for it; end it first.");
   }
 }
 

@@ -68,18 +68,20 @@ std::string PostgreSQLOptions(const ConnectionText& text) {
   add("sslcert", text[connection_key::kSslCert]);
   add("sslkey", text[connection_key::kSslKey]);
   add("connect_timeout", "10");
-  // A machine that dies says nothing; it is noticed within a minute.
-  add("keepalives_idle", "30");
-  add("keepalives_interval", "10");
-  add("keepalives_count", "3");
-  add("tcp_user_timeout", "60000");
+  const auto add_number = [&](std::string_view word, std::string_view key) {
+    add(word, std::to_string(text.Number(key)));
+  };
+  add_number("keepalives_idle", connection_key::kKeepalivesIdle);
+  add_number("keepalives_interval", connection_key::kKeepalivesInterval);
+  add_number("keepalives_count", connection_key::kKeepalivesCount);
+  add_number("tcp_user_timeout", connection_key::kTcpUserTimeout);
   if (HasStandby(text)) add("target_session_attrs", "read-write");
   return options;
 }
 
 }  // namespace
 
-Driver::Driver(const ConnectionText& text) {
+Driver::Driver(const ConnectionText& text, OnBusy on_busy) : on_busy_(std::move(on_busy)) {
   if (text.IsSQLite()) {
     OpenSQLite(text);
   } else {
@@ -103,8 +105,9 @@ void Driver::OpenSQLite(const ConnectionText& text) {
     Refuse(refusal::kDatabaseFailed,
            "SQLite: " + std::string(sqlite_api::sqlite3_errmsg(sqlite_->conn_)));
   }
-  constexpr int kPatience = 60'000;  // milliseconds
-  sqlite_api::sqlite3_busy_timeout(sqlite_->conn_, kPatience);
+  constexpr int kSecond = 1000;  // milliseconds
+  sqlite_api::sqlite3_busy_timeout(sqlite_->conn_,
+                                   text.Number(connection_key::kLockTimeout) * kSecond);
   DefineSQLiteFunctions(session_);
 }
 
@@ -150,7 +153,7 @@ void Driver::RaiseTranslated() {
   } catch (const soci::sqlite3_soci_error& error) {
     last_failure_ = sqlite_api::sqlite3_extended_errcode(sqlite_->conn_);
     if (error.result() == SQLITE_BUSY || error.result() == SQLITE_LOCKED) {
-      Refuse(refusal::kDatabaseBusy, "Other programs are writing to the books; try again.");
+      Refuse(refusal::kDatabaseBusy, on_busy_(0));
     }
     Refuse(refusal::kDatabaseFailed, "SQLite: " + MessageOf(error));
   } catch (const soci::postgresql_soci_error& error) {
@@ -162,7 +165,9 @@ void Driver::RaiseTranslated() {
       is_lost_ = true;
       Refuse(refusal::kConnectionLost, "PostgreSQL: " + MessageOf(error));
     }
-    if (state == "40001" || state == "40P01" || state == "55P03") {
+    if (state == "55P03")
+      Refuse(refusal::kDatabaseBusy, on_busy_(PQbackendPID(postgresql_->conn_)));
+    if (state == "40001" || state == "40P01") {
       Refuse(refusal::kDatabaseBusy, "Other programs are writing to the same records; try again.");
     }
     Refuse(refusal::kDatabaseFailed, "PostgreSQL: " + MessageOf(error));

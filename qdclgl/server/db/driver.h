@@ -22,8 +22,12 @@ namespace qdclgl::server {
 
 class Driver {
  public:
+  // What is told of those for whom something was waited too long; PostgreSQL knows the waiting one
+  // by a number.
+  using OnBusy = std::function<std::string(int backend)>;
+
   // Errors: NoBooks, ConnectionLost, DatabaseFailed.
-  explicit Driver(const ConnectionText& text);
+  Driver(const ConnectionText& text, OnBusy on_busy);
   Driver(const Driver&) = delete;
   Driver& operator=(const Driver&) = delete;
 
@@ -104,6 +108,7 @@ class Driver {
   // The session's own half, one of the two.
   soci::sqlite3_session_backend* sqlite_ = nullptr;
   soci::postgresql_session_backend* postgresql_ = nullptr;
+  OnBusy on_busy_;
   Work work_;
   bool is_lost_ = false;
   int last_failure_ = 0;  // SQLite's extended code
