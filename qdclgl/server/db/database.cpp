@@ -3,7 +3,10 @@
 #include <chrono>
 #include <thread>
 
+#include "qdclgl/frame/platform/machine.h"
+#include "qdclgl/frame/platform/platform.h"
 #include "qdclgl/frame/vocabulary/text.h"
+#include "qdclgl/server/db/busy.h"
 #include "qdclgl/server/db/postgresql_driver.h"
 #include "qdclgl/server/db/refusals.h"
 #include "qdclgl/server/db/sqlite_driver.h"
@@ -17,6 +20,12 @@ std::string Quoted(std::string_view text, char quote) {
   std::string quoted(1, quote);
   for (const char c : text) quoted.append(c == quote ? 2 : 1, c);
   return quoted + quote;
+}
+
+// By this others are told who is in their way.
+std::string OwnName() {
+  return "QDCLGL on " + GetMachineName() + ", process " +
+         std::to_string(CurrentPlatform().ProcessId());
 }
 
 // What changes when the server of PostgreSQL starts again, or loses its memory in a crash.
@@ -34,10 +43,9 @@ std::string Lock(std::string_view function, std::string_view schema, int what) {
 }
 
 std::unique_ptr<Driver> DriverFor(const ConnectionText& text) {
-  if (text.IsSQLite()) {
-    return std::make_unique<SQLiteDriver>(std::string(text[connection_key::kDataSource]));
-  }
-  return std::make_unique<PostgreSQLDriver>(text);
+  auto on_busy = [text](int backend) { return SentenceOfBusyBooks(text, backend); };
+  if (text.IsSQLite()) return std::make_unique<SQLiteDriver>(text, std::move(on_busy));
+  return std::make_unique<PostgreSQLDriver>(text, std::move(on_busy));
 }
 
 // 2 is that of the trail's seals.
@@ -57,6 +65,8 @@ Database::Database(const ConnectionText& text)
   } else {
     // In one message; numbers come with all of their digits.
     std::string script = "SET client_min_messages = warning; SET extra_float_digits = 3; ";
+    script += "SET lock_timeout = '" + std::to_string(text.Number(connection_key::kLockTimeout)) +
+              "s'; SET application_name = " + Quoted(OwnName(), '\'') + "; ";
     const std::string_view schema = text[connection_key::kSchema];
     if (!schema.empty()) script += "SET search_path TO " + Quoted(schema, '"') + "; ";
     Driver::CallHook(script);
@@ -127,7 +137,7 @@ void Database::RequireWritable() const {
   }
   if (is_beside_batch_) {
     Refuse(refusal::kDatabaseBusy,
-           "Another session has a batch under way in this thread; end that first.");
+           "A batch is under way in this thread, and this would wait for it; end it first.");
   }
 }
 

@@ -13,6 +13,8 @@ std::function<void(std::string_view)>& Hook() {
 
 }  // namespace
 
+void Driver::RaiseBusy(int backend) const { Refuse(refusal::kDatabaseBusy, on_busy_(backend)); }
+
 void Driver::NoteFailure(const Error& error) {
   // Who waited too long has lost nothing but the time.
   if (error.number() == refusal::kDatabaseBusy && IsInTransaction()) return;

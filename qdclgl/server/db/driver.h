@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "qdclgl/frame/vocabulary/errors.h"
 
@@ -15,7 +16,11 @@ class Statement;
 
 class Driver {
  public:
-  Driver() = default;
+  // What is told of those for whom something was waited too long; PostgreSQL knows the waiting one
+  // by a number.
+  using OnBusy = std::function<std::string(int backend)>;
+
+  explicit Driver(OnBusy on_busy) : on_busy_(std::move(on_busy)) {}
   virtual ~Driver() = default;
   Driver(const Driver&) = delete;
   Driver& operator=(const Driver&) = delete;
@@ -69,7 +74,12 @@ class Driver {
   static void SetHook(std::function<void(std::string_view sql)> hook);
   static void CallHook(std::string_view sql);
 
+ protected:
+  // DatabaseBusy with the sentence of that.
+  [[noreturn]] void RaiseBusy(int backend = 0) const;
+
  private:
+  OnBusy on_busy_;
   Work work_;
   bool is_lost_ = false;
 };

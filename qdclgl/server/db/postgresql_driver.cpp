@@ -41,11 +41,13 @@ std::string OptionsOf(const ConnectionText& text) {
   add("sslkey", text[connection_key::kSslKey]);
   add("client_encoding", "UTF8");
   add("connect_timeout", "10");
-  // A machine that dies says nothing; it is noticed within a minute.
-  add("keepalives_idle", "30");
-  add("keepalives_interval", "10");
-  add("keepalives_count", "3");
-  add("tcp_user_timeout", "60000");
+  const auto add_number = [&](std::string_view word, std::string_view key) {
+    add(word, std::to_string(text.Number(key)));
+  };
+  add_number("keepalives_idle", connection_key::kKeepalivesIdle);
+  add_number("keepalives_interval", connection_key::kKeepalivesInterval);
+  add_number("keepalives_count", connection_key::kKeepalivesCount);
+  add_number("tcp_user_timeout", connection_key::kTcpUserTimeout);
   if (HasStandby(text)) add("target_session_attrs", "read-write");
   return options;
 }
@@ -161,7 +163,8 @@ class PostgreSQLStatement final : public Statement {
 
 // ---- The connection ----
 
-PostgreSQLDriver::PostgreSQLDriver(const ConnectionText& text) {
+PostgreSQLDriver::PostgreSQLDriver(const ConnectionText& text, OnBusy on_busy)
+    : Driver(std::move(on_busy)) {
   using Clock = std::chrono::steady_clock;
   constexpr std::chrono::seconds kPromotion(60);
   constexpr std::chrono::milliseconds kPause(100);
@@ -284,7 +287,8 @@ void PostgreSQLDriver::Raise(const Failure& failure) {
     GiveUp();
   }
   if (IsLost()) Refuse(refusal::kConnectionLost, "PostgreSQL: " + OnOneLine(message));
-  if (state == "40001" || state == "40P01" || state == "55P03") {
+  if (state == "55P03") RaiseBusy(PQbackendPID(connection_.get()));
+  if (state == "40001" || state == "40P01") {
     Refuse(refusal::kDatabaseBusy, "Other programs are writing to the same records; try again.");
   }
   Refuse(refusal::kDatabaseFailed, "PostgreSQL: " + OnOneLine(message));

@@ -22,7 +22,7 @@ class PostgreSQLStatement;
 class PostgreSQLDriver final : public Driver {
  public:
   // Errors: ConnectionLost.
-  explicit PostgreSQLDriver(const ConnectionText& text);
+  PostgreSQLDriver(const ConnectionText& text, OnBusy on_busy);
 
   std::unique_ptr<Statement> Prepare(std::string_view sql, Use use) override;
   std::string Run(std::string_view script) override;

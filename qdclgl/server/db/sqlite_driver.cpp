@@ -117,7 +117,8 @@ class SQLiteStatement final : public Statement {
 
 }  // namespace
 
-SQLiteDriver::SQLiteDriver(std::string path) : file_(std::move(path)) {
+SQLiteDriver::SQLiteDriver(const ConnectionText& text, OnBusy on_busy)
+    : Driver(std::move(on_busy)), file_(std::string(text[connection_key::kDataSource])) {
   sqlite3* opened = nullptr;
   // A connection belongs to one thread.
   const int result =
@@ -127,8 +128,8 @@ SQLiteDriver::SQLiteDriver(std::string path) : file_(std::move(path)) {
                       nullptr);
   connection_.reset(opened);
   Require(result);
-  constexpr int kPatience = 60'000;  // milliseconds
-  sqlite3_busy_timeout(connection(), kPatience);
+  constexpr int kSecond = 1000;  // milliseconds
+  sqlite3_busy_timeout(connection(), text.Number(connection_key::kLockTimeout) * kSecond);
   DefineSQLiteFunctions(connection());
 }
 
@@ -163,9 +164,7 @@ void SQLiteDriver::RaiseFailure() {
   last_failure_ = sqlite3_extended_errcode(connection());
   constexpr int kPrimaryCode = 0xff;
   const int code = last_failure_ & kPrimaryCode;
-  if (code == SQLITE_BUSY || code == SQLITE_LOCKED) {
-    Refuse(refusal::kDatabaseBusy, "Other programs are writing to the books; try again.");
-  }
+  if (code == SQLITE_BUSY || code == SQLITE_LOCKED) RaiseBusy();
   if (code == SQLITE_NOTADB) {
     Refuse(refusal::kNoBooks, "The file " + file_.path() + " holds no books.");
   }

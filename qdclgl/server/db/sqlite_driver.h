@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "qdclgl/server/db/books_file.h"
+#include "qdclgl/server/db/connection_text.h"
 #include "qdclgl/server/db/driver.h"
 
 namespace qdclgl::server {
@@ -15,7 +16,7 @@ namespace qdclgl::server {
 class SQLiteDriver final : public Driver {
  public:
   // Errors: NoBooks, DatabaseFailed.
-  explicit SQLiteDriver(std::string path);
+  SQLiteDriver(const ConnectionText& text, OnBusy on_busy);
 
   std::unique_ptr<Statement> Prepare(std::string_view sql, Use use) override;
   std::string Run(std::string_view script) override;

@@ -29,6 +29,8 @@ class CuttingProxy {
   void CutAt(int n, Cut cut);
   // Nothing more is cut. Whether something was.
   bool Mend();
+  // How many requests there were between the last CutAt and Mend.
+  int Requests() const { return until_mend_; }
 
  private:
   void Accept();
@@ -38,7 +40,9 @@ class CuttingProxy {
   std::string host_, server_port_;
   int listener_;
   std::string port_;
-  std::atomic<int> left_{0};  // requests up to the cut; 0: it never comes
+  std::atomic<int> requests_{0};  // since CutAt
+  int until_mend_ = 0;            // of them
+  std::atomic<int> cut_at_{0};    // the request that is cut; 0: none
   std::atomic<Cut> cut_{Cut::kBefore};
   std::atomic<bool> has_cut_{false};
   std::atomic<bool> ends_{false};
