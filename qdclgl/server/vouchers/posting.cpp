@@ -88,18 +88,19 @@ void MoveBalances(Database& db, Long voucher_id, const std::string& name, Accoun
     const auto units = [&, &moved = movement](std::size_t i) {
       return static_cast<std::int64_t>(direction == Direction::kPost ? moved[i] : 0 - moved[i]);
     };
-    db.Execute("INSERT INTO t_Balance (FAccountID, FCurrencyID, FYear, FPeriod, FDebit, FCredit,"
-               " FDebitFor, FCreditFor, FDebitQty, FCreditQty)"
-               " VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"
-               " ON CONFLICT (FAccountID, FCurrencyID, FYear, FPeriod) DO UPDATE SET"
-               " FDebit = t_Balance.FDebit + excluded.FDebit,"
-               " FCredit = t_Balance.FCredit + excluded.FCredit,"
-               " FDebitFor = t_Balance.FDebitFor + excluded.FDebitFor,"
-               " FCreditFor = t_Balance.FCreditFor + excluded.FCreditFor,"
-               " FDebitQty = t_Balance.FDebitQty + excluded.FDebitQty,"
-               " FCreditQty = t_Balance.FCreditQty + excluded.FCreditQty",
-               place.first, place.second, period.year, period.period, units(0), units(1), units(2),
-               units(3), units(4), units(5));
+    db.ExecuteLater(
+        "INSERT INTO t_Balance (FAccountID, FCurrencyID, FYear, FPeriod, FDebit, FCredit,"
+        " FDebitFor, FCreditFor, FDebitQty, FCreditQty)"
+        " VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"
+        " ON CONFLICT (FAccountID, FCurrencyID, FYear, FPeriod) DO UPDATE SET"
+        " FDebit = t_Balance.FDebit + excluded.FDebit,"
+        " FCredit = t_Balance.FCredit + excluded.FCredit,"
+        " FDebitFor = t_Balance.FDebitFor + excluded.FDebitFor,"
+        " FCreditFor = t_Balance.FCreditFor + excluded.FCreditFor,"
+        " FDebitQty = t_Balance.FDebitQty + excluded.FDebitQty,"
+        " FCreditQty = t_Balance.FCreditQty + excluded.FCreditQty",
+        place.first, place.second, period.year, period.period, units(0), units(1), units(2),
+        units(3), units(4), units(5));
   }
 }
 
