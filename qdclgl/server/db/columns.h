@@ -123,7 +123,8 @@ std::vector<Variant> ReadCells(const Statement& statement, std::span<const Colum
 // What a caller's row has under the columns' names, in the columns' types.
 std::vector<Variant> NormalizedCells(std::span<const Column> columns, const Dictionary& row);
 
-// The insertion of rows into a table, as few statements as their number allows.
+// The insertion of rows into a table, as few statements as their number allows; they run with the
+// next one that is waited for.
 class RowInsertion {
  public:
   RowInsertion(std::string_view table, std::span<const Column> columns);
@@ -138,7 +139,7 @@ class RowInsertion {
       for (std::size_t i = 0; i < std::size_t{1} << power; ++i) {
         bind(statement, i * column_count_, row++);
       }
-      statement.Execute();
+      statement.ExecuteLater();
     }
   }
 

@@ -102,13 +102,6 @@ void Database::Command(std::string_view sql) {
   driver_->Watched([&] { driver_->Run(sql); });
 }
 
-std::string Database::Run(std::string_view sql) {
-  if (!is_sqlite_) return driver_->Watched([&] { return driver_->Run(sql); });
-  // Preparing costs SQLite more than running.
-  Prepared(sql).Run();
-  return "";
-}
-
 void Database::ExecuteScript(std::string_view script) {
   if (!is_sqlite_) return Command(script);  // one message
   while (true) {
@@ -145,7 +138,8 @@ void Database::RollBack(int level) noexcept {
   Driver::Work& work = driver_->work();
   work.depth = level;
   // A query that an exception cut short still holds its rows.
-  for (const auto& [key, statement] : statements_) statement->Reset();
+  for (const auto& [sql, statement] : statements_) statement->Reset();
+  driver_->Discard();
   try {
     if (level > 0 && !work.has_failed) {
       const std::string name = "SAVEPOINT level" + std::to_string(level);
@@ -241,14 +235,15 @@ bool Database::InBatch() const { return driver_->work().in_batch; }
 void Database::BeginBatch(const BatchOwner& owner, bool alone) {
   if (InBatch()) Refuse(refusal::kBadBatch, "A batch is under way in these books already.");
   RequireWritable();
-  std::string begin(Dialect("BEGIN IMMEDIATE", "BEGIN"));
+  const std::string begin(Dialect("BEGIN IMMEDIATE", "BEGIN"));
+  std::string lock;
   if (alone && !is_sqlite_) {
-    begin +=
-        "; SELECT " + Lock("pg_advisory_xact_lock", text_[connection_key::kSchema], kBatchAlone);
+    lock = "SELECT " + Lock("pg_advisory_xact_lock", text_[connection_key::kSchema], kBatchAlone);
   }
   Driver::CallHook(begin);
   try {
     Run(begin);
+    if (!lock.empty()) Run(lock);
   } catch (const Error&) {
     RollBack(0);
     throw;
@@ -278,24 +273,28 @@ void Database::EndBatchOf(const BatchOwner& owner) {
 
 // ---- Transaction ----
 
-Transaction::Transaction(Database& database, Kind kind, std::string_view question)
+Transaction::Transaction(Database& database, Kind kind, std::string_view question,
+                         const Along& along)
     : database_(database), level_(database.driver_->work().depth), proof_before_(database.proof_) {
   const bool writes = kind != Kind::kRead;
   database.RequireSound();
   if (writes) database.RequireWritable();
+  // What stands before the beginning is no part of the transaction.
+  if (level_ == 0) database.driver_->Settle();
   std::string begin = level_ > 0 ? "SAVEPOINT level" + std::to_string(level_) : "BEGIN";
+  std::string lock;
   if (!writes) {
     if (level_ == 0) begin += database.Dialect("", " ISOLATION LEVEL REPEATABLE READ READ ONLY");
   } else if (database.is_sqlite_) {
     if (level_ == 0) begin += " IMMEDIATE";
   } else {
-    begin += "; SELECT " +
-             Lock(kind == Kind::kSave ? "pg_advisory_xact_lock_shared" : "pg_advisory_xact_lock",
-                  database.text_[connection_key::kSchema], kRules);
+    lock = "SELECT " +
+           Lock(kind == Kind::kSave ? "pg_advisory_xact_lock_shared" : "pg_advisory_xact_lock",
+                database.text_[connection_key::kSchema], kRules);
   }
   Driver::CallHook(begin);
   try {
-    Begin(std::move(begin), writes, question);
+    Begin(begin, lock, question, along);
   } catch (const Error&) {
     // The lock or the question may have failed behind the beginning.
     database.RollBack(level_);
@@ -308,26 +307,27 @@ Transaction::Transaction(Database& database, Kind kind, std::string_view questio
   ++database.driver_->work().depth;
 }
 
-void Transaction::Begin(std::string script, bool writes, std::string_view question) {
-  if (database_.is_sqlite_) {
-    database_.Run(script);
+void Transaction::Begin(const std::string& begin, const std::string& lock,
+                        std::string_view question, const Along& along) {
+  database_.Prepared(begin).RunLater();
+  if (lock.empty()) {
     if (!question.empty()) answer_ = database_.QueryValue<std::string>(question);
+    along();
     return;
   }
-  // One message to the server for all of it: the id of the transaction comes back, and behind a
-  // blank the answer.
-  if (writes) {
-    script += "; SELECT pg_current_xact_id()";
-    if (!question.empty()) {
-      script += " || COALESCE(' ' || (";
-      script.append(question).append("), '')");
-    }
-  }
-  const std::string told = database_.Run(script);
-  if (!writes) return;
-  const std::size_t blank = told.find(' ');
-  database_.transaction_id_ = told.substr(0, blank);
-  if (blank != told.npos) answer_ = told.substr(blank + 1);
+  database_.Prepared(lock).RunLater();
+  // The id of the transaction comes back, and behind a blank the answer.
+  std::string told = "SELECT CAST(pg_current_xact_id() AS TEXT)";
+  if (!question.empty()) told.append(" || COALESCE(' ' || (").append(question).append("), '')");
+  Statement& asked = database_.Prepared(told);
+  asked.Ask();
+  along();
+  asked.Fetch();
+  const std::string_view text = asked.Text(0);
+  const std::size_t blank = text.find(' ');
+  database_.transaction_id_ = text.substr(0, blank);
+  if (blank != text.npos) answer_ = text.substr(blank + 1);
+  asked.Reset();
 }
 
 void Transaction::Commit() {

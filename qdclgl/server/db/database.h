@@ -53,6 +53,12 @@ class Database {
     return Bound(sql, values...).Execute();
   }
 
+  // Runs it, on PostgreSQL in one message with the next statement that is waited for.
+  template <class... Values>
+  void ExecuteLater(std::string_view sql, const Values&... values) {
+    Bound(sql, values...).ExecuteLater();
+  }
+
   // The rows of a query: `db.Query<Long, Currency>("SELECT ... WHERE FVoucherID = ?", id)`.
   template <class... Columns, class... Values>
   std::vector<std::tuple<Columns...>> Query(std::string_view sql, const Values&... values) {
@@ -161,8 +167,8 @@ class Database {
 
   // Runs a statement once.
   void Command(std::string_view sql);
-  // The same past the hook and for the words of the transaction language: what they give.
-  std::string Run(std::string_view sql);
+  // The same past the hook and for the words of the transaction language.
+  void Run(std::string_view sql) { Prepared(sql).Run(); }
   // Ends the outermost transaction. When it raises anything but DatabaseBusy, or OutcomeUnknown,
   // nothing of the transaction is there or will ever be.
   void Commit();
@@ -204,8 +210,10 @@ class Transaction {
   // under way, and saves wait for it.
   enum class Kind { kRead, kSave, kChangeRules };
   // `question` is a query of one text without values, for who writes. It is asked once no rule can
-  // change any more, and costs no message of its own.
-  Transaction(Database& database, Kind kind, std::string_view question = {});
+  // change any more, and costs no message of its own. No more do the queries that `along` opens.
+  using Along = std::function<void()>;
+  Transaction(
+      Database& database, Kind kind, std::string_view question = {}, const Along& along = [] {});
   ~Transaction();
   Transaction(const Transaction&) = delete;
   Transaction& operator=(const Transaction&) = delete;
@@ -216,7 +224,8 @@ class Transaction {
   const std::optional<std::string>& answer() const { return answer_; }
 
  private:
-  void Begin(std::string script, bool writes, std::string_view question);
+  void Begin(const std::string& begin, const std::string& lock, std::string_view question,
+             const Along& along);
 
   Database& database_;
   int level_;

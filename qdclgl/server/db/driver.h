@@ -28,6 +28,11 @@ class Driver {
   // A statement that is kept as long as the connection, or one that is run now and not again.
   enum class Use { kKept, kOnce };
   virtual std::unique_ptr<Statement> Prepare(std::string_view sql, Use use) = 0;
+  // Waits for all that has not been waited for. DatabaseBusy, ConnectionLost, DatabaseFailed for
+  // the first that fails.
+  virtual void Settle() {}
+  // The same when what fails is to be taken back anyhow.
+  virtual void Discard() noexcept {}
   // Runs statements without values; the first value of the last one's rows, "" without any.
   virtual std::string Run(std::string_view script) = 0;
 

@@ -101,14 +101,14 @@ class PostgreSQLStatement final : public Statement {
         driver_(driver),
         name_(std::move(name)),
         text_(WithNumberedPlaceholders(sql)) {}
-  ~PostgreSQLStatement() override { driver_.Disown(*this); }
+  ~PostgreSQLStatement() override { driver_.Forget(*this); }
 
   const std::string& name() const { return name_; }
   const std::string& text() const { return text_; }
   const std::vector<std::string>& values() const { return values_; }
   bool IsPrepared() const { return is_prepared_; }
 
-  void NotePrepared() { is_prepared_ = !name_.empty(); }
+  void NotePrepared(bool is_prepared) { is_prepared_ = is_prepared && !name_.empty(); }
   void Take(PostgreSQLDriver::Result result) { result_ = std::move(result); }
 
   bool IsNull(std::size_t position) const override {
@@ -145,13 +145,21 @@ class PostgreSQLStatement final : public Statement {
     const std::string_view count = PQcmdTuples(result_.get());
     return count.empty() ? 0 : NumberFrom<std::int64_t>(count);
   }
+  void RunSometime() override { driver_.Queue(*this); }
   void Begin() override {
+    End();
     driver_.Queue(*this);
-    driver_.Settle();
     row_ = -1;
   }
-  bool Step() override { return ++row_ < PQntuples(result_.get()); }
-  void End() noexcept override { result_.reset(); }
+  bool Step() override {
+    if (!result_) driver_.Settle();
+    if (!result_) Refuse(refusal::kDatabaseFailed, "PostgreSQL: a query failed before.");
+    return ++row_ < PQntuples(result_.get());
+  }
+  void End() noexcept override {
+    driver_.Disown(*this);
+    result_.reset();
+  }
 
   PostgreSQLDriver& driver_;
   std::string name_, text_;
@@ -181,7 +189,8 @@ PostgreSQLDriver::PostgreSQLDriver(const ConnectionText& text, OnBusy on_busy)
     }
   }
   // A library says nothing on a program's error output.
-  PQsetNoticeReceiver(connection_.get(), [](void*, const PGresult*) {}, nullptr);
+  PQsetNoticeReceiver(
+      connection_.get(), [](void*, const PGresult*) {}, nullptr);
   PQenterPipelineMode(connection_.get());
 }
 
@@ -190,7 +199,8 @@ bool PostgreSQLDriver::IsInTransaction() const {
 }
 
 bool PostgreSQLDriver::IsTransactionSound() const {
-  return PQtransactionStatus(connection_.get()) == PQTRANS_INTRANS;
+  // In a transaction that is over, what waits would fail, and the commit behind it.
+  return !expected_.empty() || PQtransactionStatus(connection_.get()) == PQTRANS_INTRANS;
 }
 
 std::unique_ptr<Statement> PostgreSQLDriver::Prepare(std::string_view sql, Use use) {
@@ -201,11 +211,14 @@ std::unique_ptr<Statement> PostgreSQLDriver::Prepare(std::string_view sql, Use u
 // ---- The pipeline ----
 
 void PostgreSQLDriver::Queue(PostgreSQLStatement& statement) {
+  constexpr std::size_t kMostExpected = 256;
+  if (expected_.size() >= kMostExpected) Settle();
   PGconn* const connection = connection_.get();
   if (!statement.IsPrepared()) {
     RequireSent(
         PQsendPrepare(connection, statement.name().c_str(), statement.text().c_str(), 0, nullptr));
     expected_.push_back({&statement, true});
+    statement.NotePrepared(true);
   }
   std::vector<const char*> values;
   for (const std::string& value : statement.values()) values.push_back(value.c_str());
@@ -236,13 +249,13 @@ void PostgreSQLDriver::Settle() {
   for (const auto& [statement, is_preparation] : expected) {
     Result result = NextResult();
     const ExecStatusType status = PQresultStatus(result.get());
-    if (status == PGRES_PIPELINE_ABORTED) continue;
-    if (status != PGRES_COMMAND_OK && status != PGRES_TUPLES_OK) {
-      if (!failure) failure = FailureIn(result.get());
-      if (PQstatus(connection) != CONNECTION_OK) break;
-    } else if (statement != nullptr && is_preparation) {
-      statement->NotePrepared();
-    } else if (statement != nullptr) {
+    const bool is_done = status == PGRES_COMMAND_OK || status == PGRES_TUPLES_OK;
+    if (!is_done && status != PGRES_PIPELINE_ABORTED && !failure) failure = FailureIn(result.get());
+    if (PQstatus(connection) != CONNECTION_OK) break;
+    if (statement == nullptr) continue;
+    if (is_preparation) {
+      statement->NotePrepared(is_done);
+    } else if (is_done) {
       statement->Take(std::move(result));
     }
   }
@@ -250,7 +263,21 @@ void PostgreSQLDriver::Settle() {
   if (failure) Raise(*failure);
 }
 
+void PostgreSQLDriver::Discard() noexcept {
+  try {
+    Settle();
+  } catch (const std::exception&) {
+    return;
+  }
+}
+
 void PostgreSQLDriver::Disown(const PostgreSQLStatement& statement) noexcept {
+  for (Expected& expected : expected_) {
+    if (expected.statement == &statement && !expected.is_preparation) expected.statement = nullptr;
+  }
+}
+
+void PostgreSQLDriver::Forget(const PostgreSQLStatement& statement) noexcept {
   for (Expected& expected : expected_) {
     if (expected.statement == &statement) expected.statement = nullptr;
   }

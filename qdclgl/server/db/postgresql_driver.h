@@ -27,6 +27,9 @@ class PostgreSQLDriver final : public Driver {
   std::unique_ptr<Statement> Prepare(std::string_view sql, Use use) override;
   std::string Run(std::string_view script) override;
 
+  void Settle() override;
+  void Discard() noexcept override;
+
   bool IsInTransaction() const override;
   bool IsTransactionSound() const override;
 
@@ -37,11 +40,9 @@ class PostgreSQLDriver final : public Driver {
 
   // Puts the statement with its values into the pipeline.
   void Queue(PostgreSQLStatement& statement);
-  // Waits for all that is in the pipeline. DatabaseBusy, ConnectionLost, DatabaseFailed for the
-  // first that fails.
-  void Settle();
-  // Nobody wants to know what the statement gives any more.
+  // Nobody wants to know what the statement gives any more; or there is no such statement any more.
   void Disown(const PostgreSQLStatement& statement) noexcept;
+  void Forget(const PostgreSQLStatement& statement) noexcept;
 
  private:
   struct Finish {
@@ -49,7 +50,7 @@ class PostgreSQLDriver final : public Driver {
   };
   // What the server will answer to.
   struct Expected {
-    PostgreSQLStatement* statement;  // null: nobody wants it any more
+    PostgreSQLStatement* statement;  // null: nobody wants it
     bool is_preparation;
   };
   // What a failed statement told.

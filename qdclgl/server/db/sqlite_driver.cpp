@@ -3,7 +3,6 @@
 #include <vector>
 
 #include "qdclgl/server/db/refusals.h"
-#include "qdclgl/server/db/sqlite_functions.h"
 #include "qdclgl/server/db/statement.h"
 
 namespace qdclgl::server {
@@ -83,6 +82,7 @@ class SQLiteStatement final : public Statement {
     }
     return sqlite3_changes64(driver_.connection());
   }
+  void RunSometime() override { RunToEnd(); }
   void Begin() override { End(); }
   bool Step() override {
     is_under_way_ = true;
@@ -130,7 +130,6 @@ SQLiteDriver::SQLiteDriver(const ConnectionText& text, OnBusy on_busy)
   Require(result);
   constexpr int kSecond = 1000;  // milliseconds
   sqlite3_busy_timeout(connection(), text.Number(connection_key::kLockTimeout) * kSecond);
-  DefineSQLiteFunctions(connection());
 }
 
 std::unique_ptr<Statement> SQLiteDriver::Prepare(std::string_view sql, Use use) {

@@ -28,12 +28,25 @@ std::int64_t Statement::Execute() {
   return Run();
 }
 
-std::int64_t Statement::Run() {
-  return driver_.Watched([&] { return RunToEnd(); });
+void Statement::ExecuteLater() {
+  Announce();
+  RunLater();
 }
 
 void Statement::Open() {
   Announce();
+  Ask();
+}
+
+std::int64_t Statement::Run() {
+  return driver_.Watched([&] { return RunToEnd(); });
+}
+
+void Statement::RunLater() {
+  driver_.Watched([&] { RunSometime(); });
+}
+
+void Statement::Ask() {
   Reset();
   driver_.Watched([&] { Begin(); });
   is_open_ = true;

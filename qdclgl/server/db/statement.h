@@ -57,6 +57,10 @@ class Driver;
 // A prepared statement. Its parameters are set in order, then it is executed; rows are fetched to
 // the end (or the statement is reset), which frees what the database holds for it. A statement that
 // fails is at its end.
+//
+// What is executed later, and queries that are open and not fetched from, go to PostgreSQL in one
+// message with the next statement that is waited for; a failure among them comes out there. SQLite,
+// to which nothing has to be sent, executes at once and queries with the first Fetch.
 class Statement {
  public:
   virtual ~Statement() = default;
@@ -70,12 +74,16 @@ class Statement {
 
   // Runs a statement without rows; the number of rows it changed.
   std::int64_t Execute();
-  // The same past the hook.
-  std::int64_t Run();
-  // Runs a query; Fetch then steps through its rows and is false behind the last one.
+  void ExecuteLater();
+  // Begins a query; Fetch then steps through its rows and is false behind the last one.
   void Open();
   bool Fetch();
   void Reset() noexcept;
+
+  // The same past the hook.
+  std::int64_t Run();
+  void RunLater();
+  void Ask();
 
   // The columns of the current row. A Null reads as 0 or "". A text stands until the next call.
   virtual bool IsNull(std::size_t position) const = 0;
@@ -94,6 +102,7 @@ class Statement {
   virtual void SetText(std::size_t position, std::string_view value) = 0;
 
   virtual std::int64_t RunToEnd() = 0;
+  virtual void RunSometime() = 0;
   virtual void Begin() = 0;
   virtual bool Step() = 0;
   virtual void End() noexcept = 0;

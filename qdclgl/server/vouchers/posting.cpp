@@ -119,7 +119,7 @@ class BalanceRows {
       return static_cast<std::int64_t>(direction_ == Direction::kPost ? movement[i]
                                                                       : 0 - movement[i]);
     };
-    db.Execute(sql_, keys..., units(0), units(1), units(2), units(3), units(4), units(5));
+    db.ExecuteLater(sql_, keys..., units(0), units(1), units(2), units(3), units(4), units(5));
   }
 
  private:

@@ -79,7 +79,8 @@ Ref<Dictionary> VoucherTempInfo::Read(Database& db, Long id) const {
   if (!record) return record;
   const auto version = record->Value(record_column::kVersion.name).As<Long>();
   std::vector<VoucherLine> lines;
-  TempLines().Read(db, id, version, true, lines);
+  TempLines().Ask(db, id);
+  TempLines().Take(db, version, true, lines);
   record->Put(kEntries, Variant(RowsOfLines(lines)));
   record->SetTrackState(0);
   return record;

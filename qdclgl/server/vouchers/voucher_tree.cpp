@@ -208,12 +208,19 @@ LineTables::LineTables(std::string_view owners, std::string_view id, std::string
   remove_details_ = "DELETE FROM " + std::string(details) + " WHERE " + own_id + " = ?";
 }
 
-bool LineTables::Read(Database& db, Long owner, Long version, bool has_details,
+void LineTables::Ask(Database& db, Long owner) const {
+  for (const std::string& sql : {std::cref(read_lines_), std::cref(read_details_)}) {
+    Statement& statement = db.Prepared(sql);
+    statement.Set(0, std::int64_t{owner});
+    statement.Open();
+  }
+}
+
+bool LineTables::Take(Database& db, Long version, bool has_details,
                       std::vector<VoucherLine>& lines) const {
   bool is_same = true;
   Statement& statement = db.Prepared(read_lines_);
-  statement.Set(0, std::int64_t{owner});
-  for (statement.Open(); statement.Fetch();) {
+  while (statement.Fetch()) {
     VoucherLine& line = lines.emplace_back();
     line.cells = CellsFrom<LineCells>(statement, kLineColumns, 0);
     line.names = ReadCells(statement, kLineNames, std::size(kLineColumns));
@@ -222,11 +229,9 @@ bool LineTables::Read(Database& db, Long owner, Long version, bool has_details,
     is_same = is_same && statement.Whole(kBehind + 1) == version;
   }
   if (!is_same || !has_details) return is_same;
-
   Statement& details = db.Prepared(read_details_);
-  details.Set(0, std::int64_t{owner});
   bool is_empty = true;
-  for (details.Open(); details.Fetch(); is_empty = false) {
+  for (; details.Fetch(); is_empty = false) {
     const auto entry = static_cast<std::size_t>(details.Whole(0));
     is_same =
         is_same && entry <= lines.size() && details.Whole(std::size(kDetailColumns) + 1) == version;
@@ -262,8 +267,8 @@ void LineTables::Insert(Database& db, Long owner, const std::vector<VoucherLine>
 }
 
 void LineTables::Remove(Database& db, Long owner) const {
-  db.Execute(remove_details_, owner);
-  db.Execute(remove_lines_, owner);
+  db.ExecuteLater(remove_details_, owner);
+  db.ExecuteLater(remove_lines_, owner);
 }
 
 // ---- Vouchers ----
@@ -319,37 +324,49 @@ VoucherTree HeaderFrom(const Statement& statement) {
   return tree;
 }
 
-// Reads a header and confirms the caller by one query.
-std::optional<VoucherTree> ReadHeader(const Caller& caller, Long id) {
+// Asks for a header, and along with it for what confirms the caller.
+Statement& AskForHeader(const Caller& caller, Long id) {
   static const std::string kSql =
       kHeaderCells + ", (" + StandingQuery("?") + ") AS standing" + kFromHeaders + kById;
   Statement& statement = caller.db.Prepared(kSql);
   statement.Set(0, std::int64_t{caller.session->user_id});
   statement.Set(1, std::int64_t{id});
   statement.Open();
-  if (!statement.Fetch()) {
+  return statement;
+}
+
+std::optional<VoucherTree> ConfirmedHeader(const Caller& caller, Statement& asked) {
+  if (!asked.Fetch()) {
     caller.Confirm();
     return std::nullopt;
   }
   std::optional<std::string> standing;
-  if (!statement.IsNull(kHeaderResults)) standing = statement.Text(kHeaderResults);
-  VoucherTree tree = HeaderFrom(statement);
-  statement.Reset();
+  if (!asked.IsNull(kHeaderResults)) standing = asked.Text(kHeaderResults);
   caller.Confirm(standing);
-  return tree;
+  return HeaderFrom(asked);
 }
+
+// Resets a query at the end of a scope.
+struct QueryEnd {
+  Statement& query;
+  ~QueryEnd() { query.Reset(); }
+};
 
 }  // namespace
 
-std::optional<VoucherTree> VoucherTree::Hold(Database& db, Long id) {
+Statement& VoucherTree::AskToHold(Database& db, Long id) {
   static const std::string kSQLite = kSelectHeader + kById;
   static const std::string kPostgreSQL = kSQLite + " FOR UPDATE OF v";
   Statement& statement = db.Prepared(db.Dialect(kSQLite, kPostgreSQL));
   statement.Set(0, std::int64_t{id});
   statement.Open();
-  if (!statement.Fetch()) return std::nullopt;
-  VoucherTree tree = HeaderFrom(statement);
-  statement.Reset();
+  return statement;
+}
+
+std::optional<VoucherTree> VoucherTree::Held(Statement& asked) {
+  if (!asked.Fetch()) return std::nullopt;
+  VoucherTree tree = HeaderFrom(asked);
+  asked.Reset();
   return tree;
 }
 
@@ -358,16 +375,22 @@ std::optional<VoucherTree> VoucherTree::Read(const Caller& caller, Long id) {
   // raises its version, so that lines tell which header they belong to.
   constexpr int kMostAttempts = 100;
   for (int attempt = 0; attempt < kMostAttempts; ++attempt) {
-    std::optional<VoucherTree> tree = ReadHeader(caller, id);
-    if (!tree || tree->ReadLines(caller.db)) return tree;
+    Statement& header = AskForHeader(caller, id);
+    // As long as it is open, SQLite looks at one state of the books and need not begin anew.
+    const QueryEnd end{header};
+    AskForLines(caller.db, id);
+    std::optional<VoucherTree> tree = ConfirmedHeader(caller, header);
+    if (!tree || tree->TakeLines(caller.db)) return tree;
   }
   Refuse(refusal::kDatabaseBusy,
          "Others kept changing the voucher with the id " + std::to_string(id) + "; try again.");
 }
 
-bool VoucherTree::ReadLines(Database& db) {
-  const bool is_same = VoucherLines().Read(db, state.Get<"FVoucherID">(), state.Get<"FVersion">(),
-                                           state.Get<"FDetailCount">() > 0, lines);
+void VoucherTree::AskForLines(Database& db, Long id) { VoucherLines().Ask(db, id); }
+
+bool VoucherTree::TakeLines(Database& db) {
+  const bool is_same =
+      VoucherLines().Take(db, state.Get<"FVersion">(), state.Get<"FDetailCount">() > 0, lines);
   return is_same && !(lines.empty() && state.Get<"FEntryCount">() > 0);
 }
 
@@ -438,19 +461,45 @@ std::vector<StoredTable> VoucherTables() {
           {"t_VoucherEditor", {{"FVoucherID", ColumnType::kLong}, {"FUserID", ColumnType::kLong}}}};
 }
 
-void VoucherTree::Insert(Database& db) {
+Statement& VoucherTree::InsertHeader(Database& db) const {
   static const std::string kInsert = [] {
     std::string places;
-    for (std::size_t i = 0; i < kHeaderTable.size(); ++i) places += i == 0 ? "?" : ", ?";
+    for (const Column& column : kHeaderTable) {
+      if (!places.empty()) places += ", ";
+      places += column.name != "FNumber"
+                    ? "?"
+                    : "COALESCE(NULLIF(CAST(? AS BIGINT), 0), (SELECT FNext - 1 FROM t_Counter"
+                      " WHERE FYear = ? AND FPeriod = ? AND FGroupID = ?))";
+    }
     return "INSERT INTO t_Voucher (" + NamesOf(kHeaderTable) + ") VALUES (" + places +
-           ") RETURNING FVoucherID";
+           ") ON CONFLICT (FYear, FPeriod, FGroupID, FNumber) DO NOTHING"
+           " RETURNING FVoucherID, FNumber";
   }();
+  constexpr std::size_t kBehindNumber = PlaceOf(kHeaderColumns, "FNumber") + 1;
+  const std::span<const Column> columns(kHeaderColumns);
   Statement& statement = db.Prepared(kInsert);
-  BindHeader(statement, *this);
+  std::size_t position = 0;
+  BindCells(statement, position, kStateColumns, state.values(), 1);
+  BindCells(statement, position, columns.first(kBehindNumber), header.values());
+  for (const Long place :
+       {header.Get<"FYear">(), header.Get<"FPeriod">(), header.Get<"FGroupID">()}) {
+    statement.Set(position++, std::int64_t{place});
+  }
+  BindCells(statement, position, columns, header.values(), kBehindNumber);
+  statement.Set(position, std::string_view(extras));
   statement.Open();
-  statement.Fetch();
-  state.Put<"FVoucherID">(static_cast<Long>(statement.Whole(0)));
-  statement.Reset();
+  return statement;
+}
+
+std::optional<std::int64_t> VoucherTree::TakeInserted(Statement& asked) {
+  if (!asked.Fetch()) return std::nullopt;
+  state.Put<"FVoucherID">(static_cast<Long>(asked.Whole(0)));
+  const std::int64_t number = asked.Whole(1);
+  asked.Reset();
+  return number;
+}
+
+void VoucherTree::InsertLines(Database& db) const {
   VoucherLines().Insert(db, state.Get<"FVoucherID">(), lines);
 }
 
@@ -467,9 +516,9 @@ void VoucherTree::Update(Database& db) const {
   Statement& statement = db.Prepared(kUpdate);
   BindHeader(statement, *this);
   statement.Set(kHeaderTable.size(), std::int64_t{id});
-  statement.Execute();
+  statement.ExecuteLater();
   VoucherLines().Remove(db, id);
-  VoucherLines().Insert(db, id, lines);
+  InsertLines(db);
 }
 
 // ---- The trail ----

@@ -148,6 +148,7 @@ void CuttingProxy::Serve(int client) {
         if (cut_ == Cut::kBefore) return false;
         answer_is_lost = true;
       }
+      if (is_request) std::this_thread::sleep_for(delay_.load());
       if (!Send(server, *message)) return false;
     }
     return true;

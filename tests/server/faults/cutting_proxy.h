@@ -2,6 +2,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <string>
 #include <thread>
 #include <vector>
@@ -31,6 +32,8 @@ class CuttingProxy {
   bool Mend();
   // How many requests there were between the last CutAt and Mend.
   int Requests() const { return until_mend_; }
+  // Every request and its answer take so much longer, as they would on a long way.
+  void Delay(std::chrono::milliseconds delay) { delay_ = delay; }
 
  private:
   void Accept();
@@ -46,6 +49,7 @@ class CuttingProxy {
   std::atomic<Cut> cut_{Cut::kBefore};
   std::atomic<bool> has_cut_{false};
   std::atomic<bool> ends_{false};
+  std::atomic<std::chrono::milliseconds> delay_{};
   std::vector<std::thread> connections_;
   std::thread acceptor_;
 };
