@@ -4,6 +4,7 @@
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
+#include <vector>
 
 #include "qdclgl/cli/progress.h"
 #include "qdclgl/frame/values/values.h"
@@ -20,8 +21,8 @@ class Names {
 
   explicit Names(NewCurrencies new_currencies) : new_currencies_(new_currencies) {}
 
-  // Reads accounts, currencies and groups of the books. What goes by them belongs into the same
-  // batch. The library's session must be there.
+  // Reads accounts, units, currencies and groups of the books. What goes by them belongs into the
+  // same batch. The library's session must be there.
   void Refresh();
 
   // 0 when there is none.
@@ -32,15 +33,31 @@ class Names {
   // below it, for its own lines; see OwnLinesOf.
   Long AccountForLines(const std::string& number);
 
+  // The unit of measure of that number, or else that name: of any group for a new account, of the
+  // account's group for its lines. 0 when there is none; a file's text stays a text then.
+  Long Unit(const std::string& text) const;
+  Long UnitForLines(const std::string& text, Long account) const;
+
   // The id of a currency, kBaseCurrency for an empty text. A missing one is made with this rate, or
   // BadCell; so for a text that can't be a currency's number.
   Long Currency(const std::string& number, Double rate);
   Long Group(const std::string& name);
 
  private:
+  struct KnownUnit {
+    Long id, group;
+    std::string number, name;
+  };
+
+  void ReadUnits();
+  template <class IsOne>
+  Long UnitOf(const std::string& text, IsOne is_one) const;
+
   NewCurrencies new_currencies_;
   std::unordered_map<std::string, Long> accounts_;
   std::unordered_set<std::string> above_;  // numbers of accounts with others below them
+  std::vector<KnownUnit> units_;
+  std::unordered_map<Long, Long> unit_groups_;  // by the accounts that have one
   std::unordered_map<std::string, Long> currencies_;
   std::unordered_map<std::string, Long> groups_;
 };

@@ -149,6 +149,7 @@ class JournalImport {
     entry.Explanation(line.explanation);
     entry.Quantity(line.quantity);
     entry.MeasureUnit(line.unit);
+    entry.MeasureUnitID(names_.UnitForLines(line.unit, account));
     entry.UnitPrice(line.unit_price);
     entry.TransNo(line.reference);
     if (!line.department.empty()) {

@@ -36,7 +36,7 @@ std::string Stored(const Database&) {
 
 // The same from the lines of posted vouchers.
 std::string FromLines(const Database& db) {
-  const std::string quantity = MillionthsSql(db, "e.FQuantity");
+  const std::string quantity = MillionthsSql(db, "(" + std::string(kCountedQuantity) + ")");
   return "SELECT e.FAccountID, e.FCurrencyID, v.FYear * 1000 + v.FPeriod AS FAt,"
          " e.FAmount * e.FDC AS FDebit, e.FAmount * (1 - e.FDC) AS FCredit,"
          " CASE WHEN e.FCurrencyID = 1 THEN e.FAmount ELSE e.FAmountFor END * e.FDC AS FDebitFor,"

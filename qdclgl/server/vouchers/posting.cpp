@@ -27,8 +27,8 @@ Movements MovementsOf(Database& db, Long voucher_id) {
   Movements movements;
   for (const auto& [account, currency, side, amount, amount_for, quantity] :
        db.Query<Long, Long, Long, std::int64_t, std::int64_t, double>(
-           "SELECT FAccountID, FCurrencyID, FDC, FAmount, FAmountFor, FQuantity"
-           " FROM t_VoucherEntry WHERE FVoucherID = ?",
+           "SELECT e.FAccountID, e.FCurrencyID, e.FDC, e.FAmount, e.FAmountFor, " +
+               std::string(kCountedQuantity) + " FROM t_VoucherEntry e WHERE e.FVoucherID = ?",
            voucher_id)) {
     movements.adds_up = movements.adds_up && AddLine(movements.size, amount, amount_for, quantity);
     Movement& movement = movements.by_place[{account, currency}];
@@ -65,8 +65,9 @@ void TakeFromSize(Database& db, const Movements& movements, Long voucher_id) {
   // What more there was than the row can tell is known by adding up what is left.
   std::int64_t size = 0;
   for (const auto& [amount, amount_for, quantity] : db.Query<std::int64_t, std::int64_t, double>(
-           "SELECT e.FAmount, e.FAmountFor, e.FQuantity FROM t_Voucher v JOIN t_VoucherEntry e"
-           " ON e.FVoucherID = v.FVoucherID WHERE v.FPosted = 1 AND v.FVoucherID <> ?",
+           "SELECT e.FAmount, e.FAmountFor, " + std::string(kCountedQuantity) +
+               " FROM t_Voucher v JOIN t_VoucherEntry e ON e.FVoucherID = v.FVoucherID WHERE "
+               "v.FPosted = 1 AND v.FVoucherID <> ?",
            voucher_id)) {
     if (!AddLine(size, amount, amount_for, quantity)) size = kFull;
   }
