@@ -175,6 +175,7 @@ class JournalImport {
     entry.Explanation(line.explanation);
     entry.Quantity(line.quantity);
     entry.MeasureUnit(line.unit);
+    entry.MeasureUnitID(names_.UnitForLines(line.unit, account));
     entry.UnitPrice(line.unit_price);
     entry.TransNo(line.reference);
     const bool has_items = account != 0 && FillItems(entry, account, line);

@@ -155,6 +155,31 @@ void ReplaceItems(const RecordSave& save) {
 
 // ---- Saving ----
 
+// The unit that an account counts in: its own or the default one of its group; 0 for none.
+Long CountingUnit(Database& db, const Dictionary& account) {
+  const auto unit = account.Value("FMeasureUnitID").As<Long>();
+  if (unit != 0) return unit;
+  return db
+      .QueryValue<Long>("SELECT FDefaultUnitID FROM t_UnitGroup WHERE FUnitGroupID = ?",
+                        account.Value("FUnitGroupID").As<Long>())
+      .value_or(0);
+}
+
+// What is posted on an account has been counted in its unit.
+void KeepCountingUnit(RecordSave& save) {
+  if (save.is_new()) return;
+  const Long unit = CountingUnit(save.db(), save.stored());
+  if (unit == 0 || unit == CountingUnit(save.db(), save.record())) return;
+  if (!save.db().QueryValue<int>("SELECT 1 FROM t_VoucherEntry WHERE FAccountID = ?"
+                                 " AND FQuantity <> 0 LIMIT 1",
+                                 save.id())) {
+    return;
+  }
+  const Ref<Dictionary> counted = MeasureUnits().Require(save.db(), unit);
+  save.Refuse(refusal::kInUse, "vouchers count its quantities in " +
+                                   counted->Value("FNumber").As<String>() + "; that unit stays.");
+}
+
 // The unit is one of the account's group; an account that names a unit alone is of that group. The
 // group's name stands beside it.
 void SettleUnit(RecordSave& save) {
@@ -173,6 +198,7 @@ void SettleUnit(RecordSave& save) {
   const auto name = save.db().QueryValue<std::string>(
       "SELECT FName FROM t_UnitGroup WHERE FUnitGroupID = ?", save.Number("FUnitGroupID"));
   save.record().Put("FUnitGroup", Variant(name.value_or("")));
+  KeepCountingUnit(save);
 }
 
 bool IsRenumbered(const RecordSave& save) { return !save.is_new() && save.Changes("FNumber"); }

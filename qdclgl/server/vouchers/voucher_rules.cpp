@@ -9,6 +9,7 @@
 #include "qdclgl/frame/objects/conversions.h"
 #include "qdclgl/frame/vocabulary/text.h"
 #include "qdclgl/server/db/refusals.h"
+#include "qdclgl/server/records/coefficient.h"
 #include "qdclgl/server/records/currency.h"
 #include "qdclgl/server/records/references.h"
 #include "qdclgl/server/vouchers/exchange.h"
@@ -201,6 +202,7 @@ struct KnownUnit {
   Long id;
   Long account_id;
   std::string number, name;
+  Double coefficient, base;  // its own, and that of the unit that the account counts in
 };
 
 // The unit of a line that has one: in use, and of the unit group of the line's account.
@@ -214,22 +216,29 @@ const KnownUnit& RequireUnit(Database& db, const VoucherTree& tree, std::size_t 
   const auto refuse = [&](const std::string& reason) {
     Refuse(refusal::kBadReference, LineSentence(tree, i) + reason);
   };
-  const auto unit = db.QueryRow<std::string, std::string, bool, Long, Long, std::string>(
-      "SELECT u.FNumber, u.FName, u.FDeleted, u.FUnitGroupID, a.FUnitGroupID, a.FNumber"
-      " FROM t_MeasureUnit u JOIN t_Account a ON a.FAccountID = ? WHERE u.FMeasureUnitID = ?",
-      account_id, id);
+  // An account without a unit counts in the default one of its group, whose coefficient is 1.
+  const auto unit =
+      db.QueryRow<std::string, std::string, bool, Long, Long, std::string, double, double>(
+          "SELECT u.FNumber, u.FName, u.FDeleted, u.FUnitGroupID,"
+          " COALESCE(base.FUnitGroupID, a.FUnitGroupID), a.FNumber,"
+          " u.FCoefficient, COALESCE(base.FCoefficient, 1) FROM t_MeasureUnit u"
+          " JOIN t_Account a ON a.FAccountID = ?"
+          " LEFT JOIN t_MeasureUnit base ON base.FMeasureUnitID = a.FMeasureUnitID"
+          " WHERE u.FMeasureUnitID = ?",
+          account_id, id);
   if (!unit || std::get<bool>(*unit)) {
     refuse("there is no unit of measure " + std::to_string(id) + (unit ? " in use." : "."));
   }
-  const auto& [number, name, is_deleted, group, account_group, account] = *unit;
+  const auto& [number, name, is_deleted, group, account_group, account, coefficient, base] = *unit;
   if (group != account_group) {
     refuse("unit of measure " + number + " (" + name + ") is not of the unit group of account " +
            account + ".");
   }
-  return known.emplace_back(KnownUnit{id, account_id, number, name});
+  return known.emplace_back(KnownUnit{id, account_id, number, name, coefficient, base});
 }
 
-// Lines that name a unit alone get its number and name.
+// Lines that name a unit alone get its number and name. A quantity in another unit than that of the
+// account is converted, once and for all: what becomes of coefficients later on leaves it alone.
 void SettleUnits(Database& db, VoucherTree& tree) {
   std::vector<KnownUnit> known;
   for (std::size_t i = 0; i < tree.lines.size(); ++i) {
@@ -238,6 +247,8 @@ void SettleUnits(Database& db, VoucherTree& tree) {
     const KnownUnit& unit = RequireUnit(db, tree, i, known);
     if (cells.Get<"FMeasureUnit">().empty()) cells.Put<"FMeasureUnit">(unit.name);
     if (cells.Get<"FMeasureUnitNumber">().empty()) cells.Put<"FMeasureUnitNumber">(unit.number);
+    if (unit.coefficient == unit.base) continue;
+    cells.Put<"FBaseQuantity">(Converted(cells.Get<"FQuantity">(), unit.coefficient, unit.base));
   }
 }
 
@@ -248,7 +259,7 @@ void CheckSizes(const VoucherTree& tree) {
     const LineCells& cells = tree.lines[i].cells;
     const std::int64_t amount = cells.Get<"FAmount">().units();
     const std::int64_t amount_for = cells.Get<"FAmountFor">().units();
-    const Double quantity = cells.Get<"FQuantity">();
+    const Double quantity = CountedQuantity(cells.Get<"FQuantity">(), cells.Get<"FBaseQuantity">());
     if (!IsAmountInRange(amount) || !IsAmountInRange(amount_for)) {
       Refuse(refusal::kTooLarge, LineSentence(tree, i) + "the amount is too large.");
     }
@@ -392,6 +403,7 @@ void ApplyRules(Database& db, const VoucherFacts& facts, const VoucherTree* stor
   SettleCurrencies(db, tree);
   CheckReferences(db, stored, tree);
   SettleUnits(db, tree);
+  CheckSizes(tree);  // of what was converted, too
   SettleItems(db, facts, stored, tree);
 }
 

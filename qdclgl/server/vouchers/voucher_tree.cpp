@@ -88,6 +88,7 @@ Ref<Dictionary> RowIn(const Vector& list, std::size_t position) {
 VoucherLine LineFromRow(const Dictionary& row) {
   VoucherLine line;
   line.cells = LineCells(NormalizedCells(kLineColumns, row));
+  line.cells.Put<"FBaseQuantity">(0);
   line.names = NormalizedCells(kLineNames, row);
   line.extras = ExtrasText(row, IsLineKey);
   if (const Ref<Vector> details = ListIn(row, kDetails)) {

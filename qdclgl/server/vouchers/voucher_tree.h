@@ -56,15 +56,18 @@ inline constexpr Column kStateColumns[] = {
     {"FDeleted", ColumnType::kBoolean},
 };
 
+// The server settles FBaseQuantity: the quantity in the unit that its account counts in, where the
+// line has another one; 0 where it counts as it was entered.
 inline constexpr Column kLineColumns[] = {
-    {"FAccountID", ColumnType::kLong},         {"FDC", ColumnType::kLong},
-    {"FAmount", ColumnType::kCurrency},        {"FCurrencyID", ColumnType::kLong},
-    {"FAmountFor", ColumnType::kCurrency},     {"FExchangeRate", ColumnType::kDouble},
-    {"FQuantity", ColumnType::kDouble},        {"FUnitPrice", ColumnType::kDouble},
-    {"FMeasureUnitID", ColumnType::kLong},     {"FMeasureUnit", ColumnType::kText},
-    {"FMeasureUnitNumber", ColumnType::kText}, {"FExplanation", ColumnType::kText},
-    {"FCashFlowItem", ColumnType::kLong},      {"FSettleTypeID", ColumnType::kLong},
-    {"FSettleNo", ColumnType::kText},          {"FTransNo", ColumnType::kText},
+    {"FAccountID", ColumnType::kLong},     {"FDC", ColumnType::kLong},
+    {"FAmount", ColumnType::kCurrency},    {"FCurrencyID", ColumnType::kLong},
+    {"FAmountFor", ColumnType::kCurrency}, {"FExchangeRate", ColumnType::kDouble},
+    {"FQuantity", ColumnType::kDouble},    {"FBaseQuantity", ColumnType::kDouble},
+    {"FUnitPrice", ColumnType::kDouble},   {"FMeasureUnitID", ColumnType::kLong},
+    {"FMeasureUnit", ColumnType::kText},   {"FMeasureUnitNumber", ColumnType::kText},
+    {"FExplanation", ColumnType::kText},   {"FCashFlowItem", ColumnType::kLong},
+    {"FSettleTypeID", ColumnType::kLong},  {"FSettleNo", ColumnType::kText},
+    {"FTransNo", ColumnType::kText},
 };
 
 // What other tables tell about a line.

@@ -1,2 +1,0 @@
--- Vouchers by their year
-CREATE INDEX t_Voucher_Year ON t_Voucher (FYear, FVoucherID);
