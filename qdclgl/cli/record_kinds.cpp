@@ -65,7 +65,8 @@ std::string_view WordFor(ColumnType type) {
     case ColumnType::kBoolean: return "yes or no";
     case ColumnType::kCurrency: return "amount";
     case ColumnType::kDouble:
-    case ColumnType::kSingle: return "number";
+    case ColumnType::kSingle:
+    case ColumnType::kDecimal: return "number";
     case ColumnType::kDate: return "date";
     case ColumnType::kText: return "text";
   }
@@ -93,6 +94,9 @@ WrittenColumn ColumnNamed(const MasterData& kind, std::string_view name) {
     if (EqualsIgnoringAsciiCase(column.name, name)) return column;
     names.push_back(column.name);
   }
+  // The server knows which of them there are, and takes a text for any value.
+  const auto is_further_key = kind.description().is_further_key;
+  if (is_further_key != nullptr && is_further_key(name)) return {name, ColumnType::kText};
   if (const Column* kept = FindColumn(kind.CallersColumns(), name)) {
     throw UsageError(std::string(kept->name) + " can't be set, the server keeps it");
   }
@@ -115,6 +119,7 @@ Variant ReadTyped(ColumnType type, const std::string& text) {
     case ColumnType::kCurrency: return ReadAmount(text);
     case ColumnType::kDouble: return ReadNumber(text);
     case ColumnType::kSingle: return static_cast<Single>(ReadNumber(text));
+    case ColumnType::kDecimal: return ReadDecimal(text);
     case ColumnType::kDate: return ReadTime(text);
     case ColumnType::kText: return text;
   }

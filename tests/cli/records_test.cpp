@@ -329,6 +329,30 @@ TEST_P(Records, OfEachKindAreRemovedWhenSomebodyAgrees) {
 
 // ---- What some kinds alone can show ----
 
+TEST_P(Records, ItemsOfAClassAreListedAndWrittenWithItsFields) {
+  Make();
+  ExpectDone(Run(
+      {"add", "item-classes", "CLIENT", "FName=Clients",
+       R"(_PropDesc=[{"FPropID":"32767","FNewName":"City","FDataType":"200","FSearch":"1"}])"}));
+  ExpectDone(Run({"add", "items", "1", "FItemClassID=1000", "FName=Ann", "F1000_101=Oslo"}));
+  ExpectDone(Run({"add", "items", "2", "FItemClassID=1000", "FName=Bob"}));
+  ExpectDone(Run({"add", "items", "3", "FItemClassID=3", "FName=Eve"}));
+  ExpectDone(Run({"set", "items", "2", "F1000_101=Rome"}));
+  EXPECT_EQ(Shown({.kind = "items"}, "2")["F1000_101"], "Rome");
+  EXPECT_EQ(Run({"list", "items", "--class", "client", "--sort", "F1000_101 DESC"}).out,
+            "FItemID  FItemClassID  FNumber  FName  FFullName  F1000_101\n"
+            "-------  ------------  -------  -----  ---------  ---------\n"
+            "      2          1000  2        Bob    Bob        Rome\n"
+            "      1          1000  1        Ann    Ann        Oslo\n");
+  const RunResult found =
+      Run({"items", "--class", "#1000", "--filter", "F1000_101 = 'Oslo'", "--csv"});
+  EXPECT_EQ(std::ranges::count(found.out, '\n'), 2) << found.out << found.err;
+  ExpectRefused(Run({"list", "items", "--class", "nobody"}), "80044213");
+  ExpectWrongUsage(Run({"list", "accounts", "--class", "client"}), "--class is for items");
+  ExpectRefused(Run({"add", "items", "4", "FItemClassID=3", "FName=Kim", "F1000_101=x"}),
+                "80044212");
+}
+
 TEST_P(Records, ThatOthersNeedAreMarkedDeletedAndStayToBeFound) {
   Make();
   ExpectDone(Run({"add", "currencies", "usd", "FName=Dollar"}));

@@ -20,7 +20,8 @@ enum class ColumnType : std::uint8_t {
   kCurrency,
   kDouble,
   kSingle,
-  kDate,  // kept as "2024-01-31", with the time behind it where there is one
+  kDecimal,  // kept as a text whose order is that of the numbers
+  kDate,     // kept as "2024-01-31", with the time behind it where there is one
   kText,
 };
 
@@ -42,6 +43,7 @@ constexpr Storage StorageOf(ColumnType type) {
   switch (type) {
     case ColumnType::kDouble:
     case ColumnType::kSingle: return Storage::kReal;
+    case ColumnType::kDecimal:
     case ColumnType::kDate:
     case ColumnType::kText: return Storage::kText;
     default: return Storage::kWhole;
@@ -75,6 +77,10 @@ struct TypeOfColumn<ColumnType::kDouble> {
 template <>
 struct TypeOfColumn<ColumnType::kSingle> {
   using Type = Single;
+};
+template <>
+struct TypeOfColumn<ColumnType::kDecimal> {
+  using Type = Decimal;
 };
 template <>
 struct TypeOfColumn<ColumnType::kDate> {
@@ -162,5 +168,10 @@ std::string NamesOf(std::span<const Column> columns, std::string_view prefix = {
 // Dates as the database holds them, and back. Error 6 or 13 as the conversions raise them.
 std::string DateText(DateTime date);
 DateTime DateFrom(std::string_view text);
+
+// Decimals likewise: "652125 12.5" for 12.5. What goes before the blank orders the texts, what
+// stands behind it is the number as people write it. An empty text is 0 too.
+std::string DecimalText(const Decimal& value);
+Decimal DecimalFrom(std::string_view text);
 
 }  // namespace qdclgl::server

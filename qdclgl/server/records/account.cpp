@@ -9,6 +9,7 @@
 #include "qdclgl/server/db/refusals.h"
 #include "qdclgl/server/records/currency.h"
 #include "qdclgl/server/records/record_save.h"
+#include "qdclgl/server/records/record_tree.h"
 
 namespace qdclgl::server {
 
@@ -50,26 +51,11 @@ bool IsAccountNumber(std::string_view number) {
 
 // ---- The tree ----
 
-bool HasChildren(Database& db, Long id, bool deleted_too) {
-  return db
-      .QueryValue<int>(deleted_too
-                           ? "SELECT 1 FROM t_Account WHERE FParentID = ? LIMIT 1"
-                           : "SELECT 1 FROM t_Account WHERE FParentID = ? AND FDelete = 0 LIMIT 1",
-                       id)
-      .has_value();
-}
+constexpr RecordTree kTree = {.table = "t_Account", .id = "FAccountID", .deleted = "FDelete"};
 
 void RefuseChildren(Database& db, const Dictionary& account, Long id, bool deleted_too) {
-  if (!HasChildren(db, id, deleted_too)) return;
+  if (!kTree.HasBelow(db, id, deleted_too)) return;
   Refuse(refusal::kHasChildren, Accounts().Called(account) + ": it has sub-accounts.");
-}
-
-// An account without accounts below is a detail account.
-void KeepDetailFlag(Database& db, Long id) {
-  db.Execute(
-      "UPDATE t_Account SET FDetail = CASE WHEN EXISTS (SELECT 1 FROM t_Account child"
-      " WHERE child.FParentID = t_Account.FAccountID) THEN 0 ELSE 1 END WHERE FAccountID = ?",
-      id);
 }
 
 // Gives the record its place below the account that its number names. With `moves` the account is
@@ -238,8 +224,8 @@ void Follow(RecordSave& save) {
   db.Execute("UPDATE t_Account SET FRootID = FAccountID WHERE FAccountID = ? AND FParentID = 0",
              save.id());
   if (!save.is_new() && save.Changes("FName")) RenameBelow(save);
-  if (IsRenumbered(save)) KeepDetailFlag(db, save.stored().Value("FParentID").As<Long>());
-  KeepDetailFlag(db, save.Number("FParentID"));
+  if (IsRenumbered(save)) kTree.KeepDetailFlag(db, save.stored().Value("FParentID").As<Long>());
+  kTree.KeepDetailFlag(db, save.Number("FParentID"));
   if (save.sent().Contains(kItems)) ReplaceItems(save);
 }
 
@@ -251,7 +237,7 @@ void Remove(RecordRemoval& removal) {
   RemoveEmptyBalances(db, "FAccountID", id);
   db.Execute("DELETE FROM t_AccountItem WHERE FAccountID = ?", id);
   removal.Remove();
-  KeepDetailFlag(db, removal.stored().Value("FParentID").As<Long>());
+  kTree.KeepDetailFlag(db, removal.stored().Value("FParentID").As<Long>());
 }
 
 // ---- The components ----

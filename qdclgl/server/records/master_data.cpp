@@ -388,7 +388,8 @@ void MasterData::RefuseUnknownKeys(const Dictionary& sent) const {
     if (key == kMachineName.name || key == kAddress.name ||
         std::ranges::find(shown_, key, &Column::name) != shown_.end() ||
         std::ranges::find(description_.lists, key, &RecordList::key) != description_.lists.end() ||
-        std::ranges::find(description_.keys, key) != description_.keys.end()) {
+        std::ranges::find(description_.keys, key) != description_.keys.end() ||
+        (description_.is_further_key != nullptr && description_.is_further_key(key))) {
       continue;
     }
     Refuse(refusal::kBadValue, Noun() + ": there is no column \"" + std::string(key) + "\".");
