@@ -15,7 +15,7 @@ namespace {
 
 // The heading of this class of items, whatever it is called in the books.
 constexpr Long kDepartments = 1;
-constexpr const char* kDepartmentHeading = "department";
+constexpr std::string_view kDepartmentHeading = "department";
 
 struct ImportOptions {
   Login login;
@@ -41,8 +41,10 @@ struct ItemSheet {
 
   ItemSheet() : classes(ItemClassesOfBooks()) {
     for (NamedItemClass& item_class : classes) {
-      if (item_class.id == kDepartments) item_class.others.emplace_back(kDepartmentHeading);
-      columns.push_back({item_class.number, false, item_class.others});
+      item_class.others.push_back(item_class.number);
+      const bool is_usual = item_class.id == kDepartments;
+      columns.push_back(
+          {is_usual ? kDepartmentHeading : item_class.number, false, item_class.others});
     }
   }
   ItemSheet(const ItemSheet&) = delete;

@@ -99,9 +99,9 @@ TEST_P(ItemBalances, WhatIsMisspeltIsToldWithTheNearest) {
   EXPECT_EQ(refused("--by", "customers,departmnt"),
             "qdclgl: there is no item class \"departmnt\"; did you mean Department?");
   EXPECT_EQ(refused("--item", "customers"),
-            "qdclgl: \"customers\" is not of the form class=number; see qdclgl --help\n");
+            "qdclgl: \"customers\" is not of the form class=number; see qdclgl help balance\n");
   EXPECT_EQ(refused("--item", "customers=C003"),
-            "qdclgl: there is no item \"C003\" of item class CUSTOMER; see qdclgl --help\n");
+            "qdclgl: there is no item \"C003\" of item class CUSTOMER; see qdclgl help balance\n");
 }
 
 TEST_P(ItemBalances, ImportsReportItemsAtTheirCells) {
@@ -113,7 +113,11 @@ TEST_P(ItemBalances, ImportsReportItemsAtTheirCells) {
   EXPECT_EQ(ReportOf("1100,10,,,"),
             "journal.csv:2:1: 8004422F: The new voucher of 2024-01-05 (a): line 1: account 1100 "
             "asks for an item of item class CUSTOMER (客户), and the line names none.\n");
-  EXPECT_EQ(ImportWithItems("", "boats").err, "journal.csv:1:35: there is no column \"boats\"\n");
+  EXPECT_EQ(ImportWithItems("", "custmer").err,
+            "journal.csv:1:35: there is no column \"custmer\"; did you mean CUSTOMER? There are "
+            "voucher, date, account, debit, credit, group, number, explanation, currency, "
+            "amount_for, rate, quantity, unit, unit_price, reference, CUSTOMER, department, GOODS, "
+            "STAFF, SUPPLIER\n");
   EXPECT_EQ(ImportWithItems("", "dep,department").err,
             "journal.csv:1:39: the column \"department\" stands here a second time\n");
 }
