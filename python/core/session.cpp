@@ -172,7 +172,8 @@ PyMethodDef kSessionFunctions[] = {
      "Makes a component known to the process: factory() gives an object whose methods are called "
      "by name."},
     {"unregister_component", Unregister, METH_O,
-     "unregister_component($module, prog_id, /)\n--\n\nTakes a component away again; the module's own of that ProgID is back."},
+     "unregister_component($module, prog_id, /)\n--\n\nTakes a component away again; the module's "
+     "own of that ProgID is back."},
     {"lists", Lists, METH_NOARGS, "The lists of the books: name to (ProgID, help, columns)."},
     {"current_row", CurrentRow, METH_O, "The current row of a recordset as a Dictionary."},
     {"read_table", ReadTable, METH_O, "The columns and all rows of a recordset."},

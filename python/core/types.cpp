@@ -109,8 +109,8 @@ PyRef ItemOf(PyObject* self, PyObject* key) {
   const TypeOfClass& type = *Of(self).type;
   Object& object = *Of(self).object;
   const std::vector<PyObject*> keys = KeysIn(key, *type.item);
-  PyRef found = type.is_of_rows ? RowOf(object, *type.item, keys)
-                                : GetMember(object, *type.item, keys);
+  PyRef found =
+      type.is_of_rows ? RowOf(object, *type.item, keys) : GetMember(object, *type.item, keys);
   if (found.get() == Py_None && IsObjectWord(type.item->row.type)) found = PyRef();
   if (!found) {
     PyErr_SetObject(type.is_of_rows ? PyExc_KeyError : PyExc_IndexError, key);

@@ -3167,6 +3167,10 @@ class LoginDelayed(Refusal):
     """Logins have failed; the next one has to wait."""
     NUMBER: ClassVar[int]
 
+class Damaged(Refusal):
+    """The file of the books is damaged."""
+    NUMBER: ClassVar[int]
+
 class BadFilter(Refusal):
     """The filter text can't be understood."""
     NUMBER: ClassVar[int]
@@ -3269,6 +3273,10 @@ class TooLarge(Refusal):
 
 class VoucherCashed(Refusal):
     """The voucher is cashed."""
+    NUMBER: ClassVar[int]
+
+class BadItem(Refusal):
+    """A line names an item of each class that its account asks for."""
     NUMBER: ClassVar[int]
 
 class NoParent(Refusal):
@@ -3412,6 +3420,7 @@ __all__ = [
     "OutcomeUnknown",
     "ReadOnly",
     "LoginDelayed",
+    "Damaged",
     "BadFilter",
     "BadSort",
     "BadValue",
@@ -3438,6 +3447,7 @@ __all__ = [
     "OwnVoucher",
     "TooLarge",
     "VoucherCashed",
+    "BadItem",
     "NoParent",
     "ParentInUse",
     "HasChildren",

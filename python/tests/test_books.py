@@ -33,7 +33,7 @@ def test_books_that_can_not_be_opened_are_one_clear_error(tmp_path: Path) -> Non
     assert not missing.exists()
     other = tmp_path / "other.txt"
     other.write_text("no books" * 1000)
-    with pytest.raises(qdclgl.Error, match="not a database"):
+    with pytest.raises(qdclgl.NoBooks, match="other.txt holds no books"):
         qdclgl.open(str(other))
     with pytest.raises(qdclgl.BadConnectionText, match="Nope"):
         qdclgl.open("Provider=Nope;")
