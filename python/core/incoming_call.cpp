@@ -21,7 +21,9 @@ class Arguments {
     const std::string& kept = names_.emplace_back(name);
     arguments_.push_back(Argument(Named(std::string_view(kept), Taken(value, TypeOf(name)))));
   }
-  void AddPut(PyObject* value) { arguments_.push_back(Taken(value, member_.row.PutType())); }
+  void AddPut(PyObject* value) {
+    arguments_.push_back(FromPython(value, IsObjectWord(member_.row.PutType())));
+  }
 
   std::span<Argument> get() { return arguments_; }
 

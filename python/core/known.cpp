@@ -16,7 +16,6 @@ void LoadKnown() {
       .decimal = Attribute(Import("decimal").get(), "Decimal"),
       .date = Attribute(datetime.get(), "date"),
       .datetime = Attribute(datetime.get(), "datetime"),
-      .iskeyword = Attribute(Import("keyword").get(), "iskeyword"),
       .null = Attribute(values.get(), "Null"),
       .ref = Attribute(values.get(), "Ref"),
       .error_code = Attribute(values.get(), "ErrorCode"),

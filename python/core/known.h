@@ -10,7 +10,6 @@ struct Known {
   PyRef decimal;          // decimal.Decimal
   PyRef date;             // datetime.date
   PyRef datetime;         // datetime.datetime
-  PyRef iskeyword;        // keyword.iskeyword
   PyRef null;             // qdclgl.Null
   PyRef ref;              // qdclgl.Ref
   PyRef error_code;       // qdclgl.ErrorCode

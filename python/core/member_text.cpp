@@ -1,12 +1,19 @@
 #include "python/core/member_text.h"
 
-#include "python/core/known.h"
-#include "python/core/values.h"
+#include <algorithm>
+#include <array>
+
 #include "qdclgl/frame/objects/conversions.h"
 
 namespace qdclgl::python {
 
 namespace {
+
+constexpr auto kKeywords = std::to_array<std::string_view>(
+    {"False", "None",     "True",  "and",    "as",   "assert", "async",  "await",    "break",
+     "class", "continue", "def",   "del",    "elif", "else",   "except", "finally",  "for",
+     "from",  "global",   "if",    "import", "in",   "is",     "lambda", "nonlocal", "not",
+     "or",    "pass",     "raise", "return", "try",  "while",  "with",   "yield"});
 
 // Between a signature and the text behind it.
 constexpr const char* kEndOfSignature = "\n--\n\n";
@@ -39,19 +46,38 @@ std::string TypesText(const ClassMember& member) {
   return "(" + text + ") -> " + PythonWord(member.row.type);
 }
 
-bool IsPut(const MemberRow& row) { return row.let != nullptr || row.set != nullptr; }
-
 }  // namespace
 
 std::string PythonName(std::string_view name) {
-  const PyRef is_keyword = PyRef::Take(
-      PyObject_CallFunctionObjArgs(TheKnown().iskeyword.get(), ToText(name).get(), nullptr));
-  return std::string(name) + (is_keyword.get() == Py_True ? "_" : "");
+  const bool is_keyword = std::find(kKeywords.begin(), kKeywords.end(), name) != kKeywords.end();
+  return std::string(name) + (is_keyword ? "_" : "");
 }
 
 std::string_view RowName(std::string_view python_name) {
   return python_name.ends_with('_') ? python_name.substr(0, python_name.size() - 1) : python_name;
 }
+
+bool IsObjectWord(std::string_view word) {
+  constexpr std::array<std::string_view, 11> kPlain = {"Boolean", "Byte",    "Integer", "Long",
+                                                       "Single",  "Double",  "Date",    "none",
+                                                       "String",  "Variant", "Currency"};
+  return std::find(kPlain.begin(), kPlain.end(), word) == kPlain.end();
+}
+
+std::string PythonWord(std::string_view word) {
+  if (word == "Boolean") return "bool";
+  if (word == "Byte" || word == "Integer" || word == "Long") return "int";
+  if (word == "Single" || word == "Double") return "float";
+  if (word == "Currency") return "decimal.Decimal";
+  if (word == "Date") return "datetime.datetime";
+  if (word == "String") return "str";
+  if (word == "none") return "None";
+  if (word == "Variant" || word == "Object") return "object";
+  if (word == "IEnumVARIANT") return "Enumerator";
+  return std::string(word);
+}
+
+bool IsPut(const MemberRow& row) { return row.let != nullptr || row.set != nullptr; }
 
 bool IsMethod(const ClassMember& member) {
   return member.row.method != nullptr || !member.parameters.empty();

@@ -1,4 +1,5 @@
-// What Python shows of a member: its name there, its signature and its help text.
+// What Python shows of a class and its members: names, signatures and help texts. Made from the
+// rows alone, without an interpreter.
 #pragma once
 
 #include <string>
@@ -12,6 +13,13 @@ std::string PythonName(std::string_view name);
 // The name in the row that such a name stands for.
 std::string_view RowName(std::string_view python_name);
 
+// Whether a row's word for a type stands for objects.
+bool IsObjectWord(std::string_view word);
+// The class of Python that such a word reads as: "Currency" as "decimal.Decimal".
+std::string PythonWord(std::string_view word);
+
+// Whether a member can be written.
+bool IsPut(const MemberRow& row);
 // Whether a member is a method in Python: a method, or a value with arguments.
 bool IsMethod(const ClassMember& member);
 // Whether a value with arguments can be put by one more argument.

@@ -1,6 +1,7 @@
 // The module qdclgl._core: the library's classes for Python, and what the package is made with.
 #include "python/core/errors.h"
 #include "python/core/known.h"
+#include "python/core/named_classes.h"
 #include "python/core/recording_server.h"
 #include "python/core/released.h"
 #include "python/core/session.h"
@@ -11,12 +12,14 @@ namespace qdclgl::python {
 
 namespace {
 
-PyObject* GetInterface(PyObject*, PyObject*) {
-  return Guarded([] { return Interface(); });
+// What `from qdclgl._core import *` gives.
+void AddExports(PyObject* module) {
+  const PyRef names = PyRef::Take(PyList_New(0));
+  for (const std::string& name : ExportedNames()) {
+    Checked(PyList_Append(names.get(), ToText(name).get()));
+  }
+  Checked(PyModule_AddObjectRef(module, "__all__", names.get()));
 }
-
-PyMethodDef kInterfaceFunctions[] = {
-    {"interface", GetInterface, METH_NOARGS, "The member rows of all classes."}, {}};
 
 int Execute(PyObject* module) {
   return Guarded(-1, [&] {
@@ -27,11 +30,11 @@ int Execute(PyObject* module) {
       throw Raised();
     }
     LoadKnown();
-    Checked(PyModule_AddFunctions(module, kInterfaceFunctions));
     Checked(PyModule_AddFunctions(module, kSessionFunctions));
     AddErrors(module);
     AddTypes(module);
     AddRecordingServer(module);
+    AddExports(module);
     RegisterReleasedComponents();
     return Checked(
         PyModule_AddStringConstant(module, "__version__", std::string(Version()).c_str()));

@@ -3,6 +3,7 @@
 #include "python/core/gil.h"
 #include "qdclgl/frame/objects/class_table.h"
 #include "qdclgl/frame/session/server_gateway.h"
+#include "qdclgl/frame/vocabulary/text.h"
 #include "qdclgl/server/access/login.h"
 #include "qdclgl/server/server.h"
 
@@ -32,13 +33,21 @@ bool IsSessionStore(const server::ServerComponent& component) {
          component.prog_id == server::ShareProps::kProgID;
 }
 
+void Register(const server::ServerComponent& component) {
+  if (IsSessionStore(component)) return;
+  RegisterComponent(component.prog_id,
+                    [make = component.make] { return Ref<Object>(Make<Released>(make())); });
+}
+
 }  // namespace
 
 void RegisterReleasedComponents() {
+  for (const server::ServerComponent& component : server::ServerComponents()) Register(component);
+}
+
+void RegisterReleasedComponent(std::string_view prog_id) {
   for (const server::ServerComponent& component : server::ServerComponents()) {
-    if (IsSessionStore(component)) continue;
-    RegisterComponent(component.prog_id,
-                      [make = component.make] { return Ref<Object>(Make<Released>(make())); });
+    if (EqualsIgnoringAsciiCase(component.prog_id, prog_id)) Register(component);
   }
 }
 

@@ -10,6 +10,9 @@ namespace qdclgl::python {
 // has the session that it has opened itself, or none.
 void RegisterReleasedComponents();
 
+// Makes the one of a ProgID known again, where there is one: for when another has had its place.
+void RegisterReleasedComponent(std::string_view prog_id);
+
 // The component behind such an object; any other object itself.
 Object& Behind(Object& object);
 

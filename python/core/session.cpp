@@ -3,6 +3,7 @@
 #include "python/core/errors.h"
 #include "python/core/foreign.h"
 #include "python/core/gil.h"
+#include "python/core/released.h"
 #include "python/core/values.h"
 #include "python/core/wrapper.h"
 #include "qdclgl/frame/containers/recordset.h"
@@ -108,6 +109,7 @@ PyObject* Unregister(PyObject*, PyObject* prog_id) {
   return Guarded([&] {
     if (PyUnicode_Check(prog_id) == 0) RaiseTypeError("a ProgID is a text");
     UnregisterComponent(FromText(prog_id));
+    RegisterReleasedComponent(FromText(prog_id));
     return PyRef::Share(Py_None);
   });
 }
@@ -170,7 +172,8 @@ PyMethodDef kSessionFunctions[] = {
      "Makes a component known to the process: factory() gives an object whose methods are called "
      "by name."},
     {"unregister_component", Unregister, METH_O,
-     "unregister_component($module, prog_id, /)\n--\n\nTakes a component away again."},
+     "unregister_component($module, prog_id, /)\n--\n\nTakes a component away again; the module's "
+     "own of that ProgID is back."},
     {"lists", Lists, METH_NOARGS, "The lists of the books: name to (ProgID, help, columns)."},
     {"current_row", CurrentRow, METH_O, "The current row of a recordset as a Dictionary."},
     {"read_table", ReadTable, METH_O, "The columns and all rows of a recordset."},

@@ -7,13 +7,12 @@
 #include "python/core/incoming_call.h"
 #include "python/core/known.h"
 #include "python/core/member_text.h"
+#include "python/core/named_classes.h"
 #include "python/core/released.h"
 #include "python/core/values.h"
 #include "python/core/wrapper.h"
-#include "qdclgl/api/class_list.h"
-#include "qdclgl/frame/containers/collection.h"
-#include "qdclgl/frame/containers/recordset.h"
-#include "qdclgl/frame/containers/vector.h"
+#include "qdclgl/frame/objects/enumeration.h"
+#include "qdclgl/frame/session/transaction_context.h"
 #include "qdclgl/server/db/refusals.h"
 
 namespace qdclgl::python {
@@ -49,6 +48,17 @@ constexpr std::array<Function, kMostMembers> MethodsAt(std::index_sequence<Place
 }
 constexpr auto kMethods = MethodsAt(std::make_index_sequence<kMostMembers>());
 
+// The one method of another interface, of the classes that have that.
+PyObject* SetTransactionContext(PyObject* self, PyObject* context) {
+  return Guarded([&] {
+    Object& object = *Of(self).object;
+    object.CheckThread();
+    dynamic_cast<ISetXactContext&>(object).SetTransactionContext(
+        FromPython(context, true).As<Object>());
+    return PyRef::Share(Py_None);
+  });
+}
+
 // ---- Values ----
 
 PyObject* GetValue(PyObject* self, void* member) {
@@ -74,19 +84,36 @@ std::vector<PyObject*> KeysIn(PyObject* key, const ClassMember& member) {
   return keys;
 }
 
-// A list of a server's rows gives an empty object for a key that the server doesn't know.
-bool IsEmptyRow(PyObject* found) {
-  Object* object = Unwrap(found);
-  if (object == nullptr || object->Members() == nullptr) return false;
-  if (object->Members()->Find("Properties") == nullptr) return false;
-  return object->Get("Properties").As<Object>()->Get("Count").As<Long>() == 0;
+// Whether an object of a row has none.
+bool IsWithoutRow(Object& object) {
+  if (object.Members() == nullptr || object.Members()->Find("Properties") == nullptr) return false;
+  return object.Get("Properties").As<Object>()->Get("Count").As<Long>() == 0;
 }
 
+// What a list of a server's rows gives for a key; null where the server knows none. The members
+// themselves give an object without a row then, or raise error 91.
+PyRef RowOf(Object& list, const ClassMember& item, std::span<PyObject* const> keys) {
+  try {
+    PyRef found = GetMember(list, item, keys);
+    Object* object = Unwrap(found.get());
+    return object != nullptr && IsWithoutRow(*object) ? PyRef() : found;
+  } catch (const Error& error) {
+    if (error.number() != error_number::kObjectNotSet) throw;
+    return {};
+  }
+}
+
+// What x[key] gives: KeyError or IndexError where there is nothing, which for a line the member
+// itself tells by Nothing.
 PyRef ItemOf(PyObject* self, PyObject* key) {
-  const ClassMember& item = *Of(self).type->item;
-  PyRef found = GetMember(*Of(self).object, item, KeysIn(key, item));
-  if (Of(self).type->is_of_rows && IsEmptyRow(found.get())) {
-    PyErr_SetObject(PyExc_KeyError, key);
+  const TypeOfClass& type = *Of(self).type;
+  Object& object = *Of(self).object;
+  const std::vector<PyObject*> keys = KeysIn(key, *type.item);
+  PyRef found =
+      type.is_of_rows ? RowOf(object, *type.item, keys) : GetMember(object, *type.item, keys);
+  if (found.get() == Py_None && IsObjectWord(type.item->row.type)) found = PyRef();
+  if (!found) {
+    PyErr_SetObject(type.is_of_rows ? PyExc_KeyError : PyExc_IndexError, key);
     throw Raised();
   }
   return found;
@@ -120,7 +147,7 @@ int HasItem(PyObject* self, PyObject* key) {
       if (!TellsOfAbsence(error)) throw;
       return 0;
     } catch (const Raised&) {
-      if (PyErr_ExceptionMatches(PyExc_KeyError) == 0) throw;
+      if (PyErr_ExceptionMatches(PyExc_LookupError) == 0) throw;
       PyErr_Clear();
       return 0;
     }
@@ -170,11 +197,16 @@ class TypeMaker {
                                kMethods[static_cast<std::size_t>(member.ordinal - 1)])),
                            METH_FASTCALL | METH_KEYWORDS, Kept(MethodText(member))});
       } else {
-        const bool is_put = member.row.let != nullptr || member.row.set != nullptr;
-        values.push_back({Kept(PythonName(member.row.name)), GetValue, is_put ? PutValue : nullptr,
-                          Kept(PropertyText(member)), const_cast<ClassMember*>(&member)});
+        values.push_back({Kept(PythonName(member.row.name)), GetValue,
+                          IsPut(member.row) ? PutValue : nullptr, Kept(PropertyText(member)),
+                          const_cast<ClassMember*>(&member)});
       }
       TakeRole(member);
+    }
+    if (table.takes_context()) {
+      methods.push_back({"SetTransactionContext", SetTransactionContext, METH_O,
+                         "SetTransactionContext($self, xa, /)\n--\n\n"
+                         "(xa: object) -> None\n\nHands over the transaction context."});
     }
     methods.emplace_back();
     values.emplace_back();
@@ -267,38 +299,6 @@ PyObject* NewObject(PyTypeObject* type, PyObject* arguments, PyObject* names) {
   });
 }
 
-PyRef TextTuple(std::initializer_list<std::string_view> texts) {
-  PyRef tuple = PyRef::Take(PyTuple_New(static_cast<Py_ssize_t>(texts.size())));
-  Py_ssize_t place = 0;
-  for (const std::string_view text : texts) {
-    Checked(PyTuple_SetItem(tuple.get(), place++, ToText(text).Detach()));
-  }
-  return tuple;
-}
-
-PyRef ParameterRows(const ClassMember& member) {
-  PyRef rows = PyRef::Take(PyList_New(0));
-  for (const MemberParameter& parameter : member.parameters) {
-    const PyRef row = TextTuple({PythonName(parameter.name), PythonWord(parameter.type),
-                                 parameter.by_ref ? "ref" : "",
-                                 parameter.optional ? DefaultText(parameter) : ""});
-    Checked(PyList_Append(rows.get(), row.get()));
-  }
-  return rows;
-}
-
-PyRef MemberRow(const ClassMember& member) {
-  std::string uses;
-  if (member.row.method != nullptr) uses += "call ";
-  if (member.row.get != nullptr) uses += "get ";
-  if (member.row.let != nullptr || member.row.set != nullptr) uses += "put ";
-  return PyRef::Take(Py_BuildValue(
-      "(NNNNNNN)", ToText(PythonName(member.row.name)).Detach(), ToText(uses).Detach(),
-      ToText(PythonWord(member.row.type)).Detach(),
-      ToText(PythonWord(member.row.PutType())).Detach(), ToText(member.row.help).Detach(),
-      PyBool_FromLong(member.row.options.is_default_member), ParameterRows(member).Detach()));
-}
-
 }  // namespace
 
 const TypeOfClass& TypeOf(Object& object) {
@@ -316,13 +316,6 @@ const TypeOfClass& TypeOf(const ClassTable& table) {
   return type;
 }
 
-std::vector<const ClassTable*> NamedClasses() {
-  std::vector<const ClassTable*> classes(PublicClasses().begin(), PublicClasses().end());
-  classes.insert(classes.end(), {&Dictionary::Table(), &Vector::Table(), &Collection::Table(),
-                                 &Recordset::Table(), &Field::Table(), &Fields::Table()});
-  return classes;
-}
-
 void AddTypes(PyObject* module) {
   const auto add = [&](const char* name, PyTypeObject* type) {
     Checked(PyModule_AddObjectRef(module, name, reinterpret_cast<PyObject*>(type)));
@@ -332,21 +325,6 @@ void AddTypes(PyObject* module) {
   for (const ClassTable* table : NamedClasses()) {
     add(std::string(table->name()).c_str(), TypeOf(*table).type);
   }
-}
-
-PyRef Interface() {
-  PyRef classes = PyRef::Take(PyList_New(0));
-  for (const ClassTable* table : NamedClasses()) {
-    PyRef members = PyRef::Take(PyList_New(0));
-    for (const ClassMember& member : table->members()) {
-      Checked(PyList_Append(members.get(), MemberRow(member).get()));
-    }
-    const PyRef row = PyRef::Take(
-        Py_BuildValue("(NNNN)", ToText(table->name()).Detach(), ToText(table->help()).Detach(),
-                      PyBool_FromLong(table->creatable()), members.Detach()));
-    Checked(PyList_Append(classes.get(), row.get()));
-  }
-  return classes;
 }
 
 }  // namespace qdclgl::python

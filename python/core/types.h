@@ -20,13 +20,7 @@ struct TypeOfClass {
 const TypeOfClass& TypeOf(Object& object);
 const TypeOfClass& TypeOf(const ClassTable& table);
 
-// The classes that are names of the module: all public ones, and the containers of the frame.
-std::vector<const ClassTable*> NamedClasses();
+// Makes the named classes names of the module.
 void AddTypes(PyObject* module);
-
-// The rows of the named classes as Python has them, for what is made from them:
-// (class, help, can be made, [(member, uses, type read, type put, help,
-//   [(parameter, type, by reference, optional, default)])]).
-PyRef Interface();
 
 }  // namespace qdclgl::python

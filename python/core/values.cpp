@@ -1,8 +1,5 @@
 #include "python/core/values.h"
 
-#include <algorithm>
-#include <array>
-
 #include "python/core/errors.h"
 #include "python/core/foreign.h"
 #include "python/core/known.h"
@@ -153,26 +150,6 @@ Variant FromPython(PyObject* value, bool wants_object) {
   }
   if (PyIndex_Check(value) != 0) return WholeFrom(PyRef::Take(PyNumber_Index(value)).get());
   return Variant(Make<ForeignObject>(PyRef::Share(value)));
-}
-
-bool IsObjectWord(std::string_view word) {
-  constexpr std::array<std::string_view, 11> kPlain = {"Boolean", "Byte",    "Integer", "Long",
-                                                       "Single",  "Double",  "Date",    "none",
-                                                       "String",  "Variant", "Currency"};
-  return std::find(kPlain.begin(), kPlain.end(), word) == kPlain.end();
-}
-
-std::string PythonWord(std::string_view word) {
-  if (word == "Boolean") return "bool";
-  if (word == "Byte" || word == "Integer" || word == "Long") return "int";
-  if (word == "Single" || word == "Double") return "float";
-  if (word == "Currency") return "decimal.Decimal";
-  if (word == "Date") return "datetime.datetime";
-  if (word == "String") return "str";
-  if (word == "none") return "None";
-  if (word == "Variant" || word == "Object") return "object";
-  if (word == "IEnumVARIANT") return "Enumerator";
-  return std::string(word);
 }
 
 }  // namespace qdclgl::python

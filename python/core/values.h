@@ -26,10 +26,4 @@ PyRef ToPython(const Variant& value);
 // otherwise Empty.
 Variant FromPython(PyObject* value, bool wants_object = false);
 
-// Whether a row's word for a type stands for objects.
-bool IsObjectWord(std::string_view word);
-
-// The class of Python that a row's word for a type reads as: "Currency" as "decimal.Decimal".
-std::string PythonWord(std::string_view word);
-
 }  // namespace qdclgl::python

@@ -2,11 +2,14 @@
 
 from __future__ import annotations
 
+from inspect import signature
+from threading import get_ident
 from types import TracebackType
 from typing import Any
 
 from qdclgl import _core
 from qdclgl._core import NotLoggedIn
+from qdclgl._errors import WrongThread
 from qdclgl._table import Table
 
 _SESSION = "QDSVGLSession.SessionUpdate"
@@ -25,8 +28,10 @@ class Books:
         self.source = source
         self.user = user
         self._session = _core.create_object(_SESSION)
-        self._props: str | None = self._session.Login(source, user, password)
-        self._former = _core.set_session(self._props, user)
+        props: str = self._session.Login(source, user, password)
+        self._props: str | None = props
+        self._thread = get_ident()
+        self._former = _core.set_session(props, user)
 
     def __enter__(self) -> Books:
         return self
@@ -59,6 +64,9 @@ class Books:
         """Logs out. A batch that is under way is rolled back. Books may be closed twice."""
         if self._props is None:
             return
+        if get_ident() != self._thread:
+            words = "Books are closed by the thread that opened them."
+            raise WrongThread(WrongThread.NUMBER, "qdclgl", words)
         # In this order: a session that has ended must not stay the thread's, whatever fails.
         _core.restore_session(self._former)
         props, self._props, self._former = self._props, None, None
@@ -85,9 +93,13 @@ class Books:
         except KeyError:
             known = ", ".join(sorted(_core.lists()))
             raise KeyError(f"there is no list {name!r}; there are {known}") from None
-        rows = self.component(prog_id).GetList(
-            self.props, Filter=filter, Sort=sort, **arguments
-        )
+        get_list = self.component(prog_id).GetList
+        given: dict[str, Any] = {"Filter": filter, "Sort": sort, **arguments}
+        given["PropsString"] = self.props
+        for parameter in signature(get_list).parameters.values():
+            if parameter.default is parameter.empty:
+                given.setdefault(parameter.name, 0)
+        rows = get_list(**given)
         return Table(rows, tuple(columns.split()))
 
     def balance(

@@ -4,6 +4,32 @@ from __future__ import annotations
 
 from typing import Any, ClassVar
 
+__all__ = [
+    "Error",
+    "Refusal",
+    "InvalidCall",
+    "Overflow",
+    "OutOfMemory",
+    "SubscriptOutOfRange",
+    "TypeMismatch",
+    "OutOfStackSpace",
+    "ObjectNotSet",
+    "InvalidPropertyValue",
+    "PropertyNotSettable",
+    "CannotCreateObject",
+    "MemberNotFound",
+    "AutomationError",
+    "NamedArgumentNotFound",
+    "ArgumentNotOptional",
+    "WrongArgumentCount",
+    "DuplicateKey",
+    "BadArguments",
+    "NoCurrentRow",
+    "FieldNotFound",
+    "ObjectClosed",
+    "WrongThread",
+]
+
 
 class Error(Exception):
     """A failure of the library or of a server: a number, a source and a description."""

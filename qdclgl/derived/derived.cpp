@@ -7,6 +7,7 @@
 #include <regex>
 #include <stdexcept>
 
+#include "python/core/stub.h"
 #include "qdclgl/api/api_table.h"
 #include "qdclgl/server/server.h"
 
@@ -186,6 +187,7 @@ std::vector<Part> DerivedParts(const fs::path& root) {
       {"docs/api.tsv", "", ApiTable()},
       {"docs/server.md", "components", ComponentTable()},
       {"docs/qdclgl.1", "lists", ListCommands()},
+      {"python/qdclgl/_core.pyi", "", python::StubText()},
   };
 }
 

@@ -47,7 +47,9 @@ const std::vector<Floor> kFloors = {
     {"qdclgl/server", {"qdclgl/server/books"}},
     {"qdclgl/automation", {"qdclgl/api"}},
     {"qdclgl/cli", {"qdclgl/api", "qdclgl/server"}},
-    {"qdclgl/derived", {"qdclgl/api", "qdclgl/server"}},
+    {"tests/support", {"qdclgl/api"}},
+    {"python/core", {"qdclgl/api", "qdclgl/server", "tests/support"}},
+    {"qdclgl/derived", {"qdclgl/api", "qdclgl/server", "python/core"}},
 };
 
 std::set<std::string> ReachedFrom(const std::string& folder) {
@@ -71,6 +73,13 @@ std::vector<std::string> SourcesBelow(const char* folder) {
       sources.push_back(fs::relative(entry.path(), kRoot).generic_string());
   }
   std::sort(sources.begin(), sources.end());
+  return sources;
+}
+
+// The library's, and those of the Python module.
+std::vector<std::string> Sources() {
+  std::vector<std::string> sources = SourcesBelow("qdclgl");
+  for (const std::string& source : SourcesBelow("python/core")) sources.push_back(source);
   return sources;
 }
 
@@ -100,7 +109,7 @@ std::string UnitOf(const std::string& file) {
 TEST(Floors, EveryFolderOfSourcesHasItsFloor) {
   std::set<std::string> known;
   for (const Floor& floor : kFloors) known.insert(floor.folder);
-  for (const std::string& source : SourcesBelow("qdclgl")) {
+  for (const std::string& source : Sources()) {
     EXPECT_TRUE(known.contains(FolderOf(source)))
         << source << " stands in a folder that has no floor; say in this file which it is";
   }
@@ -109,7 +118,7 @@ TEST(Floors, EveryFolderOfSourcesHasItsFloor) {
 TEST(Floors, AFileIncludesItsOwnFloorAndThoseBelow) {
   const std::string umbrella = "qdclgl/qdclgl.h";
   std::size_t seen = 0;
-  for (const std::string& source : SourcesBelow("qdclgl")) {
+  for (const std::string& source : Sources()) {
     if (source == umbrella) continue;
     const std::set<std::string> allowed = ReachedFrom(FolderOf(source));
     for (const std::string& include : IncludesOf(source)) {
@@ -124,7 +133,7 @@ TEST(Floors, AFileIncludesItsOwnFloorAndThoseBelow) {
 
 TEST(Floors, NoCircleOfFiles) {
   std::map<std::string, std::set<std::string>> below;
-  for (const std::string& source : SourcesBelow("qdclgl")) {
+  for (const std::string& source : Sources()) {
     for (const std::string& include : IncludesOf(source)) {
       if (UnitOf(include) != UnitOf(source)) below[UnitOf(source)].insert(UnitOf(include));
     }
@@ -161,7 +170,7 @@ TEST(Floors, TestsStandWhereTheirSourcesDo) {
     const std::string name = fs::path(test).stem().string();
     const std::string subject = name.substr(0, name.size() - std::string("_test").size());
     std::set<std::string> homes;  // the folders of the sources of that name
-    for (const std::string& source : SourcesBelow("qdclgl")) {
+    for (const std::string& source : Sources()) {
       if (fs::path(source).stem() == subject) homes.insert(FolderOf(source));
     }
     EXPECT_TRUE(homes.empty() || homes.contains("qdclgl/" + folder))
