@@ -35,8 +35,8 @@ void CheckUnits(Database& db, Findings& findings) {
                    "SELECT a.FAccountID, a.FNumber FROM t_Account a"
                    " LEFT JOIN t_MeasureUnit u ON u.FMeasureUnitID = a.FMeasureUnitID"
                    " LEFT JOIN t_UnitGroup g ON g.FUnitGroupID = a.FUnitGroupID"
-                   " WHERE a.FUnitGroupID <> 0 AND (u.FUnitGroupID <> a.FUnitGroupID"
-                   " OR COALESCE(g.FName, '') <> a.FUnitGroup)"
+                   " WHERE (a.FUnitGroupID <> 0 AND u.FUnitGroupID <> a.FUnitGroupID)"
+                   " OR COALESCE(g.FName, '') <> a.FUnitGroup"
                    " ORDER BY a.FAccountID");
   const auto check_lines = [&](std::string_view rule, std::string_view problem,
                                std::string_view condition) {

@@ -159,7 +159,7 @@ TEST_P(BooksCheckTest, SumsThatAgreeModuloAPowerOfTwoAreNoSums) {
   // Two lines of 2^63 and two more units in the balance are what is there in 64 bits.
   for (int i = 0; i < 2; ++i) {
     Break("INSERT INTO t_VoucherEntry SELECT FVoucherID, FEntryID + 10, FAccountID, FDC,"
-          " -9223372036854775807 - 1, FCurrencyID, 0, 0, 0, 0, 0, '', '', '', 0, 0, '', '', ''"
+          " -9223372036854775807 - 1, FCurrencyID, 0, 0, 0, 0, 0, '', '', '', 0, 0, '', '', '', 0"
           " FROM t_VoucherEntry WHERE FVoucherID = 3 AND FEntryID > " +
           std::to_string(10 * i));
   }
@@ -189,9 +189,10 @@ TEST_P(BooksCheckTest, TheLinesOfAVoucherAddUp) {
   EXPECT_EQ(AfterBreaking("UPDATE t_VoucherEntry SET FAmountFor = 4611686018427387903"
                           " WHERE FVoucherID = 1"),
             "");
-  Break("INSERT INTO t_VoucherEntry SELECT FVoucherID, 3, FAccountID, FDC, 0, FCurrencyID,"
-        " 4611686018427387903, 0, 0, 0, 0, '', '', '', 0, 0, '', '', '' FROM t_VoucherEntry WHERE"
-        " FVoucherID = 1 AND FEntryID = 1");
+  Break(
+      "INSERT INTO t_VoucherEntry SELECT FVoucherID, 3, FAccountID, FDC, 0, FCurrencyID,"
+      " 4611686018427387903, 0, 0, 0, 0, '', '', '', 0, 0, '', '', '', 0 FROM t_VoucherEntry WHERE"
+      " FVoucherID = 1 AND FEntryID = 1");
   EXPECT_EQ(AfterBreaking("UPDATE t_Voucher SET FEntryCount = 3 WHERE FVoucherID = 1"),
             "VoucherSize Voucher 1 2024/1 Receipts 1\n");
 }

@@ -13,9 +13,9 @@ INSERT INTO t_UnitGroup (FUnitGroupID, FVersion, FName, FDefaultUnitID)
   FROM t_Account
   WHERE FUnitGroupID <> 0 AND FUnitGroupID NOT IN (SELECT FUnitGroupID FROM t_UnitGroup)
   GROUP BY FUnitGroupID;
-UPDATE t_Account SET FUnitGroup = (
+UPDATE t_Account SET FUnitGroup = COALESCE((
   SELECT g.FName FROM t_UnitGroup g WHERE g.FUnitGroupID = t_Account.FUnitGroupID
-) WHERE FUnitGroupID <> 0;
+), '');
 
 CREATE TABLE t_NamedUnit AS
   SELECT FUnitID, MAX(FGroupID) AS FGroupID, MAX(FText) AS FText FROM (
