@@ -3,6 +3,8 @@
 
 #include "qdclgl/api/api_table.h"
 #include "qdclgl/api/class_list.h"
+#include "qdclgl/cli/cell_values.h"
+#include "qdclgl/cli/nearest.h"
 #include "qdclgl/cli/program.h"
 
 namespace qdclgl::cli {
@@ -83,12 +85,18 @@ void PrintPlain(std::ostream& out, Classes classes) {
   }
 }
 
+std::string NoSuchClass(const std::string& name) {
+  std::vector<std::string_view> names;
+  for (const ClassTable* table : PublicClasses()) names.push_back(table->name());
+  return "there is no class " + Quoted(name) + DidYouMean(name, names);
+}
+
 int PrintApi(const ApiOptions& options, std::ostream& out) {
   Classes classes = PublicClasses();
   const ClassTable* one = nullptr;
   if (!options.class_name.empty()) {
     one = FindPublicClass(options.class_name);
-    if (one == nullptr) throw UsageError("there is no class " + OneLine(options.class_name));
+    if (one == nullptr) throw UsageError(NoSuchClass(options.class_name));
     classes = std::span(&one, 1);
   }
   switch (options.form) {

@@ -2,10 +2,13 @@
 #include <algorithm>
 #include <map>
 
+#include "qdclgl/cli/cell_values.h"
 #include "qdclgl/cli/chart.h"
+#include "qdclgl/cli/item_classes.h"
 #include "qdclgl/cli/program.h"
 #include "qdclgl/frame/objects/late_bound.h"
 #include "qdclgl/frame/session/server_gateway.h"
+#include "qdclgl/frame/vocabulary/text.h"
 
 namespace qdclgl::cli {
 
@@ -17,30 +20,86 @@ struct BalanceOptions {
   Long year = 0;
   Long from = 0;
   Long to = 0;
+  std::vector<std::string> by;     // item classes
+  std::vector<std::string> items;  // "customers=C001"
 };
 
-Currency Amount(Recordset& rows, std::string_view column) {
-  return rows.FieldValue(rows.FieldPosition(column)).As<Currency>();
+// The items that balances are asked for: the classes by which they are split, and a condition for
+// the items that are meant alone.
+struct WantedItems {
+  std::vector<NamedItemClass> classes;
+  std::string filter;
+
+  bool IsAny() const { return !classes.empty(); }
+  // As the server takes the classes.
+  std::string Numbers() const {
+    std::string numbers;
+    for (const NamedItemClass& item_class : classes) {
+      numbers += (numbers.empty() ? "" : ",") + item_class.number;
+    }
+    return numbers;
+  }
+};
+
+// Where a class stands among those of the list, from 1 on; behind the others when it is new.
+std::size_t PlaceOf(const NamedItemClass& item_class, std::vector<NamedItemClass>& classes) {
+  const auto known = std::ranges::find(classes, item_class.id, &NamedItemClass::id);
+  const auto place = static_cast<std::size_t>(known - classes.begin()) + 1;
+  if (known == classes.end()) classes.push_back(item_class);
+  return place;
 }
 
-// One row for each account with movement, in the form that other programs read. To them the own
-// lines of an account with others below it are the account's.
-void PrintCsv(Recordset& rows, std::ostream& out) {
-  std::map<std::string, std::vector<Variant>> lines;
-  for (; !rows.Eof(); rows.MoveNext()) {
-    const std::string number =
-        WithoutOwnLines(rows.FieldValue(rows.FieldPosition("FAccountNumber")).As<String>());
-    lines[number] = {number, Amount(rows, "FDebit"), Amount(rows, "FCredit"),
-                     Amount(rows, "FEndBalance")};
+WantedItems WantedItemsOf(const BalanceOptions& options) {
+  WantedItems wanted;
+  if (options.by.empty() && options.items.empty()) return wanted;
+  const std::vector<NamedItemClass> known = ItemClassesOfBooks();
+  for (const std::string& word : options.by) PlaceOf(ItemClassNamed(known, word), wanted.classes);
+  for (const std::string& item : options.items) {
+    const std::size_t sign = item.find('=');
+    if (sign == item.npos) throw UsageError(Quoted(item) + " is not of the form class=number");
+    const NamedItemClass& item_class = ItemClassNamed(known, item.substr(0, sign));
+    const std::string number = ToUpper(item.substr(sign + 1));
+    if (ItemNumbered(item_class, number) == 0) throw UsageError(NoSuchItem(item_class, number));
+    wanted.filter += " AND FItemNumber" + std::to_string(PlaceOf(item_class, wanted.classes)) +
+                     " = " + FilterText(number);
   }
-  TableWriter table(out, Format::kCsv, {"account", "debit", "credit", "balance"});
-  for (const auto& [number, cells] : lines) table.Row(cells);
+  return wanted;
+}
+
+std::string ItemCell(const Dictionary& row, std::string_view column, std::size_t place) {
+  return row.Value(std::string(column) + std::to_string(place + 1)).As<String>();
+}
+
+// One row for each account with movement, and each of its items, in the form that other programs
+// read. To them the own lines of an account with others below it are the account's.
+void PrintCsv(Recordset& rows, const WantedItems& items, std::ostream& out) {
+  std::vector<std::string> headings = {"account"};
+  for (const NamedItemClass& item_class : items.classes) {
+    headings.emplace_back(FoldAsciiCase(item_class.number));
+  }
+  headings.insert(headings.end(), {"debit", "credit", "balance"});
+  std::map<std::vector<std::string>, std::vector<Variant>> lines;
+  for (; !rows.Eof(); rows.MoveNext()) {
+    const Ref<Dictionary> row = rows.Row();
+    std::vector<std::string> place = {WithoutOwnLines(row->Value("FAccountNumber").As<String>())};
+    for (std::size_t i = 0; i < items.classes.size(); ++i) {
+      place.push_back(ItemCell(*row, "FItemNumber", i));
+    }
+    std::vector<Variant>& cells = lines[place];
+    cells.assign(place.begin(), place.end());
+    for (const char* sum : {"FDebit", "FCredit", "FEndBalance"}) cells.push_back(row->Value(sum));
+  }
+  TableWriter table(out, Format::kCsv, std::move(headings));
+  for (const auto& [place, cells] : lines) table.Row(cells);
   table.Finish();
 }
 
-// All accounts as a tree, and the sums below it.
-void PrintPlain(Recordset& rows, std::ostream& out) {
-  TableWriter table(out, Format::kPlain, {"Account", "Name", "Begin", "Debit", "Credit", "End"});
+// All accounts as a tree, each with its items, and the sums below it.
+void PrintPlain(Recordset& rows, const WantedItems& items, std::ostream& out) {
+  std::vector<std::string> headings = {"Account", "Name"};
+  for (const NamedItemClass& item_class : items.classes) headings.push_back(item_class.name);
+  headings.insert(headings.end(), {"Begin", "Debit", "Credit", "End"});
+  TableWriter table(out, Format::kPlain, std::move(headings));
   constexpr std::string_view kSums[] = {"FBeginBalance", "FDebit", "FCredit", "FEndBalance"};
   std::vector<Currency> totals(std::size(kSums));
   for (; !rows.Eof(); rows.MoveNext()) {
@@ -49,6 +108,9 @@ void PrintPlain(Recordset& rows, std::ostream& out) {
     const std::string indent(static_cast<std::size_t>(2 * std::max<Long>(level - 1, 0)), ' ');
     std::vector<Variant> cells = {row->Value("FAccountNumber"),
                                   indent + row->Value("FAccountName").As<String>()};
+    for (std::size_t i = 0; i < items.classes.size(); ++i) {
+      cells.emplace_back(ItemCell(*row, "FItemNumber", i) + " " + ItemCell(*row, "FItemName", i));
+    }
     for (std::size_t i = 0; i < std::size(kSums); ++i) {
       const auto amount = row->Value(kSums[i]).As<Currency>();
       if (row->Value("FDetail").As<Boolean>()) totals[i] += amount;
@@ -56,27 +118,42 @@ void PrintPlain(Recordset& rows, std::ostream& out) {
     }
     table.Row(cells);
   }
-  table.Row({"", "Total", totals[0], totals[1], totals[2], totals[3]});
+  std::vector<Variant> last = {"", "Total"};
+  last.resize(last.size() + items.classes.size(), "");
+  last.insert(last.end(), totals.begin(), totals.end());
+  table.Row(last);
   table.Finish();
+}
+
+// The rows of the list that the options ask for.
+Ref<Recordset> BalancesOf(const BalanceOptions& options, const std::string& props,
+                          const WantedItems& items, const std::string& filter) {
+  const Ref<Object> balances = CreateObject("QDSVGLBalance.BalanceInfo");
+  if (items.IsAny()) {
+    return balances
+        ->Call("GetItemList", props, items.Numbers(), options.year, options.from, options.to,
+               filter + items.filter)
+        .As<Recordset>();
+  }
+  return balances->Call("GetList", props, options.year, options.from, options.to, filter)
+      .As<Recordset>();
 }
 
 int PrintBalance(const BalanceOptions& options, const Console& console) {
   if (options.year == 0 && (options.from != 0 || options.to != 0)) {
     throw UsageError("--from and --to go with a --year");
   }
-  const char* filter = "";
+  const std::string props = options.login.Open();
+  const WantedItems items = WantedItemsOf(options);
+  std::string filter = "FCurrencyID >= 0";
   if (options.format == Format::kPlain) filter = "FCurrencyID = 0";
   if (options.format == Format::kCsv) {
     filter = "FCurrencyID = 0 AND FDetail = TRUE AND (FDebit <> 0 OR FCredit <> 0)";
   }
-  const std::string props = options.login.Open();
-  const auto rows = CreateObject("QDSVGLBalance.BalanceInfo")
-                        ->Call("GetList", props, options.year, options.from, options.to, filter,
-                               "FAccountNumber, FCurrencyID")
-                        .As<Recordset>();
+  const Ref<Recordset> rows = BalancesOf(options, props, items, filter);
   switch (options.format) {
-    case Format::kPlain: PrintPlain(*rows, console.out); break;
-    case Format::kCsv: PrintCsv(*rows, console.out); break;
+    case Format::kPlain: PrintPlain(*rows, items, console.out); break;
+    case Format::kCsv: PrintCsv(*rows, items, console.out); break;
     case Format::kJson: WriteRecordset(console.out, Format::kJson, rows, {}); break;
   }
   return kDone;
@@ -92,6 +169,15 @@ void AddBalanceCommand(Program& program) {
   AddWhole(*command, "--year", options->year, "The accounting year [everything posted]");
   AddWhole(*command, "--from", options->from, "The first period [the year's first]");
   AddWhole(*command, "--to", options->to, "The last period [the year's last]");
+  command
+      ->add_option("--by", options->by,
+                   "Splits the balances by the items of these classes, commas between them")
+      ->delimiter(',')
+      ->type_name("CLASS");
+  command
+      ->add_option("--item", options->items,
+                   "Only what is posted for this item; as often as needed")
+      ->type_name("CLASS=NUMBER");
   AddFormat(*command, options->format);
 }
 

@@ -40,7 +40,9 @@ Number Split(std::string_view text, const char* kind) {
   number.whole = rest.substr(0, point);
   if (point != rest.npos) number.decimals = rest.substr(point + 1);
   if (!AreDigits(number.whole) || (point != rest.npos && !AreDigits(number.decimals))) {
-    Refuse(text, std::string("is not ") + kind);
+    const bool has_comma = text.find(',') != text.npos;
+    Refuse(text,
+           std::string("is not ") + kind + (has_comma ? "; decimals stand behind a point" : ""));
   }
   return number;
 }

@@ -10,6 +10,7 @@
 #include "qdclgl/cli/batch.h"
 #include "qdclgl/cli/cell_values.h"
 #include "qdclgl/cli/sheet.h"
+#include "qdclgl/frame/vocabulary/strings.h"
 #include "qdclgl/frame/vocabulary/text.h"
 #include "qdclgl/vouchers/voucher_group.h"
 
@@ -111,6 +112,8 @@ void Names::Refresh() {
   accounts_ = IdsBy<AccountSet>("FNumber", "FAccountID");
   currencies_ = IdsBy<CurrencySet>("FNumber", "FCurrencyID");
   groups_ = IdsBy<VoucherGroupSet>("FName", "FGroupID");
+  classes_.clear();
+  items_.clear();
   above_.clear();
   for (const auto& [number, id] : accounts_) above_.insert(NumberAbove(number));
 }
@@ -162,6 +165,28 @@ Long Names::Group(const std::string& name) {
   const auto group = Make<VoucherGroupSet>()->CreateNew(name);
   group->SaveChanges();
   return id = group->VoucherGroupID();
+}
+
+const std::set<Long>& Names::ClassesOf(Long account) {
+  const auto [place, is_new] = classes_.try_emplace(account);
+  if (is_new) {
+    const Ref<Vector> items = Make<AccountSet>()
+                                  ->Item(account)
+                                  ->Properties()
+                                  ->Dictionary()
+                                  ->Value(strings::lists::Items)
+                                  .As<Vector>();
+    for (std::size_t i = 0; i < items->size(); ++i) {
+      place->second.insert(items->at(i).As<Dictionary>()->Value("FItemClassID").As<Long>());
+    }
+  }
+  return place->second;
+}
+
+Long Names::Item(const NamedItemClass& item_class, const std::string& number) {
+  const auto [place, is_new] = items_.try_emplace({item_class.id, number});
+  if (is_new) place->second = ItemNumbered(item_class, number);
+  return place->second;
 }
 
 std::string OwnLinesOf(const std::string& number) { return number + std::string(kOwnLines); }

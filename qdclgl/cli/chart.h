@@ -1,10 +1,14 @@
 // The chart of accounts as a file, and the records that an import finds or makes by their names.
 #pragma once
 
+#include <map>
+#include <set>
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 
+#include "qdclgl/cli/item_classes.h"
 #include "qdclgl/cli/progress.h"
 #include "qdclgl/frame/values/values.h"
 
@@ -37,12 +41,20 @@ class Names {
   Long Currency(const std::string& number, Double rate);
   Long Group(const std::string& name);
 
+  // The item classes that an account asks for.
+  const std::set<Long>& ClassesOf(Long account);
+  // 0 when there is none.
+  Long Item(const NamedItemClass& item_class, const std::string& number);
+
  private:
   NewCurrencies new_currencies_;
   std::unordered_map<std::string, Long> accounts_;
   std::unordered_set<std::string> above_;  // numbers of accounts with others below them
   std::unordered_map<std::string, Long> currencies_;
   std::unordered_map<std::string, Long> groups_;
+  // As far as anybody has asked.
+  std::unordered_map<Long, std::set<Long>> classes_;
+  std::map<std::pair<Long, std::string>, Long> items_;
 };
 
 // "1000._" for "1000": the account that has the own lines of an account with others below it; and

@@ -7,15 +7,15 @@
 #include "qdclgl/cli/journal.h"
 #include "qdclgl/cli/program.h"
 #include "qdclgl/cli/steps.h"
+#include "qdclgl/cli/voucher_draft.h"
 
 namespace qdclgl::cli {
 
 namespace {
 
-constexpr const char* kUsualGroup = "General";
-// Departments are details of a line under this item class.
-constexpr const char* kDepartmentClass = "DEP";
-constexpr const char* kDepartmentName = "Department";
+// The heading of this class of items, whatever it is called in the books.
+constexpr Long kDepartments = 1;
+constexpr const char* kDepartmentHeading = "department";
 
 struct ImportOptions {
   Login login;
@@ -34,6 +34,21 @@ struct JournalResult {
   bool is_whole = true;  // nothing was reported
 };
 
+// The classes by which a journal can have columns, and these columns.
+struct ItemSheet {
+  std::vector<NamedItemClass> classes;
+  std::vector<SheetColumn> columns;
+
+  ItemSheet() : classes(ItemClassesOfBooks()) {
+    for (NamedItemClass& item_class : classes) {
+      if (item_class.id == kDepartments) item_class.others.emplace_back(kDepartmentHeading);
+      columns.push_back({item_class.number, false, item_class.others});
+    }
+  }
+  ItemSheet(const ItemSheet&) = delete;
+  ItemSheet& operator=(const ItemSheet&) = delete;
+};
+
 class JournalImport {
  public:
   JournalImport(const ImportOptions& options, std::string props, Names& names,
@@ -43,7 +58,7 @@ class JournalImport {
         names_(names),
         progress_(console),
         reports_(options.journal, console, progress_),
-        reader_(options.journal, reports_) {}
+        reader_(options.journal, items_.columns, reports_) {}
 
   // The vouchers of the journal, as many in a transaction as a batch has: books that a killed
   // import leaves hold each voucher wholly or not at all.
@@ -56,6 +71,7 @@ class JournalImport {
       if (vouchers.size() == Batch::kSize) StoreAll(vouchers);
     }
     StoreAll(vouchers);
+    ReportKnown();
     result_.is_whole = reports_.IsEmpty();
     return result_;
   }
@@ -104,7 +120,17 @@ class JournalImport {
       return;
     }
     ++result_.left_out;
-    reports_.Add(voucher.at, "voucher " + Quoted(voucher.key) + " is in the books already");
+    if (known_++ == 0) first_known_ = voucher;
+  }
+
+  // A journal that comes a second time is one report and not one for each of its vouchers.
+  void ReportKnown() {
+    if (known_ == 0) return;
+    std::string who = "voucher " + Quoted(first_known_.key);
+    if (known_ > 1) who += " and " + std::to_string(known_ - 1) + " behind it";
+    reports_.Add(first_known_.at, who + (known_ == 1 ? " is" : " are") +
+                                      " in the books already; --resume passes over " +
+                                      (known_ == 1 ? "it" : "them"));
   }
 
   // False when the voucher can't be stored; then why is reported.
@@ -151,16 +177,49 @@ class JournalImport {
     entry.MeasureUnit(line.unit);
     entry.UnitPrice(line.unit_price);
     entry.TransNo(line.reference);
-    if (!line.department.empty()) {
-      const Ref<VoucherDetailSet> details = entry.Details();
+    const bool has_items = account != 0 && FillItems(entry, account, line);
+    return FillCurrency(entry, line) && has_items;
+  }
+
+  bool FillItems(VoucherEntry& entry, Long account, const JournalLine& line) {
+    bool is_complete = true;
+    for (std::size_t i = 0; i < line.items.size(); ++i) {
+      const CsvCell& cell = line.items[i];
+      if (cell.text.empty()) continue;
+      try {
+        AddItem(entry, account, items_.classes[i], cell.text);
+      } catch (const BadCell& bad) {
+        reports_.Add(cell.at, bad.what());
+        is_complete = false;
+      }
+    }
+    return is_complete;
+  }
+
+  // An account that asks for items gets those that there are; any other one keeps what the file
+  // says. BadCell.
+  void AddItem(VoucherEntry& entry, Long account, const NamedItemClass& item_class,
+               const std::string& number) {
+    const std::set<Long>& asked = names_.ClassesOf(account);
+    const Ref<VoucherDetailSet> details = entry.Details();
+    if (asked.empty()) {
       details->Add();
       const Ref<VoucherDetail> detail = details->Item(details->Count());
-      detail->ItemClassNumber(kDepartmentClass);
-      detail->ItemClassName(kDepartmentName);
-      detail->ItemNumber(line.department);
-      detail->ItemName(line.department);
+      detail->ItemClassNumber(item_class.number);
+      detail->ItemClassName(item_class.name);
+      detail->ItemNumber(number);
+      detail->ItemName(number);
+      return;
     }
-    return FillCurrency(entry, line) && account != 0;
+    if (!asked.contains(item_class.id)) {
+      throw BadCell("the account asks for no item of item class " + item_class.number);
+    }
+    const Long item = names_.Item(item_class, number);
+    if (item == 0) throw BadCell(NoSuchItem(item_class, number));
+    details->Add();
+    const Ref<VoucherDetail> detail = details->Item(details->Count());
+    detail->ItemClassID(item_class.id);
+    detail->ItemID(item);
   }
 
   bool FillCurrency(VoucherEntry& entry, const JournalLine& line) {
@@ -200,8 +259,11 @@ class JournalImport {
   Names& names_;
   Progress progress_;
   Reports reports_;
+  const ItemSheet items_;
   JournalReader reader_;
   JournalResult result_;
+  long known_ = 0;  // vouchers that are in the books already
+  JournalVoucher first_known_;
 };
 
 int Import(const ImportOptions& options, const Console& console) {

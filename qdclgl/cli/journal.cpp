@@ -24,7 +24,7 @@ enum Column : std::size_t {
   kUnit,
   kUnitPrice,
   kReference,
-  kDepartment,
+  kFirstItem,
 };
 
 constexpr std::array kColumns = {
@@ -33,16 +33,24 @@ constexpr std::array kColumns = {
     SheetColumn{"number"},        SheetColumn{"explanation"},  SheetColumn{"currency"},
     SheetColumn{"amount_for"},    SheetColumn{"rate"},         SheetColumn{"quantity"},
     SheetColumn{"unit"},          SheetColumn{"unit_price"},   SheetColumn{"reference"},
-    SheetColumn{"department"},
 };
 
 // What the rows of a voucher agree in.
 constexpr Column kShared[] = {kDate, kGroup, kNumber};
 
+std::vector<SheetColumn> ColumnsWith(std::span<const SheetColumn> item_columns) {
+  std::vector<SheetColumn> columns(kColumns.begin(), kColumns.end());
+  columns.insert(columns.end(), item_columns.begin(), item_columns.end());
+  return columns;
+}
+
 }  // namespace
 
-JournalReader::JournalReader(const std::string& path, Reports& reports)
-    : reports_(reports), sheet_(path, kColumns, reports) {}
+JournalReader::JournalReader(const std::string& path, std::span<const SheetColumn> item_columns,
+                             Reports& reports)
+    : reports_(reports),
+      class_count_(item_columns.size()),
+      sheet_(path, ColumnsWith(item_columns), reports) {}
 
 bool JournalReader::Next(JournalVoucher& voucher) {
   voucher = {};
@@ -142,7 +150,7 @@ void JournalReader::AddLine(JournalVoucher& voucher) {
   line.unit_price = Value(voucher, kUnitPrice, ReadPrice, Double{0});
   line.explanation = TextOf(kExplanation);
   line.reference = TextOf(kReference);
-  line.department = TextOf(kDepartment);
+  for (std::size_t i = 0; i < class_count_; ++i) line.items.push_back(CellOf(kFirstItem + i));
   voucher.lines.push_back(std::move(line));
 }
 

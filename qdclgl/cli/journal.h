@@ -23,7 +23,7 @@ struct JournalLine {
   Double unit_price = 0;
   std::string explanation;
   std::string reference;
-  std::string department;
+  std::vector<CsvCell> items;  // of the classes that the file is read with
 };
 
 struct JournalVoucher {
@@ -38,8 +38,9 @@ struct JournalVoucher {
 
 class JournalReader {
  public:
-  // FileError as Sheet raises it.
-  JournalReader(const std::string& path, Reports& reports);
+  // `item_columns` are those of items, one for each class. FileError as Sheet raises it.
+  JournalReader(const std::string& path, std::span<const SheetColumn> item_columns,
+                Reports& reports);
 
   bool IsUsable() const { return sheet_.IsUsable(); }
   double Share() const { return sheet_.Share(); }
@@ -63,6 +64,7 @@ class JournalReader {
   const std::string& TextOf(std::size_t column) const { return CellOf(column).text; }
 
   Reports& reports_;
+  std::size_t class_count_;
   Sheet sheet_;
   CsvRow row_;
   bool has_row_ = false;

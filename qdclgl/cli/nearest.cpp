@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <numeric>
-#include <utility>
 #include <vector>
 
 #include "qdclgl/cli/cell_values.h"
@@ -12,16 +11,21 @@ namespace qdclgl::cli {
 
 namespace {
 
-// How many letters are put in, left out or changed on the way from one word to the other.
+// How many letters are put in, left out, changed or swapped on the way from one word to the other.
 std::size_t Distance(std::string_view from, std::string_view to) {
-  std::vector<std::size_t> row(to.size() + 1);  // from the part of `from` read so far to each part
+  // From the part of `from` read so far, and from those that are one and two letters shorter, to
+  // each part of `to`.
+  std::vector<std::size_t> row(to.size() + 1), above(row.size()), second_above(row.size());
   std::iota(row.begin(), row.end(), std::size_t{0});
   for (std::size_t i = 0; i < from.size(); ++i) {
-    std::size_t diagonal = std::exchange(row[0], i + 1);
+    second_above.swap(above);
+    above.swap(row);
+    row[0] = i + 1;
     for (std::size_t j = 0; j < to.size(); ++j) {
-      const std::size_t changed = diagonal + (from[i] == to[j] ? 0 : 1);
-      diagonal = row[j + 1];
-      row[j + 1] = std::min({changed, diagonal + 1, row[j] + 1});
+      const std::size_t changed = above[j] + (from[i] == to[j] ? 0 : 1);
+      row[j + 1] = std::min({changed, above[j + 1] + 1, row[j] + 1});
+      const bool is_swap = i > 0 && j > 0 && from[i] == to[j - 1] && from[i - 1] == to[j];
+      if (is_swap) row[j + 1] = std::min(row[j + 1], second_above[j - 1] + 1);
     }
   }
   return row.back();
@@ -44,14 +48,16 @@ std::string_view Nearest(std::string_view word, std::span<const std::string_view
   return nearest;
 }
 
+std::string DidYouMean(std::string_view word, std::span<const std::string_view> words) {
+  const std::string_view nearest = Nearest(word, words);
+  return nearest.empty() ? "" : "; did you mean " + std::string(nearest) + "?";
+}
+
 std::string NoSuch(std::string_view what, std::string_view word,
                    std::span<const std::string_view> words) {
+  const std::string meant = DidYouMean(word, words);
   std::string text = "there is no " + std::string(what) + " " + Quoted(word);
-  if (const std::string_view nearest = Nearest(word, words); !nearest.empty()) {
-    text.append("; did you mean ").append(nearest).append("?");
-  } else {
-    text += ";";
-  }
+  text += meant.empty() ? ";" : meant;
   text += text.ends_with('?') ? " There are" : " there are";
   for (const std::string_view one : words) {
     text.append(one == words.front() ? " " : ", ").append(one);

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "qdclgl/cli/cell_values.h"
+#include "qdclgl/cli/usage.h"
 #include "qdclgl/frame/session/server_gateway.h"
 #include "qdclgl/frame/session/startup.h"
 #include "qdclgl/server/server.h"
@@ -17,10 +18,11 @@ namespace {
 constexpr const char* kBookVariable = "QDCLGL_BOOK";
 constexpr const char* kUserVariable = "QDCLGL_USER";
 constexpr const char* kPasswordVariable = "QDCLGL_PASSWORD";
+constexpr const char* kUsualUser = "administrator";
 
 constexpr const char* kFooter =
     R"(BOOK is a SQLite file or a connection text; without it QDCLGL_BOOK is taken. The
-password comes from QDCLGL_PASSWORD. `qdclgl COMMAND --help` tells a command's options.
+password comes from QDCLGL_PASSWORD. `qdclgl help COMMAND` tells a command's options.
 
 Exit codes: 0 done; 1 refused or failed; 2 wrong usage; 3 a part of the input was left out;
 4 the books are damaged; 5 the books can't be opened; 6 a file can't be read or written.)";
@@ -76,10 +78,12 @@ Program::Program(const Console& console)
   AddListCommands(*this);
   AddRecordCommands(*this);
   AddVoucherCommands(*this);
+  AddEntryCommands(*this);
   AddBalanceCommand(*this);
   AddLedgerCommand(*this);
   AddUserCommand(*this);
   AddApiCommand(*this);
+  AddHelpCommand(*this);
   for (CLI::App* command : app_.get_subcommands({})) TakeUnmarkedWords(*command);
 }
 
@@ -99,7 +103,7 @@ CLI::App* Program::AddForBooks(const std::string& name, const std::string& help,
   });
   command->add_option("BOOK", login.book, "The books: a SQLite file or a connection text")
       ->envname(kBookVariable);
-  login.user = "administrator";
+  login.user = kUsualUser;
   command->add_option("--user", login.user, "Who works on the books")->envname(kUserVariable);
   return command;
 }
@@ -129,6 +133,11 @@ CLI::App* Program::AddForVouchers(const std::string& name, const std::string& he
 }
 
 std::string BookFromEnvironment() { return FromEnvironment(kBookVariable); }
+
+std::string UserFromEnvironment() {
+  const std::string user = FromEnvironment(kUserVariable);
+  return user.empty() ? kUsualUser : user;
+}
 
 std::string FilterText(std::string_view text) {
   std::string quoted = "'";
@@ -179,7 +188,15 @@ int Run(const std::vector<std::string>& arguments, const Console& console) {
     return code;
   };
   Program program(console);
+  const auto misused = [&](std::string reason) {
+    reason += reason.ends_with('?') ? " See" : "; see";
+    const auto commands = program.app().get_subcommands();
+    const std::string name = commands.empty() ? "help" : commands.front()->get_name();
+    return fail(reason + " qdclgl help" + (name == "help" ? "" : " " + name), kWrongUsage);
+  };
   try {
+    if (arguments.empty()) return PrintStartPage(console);
+    CheckCommandWord(program.app(), arguments);
     std::vector<std::string> words;  // the last one first
     std::transform(arguments.rbegin(), arguments.rend(), std::back_inserter(words), Marked);
     program.app().parse(std::move(words));
@@ -190,9 +207,9 @@ int Run(const std::vector<std::string>& arguments, const Console& console) {
   } catch (const CLI::Success& wanted) {  // --help and --version
     return program.app().exit(wanted, console.out, console.err);
   } catch (const CLI::ParseError& error) {
-    return fail(OneLine(error.what()) + "; see qdclgl --help", kWrongUsage);
+    return misused(UsageSentence(program.app(), error));
   } catch (const UsageError& error) {
-    return fail(std::string(error.what()) + "; see qdclgl --help", kWrongUsage);
+    return misused(error.what());
   } catch (const Error& error) {
     return fail(ErrorText(error), ExitCodeOf(error));
   } catch (const FileError& error) {

@@ -69,8 +69,12 @@ class Program {
   std::function<int()> chosen_;
 };
 
-// The books that QDCLGL_BOOK names, "" for none.
+// The books that QDCLGL_BOOK names, "" for none; who works on them where no option tells.
 std::string BookFromEnvironment();
+std::string UserFromEnvironment();
+
+// What a run without a command prints: what one would do next with these books.
+int PrintStartPage(const Console& console);
 
 // A text as a filter holds it: in quotes, a quote inside doubled.
 std::string FilterText(std::string_view text);
@@ -93,9 +97,11 @@ void AddImportCommand(Program& program);    // import
 void AddListCommands(Program& program);     // list, and one for each list of the books
 void AddRecordCommands(Program& program);   // kinds, show, add, set, remove
 void AddVoucherCommands(Program& program);  // voucher, and the steps from check to unpost
+void AddEntryCommands(Program& program);    // new, copy, reverse
 void AddBalanceCommand(Program& program);   // balance
 void AddLedgerCommand(Program& program);    // ledger
 void AddUserCommand(Program& program);      // user
 void AddApiCommand(Program& program);       // api
+void AddHelpCommand(Program& program);      // help
 
 }  // namespace qdclgl::cli

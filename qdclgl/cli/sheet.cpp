@@ -4,16 +4,31 @@
 #include <filesystem>
 
 #include "qdclgl/cli/cell_values.h"
+#include "qdclgl/cli/nearest.h"
 #include "qdclgl/frame/vocabulary/text.h"
 
 namespace qdclgl::cli {
 
 namespace {
 
+bool IsCalled(const SheetColumn& column, std::string_view heading) {
+  const auto equals = [&](std::string_view name) { return EqualsIgnoringAsciiCase(name, heading); };
+  return equals(column.heading) || std::ranges::any_of(column.others, equals);
+}
+
 std::ifstream Opened(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   if (!file) throw FileError(path + " can't be read");
   return file;
+}
+
+// What stands between the headings where it is no comma; "" when there is one heading, or commas.
+std::string_view OtherSeparator(const CsvRow& row) {
+  if (row.cells.size() != 1) return {};
+  const std::string& text = row.cells.front().text;
+  if (text.find(';') != text.npos) return "semicolons";
+  if (text.find('\t') != text.npos) return "tabs";
+  return {};
 }
 
 }  // namespace
@@ -36,13 +51,19 @@ void Sheet::ReadHeadings(std::span<const SheetColumn> columns, Reports& reports)
   if (file_.bad()) throw FileError(path_ + " can't be read");
   if (row.problem) return fail(row.problem->at, row.problem->reason);
   width_ = row.cells.size();
+  if (const std::string_view separator = OtherSeparator(row); !separator.empty()) {
+    return fail({}, "the columns are separated by " + std::string(separator) +
+                        ", where commas are expected");
+  }
+  std::vector<std::string_view> headings;
+  for (const SheetColumn& column : columns) headings.push_back(column.heading);
   for (std::size_t i = 0; i < width_; ++i) {
     const CsvCell& cell = row.cells[i];
     const auto known = std::find_if(columns.begin(), columns.end(), [&](const SheetColumn& column) {
-      return EqualsIgnoringAsciiCase(column.heading, cell.text);
+      return IsCalled(column, cell.text);
     });
     if (known == columns.end()) {
-      fail(cell.at, "there is no column " + Quoted(cell.text));
+      fail(cell.at, NoSuch("column", cell.text, headings));
       continue;
     }
     auto& place = places_[static_cast<std::size_t>(known - columns.begin())];

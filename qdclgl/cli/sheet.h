@@ -15,6 +15,7 @@ namespace qdclgl::cli {
 struct SheetColumn {
   std::string_view heading;
   bool is_needed = false;
+  std::span<const std::string> others = {};  // headings that mean the same
 };
 
 class Sheet {

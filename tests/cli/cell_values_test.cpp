@@ -27,10 +27,10 @@ TEST(CellValues, AnAmountIsReadToItsLastDigit) {
 TEST(CellValues, WhatIsNoAmountIsToldWithItsReason) {
   EXPECT_EQ(ReasonOf(ReadAmount, "1.23456"), "\"1.23456\" has more than 4 decimals");
   EXPECT_EQ(ReasonOf(ReadAmount, "922337203685477.5808"), "\"922337203685477.5808\" is too large");
-  for (const char* text :
-       {"1,5", "1.", ".5", "", "-", "+1", "1e3", "0x1", "1 000", "--1", "1.-5"}) {
+  for (const char* text : {"1.", ".5", "", "-", "+1", "1e3", "0x1", "1 000", "--1", "1.-5"}) {
     EXPECT_EQ(ReasonOf(ReadAmount, text), "\"" + std::string(text) + "\" is not an amount");
   }
+  EXPECT_EQ(ReasonOf(ReadAmount, "1,5"), "\"1,5\" is not an amount; decimals stand behind a point");
 }
 
 TEST(CellValues, AmountsHaveFourDecimalsAsText) {

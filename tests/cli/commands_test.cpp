@@ -321,7 +321,8 @@ TEST_P(Commands, TheBooksCanComeFromTheEnvironment) {
   unsetenv("QDCLGL_BOOK");
   const RunResult none = RunInProcess({"check", "1"});
   EXPECT_EQ(none.code, 2);
-  EXPECT_EQ(none.err, "qdclgl: no BOOK is given, and QDCLGL_BOOK is not set; see qdclgl --help\n");
+  EXPECT_EQ(none.err,
+            "qdclgl: no BOOK is given, and QDCLGL_BOOK is not set; see qdclgl help check\n");
 }
 
 QDCLGL_CLI_TEST(Commands);

@@ -209,7 +209,8 @@ TEST_P(Import, AVoucherThatIsThereIsRefusedOrPassedOver) {
   ASSERT_EQ(ImportRows(Good("it's")).code, 0);
   const RunResult again = ImportRows(Good("it's") + Good("new"));
   EXPECT_EQ(again.code, 3);
-  EXPECT_EQ(again.err, "journal.csv:2:1: voucher \"it's\" is in the books already\n");
+  EXPECT_EQ(again.err, "journal.csv:2:1: voucher \"it's\" is in the books already; --resume passes "
+                       "over it\n");
   const RunResult resumed = ImportRows(Good("it's") + Good("new"), {"--resume"});
   EXPECT_EQ(resumed.code, 0);
   EXPECT_EQ(resumed.out, "vouchers: 0 stored, 2 passed over, 0 left out\n");
@@ -335,9 +336,13 @@ TEST_P(Import, HeadingsThatCanNotBeUsedLeaveTheFileOut) {
       folder.Write("odd.csv", "voucher,day,account,debit,debit\n1,2,3,4,5\n");
   const RunResult result = Run({"import", "--journal", journal});
   EXPECT_EQ(result.code, 3);
-  EXPECT_EQ(result.err, journal + ":1:9: there is no column \"day\"\n" + journal +
-                            ":1:27: the column \"debit\" stands here a second time\n" + journal +
-                            ":1:1: the column \"date\" is missing\n" + journal +
+  EXPECT_EQ(result.err, journal +
+                            ":1:9: there is no column \"day\"; there are voucher, "
+                            "date, account, debit, credit, group, number, explanation, "
+                            "currency, amount_for, rate, quantity, unit, unit_price, "
+                            "reference, department\n" +
+                            journal + ":1:27: the column \"debit\" stands here a second time\n" +
+                            journal + ":1:1: the column \"date\" is missing\n" + journal +
                             ":1:1: the column \"credit\" is missing\n");
   EXPECT_EQ(References(), "");
 }

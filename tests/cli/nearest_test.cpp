@@ -9,13 +9,15 @@ namespace {
 
 constexpr std::array<std::string_view, 4> kWords = {"accounts", "units", "users", "FName"};
 
-TEST(Nearest, AWordIsMeantWithLettersMissingSuperfluousOrOther) {
+TEST(Nearest, AWordIsMeantWithLettersMissingSuperfluousOtherOrSwapped) {
   for (const char* word : {"account", "acounts", "accountss", "ACCOUNTX"}) {
     EXPECT_EQ(Nearest(word, kWords), "accounts") << word;
   }
   EXPECT_EQ(Nearest("user", kWords), "users");
   EXPECT_EQ(Nearest("untis", kWords), "units");
   EXPECT_EQ(Nearest("name", kWords), "FName");
+  constexpr std::array<std::string_view, 2> kTwo = {"user", "year"};
+  EXPECT_EQ(Nearest("yaer", kTwo), "year") << "two letters that are swapped are one slip";
 }
 
 TEST(Nearest, AWordTooFarFromAllIsNone) {

@@ -54,9 +54,54 @@ TEST(Program, EachListOfTheServerIsACommand) {
   }
 }
 
+TEST(Program, WithoutACommandItTellsWhatOneWouldDoNext) {
+  const Folder folder;
+  const std::string book = folder.Path("books.db");
+  unsetenv("QDCLGL_BOOK");
+  const RunResult first = RunInProcess({});
+  EXPECT_EQ(first.code, 0);
+  EXPECT_NE(first.out.find("qdclgl init books.db"), std::string::npos) << first.out;
+  setenv("QDCLGL_BOOK", book.c_str(), 1);
+  EXPECT_EQ(RunInProcess({}).code, 5) << "the books that it should tell of are not there";
+  const auto advised = [] {
+    const RunResult page = RunInProcess({});
+    EXPECT_EQ(page.code, 0) << page.err;
+    std::string commands;
+    std::istringstream lines(page.out);
+    for (std::string line; std::getline(lines, line);) {
+      if (!line.starts_with("  qdclgl ")) continue;
+      line.erase(0, 9);
+      commands += line.substr(0, line.find("  ")) + "\n";
+    }
+    return commands;
+  };
+  const std::string always = "import --journal journal.csv\nbalance\ndoctor\n";
+  ASSERT_EQ(RunInProcess({"init", "--no-password", "--year", "2024"}).code, 0);
+  EXPECT_EQ(advised(), "import --accounts accounts.csv\nadd accounts 1000 FName=Cash FDC=1\n");
+  const std::string chart = folder.Write("a.csv", "number,name,dc\n1,Cash,1\n2,Capital,-1\n");
+  ASSERT_EQ(RunInProcess({"import", "--accounts", chart}).code, 0);
+  EXPECT_EQ(advised(), "close\n" + always) << "January 2024 is over";
+  const std::string journal =
+      folder.Write("j.csv", "voucher,date,account,debit,credit\nx,2024-01-05,1,10,\n"
+                            "x,2024-01-05,2,,10\ny,2024-01-05,1,10,\ny,2024-01-05,2,,10\n");
+  ASSERT_EQ(RunInProcess({"import", "--journal", journal}).code, 0);
+  EXPECT_EQ(advised(), "vouchers --filter \"FChecked = FALSE\"\ncheck --all\n" + always);
+  ASSERT_EQ(RunInProcess({"check", "1"}).code, 0);
+  EXPECT_EQ(advised(),
+            "vouchers --filter \"FChecked = FALSE\"\ncheck --all\npost --all\n" + always);
+  ASSERT_EQ(RunInProcess({"check", "--all"}).code, 0);
+  ASSERT_EQ(RunInProcess({"post", "--all"}).code, 0);
+  EXPECT_EQ(advised(), "close\n" + always);
+  unsetenv("QDCLGL_BOOK");
+}
+
+TEST(Program, HelpOfACommandIsThatOfItsOption) {
+  EXPECT_EQ(RunInProcess({"help", "balance"}).out, RunInProcess({"balance", "--help"}).out);
+  EXPECT_EQ(RunInProcess({"help"}).out, RunInProcess({"--help"}).out);
+}
+
 TEST(Program, WrongUsageIsOneLineAndTwo) {
-  const std::vector<std::vector<std::string>> lines = {{},
-                                                       {"nothing"},
+  const std::vector<std::vector<std::string>> lines = {{"nothing"},
                                                        {"balance", "x.db", "--year", "x"},
                                                        {"balance", "x.db", "--csv", "--json"},
                                                        {"post", "x.db"},

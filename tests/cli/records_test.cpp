@@ -40,6 +40,7 @@ const std::vector<Sample>& Samples() {
       {"currencies", "USD", {"FName=Dollar", "FExchangeRate=0.9"}, "USN", "FFixRate=1"},
       {"groups", "Receipts", {}, "Payments", "FDRange=1001"},
       {"item-classes", "PROJ", {"FName=Projects"}, "JOBS", "FName=Jobs"},
+      {"items", "SALES", {"FItemClassID=1", "FName=Sales"}, "SHOPS", "FHelpCode=s"},
       {"ledgers", "Costs", {"FAccountID=1"}, "Yields", "FAccountID=2"},
       {"notes", "Receipt", {"FType=Receipts"}, "Bill", "FType=Bills"},
       {"payment-terms", "N30", {"FName=Thirty days"}, "N60", "FStandDays=30"},

@@ -222,6 +222,28 @@ void DemoteBob(Hands& hands) {
       ->Call("Update", hands.props, hands.row->Value("FUserID"), hands.row);
 }
 
+constexpr Long kCustomers = 3;
+
+Ref<Vector> ListOf(const Ref<Dictionary>& row) {
+  auto list = Make<Vector>();
+  list->Append(Variant(row));
+  return list;
+}
+
+Ref<Vector> CustomersAsked() {
+  return ListOf(::qdclgl::testing::Row({{"FItemClassID", kCustomers}}));
+}
+
+// Account 1130 asks for customers, of which item 1 is one.
+void AskForCustomers(Stage& stage) {
+  stage.Call(
+      "QDSVGLAccount.AccountUpdate", "Create", stage.props,
+      ::qdclgl::testing::Row(
+          {{"FNumber", "1130"}, {"FName", "Receivables"}, {"_Items", Variant(CustomersAsked())}}));
+  stage.Call("QDSVGLItem.ItemUpdate", "Create", stage.props, kCustomers,
+             ::qdclgl::testing::Row({{"FNumber", "C001"}, {"FName", "Anna"}}));
+}
+
 std::vector<Scene> Scenes() {
   const auto posted = [](Stage& stage) { stage.Step("Post", kVoucher); };
   const Work closes = {"close", "Bob", {{"closes", CallPeriod("Close")}}};
@@ -294,6 +316,48 @@ std::vector<Scene> Scenes() {
          stage.Call("QDSVGLSettType.SettTypeUpdate", "Create", stage.props,
                     ::qdclgl::testing::Row({{"FNumber", "CHQ"}}));
        },
+       VouchersText},
+      {"one removes an item, one saves a line that names it",
+       {"item",
+        "administrator",
+        {{"removes",
+          [](Hands& hands) {
+            CreateObject("QDSVGLItem.ItemUpdate")->Call("Delete", hands.props, Long{1});
+          }}}},
+       {"save",
+        "Bob",
+        {{"saves",
+          [](Hands& hands) {
+            const Ref<Dictionary> line = Stage::Line("1130", 5, 0);
+            line->Put(RowKey("_Details"),
+                      Variant(ListOf(::qdclgl::testing::Row(
+                          {{"FItemClassID", kCustomers}, {"FItemID", Long{1}}}))));
+            CallUpdate("Create", hands.props,
+                       Stage::Voucher("2024-01-15", {line, Stage::Line("3000", 0, 5)}));
+          }}}},
+       AskForCustomers,
+       VouchersText},
+      {"one has an account ask for items, one saves a line on it without",
+       {"account",
+        "administrator",
+        {{"asks",
+          [](Hands& hands) {
+            const auto row = CreateObject("QDSVGLAccount.AccountInfo")
+                                 ->Call("GetDetailByNumber", hands.props, "2000")
+                                 .As<Dictionary>();
+            row->Put(RowKey("_Items"), Variant(CustomersAsked()));
+            CreateObject("QDSVGLAccount.AccountUpdate")
+                ->Call("Update", hands.props, row->Value("FAccountID"), row);
+          }}}},
+       {"save",
+        "Bob",
+        {{"saves",
+          [](Hands& hands) {
+            CallUpdate("Create", hands.props,
+                       Stage::Voucher("2024-01-15",
+                                      {Stage::Line("2000", 5, 0), Stage::Line("3000", 0, 5)}));
+          }}}},
+       nullptr,
        VouchersText},
       {"one removes an account, one saves a settlement account on it",
        {"account",

@@ -127,15 +127,13 @@ std::vector<AuditRow> AuditRowsOf(Database& db, std::string_view subject, Long f
   static const std::string kSql = "SELECT " + NamesOf(kColumns) +
                                   " FROM t_Audit WHERE FSubject = ? AND FRecordID BETWEEN ? AND ?"
                                   " ORDER BY FRecordID, FNumber";
-  static constexpr Storage kParameters[] = {Storage::kText, Storage::kWhole, Storage::kWhole};
-  static const std::vector<Storage> kResults = StoragesOf(kColumns);
-  Statement& statement = db.Prepared(kSql, kParameters, kResults);
+  Statement& statement = db.Prepared(kSql);
   statement.Set(0, subject);
   statement.Set(1, std::int64_t{first});
   statement.Set(2, std::int64_t{last});
   std::vector<AuditRow> rows;
   for (statement.Open(); statement.Fetch();) {
-    const auto text = [&](std::size_t position) { return statement.Text(position); };
+    const auto text = [&](std::size_t position) { return std::string(statement.Text(position)); };
     const auto whole = [&](std::size_t position) {
       return static_cast<Long>(statement.Whole(position));
     };

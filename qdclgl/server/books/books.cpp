@@ -16,6 +16,7 @@
 #include "qdclgl/server/db/schema.h"
 #include "qdclgl/server/periods/calendar.h"
 #include "qdclgl/server/periods/settings.h"
+#include "qdclgl/server/vouchers/posting.h"
 
 namespace qdclgl::server {
 
@@ -83,7 +84,9 @@ Long BooksUpdate::Upgrade(std::string_view connection) {
   const int version = SchemaVersion(db);
   if (version == 0 || version > CurrentSchemaVersion()) RequireCurrentSchema(db);
   const std::vector<const TrailedKind*> coming = KindsToCome(db);
+  const bool had_item_balances = Tables(db).contains("t_itembalance");
   Migrate(db, CurrentSchemaVersion());
+  if (!had_item_balances) MakeItemBalances(db);
   const Caller caller = CallerFromHere(db, 0, "");  // nobody is logged in
   if (version < CurrentSchemaVersion() && !HasTrailBegun(db)) {
     BeginTrail(caller, "Upgrade");

@@ -2,11 +2,15 @@
 
 #include <array>
 #include <map>
+#include <set>
+#include <tuple>
+#include <vector>
 
 #include "qdclgl/server/books/wide_sum.h"
 #include "qdclgl/server/periods/calendar.h"
 #include "qdclgl/server/records/currency.h"
 #include "qdclgl/server/vouchers/exchange.h"
+#include "qdclgl/server/vouchers/line_items.h"
 #include "qdclgl/server/vouchers/line_size.h"
 
 namespace qdclgl::server {
@@ -16,6 +20,7 @@ namespace {
 // Debit, credit, both in the currency, both quantities, as t_Balance has them.
 using Balance = std::array<WideSum, 6>;
 using BalanceKey = std::array<Long, 4>;  // account, currency, year, period
+using ItemBalances = std::map<std::pair<BalanceKey, LineItems>, Balance>;
 
 struct Voucher {
   std::string name;
@@ -41,11 +46,14 @@ class LinesCheck {
   void Run() {
     ReadVouchers();
     ReadExchanges();
+    ReadItems();
     ReadLines();
     CheckVouchers();
     CheckPosted();
     TakeAwayStoredBalances();
     CheckBalances();
+    TakeAwayStoredItemBalances();
+    CheckItemBalances();
   }
 
  private:
@@ -73,6 +81,28 @@ class LinesCheck {
          db_.Query<Long, std::string>("SELECT FCurrencyID, FOperator FROM t_Currency")) {
       exchanges_[id] = {.divides = sign == "/", .scale = scale};
     }
+  }
+
+  void ReadItems() {
+    for (const auto& [account] : db_.Query<Long>("SELECT FAccountID FROM t_AccountItem")) {
+      asking_.insert(account);
+    }
+    items_ = db_.Query<Long, Long, Long, Long>(LineItemsQuery("1 = 1"));
+  }
+
+  // The items of a line; lines come in their order.
+  LineItems ItemsOf(const Line& line) {
+    const auto place = [&] {
+      const auto& [voucher, number, item_class, item] = items_[next_item_];
+      return std::pair(voucher, number);
+    };
+    const std::pair own(line.voucher, line.number);
+    while (next_item_ < items_.size() && place() < own) ++next_item_;
+    LineItems items;
+    for (; next_item_ < items_.size() && place() == own; ++next_item_) {
+      items[std::get<2>(items_[next_item_])] = std::get<3>(items_[next_item_]);
+    }
+    return items;
   }
 
   void ReadLines() {
@@ -104,7 +134,12 @@ class LinesCheck {
       Report("LineRate", voucher, line, "Its amount is not its foreign amount at its rate.");
     }
     if (!voucher.posted) return;
-    Balance& balance = balances_[{line.account, line.currency, voucher.year, voucher.period}];
+    const BalanceKey key = {line.account, line.currency, voucher.year, voucher.period};
+    AddTo(balances_[key], line);
+    if (asking_.contains(line.account)) AddTo(item_balances_[{key, ItemsOf(line)}], line);
+  }
+
+  static void AddTo(Balance& balance, const Line& line) {
     const std::size_t credit = line.side == 1 ? 0 : 1;
     balance[credit].Add(line.amount);
     balance[2 + credit].Add(line.currency == kBaseCurrency ? line.amount : line.amount_for);
@@ -146,6 +181,12 @@ class LinesCheck {
     }
   }
 
+  template <class... Numbers>
+  static void Subtract(Balance& balance, const Numbers&... stored) {
+    std::size_t i = 0;
+    (balance[i++].Subtract(stored), ...);
+  }
+
   void TakeAwayStoredBalances() {
     for (const auto& [account, currency, year, period, debit, credit, debit_for, credit_for,
                       debit_quantity, credit_quantity] :
@@ -153,10 +194,8 @@ class LinesCheck {
                    std::int64_t, std::int64_t>(
              "SELECT FAccountID, FCurrencyID, FYear, FPeriod, FDebit, FCredit, FDebitFor,"
              " FCreditFor, FDebitQty, FCreditQty FROM t_Balance")) {
-      Balance& rest = balances_[{account, currency, year, period}];
-      const std::array stored = {debit,      credit,         debit_for,
-                                 credit_for, debit_quantity, credit_quantity};
-      for (std::size_t i = 0; i < rest.size(); ++i) rest[i].Subtract(stored[i]);
+      Subtract(balances_[{account, currency, year, period}], debit, credit, debit_for, credit_for,
+               debit_quantity, credit_quantity);
     }
   }
 
@@ -164,13 +203,67 @@ class LinesCheck {
   void CheckBalances() {
     for (const auto& [key, rest] : balances_) {
       if (rest == Balance()) continue;
-      const auto number =
-          db_.QueryValue<std::string>("SELECT FNumber FROM t_Account WHERE FAccountID = ?", key[0]);
-      findings_.Add("Balance", "Account", key[0], number.value_or("?"),
-                    "Its balance in currency " + std::to_string(key[1]) + ", period " +
-                        AccountingPeriod{key[2], key[3]}.ToText() +
-                        " is not the sum of its posted lines.");
+      ReportBalance("Balance", key, "");
     }
+  }
+
+  void ReportBalance(std::string_view rule, const BalanceKey& key, const std::string& items) {
+    const auto number =
+        db_.QueryValue<std::string>("SELECT FNumber FROM t_Account WHERE FAccountID = ?", key[0]);
+    findings_.Add(rule, "Account", key[0], number.value_or("?"),
+                  "Its balance in currency " + std::to_string(key[1]) + ", period " +
+                      AccountingPeriod{key[2], key[3]}.ToText() + items +
+                      " is not the sum of its posted lines.");
+  }
+
+  // What the combinations stand for by their ids.
+  std::map<Long, LineItems> Combinations() {
+    std::map<Long, LineItems> combinations;
+    for (const auto& [id, item_class, item] : db_.Query<Long, Long, Long>(
+             "SELECT FCombinationID, FItemClassID, FItemID FROM t_ItemCombinationItem")) {
+      combinations[id][item_class] = item;
+    }
+    for (const auto& [id, text] :
+         db_.Query<Long, std::string>("SELECT FCombinationID, FItems FROM t_ItemCombination")) {
+      if (text == TextOf(combinations[id])) continue;
+      findings_.Add("ItemCombination", "Books", id, text,
+                    "Its items are not those that its text tells.");
+    }
+    return combinations;
+  }
+
+  void TakeAwayStoredItemBalances() {
+    std::map<Long, LineItems> combinations = Combinations();
+    for (const auto& [account, currency, year, period, combination, debit, credit, debit_for,
+                      credit_for, debit_quantity, credit_quantity] :
+         db_.Query<Long, Long, Long, Long, Long, std::int64_t, std::int64_t, std::int64_t,
+                   std::int64_t, std::int64_t, std::int64_t>(
+             "SELECT FAccountID, FCurrencyID, FYear, FPeriod, FCombinationID, FDebit, FCredit,"
+             " FDebitFor, FCreditFor, FDebitQty, FCreditQty FROM t_ItemBalance")) {
+      Subtract(item_balances_[{{account, currency, year, period}, combinations[combination]}],
+               debit, credit, debit_for, credit_for, debit_quantity, credit_quantity);
+    }
+  }
+
+  void CheckItemBalances() {
+    for (const auto& [place, rest] : item_balances_) {
+      if (rest == Balance()) continue;
+      const auto& [key, items] = place;
+      ReportBalance("ItemBalance", key, NamesOf(items));
+    }
+  }
+
+  // ", CUSTOMER C001, DEP SHOP"
+  std::string NamesOf(const LineItems& items) {
+    std::string names;
+    for (const auto& [item_class, item] : items) {
+      names += ", " + db_.QueryValue<std::string>(
+                             "SELECT c.FNumber || ' ' || i.FNumber FROM t_Item i JOIN t_ItemClass c"
+                             " ON c.FItemClassID = i.FItemClassID WHERE i.FItemID = ?",
+                             item)
+                          .value_or("item " + std::to_string(item));
+    }
+    return names.empty() ? ", no items" : names;
   }
 
   Database& db_;
@@ -178,6 +271,11 @@ class LinesCheck {
   std::map<Long, Voucher> vouchers_;
   std::map<Long, Exchange> exchanges_;
   std::map<BalanceKey, Balance> balances_;
+  std::set<Long> asking_;  // accounts that ask for items
+  // Voucher, line, class and item, and how far the lines have come in them.
+  std::vector<std::tuple<Long, Long, Long, Long>> items_;
+  std::size_t next_item_ = 0;
+  ItemBalances item_balances_;
 };
 
 }  // namespace

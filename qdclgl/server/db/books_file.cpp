@@ -52,12 +52,19 @@ BooksFile::Access AccessTo(const std::string& path) {
 
 FileMark RequiredMark(const std::string& path) {
   const std::optional<FileMark> mark = MarkOf(path);
-  if (!mark) Refuse(refusal::kNoBooks, "There is no file " + path + ".");
+  if (!mark) {
+    const bool is_folder = std::filesystem::is_directory(path);
+    Refuse(refusal::kNoBooks, is_folder ? path + " is a folder and no file of books."
+                                        : "There is no file " + path + ".");
+  }
   return *mark;
 }
 
 [[noreturn]] void RefuseToMake(const std::string& place) {
   const std::string reason = std::strerror(errno);
+  if (errno == ENOENT) {
+    Refuse(refusal::kNoBooks, "There is no folder " + FolderOf(place) + " for the books.");
+  }
   if (errno == EEXIST) Refuse(refusal::kBooksExist, "There is a file " + place + " already.");
   Refuse(refusal::kDatabaseFailed, "The file " + place + " can't be made: " + reason + ".");
 }

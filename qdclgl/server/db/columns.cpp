@@ -147,15 +147,8 @@ RowInsertion::RowInsertion(std::string_view table, std::span<const Column> colum
     sql_[power] = "INSERT INTO " + std::string(table) + " (" + NamesOf(columns) + ") VALUES ";
     for (std::size_t i = 0; i < std::size_t{1} << power; ++i) {
       sql_[power] += i == 0 ? row : ", " + row;
-      for (const Column& column : columns) parameters_[power].push_back(StorageOf(column.type));
     }
   }
-}
-
-std::vector<Storage> StoragesOf(std::span<const Column> columns) {
-  std::vector<Storage> storages;
-  for (const Column& column : columns) storages.push_back(StorageOf(column.type));
-  return storages;
 }
 
 std::string NamesOf(std::span<const Column> columns, std::string_view prefix) {

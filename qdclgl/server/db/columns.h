@@ -134,7 +134,7 @@ class RowInsertion {
     for (std::size_t row = 0; row < count;) {
       std::size_t power = kPowers - 1;
       while ((std::size_t{1} << power) > count - row) --power;
-      Statement& statement = db.Prepared(sql_[power], parameters_[power], {});
+      Statement& statement = db.Prepared(sql_[power]);
       for (std::size_t i = 0; i < std::size_t{1} << power; ++i) {
         bind(statement, i * column_count_, row++);
       }
@@ -148,15 +148,12 @@ class RowInsertion {
 
   std::size_t column_count_;
   std::array<std::string, kPowers> sql_;
-  std::array<std::vector<Storage>, kPowers> parameters_;
 };
 
 // The row of a fetched statement as a new Dictionary over `keys`, one key for each column.
 Ref<KeyList> KeysOf(std::span<const Column> columns);
 Ref<Dictionary> ReadRow(const Statement& statement, std::span<const Column> columns,
                         const Ref<KeyList>& keys);
-
-std::vector<Storage> StoragesOf(std::span<const Column> columns);
 
 // "FName, FNumber", with `prefix` before each name.
 std::string NamesOf(std::span<const Column> columns, std::string_view prefix = {});

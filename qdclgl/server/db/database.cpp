@@ -7,8 +7,9 @@
 #include "qdclgl/frame/platform/platform.h"
 #include "qdclgl/frame/vocabulary/text.h"
 #include "qdclgl/server/db/busy.h"
-#include "qdclgl/server/db/driver.h"
+#include "qdclgl/server/db/postgresql_driver.h"
 #include "qdclgl/server/db/refusals.h"
+#include "qdclgl/server/db/sqlite_driver.h"
 
 namespace qdclgl::server {
 
@@ -41,6 +42,14 @@ std::string Lock(std::string_view function, std::string_view schema, int what) {
   return std::string(function) + "(hashtext(" + place + "), " + std::to_string(what) + ")";
 }
 
+std::unique_ptr<Driver> DriverFor(const ConnectionText& text) {
+  if (text.IsSQLite()) {
+    return std::make_unique<SQLiteDriver>(std::string(text[connection_key::kDataSource]),
+                                          text.Number(connection_key::kLockTimeout));
+  }
+  return std::make_unique<PostgreSQLDriver>(text);
+}
+
 // 2 is that of the trail's seals.
 constexpr int kRules = 0, kBatchAlone = 1, kSessions = 3;
 
@@ -49,26 +58,36 @@ constexpr int kRules = 0, kBatchAlone = 1, kSessions = 3;
 // ---- The connection ----
 
 Database::Database(const ConnectionText& text)
-    : text_(text),
-      is_sqlite_(text.IsSQLite()),
-      driver_(std::make_unique<Driver>(
-          text, [text](int backend) { return SentenceOfBusyBooks(text, backend); })) {
+    : text_(text), is_sqlite_(text.IsSQLite()), driver_(DriverFor(text)) {
+  driver_->SetOnBusy([text](int backend) { return BusySentence(text, backend); });
   if (is_sqlite_) {
     const bool normal = EqualsIgnoringAsciiCase(text[connection_key::kSynchronous], "Normal");
     Command(normal ? "PRAGMA synchronous = NORMAL" : "PRAGMA synchronous = FULL");
     Command("PRAGMA foreign_keys = ON");
     Command("PRAGMA case_sensitive_like = ON");
   } else {
-    Command("SET client_min_messages = warning; SET lock_timeout = '" +
-            std::to_string(text.Number(connection_key::kLockTimeout)) +
-            "s'; SET application_name = " + Quoted(OwnName(), '\''));
+    // In one message; numbers come with all of their digits.
+    std::string script = "SET client_min_messages = warning; SET extra_float_digits = 3; ";
+    script += "SET lock_timeout = '" + std::to_string(text.Number(connection_key::kLockTimeout)) +
+              "s'; SET application_name = " + Quoted(OwnName(), '\'') + "; ";
     const std::string_view schema = text[connection_key::kSchema];
-    if (!schema.empty()) Command("SET search_path TO " + Quoted(schema, '"'));
-    server_run_ = driver_->Run("SELECT " + std::string(kServerRun));
+    if (!schema.empty()) script += "SET search_path TO " + Quoted(schema, '"') + "; ";
+    Driver::CallHook(script);
+    server_run_ = driver_->Run(script.append("SELECT ").append(kServerRun));
   }
 }
 
 Database::~Database() = default;
+
+std::string Database::BusySentence(const ConnectionText& text, int backend) {
+  std::string sentence = SentenceOfWaiting(text.Number(connection_key::kLockTimeout));
+  if (text.IsSQLite()) return sentence;
+  try {
+    return sentence + Database(text).driver_->Run(QueryOfHolder(backend));
+  } catch (const Error&) {
+    return sentence;  // who it is can't be told now
+  }
+}
 
 bool Database::IsStale() const { return driver_->IsStale(); }
 
@@ -78,25 +97,16 @@ void Database::SetStatementHook(std::function<void(std::string_view sql)> hook) 
 
 // ---- Statements ----
 
-Statement& Database::Prepared(std::string_view sql, std::span<const Storage> parameters,
-                              std::span<const Storage> results) {
-  std::string key;
-  key.reserve(sql.size() + parameters.size() + results.size() + 1);
-  for (const Storage type : parameters) key += static_cast<char>('a' + static_cast<int>(type));
-  key += ' ';
-  for (const Storage type : results) key += static_cast<char>('a' + static_cast<int>(type));
-  key += sql;
-  auto found = statements_.find(key);
+Statement& Database::Prepared(std::string_view sql) {
+  auto found = statements_.find(sql);
   if (found == statements_.end()) {
-    auto statement = std::make_unique<Statement>(*driver_, sql, parameters, results);
-    found = statements_.emplace(std::move(key), std::move(statement)).first;
+    found = statements_.emplace(sql, driver_->Prepare(sql, Driver::Use::kKept)).first;
   }
   return *found->second;
 }
 
-Statement Database::MakeStatement(std::string_view sql, std::span<const Storage> parameters,
-                                  std::span<const Storage> results) {
-  return Statement(*driver_, sql, parameters, results);
+std::unique_ptr<Statement> Database::MakeStatement(std::string_view sql) {
+  return driver_->Prepare(sql, Driver::Use::kOnce);
 }
 
 void Database::Command(std::string_view sql) {
@@ -108,7 +118,7 @@ void Database::Command(std::string_view sql) {
 std::string Database::Run(std::string_view sql) {
   if (!is_sqlite_) return driver_->Watched([&] { return driver_->Run(sql); });
   // Preparing costs SQLite more than running.
-  Prepared(sql, {}, {}).Run();
+  Prepared(sql).Run();
   return "";
 }
 

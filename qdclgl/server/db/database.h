@@ -5,13 +5,11 @@
 #pragma once
 
 #include <any>
-#include <array>
 #include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
 #include <optional>
-#include <span>
 #include <string>
 #include <string_view>
 #include <tuple>
@@ -46,20 +44,19 @@ class Database {
     return is_sqlite_ ? sqlite : postgresql;
   }
 
-  // The prepared statement for this text and these types.
-  Statement& Prepared(std::string_view sql, std::span<const Storage> parameters,
-                      std::span<const Storage> results);
+  // The prepared statement for this text.
+  Statement& Prepared(std::string_view sql);
 
   // Runs a statement with these values; the number of rows it changed.
   template <class... Values>
   std::int64_t Execute(std::string_view sql, const Values&... values) {
-    return Bound<>(sql, values...).Execute();
+    return Bound(sql, values...).Execute();
   }
 
   // The rows of a query: `db.Query<Long, Currency>("SELECT ... WHERE FVoucherID = ?", id)`.
   template <class... Columns, class... Values>
   std::vector<std::tuple<Columns...>> Query(std::string_view sql, const Values&... values) {
-    Statement& statement = Bound<Columns...>(sql, values...);
+    Statement& statement = Bound(sql, values...);
     std::vector<std::tuple<Columns...>> rows;
     for (statement.Open(); statement.Fetch();) {
       rows.push_back(Row<Columns...>(statement, std::index_sequence_for<Columns...>()));
@@ -70,7 +67,7 @@ class Database {
   // The first row, nothing when there is none.
   template <class... Columns, class... Values>
   std::optional<std::tuple<Columns...>> QueryRow(std::string_view sql, const Values&... values) {
-    Statement& statement = Bound<Columns...>(sql, values...);
+    Statement& statement = Bound(sql, values...);
     statement.Open();
     if (!statement.Fetch()) return std::nullopt;
     auto row = Row<Columns...>(statement, std::index_sequence_for<Columns...>());
@@ -86,8 +83,7 @@ class Database {
   }
 
   // A statement that is not kept.
-  Statement MakeStatement(std::string_view sql, std::span<const Storage> parameters,
-                          std::span<const Storage> results);
+  std::unique_ptr<Statement> MakeStatement(std::string_view sql);
 
   // Several statements without values, as the schema's migrations are.
   void ExecuteScript(std::string_view script);
@@ -141,13 +137,9 @@ class Database {
  private:
   friend class Transaction;
 
-  template <class... Columns, class... Values>
+  template <class... Values>
   Statement& Bound(std::string_view sql, const Values&... values) {
-    static constexpr std::array<Storage, sizeof...(Values)> kParameters = {
-        detail::StorageOf<std::decay_t<Values>>::kStorage...};
-    static constexpr std::array<Storage, sizeof...(Columns)> kResults = {
-        detail::StorageOf<Columns>::kStorage...};
-    Statement& statement = Prepared(sql, kParameters, kResults);
+    Statement& statement = Prepared(sql);
     std::size_t position = 0;
     (statement.Set(position++, detail::StorageOf<std::decay_t<const Values>>::Out(values)), ...);
     return statement;
@@ -167,6 +159,8 @@ class Database {
     else return Storage_::In(statement.Text(position));
   }
 
+  // What is told to who waited for others too long.
+  static std::string BusySentence(const ConnectionText& text, int backend);
   // Runs a statement once.
   void Command(std::string_view sql);
   // The same past the hook and for the words of the transaction language: what they give.
@@ -181,10 +175,16 @@ class Database {
   // A connection that can't is given up: the next caller gets a new one.
   void RollBack(int level) noexcept;
 
+  // Looks a text up without a copy of it.
+  struct TextHash : std::hash<std::string_view> {
+    using is_transparent = void;
+  };
+
   ConnectionText text_;
   bool is_sqlite_;
   std::unique_ptr<Driver> driver_;
-  std::unordered_map<std::string, std::unique_ptr<Statement>> statements_;
+  std::unordered_map<std::string, std::unique_ptr<Statement>, TextHash, std::equal_to<>>
+      statements_;
   std::map<std::type_index, std::any> kept_;
   std::weak_ptr<const void> batch_owner_;
   bool is_beside_batch_ = false;

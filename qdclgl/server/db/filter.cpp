@@ -70,6 +70,20 @@ class Lexer {
     return there;
   }
 
+  const Column& TakeColumn(std::span<const Column> columns) {
+    if (token_.kind != Token::Kind::kWord) Fail("a column is expected");
+    const Column* column = FindColumn(columns, token_.word);
+    if (column == nullptr) {
+      std::string reason = "there is no column " + std::string(token_.word) + "; there are";
+      for (const Column& one : columns) {
+        reason.append(&one == columns.data() ? " " : ", ").append(one.name);
+      }
+      Fail(reason);
+    }
+    Advance();
+    return *column;
+  }
+
   [[noreturn]] void Fail(const std::string& reason) const { FailAt(token_.position, reason); }
   [[noreturn]] void FailAt(std::size_t position, const std::string& reason) const {
     Refuse(error_, "The " + std::string(what_) + " can't be understood at character " +
@@ -164,7 +178,7 @@ class FilterParser {
   }
 
   void Comparison() {
-    const Column& column = TakeColumn();
+    const Column& column = lexer_.TakeColumn(columns_);
     std::string name(column.name);
     const bool negated = lexer_.TakeWord("NOT");
     if (lexer_.IsWordToken("LIKE")) {
@@ -206,16 +220,6 @@ class FilterParser {
     filter_.sql += name + " <> 0";
   }
 
-  const Column& TakeColumn() {
-    if (lexer_.token().kind != Token::Kind::kWord) lexer_.Fail("a column is expected");
-    const Column* column = FindColumn(columns_, lexer_.token().word);
-    if (column == nullptr) {
-      lexer_.Fail("there is no column " + std::string(lexer_.token().word));
-    }
-    lexer_.Advance();
-    return *column;
-  }
-
   void Pattern() {
     if (lexer_.token().kind != Token::Kind::kText) lexer_.Fail("a text is expected behind LIKE");
     std::string pattern = Unquoted();
@@ -234,7 +238,7 @@ class FilterParser {
         return Bind(Unquoted());
       case ColumnType::kDate:
         if (token.kind != Token::Kind::kText && token.kind != Token::Kind::kDate) {
-          lexer_.Fail("a date is expected");
+          lexer_.Fail("a date is expected, such as #2024-01-31#");
         }
         return Bind(DateValue(token.word));
       case ColumnType::kBoolean:
@@ -277,7 +281,7 @@ class FilterParser {
     try {
       return DateText(CDate(Variant(word)));
     } catch (const Error&) {
-      lexer_.Fail("there is no such date");
+      lexer_.Fail("there is no such date; dates are written as #2024-01-31#");
     }
   }
 
@@ -335,13 +339,9 @@ std::string ParseSort(std::string_view text, std::span<const Column> columns) {
   std::string sql;
   if (lexer.AtEnd()) return sql;
   do {
-    const Column* column = lexer.token().kind == Token::Kind::kWord
-                               ? FindColumn(columns, lexer.token().word)
-                               : nullptr;
-    if (column == nullptr) lexer.Fail("a column is expected");
-    lexer.Advance();
+    const Column& column = lexer.TakeColumn(columns);
     if (!sql.empty()) sql += ", ";
-    sql += column->name;
+    sql += column.name;
     if (lexer.TakeWord("DESC")) {
       sql += " DESC";
     } else {

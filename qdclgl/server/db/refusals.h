@@ -26,6 +26,7 @@
   REFUSAL(0x0C, OutcomeUnknown, "Whether the change is saved can't be told now.")               \
   REFUSAL(0x0D, ReadOnly, "The books can only be read here.")                                   \
   REFUSAL(0x0E, LoginDelayed, "Logins have failed; the next one has to wait.")                  \
+  REFUSAL(0x0F, Damaged, "The file of the books is damaged.")                                   \
   REFUSAL(0x10, BadFilter, "The filter text can't be understood.")                              \
   REFUSAL(0x11, BadSort, "The sort text can't be understood.")                                  \
   REFUSAL(0x12, BadValue, "A value does not fit its column.")                                   \
@@ -52,6 +53,7 @@
   REFUSAL(0x2C, OwnVoucher, "Who had a hand in a voucher does not take this step.")             \
   REFUSAL(0x2D, TooLarge, "Amounts, totals or data are beyond what the books hold.")            \
   REFUSAL(0x2E, VoucherCashed, "The voucher is cashed.")                                        \
+  REFUSAL(0x2F, BadItem, "A line names an item of each class that its account asks for.")       \
   REFUSAL(0x30, NoParent, "The account above is missing.")                                      \
   REFUSAL(0x31, ParentInUse, "The account above has lines of its own.")                         \
   REFUSAL(0x32, HasChildren, "The account has sub-accounts.")                                   \

@@ -1,18 +1,12 @@
 #include "qdclgl/server/db/sqlite_functions.h"
 
-// The parts of SOCI that need Boost's headers are not used here.
-#include <soci/soci-config.h>
-#undef SOCI_HAVE_BOOST
-#include <soci/soci.h>
-#include <soci/sqlite3/soci-sqlite3.h>
+#include <string>
 
 #include "qdclgl/server/db/sha256.h"
 
 namespace qdclgl::server {
 
 namespace {
-
-using namespace sqlite_api;
 
 void Sha256Digits(sqlite3_context* context, int, sqlite3_value** arguments) {
   const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(arguments[0]));
@@ -24,9 +18,8 @@ void Sha256Digits(sqlite3_context* context, int, sqlite3_value** arguments) {
 
 }  // namespace
 
-void DefineSQLiteFunctions(soci::session& session) {
-  auto& backend = static_cast<soci::sqlite3_session_backend&>(*session.get_backend());
-  sqlite3_create_function(backend.conn_, "sha256_digits", 1, SQLITE_UTF8 | SQLITE_DETERMINISTIC,
+void DefineSQLiteFunctions(sqlite3* connection) {
+  sqlite3_create_function(connection, "sha256_digits", 1, SQLITE_UTF8 | SQLITE_DETERMINISTIC,
                           nullptr, Sha256Digits, nullptr, nullptr);
 }
 

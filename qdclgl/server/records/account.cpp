@@ -115,24 +115,41 @@ void RenameBelow(const RecordSave& save) {
 
 // ---- Item classes ----
 
+// What an account asks for stays once it has lines: those that it has would name too little or too
+// much, and balances are kept by what it asks for.
+void RequireItemsOpen(const RecordSave& save, const std::set<Long>& classes) {
+  std::set<Long> stored;
+  for (const auto& [id] : save.db().Query<Long>(
+           "SELECT FItemClassID FROM t_AccountItem WHERE FAccountID = ?", save.id())) {
+    stored.insert(id);
+  }
+  if (classes == stored || !IsUsedInVouchers(save.db(), "FAccountID", save.id())) return;
+  save.Refuse(refusal::kInUse, "it can't get other item classes, vouchers use it.");
+}
+
 void ReplaceItems(const RecordSave& save) {
-  save.db().Execute("DELETE FROM t_AccountItem WHERE FAccountID = ?", save.id());
   const std::span<const Column> columns = std::span(kItemColumns).subspan(1);
+  const std::vector<Ref<Dictionary>> items = save.SentRows(kItems, kItemColumns);
+  const auto cell = [](const Ref<Dictionary>& item, const Column& column) {
+    return Normalized(column, item->Value(column.name));
+  };
+  const auto refuse = [&](const std::string& reason) { save.Refuse(refusal::kBadValue, reason); };
   std::set<Long> classes;
-  for (const Ref<Dictionary>& item : save.SentRows(kItems, kItemColumns)) {
-    const auto cell = [&](const Column& column) {
-      return Normalized(column, item->Value(column.name));
-    };
-    const auto refuse = [&](const std::string& reason) { save.Refuse(refusal::kBadValue, reason); };
-    const auto id = cell(columns[0]).As<Long>();
+  for (const Ref<Dictionary>& item : items) {
+    const auto id = cell(item, columns[0]).As<Long>();
     if (id == 0) refuse("an element of _Items has no FItemClassID.");
     if (!classes.insert(id).second) {
       refuse("item class " + std::to_string(id) + " stands twice in _Items.");
     }
+  }
+  RequireItemsOpen(save, classes);
+  save.db().Execute("DELETE FROM t_AccountItem WHERE FAccountID = ?", save.id());
+  for (const Ref<Dictionary>& item : items) {
     save.db().Execute(
         "INSERT INTO t_AccountItem (FAccountID, FItemClassID, FItemClassNumber, FItemClassName)"
         " VALUES (?, ?, ?, ?)",
-        save.id(), id, cell(columns[1]).As<String>(), cell(columns[2]).As<String>());
+        save.id(), cell(item, columns[0]).As<Long>(), cell(item, columns[1]).As<String>(),
+        cell(item, columns[2]).As<String>());
   }
 }
 
@@ -205,7 +222,7 @@ void Remove(RecordRemoval& removal) {
   const Long id = removal.id();
   RefuseChildren(db, removal.stored(), id, true);
   if (IsUsedInVouchers(db, "FAccountID", id)) removal.Refuse(refusal::kInUse, "vouchers use it.");
-  db.Execute("DELETE FROM t_Balance WHERE FAccountID = ?", id);  // zeros
+  RemoveEmptyBalances(db, "FAccountID", id);
   db.Execute("DELETE FROM t_AccountItem WHERE FAccountID = ?", id);
   removal.Remove();
   KeepDetailFlag(db, removal.stored().Value("FParentID").As<Long>());
@@ -401,11 +418,12 @@ const MasterData& Accounts() {
       .errors = "Required, BadNumber, NumberTaken, NoParent, ParentInUse, HasChildren, "
                 "BadCurrency, BadValue",
       .helps = {{"Create", "Saves a new account; its id and version come back in the row too. A "
-                           "key _Items replaces its item classes. Errors: {errors}."},
+                           "key _Items replaces its item classes: lines on it name an item of "
+                           "each. Errors: {errors}."},
                 {"Update", "Saves an account; the new version comes back in the row. An account "
-                           "that vouchers use keeps its number (InUse), and so does one with "
-                           "accounts below (HasChildren). Further errors: NotFound, NoVersion, "
-                           "Changed, and those of Create."},
+                           "that vouchers use keeps its number and its item classes (InUse), and "
+                           "one with accounts below its number (HasChildren). Further errors: "
+                           "NotFound, NoVersion, Changed, and those of Create."},
                 {"Delete", "Removes an account. Errors: NotFound, InUse, HasChildren."}},
       .components = {ComponentOf<AccountItemInfo>()},
   });

@@ -38,7 +38,7 @@ void Remove(RecordRemoval& removal) {
   Database& db = removal.db();
   const bool used = IsUsedInVouchers(db, "FCurrencyID", removal.id()) || removal.Referrer();
   if (!used) {
-    db.Execute("DELETE FROM t_Balance WHERE FCurrencyID = ?", removal.id());  // zeros
+    RemoveEmptyBalances(db, "FCurrencyID", removal.id());
     removal.Remove();
   } else if (removal.stored().Value("FDeleted").As<Boolean>()) {
     removal.Refuse(refusal::kInUse, "it is marked deleted already; accounts or vouchers use it.");

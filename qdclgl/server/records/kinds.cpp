@@ -11,6 +11,7 @@ const MasterData& MultiLedgers();
 const MasterData& Accounts();
 const MasterData& CheckTypes();
 const MasterData& Currencies();
+const MasterData& Items();
 const MasterData& ItemClasses();
 const MasterData& MeasureUnits();
 const MasterData& Notes();
@@ -30,6 +31,7 @@ std::span<const MasterData* const> MasterDataKinds() {
       &Accounts(),
       &CheckTypes(),
       &Currencies(),
+      &Items(),
       &ItemClasses(),
       &MeasureUnits(),
       &Notes(),

@@ -313,5 +313,7 @@ class MasterData {
 // Whether lines of vouchers, deleted ones too, or balances that are not zero hold `id` in `column`,
 // which is FAccountID or FCurrencyID.
 bool IsUsedInVouchers(Database& db, std::string_view column, Long id);
+// Takes away the balances of what is not used so: they are zero.
+void RemoveEmptyBalances(Database& db, std::string_view column, Long id);
 
 }  // namespace qdclgl::server

@@ -1,5 +1,7 @@
 // Sub-messages: small dictionaries of two levels, types and their entries. Both are served by the
 // components of items, under method names of their own.
+#include "qdclgl/server/records/sub_mes.h"
+
 #include "qdclgl/server/db/list.h"
 #include "qdclgl/server/db/refusals.h"
 #include "qdclgl/server/records/record_save.h"
@@ -10,9 +12,6 @@ const MasterData& SubMessages();
 const MasterData& SubMessageTypes();
 
 namespace {
-
-constexpr Right kReads{Role::kReader, "read sub-messages"};
-constexpr Right kWrites{Role::kAdministrator, "change sub-messages"};
 
 // ---- Entries ----
 
@@ -38,104 +37,37 @@ void RequireEntry(Database& db, Long id, Long type) {
                                  std::to_string(type) + ": there is none.");
 }
 
-// ---- The components ----
+}  // namespace
 
-class ItemInfo final : public Object {
-  QD_MEMBERS(ItemInfo, Object, Creatable, "Reads sub-messages and their types.")
+// ---- What the components of items do with them ----
 
- public:
-  static constexpr std::string_view kProgID = "QDSVGLItem.ItemInfo";
-  static constexpr MethodRight kRights[] = {{"GetSubMesTypeDetail", kReads},
-                                            {"GetSubMesTypeList", kReads},
-                                            {"GetSubMesDetail", kReads},
-                                            {"GetSubMesDetailByNumber", kReads},
-                                            {"GetSubMesList", kReads}};
-
-  QD_METHOD(Ref<Dictionary>, GetSubMesTypeDetail,
-            (std::string_view PropsString, const Variant& Key),
-            "The type of an id (a number) or a name (a text). NotFound.")
-  QD_METHOD(Ref<Recordset>, GetSubMesTypeList,
-            (std::string_view PropsString, const Variant& Reserved = Missing,
-             const String& Filter = {}),
-            "The types of sub-messages. BadFilter.")
-  QD_METHOD(Ref<Dictionary>, GetSubMesDetail,
-            (std::string_view PropsString, const Long& ItemID, const Long& TypeID = {}),
-            "The entry of an id, Nothing when there is none in that type; type 0 is any.")
-  QD_METHOD(Ref<Dictionary>, GetSubMesDetailByNumber,
-            (std::string_view PropsString, const Long& TypeID, const String& Number),
-            "The entry of a type with that number, Nothing when there is none.")
-  QD_METHOD(Ref<Recordset>, GetSubMesList,
-            (std::string_view PropsString, const Variant& TypeID, const Long& ListOptions = {},
-             const String& Filter = {}, const String& Sort = {}),
-            "The entries of a type, or of all with 0. BadFilter, BadSort.")
-};
-
-class ItemUpdate final : public Object {
-  QD_MEMBERS(ItemUpdate, Object, Creatable, "Writes sub-messages and their types.")
-
- public:
-  static constexpr std::string_view kProgID = "QDSVGLItem.ItemUpdate";
-  static constexpr MethodRight kRights[] = {
-      {"CreateSubMesType", kWrites}, {"RenameSubMesType", kWrites}, {"DeleteSubMesType", kWrites},
-      {"CreateSubMes", kWrites},     {"UpdateSubMes", kWrites},     {"DeleteSubMes", kWrites}};
-
-  QD_METHOD(Long, CreateSubMesType,
-            (std::string_view PropsString, const String& Name, std::string_view MachineName = "",
-             std::string_view IPAddress = ""),
-            "Saves a new type and gives its id. Required, NameTaken, BadValue.")
-  QD_METHOD(void, RenameSubMesType,
-            (std::string_view PropsString, const Long& TypeID, const String& Name,
-             std::string_view MachineName = "", std::string_view IPAddress = ""),
-            "Gives a type another name, whoever saved it since. NotFound, Required, NameTaken, "
-            "BadValue.")
-  QD_METHOD(void, DeleteSubMesType,
-            (std::string_view PropsString, const Long& TypeID, std::string_view MachineName = "",
-             std::string_view IPAddress = ""),
-            "Removes a type without entries. NotFound, InUse.")
-  QD_METHOD(Long, CreateSubMes,
-            (std::string_view PropsString, Long TypeID, const Ref<Dictionary>& dict),
-            "Saves a new entry; a row that names no type is of the type given. Required, "
-            "BadReference, NumberTaken, BadValue.")
-  QD_METHOD(void, UpdateSubMes,
-            (std::string_view PropsString, const Long& ItemID, const Ref<Dictionary>& dict,
-             const Long& TypeID = {}),
-            "Saves an entry. NotFound, also for one of another type; NoVersion, Changed, and those "
-            "of CreateSubMes.")
-  QD_METHOD(void, DeleteSubMes,
-            (std::string_view PropsString, const Long& ItemID, const Long& TypeID = {},
-             std::string_view MachineName = "", std::string_view IPAddress = ""),
-            "Removes an entry. NotFound, also for one of another type.")
-};
-
-QD_DEFINE_MEMBERS(ItemInfo)
-QD_DEFINE_MEMBERS(ItemUpdate)
-
-Ref<Dictionary> ItemInfo::GetSubMesTypeDetail(std::string_view PropsString, const Variant& Key) {
+Ref<Dictionary> SubMesReader::GetSubMesTypeDetail(std::string_view PropsString,
+                                                  const Variant& Key) {
   const Caller caller = Enter(PropsString, kReads);
   return SubMessageTypes().RequireByKey(caller.db, Key);
 }
 
-Ref<Recordset> ItemInfo::GetSubMesTypeList(std::string_view PropsString, const Variant&,
-                                           const String& Filter) {
+Ref<Recordset> SubMesReader::GetSubMesTypeList(std::string_view PropsString, const Variant&,
+                                               const String& Filter) {
   const Caller caller = Enter(PropsString, kReads);
   return SubMessageTypes().List(caller.db, 0, Filter, "");
 }
 
-Ref<Dictionary> ItemInfo::GetSubMesDetail(std::string_view PropsString, const Long& ItemID,
-                                          const Long& TypeID) {
+Ref<Dictionary> SubMesReader::GetSubMesDetail(std::string_view PropsString, const Long& ItemID,
+                                              const Long& TypeID) {
   const Caller caller = Enter(PropsString, kReads);
   return EntryOf(caller.db, ItemID, TypeID);
 }
 
-Ref<Dictionary> ItemInfo::GetSubMesDetailByNumber(std::string_view PropsString, const Long& TypeID,
-                                                  const String& Number) {
+Ref<Dictionary> SubMesReader::GetSubMesDetailByNumber(std::string_view PropsString,
+                                                      const Long& TypeID, const String& Number) {
   const Caller caller = Enter(PropsString, kReads);
   return SubMessages().Read(caller.db,
                             SubMessages().IdWith(caller.db, "FNumber", Number, "FTypeID", TypeID));
 }
 
-Ref<Recordset> ItemInfo::GetSubMesList(std::string_view PropsString, const Variant& TypeID,
-                                       const Long&, const String& Filter, const String& Sort) {
+Ref<Recordset> SubMesReader::GetSubMesList(std::string_view PropsString, const Variant& TypeID,
+                                           const Long&, const String& Filter, const String& Sort) {
   const Caller caller = Enter(PropsString, kReads);
   const MasterData::Description& entries = SubMessages().description();
   const std::int64_t type = TypeID.As<Long>();
@@ -145,24 +77,24 @@ Ref<Recordset> ItemInfo::GetSubMesList(std::string_view PropsString, const Varia
                    values);
 }
 
-Long ItemUpdate::CreateSubMesType(std::string_view PropsString, const String& Name,
-                                  std::string_view MachineName, std::string_view IPAddress) {
+Long SubMesWriter::CreateSubMesType(std::string_view PropsString, const String& Name,
+                                    std::string_view MachineName, std::string_view IPAddress) {
   return CreateNamed(SubMessageTypes(), PropsString, Name, MachineName, IPAddress);
 }
 
-void ItemUpdate::RenameSubMesType(std::string_view PropsString, const Long& TypeID,
-                                  const String& Name, std::string_view MachineName,
-                                  std::string_view IPAddress) {
+void SubMesWriter::RenameSubMesType(std::string_view PropsString, const Long& TypeID,
+                                    const String& Name, std::string_view MachineName,
+                                    std::string_view IPAddress) {
   RenameRecord(SubMessageTypes(), PropsString, TypeID, Name, MachineName, IPAddress);
 }
 
-void ItemUpdate::DeleteSubMesType(std::string_view PropsString, const Long& TypeID,
-                                  std::string_view MachineName, std::string_view IPAddress) {
+void SubMesWriter::DeleteSubMesType(std::string_view PropsString, const Long& TypeID,
+                                    std::string_view MachineName, std::string_view IPAddress) {
   DeleteRecord(SubMessageTypes(), PropsString, TypeID, MachineName, IPAddress);
 }
 
-Long ItemUpdate::CreateSubMes(std::string_view PropsString, Long TypeID,
-                              const Ref<Dictionary>& dict) {
+Long SubMesWriter::CreateSubMes(std::string_view PropsString, Long TypeID,
+                                const Ref<Dictionary>& dict) {
   const Caller caller = EnterUnconfirmed(PropsString, kWrites);
   RecordSave save(caller, SubMessages(), dict);
   save.PutOwner("FTypeID", TypeID);
@@ -170,8 +102,8 @@ Long ItemUpdate::CreateSubMes(std::string_view PropsString, Long TypeID,
   return save.id();
 }
 
-void ItemUpdate::UpdateSubMes(std::string_view PropsString, const Long& ItemID,
-                              const Ref<Dictionary>& dict, const Long& TypeID) {
+void SubMesWriter::UpdateSubMes(std::string_view PropsString, const Long& ItemID,
+                                const Ref<Dictionary>& dict, const Long& TypeID) {
   const Caller caller = EnterUnconfirmed(PropsString, kWrites);
   CallersTransaction transaction(caller, Transaction::Kind::kChangeRules);
   RequireEntry(caller.db, ItemID, TypeID);
@@ -179,16 +111,15 @@ void ItemUpdate::UpdateSubMes(std::string_view PropsString, const Long& ItemID,
   transaction.Commit();
 }
 
-void ItemUpdate::DeleteSubMes(std::string_view PropsString, const Long& ItemID, const Long& TypeID,
-                              std::string_view MachineName, std::string_view IPAddress) {
+void SubMesWriter::DeleteSubMes(std::string_view PropsString, const Long& ItemID,
+                                const Long& TypeID, std::string_view MachineName,
+                                std::string_view IPAddress) {
   const Caller caller = EnterUnconfirmed(PropsString, kWrites);
   RecordRemoval removal(caller, SubMessages(), ItemID);
   RequireEntry(caller.db, ItemID, TypeID);
   removal.Remove();
   removal.Commit(MachineName, IPAddress);
 }
-
-}  // namespace
 
 const MasterData& SubMessages() {
   using enum ColumnType;
@@ -214,7 +145,6 @@ const MasterData& SubMessages() {
       .order = "FTypeID, FNumber",
       .check = CheckEntry,
       .errors = "Required, BadReference, NumberTaken, BadValue",
-      .components = {ComponentOf<ItemInfo>(), ComponentOf<ItemUpdate>()},
   });
   return kKind;
 }

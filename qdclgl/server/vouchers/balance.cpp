@@ -1,14 +1,22 @@
 #include "qdclgl/server/vouchers/balance.h"
 
+#include <algorithm>
+#include <array>
+#include <vector>
+
 #include "qdclgl/frame/objects/class_table.h"
 #include "qdclgl/server/access/session.h"
 #include "qdclgl/server/db/list.h"
 #include "qdclgl/server/db/refusals.h"
 #include "qdclgl/server/periods/calendar.h"
 #include "qdclgl/server/periods/settings.h"
+#include "qdclgl/server/records/master_data.h"
+#include "qdclgl/server/vouchers/line_items.h"
 #include "qdclgl/server/vouchers/line_size.h"
 
 namespace qdclgl::server {
+
+const MasterData& ItemClasses();
 
 QD_DEFINE_MEMBERS(BalanceInfo)
 
@@ -27,29 +35,98 @@ constexpr Column kColumns[] = {
     {"FCreditQty", ColumnType::kDouble},         {"FEndQty", ColumnType::kDouble},
 };
 
-// Balances as posting keeps them, one row for each account, currency and period.
-std::string Stored(const Database&) {
-  return "SELECT FAccountID, FCurrencyID, FYear * 1000 + FPeriod AS FAt, FDebit, FCredit, "
-         "FDebitFor,"
-         " FCreditFor, FDebitQty, FCreditQty FROM t_Balance";
+// The columns that tell items, as many as a list can be split by.
+constexpr std::size_t kMostClasses = 8;
+constexpr std::array<std::array<Column, 3>, kMostClasses> kItemColumns = {{
+#define QD_ITEM_COLUMNS(place)                                                          \
+  {                                                                                     \
+    {                                                                                   \
+      {"FItemID" place, ColumnType::kLong}, {"FItemNumber" place, ColumnType::kText}, { \
+        "FItemName" place, ColumnType::kText                                            \
+      }                                                                                 \
+    }                                                                                   \
+  }
+    QD_ITEM_COLUMNS("1"),
+    QD_ITEM_COLUMNS("2"),
+    QD_ITEM_COLUMNS("3"),
+    QD_ITEM_COLUMNS("4"),
+    QD_ITEM_COLUMNS("5"),
+    QD_ITEM_COLUMNS("6"),
+    QD_ITEM_COLUMNS("7"),
+    QD_ITEM_COLUMNS("8"),
+#undef QD_ITEM_COLUMNS
+}};
+
+// The item classes that a list is split by, none of a plain one.
+using Classes = std::vector<Long>;
+
+std::string IdColumn(std::size_t place) { return std::string(kItemColumns[place][0].name); }
+
+// An alias of a table for each class.
+std::string Alias(std::string_view table, std::size_t place) {
+  return std::string(table) + std::to_string(place + 1);
+}
+
+// ", c1.FItemID AS FItemID1", and so for each class.
+std::string ItemCells(const Classes& classes, std::string_view table) {
+  std::string cells;
+  for (std::size_t i = 0; i < classes.size(); ++i) {
+    cells += ", COALESCE(" + Alias(table, i) + ".FItemID, 0) AS " + IdColumn(i);
+  }
+  return cells;
+}
+
+// That the account of a row asks for items of all the classes.
+std::string AsksForAll(const Classes& classes, std::string_view row) {
+  std::string condition;
+  for (const Long item_class : classes) {
+    condition += " AND EXISTS (SELECT 1 FROM t_AccountItem asked WHERE asked.FAccountID = " +
+                 std::string(row) +
+                 ".FAccountID AND asked.FItemClassID = " + std::to_string(item_class) + ")";
+  }
+  return condition;
+}
+
+// Balances as posting keeps them, one row for each account, currency and period, and by items for
+// each combination of them.
+std::string Stored(const Database&, const Classes& classes) {
+  std::string joins;
+  for (std::size_t i = 0; i < classes.size(); ++i) {
+    const std::string item = Alias("item", i);
+    joins += " LEFT JOIN t_ItemCombinationItem " + item + " ON " + item +
+             ".FCombinationID = b.FCombinationID AND " + item +
+             ".FItemClassID = " + std::to_string(classes[i]);
+  }
+  return "SELECT b.FAccountID, b.FCurrencyID, b.FYear * 1000 + b.FPeriod AS FAt, b.FDebit,"
+         " b.FCredit, b.FDebitFor, b.FCreditFor, b.FDebitQty, b.FCreditQty" +
+         ItemCells(classes, "item") + " FROM " + (classes.empty() ? "t_Balance" : "t_ItemBalance") +
+         " b" + joins + " WHERE 1 = 1" + AsksForAll(classes, "b");
 }
 
 // The same from the lines of posted vouchers.
-std::string FromLines(const Database& db) {
+std::string FromLines(const Database& db, const Classes& classes) {
   const std::string quantity = MillionthsSql(db, "e.FQuantity");
+  std::string joins;
+  for (std::size_t i = 0; i < classes.size(); ++i) {
+    const std::string item = Alias("item", i);
+    joins += " LEFT JOIN (" + LineItemsQuery("d.FItemClassID = " + std::to_string(classes[i])) +
+             ") AS " + item + " ON " + item + ".FVoucherID = e.FVoucherID AND " + item +
+             ".FEntryID = e.FEntryID";
+  }
   return "SELECT e.FAccountID, e.FCurrencyID, v.FYear * 1000 + v.FPeriod AS FAt,"
          " e.FAmount * e.FDC AS FDebit, e.FAmount * (1 - e.FDC) AS FCredit,"
          " CASE WHEN e.FCurrencyID = 1 THEN e.FAmount ELSE e.FAmountFor END * e.FDC AS FDebitFor,"
          " CASE WHEN e.FCurrencyID = 1 THEN e.FAmount ELSE e.FAmountFor END * (1 - e.FDC)"
          " AS FCreditFor, " +
-         quantity + " * e.FDC AS FDebitQty, " + quantity +
-         " * (1 - e.FDC) AS FCreditQty FROM t_Voucher v"
-         " JOIN t_VoucherEntry e ON e.FVoucherID = v.FVoucherID WHERE v.FPosted = 1";
+         quantity + " * e.FDC AS FDebitQty, " + quantity + " * (1 - e.FDC) AS FCreditQty" +
+         ItemCells(classes, "item") +
+         " FROM t_Voucher v JOIN t_VoucherEntry e ON e.FVoucherID = v.FVoucherID" + joins +
+         " WHERE v.FPosted = 1" + AsksForAll(classes, "e");
 }
 
-// The list's query: what moved, added up by account and currency, then for every account over all
-// that is below it, then for all currencies together.
-std::string Query(std::string_view movements) {
+// The list's query: what moved, added up by account, items and currency, then for every account
+// over all that is below it, then for all currencies together.
+std::string Query(std::string_view movements, const Classes& classes) {
   struct Sum {
     std::string_view name, begin, debit, credit;
   };
@@ -73,6 +150,17 @@ std::string Query(std::string_view movements) {
       present += (present.empty() ? "" : " OR ") + name + " <> 0";
     }
   }
+  std::string items, shown_items, item_names;
+  for (std::size_t i = 0; i < classes.size(); ++i) {
+    const std::string item = Alias("item", i);
+    items += ", " + IdColumn(i);
+    shown_items += ", r." + IdColumn(i);
+    for (std::size_t text = 1; text < kItemColumns[i].size(); ++text) {
+      shown_items += ", COALESCE(" + item + (text == 1 ? ".FNumber" : ".FName") + ", '') AS " +
+                     std::string(kItemColumns[i][text].name);
+    }
+    item_names += " LEFT JOIN t_Item " + item + " ON " + item + ".FItemID = r." + IdColumn(i);
+  }
   return "WITH RECURSIVE span AS (SELECT CAST(? AS BIGINT) AS FFirst, CAST(? AS BIGINT) AS FLast),"
          " above AS ("
          "  SELECT FAccountID, FAccountID AS FAboveID FROM t_Account"
@@ -81,21 +169,27 @@ std::string Query(std::string_view movements) {
          "  JOIN t_Account a ON a.FAccountID = above.FAboveID WHERE a.FParentID <> 0),"
          " moved AS ("
          "  SELECT FAccountID, FCurrencyID" +
-         moved + "  FROM (" + std::string(movements) +
+         items + moved + "  FROM (" + std::string(movements) +
          ") AS movement CROSS JOIN span"
-         "  WHERE FAt <= span.FLast GROUP BY FAccountID, FCurrencyID),"
+         "  WHERE FAt <= span.FLast GROUP BY FAccountID, FCurrencyID" +
+         items +
+         "),"
          " each AS ("
          "  SELECT above.FAboveID, moved.FCurrencyID" +
-         over_accounts +
+         items + over_accounts +
          "  FROM moved JOIN above ON above.FAccountID = moved.FAccountID"
-         "  GROUP BY above.FAboveID, moved.FCurrencyID),"
+         "  GROUP BY above.FAboveID, moved.FCurrencyID" +
+         items +
+         "),"
          " all_rows AS ("
          "  SELECT * FROM each"
          "  UNION ALL SELECT FAboveID, 0 AS FCurrencyID" +
-         over_currencies +
-         "  FROM each GROUP BY FAboveID)"
+         items + over_currencies + "  FROM each GROUP BY FAboveID" + items +
+         ")"
          " SELECT a.FAccountID, a.FNumber AS FAccountNumber, a.FName AS FAccountName, a.FLevel,"
-         " a.FDetail, a.FDC, r.FCurrencyID, COALESCE(c.FNumber, '') AS FCurrencyNumber,"
+         " a.FDetail, a.FDC, r.FCurrencyID, COALESCE(c.FNumber, '') AS FCurrencyNumber" +
+         shown_items +
+         ","
          " CAST(FBegin AS BIGINT) AS FBeginBalance, CAST(FDebit AS BIGINT) AS FDebit,"
          " CAST(FCredit AS BIGINT) AS FCredit,"
          " CAST(FBegin + FDebit - FCredit AS BIGINT) AS FEndBalance,"
@@ -105,15 +199,57 @@ std::string Query(std::string_view movements) {
          " FBeginQty / 1e6 AS FBeginQty, FDebitQty / 1e6 AS FDebitQty,"
          " FCreditQty / 1e6 AS FCreditQty, (FBeginQty + FDebitQty - FCreditQty) / 1e6 AS FEndQty"
          " FROM all_rows r JOIN t_Account a ON a.FAccountID = r.FAboveID"
-         " LEFT JOIN t_Currency c ON c.FCurrencyID = r.FCurrencyID"
-         " WHERE " +
-         present;
+         " LEFT JOIN t_Currency c ON c.FCurrencyID = r.FCurrencyID" +
+         item_names + " WHERE " + present;
 }
 
-Ref<Recordset> Balances(std::string_view props, std::string (*movements)(const Database&),
-                        Long year, Long from, Long to, const String& filter, const String& sort) {
+Classes ClassesIn(Database& db, const String& numbers) {
+  Classes classes;
+  for (std::size_t first = 0; first <= numbers.size();) {
+    const std::size_t end = std::min(numbers.find(',', first), numbers.size());
+    const std::string number = numbers.substr(first, end - first);
+    const Long item_class = ItemClasses().IdWithKey(db, number);
+    if (item_class == 0) {
+      Refuse(refusal::kBadReference, "There is no item class \"" + number + "\".");
+    }
+    if (std::ranges::count(classes, item_class) != 0) {
+      Refuse(refusal::kBadValue, "Item class " + number + " stands twice.");
+    }
+    classes.push_back(item_class);
+    first = end + 1;
+  }
+  if (classes.size() > kMostClasses) {
+    Refuse(refusal::kBadValue,
+           "A list is by at most " + std::to_string(kMostClasses) + " item classes.");
+  }
+  return classes;
+}
+
+// The columns of a list, and how its rows are sorted.
+struct Shape {
+  std::vector<Column> columns{std::begin(kColumns), std::end(kColumns)};
+  std::string order = "FAccountNumber";
+
+  explicit Shape(const Classes& classes) {
+    auto place = std::ranges::find(columns, "FBeginBalance", &Column::name);
+    for (std::size_t i = 0; i < classes.size(); ++i) {
+      place = std::next(columns.insert(place, kItemColumns[i].begin(), kItemColumns[i].end()),
+                        std::ssize(kItemColumns[i]));
+      order += ", " + std::string(kItemColumns[i][1].name);
+    }
+    order += ", FCurrencyID";
+  }
+};
+
+using MovementsQuery = std::string (*)(const Database&, const Classes&);
+
+// By items of the classes that a text names, where there is one.
+Ref<Recordset> Balances(std::string_view props, MovementsQuery movements,
+                        const std::optional<String>& class_numbers, Long year, Long from, Long to,
+                        const String& filter, const String& sort) {
   const Caller caller = Enter(props, BalanceInfo::kRead);
   Transaction transaction(caller.db, Transaction::Kind::kRead);
+  const Classes classes = class_numbers ? ClassesIn(caller.db, *class_numbers) : Classes();
   std::int64_t first = INT64_MIN, last = INT64_MAX;
   if (year != 0) {
     const Calendar calendar = LedgerRules::Of(caller.db).calendar;
@@ -130,10 +266,11 @@ Ref<Recordset> Balances(std::string_view props, std::string (*movements)(const D
   } else if (from != 0 || to != 0) {
     Refuse(refusal::kBadValue, "Periods without a year say nothing.");
   }
-  const std::string query = Query(movements(caller.db));
+  const Shape shape(classes);
+  const std::string query = Query(movements(caller.db, classes), classes);
   const BoundValue span[] = {first, last};
   Ref<Recordset> list =
-      FetchList(caller.db, {query, kColumns, "FAccountNumber, FCurrencyID"}, filter, sort, span);
+      FetchList(caller.db, {query, shape.columns, shape.order}, filter, sort, span);
   transaction.Commit();
   return list;
 }
@@ -142,13 +279,26 @@ Ref<Recordset> Balances(std::string_view props, std::string (*movements)(const D
 
 Ref<Recordset> BalanceInfo::GetList(std::string_view PropsString, Long nYear, Long PeriodFrom,
                                     Long PeriodTo, const String& Filter, const String& Sort) {
-  return Balances(PropsString, Stored, nYear, PeriodFrom, PeriodTo, Filter, Sort);
+  return Balances(PropsString, Stored, std::nullopt, nYear, PeriodFrom, PeriodTo, Filter, Sort);
 }
 
 Ref<Recordset> BalanceInfo::GetListFromLines(std::string_view PropsString, Long nYear,
                                              Long PeriodFrom, Long PeriodTo, const String& Filter,
                                              const String& Sort) {
-  return Balances(PropsString, FromLines, nYear, PeriodFrom, PeriodTo, Filter, Sort);
+  return Balances(PropsString, FromLines, std::nullopt, nYear, PeriodFrom, PeriodTo, Filter, Sort);
+}
+
+Ref<Recordset> BalanceInfo::GetItemList(std::string_view PropsString, const String& ClassNumbers,
+                                        Long nYear, Long PeriodFrom, Long PeriodTo,
+                                        const String& Filter, const String& Sort) {
+  return Balances(PropsString, Stored, ClassNumbers, nYear, PeriodFrom, PeriodTo, Filter, Sort);
+}
+
+Ref<Recordset> BalanceInfo::GetItemListFromLines(std::string_view PropsString,
+                                                 const String& ClassNumbers, Long nYear,
+                                                 Long PeriodFrom, Long PeriodTo,
+                                                 const String& Filter, const String& Sort) {
+  return Balances(PropsString, FromLines, ClassNumbers, nYear, PeriodFrom, PeriodTo, Filter, Sort);
 }
 
 }  // namespace qdclgl::server

@@ -11,13 +11,21 @@ namespace qdclgl::server {
 // FBeginBalance, FDebit, FCredit and FEndBalance are in base currency, debit minus credit; the
 // columns ending in For are in the row's currency (0 in the rows of all currencies), those ending
 // in Qty are quantities.
+//
+// Lists by items have a row for each account, each combination of an item of each class, and each
+// currency, of accounts that ask for all of the classes, and of those above them. FItemID1,
+// FItemNumber1 and FItemName1 are the item of the first class, and so on; those of lines that are
+// older than the account's classes can be none, with the id 0.
 class BalanceInfo final : public Object {
   QD_MEMBERS(BalanceInfo, Object, Creatable, "Balances of accounts.")
 
  public:
   static constexpr std::string_view kProgID = "QDSVGLBalance.BalanceInfo";
   static constexpr Right kRead{Role::kReader, "read balances"};
-  static constexpr MethodRight kRights[] = {{"GetList", kRead}, {"GetListFromLines", kRead}};
+  static constexpr MethodRight kRights[] = {{"GetList", kRead},
+                                            {"GetListFromLines", kRead},
+                                            {"GetItemList", kRead},
+                                            {"GetItemListFromLines", kRead}};
 
   QD_METHOD(Ref<Recordset>, GetList,
             (std::string_view PropsString, Long nYear = {}, Long PeriodFrom = {},
@@ -28,6 +36,18 @@ class BalanceInfo final : public Object {
   QD_METHOD(Ref<Recordset>, GetListFromLines,
             (std::string_view PropsString, Long nYear = {}, Long PeriodFrom = {},
              Long PeriodTo = {}, const String& Filter = {}, const String& Sort = {}),
+            "The same, added up from the lines of the posted vouchers.")
+  QD_METHOD(Ref<Recordset>, GetItemList,
+            (std::string_view PropsString, const String& ClassNumbers, Long nYear = {},
+             Long PeriodFrom = {}, Long PeriodTo = {}, const String& Filter = {},
+             const String& Sort = {}),
+            "The balances by items of these classes, their numbers with commas between them, at "
+            "most 8: \"CUSTOMER,DEP\". By account, items and currency unless Sort says otherwise. "
+            "BadReference for a class that there isn't, and the errors of GetList.")
+  QD_METHOD(Ref<Recordset>, GetItemListFromLines,
+            (std::string_view PropsString, const String& ClassNumbers, Long nYear = {},
+             Long PeriodFrom = {}, Long PeriodTo = {}, const String& Filter = {},
+             const String& Sort = {}),
             "The same, added up from the lines of the posted vouchers.")
 };
 

@@ -1,10 +1,14 @@
 #include "qdclgl/server/vouchers/posting.h"
 
+#include <algorithm>
 #include <array>
 #include <map>
+#include <optional>
+#include <tuple>
 
 #include "qdclgl/server/db/refusals.h"
 #include "qdclgl/server/records/currency.h"
+#include "qdclgl/server/vouchers/line_items.h"
 #include "qdclgl/server/vouchers/line_size.h"
 
 namespace qdclgl::server {
@@ -19,19 +23,18 @@ struct Movements {
   // By account and currency, in that order, so that two postings never wait for each other in a
   // circle.
   std::map<std::pair<Long, Long>, Movement> by_place;
+  // Those on accounts that ask for items, by account, items and currency.
+  std::map<std::tuple<Long, LineItems, Long>, Movement> by_items;
   std::int64_t size = 0;
   bool adds_up = true;  // false for some of older programs
 };
 
-Movements MovementsOf(Database& db, Long voucher_id) {
-  Movements movements;
-  for (const auto& [account, currency, side, amount, amount_for, quantity] :
-       db.Query<Long, Long, Long, std::int64_t, std::int64_t, double>(
-           "SELECT FAccountID, FCurrencyID, FDC, FAmount, FAmountFor, FQuantity"
-           " FROM t_VoucherEntry WHERE FVoucherID = ?",
-           voucher_id)) {
-    movements.adds_up = movements.adds_up && AddLine(movements.size, amount, amount_for, quantity);
-    Movement& movement = movements.by_place[{account, currency}];
+struct MovingLine {
+  Long account, currency, side;
+  std::int64_t amount, amount_for;
+  double quantity;
+
+  void AddTo(Movement& movement) const {
     const std::size_t credit = side == 1 ? 0 : 1;
     const auto add = [&](std::size_t place, std::int64_t units) {
       movement[place + credit] += static_cast<std::uint64_t>(units);
@@ -39,6 +42,25 @@ Movements MovementsOf(Database& db, Long voucher_id) {
     add(0, amount);
     add(2, currency == kBaseCurrency ? amount : amount_for);
     add(4, Millionths(quantity));
+  }
+};
+
+Movements MovementsOf(Database& db, Long voucher_id) {
+  Movements movements;
+  std::optional<std::map<Long, LineItems>> items;  // read where an account asks for some
+  for (const auto& [number, account, currency, side, amount, amount_for, quantity, asks] :
+       db.Query<Long, Long, Long, Long, std::int64_t, std::int64_t, double, bool>(
+           "SELECT FEntryID, FAccountID, FCurrencyID, FDC, FAmount, FAmountFor, FQuantity,"
+           " CASE WHEN EXISTS (SELECT 1 FROM t_AccountItem a WHERE"
+           " a.FAccountID = t_VoucherEntry.FAccountID) THEN 1 ELSE 0 END"
+           " FROM t_VoucherEntry WHERE FVoucherID = ?",
+           voucher_id)) {
+    movements.adds_up = movements.adds_up && AddLine(movements.size, amount, amount_for, quantity);
+    const MovingLine line{account, currency, side, amount, amount_for, quantity};
+    line.AddTo(movements.by_place[{account, currency}]);
+    if (!asks) continue;
+    if (!items) items = ItemsOfLines(db, voucher_id);
+    line.AddTo(movements.by_items[{account, (*items)[number], currency}]);
   }
   return movements;
 }
@@ -73,6 +95,53 @@ void TakeFromSize(Database& db, const Movements& movements, Long voucher_id) {
   db.Execute("UPDATE t_Posted SET FSize = ?", size);
 }
 
+// Adds movements to the rows of a table of balances, or takes them out.
+class BalanceRows {
+ public:
+  // The columns that tell the rows apart.
+  BalanceRows(const std::string& table, const std::string& keys, Direction direction)
+      : direction_(direction) {
+    const auto count = std::ranges::count(keys, ',') + 1 + std::ssize(kSums);
+    std::string sums, sets, places;
+    for (const std::string_view name : kSums) {
+      const std::string sum(name);
+      sums += ", " + sum;
+      sets += (sets.empty() ? "" : ", ") + sum + " = " + table + "." + sum + " + excluded." + sum;
+    }
+    for (std::ptrdiff_t i = 0; i < count; ++i) places += i == 0 ? "?" : ", ?";
+    sql_ = "INSERT INTO " + table + " (" + keys + sums + ") VALUES (" + places + ") ON CONFLICT (" +
+           keys + ") DO UPDATE SET " + sets;
+  }
+
+  template <class... Keys>
+  void Move(Database& db, const Movement& movement, const Keys&... keys) const {
+    const auto units = [&](std::size_t i) {
+      return static_cast<std::int64_t>(direction_ == Direction::kPost ? movement[i]
+                                                                      : 0 - movement[i]);
+    };
+    db.Execute(sql_, keys..., units(0), units(1), units(2), units(3), units(4), units(5));
+  }
+
+ private:
+  static constexpr std::string_view kSums[] = {"FDebit",     "FCredit",   "FDebitFor",
+                                               "FCreditFor", "FDebitQty", "FCreditQty"};
+
+  Direction direction_;
+  std::string sql_;
+};
+
+void MoveItemBalances(Database& db, const Movements& movements, AccountingPeriod period,
+                      Direction direction) {
+  if (movements.by_items.empty()) return;
+  const BalanceRows rows("t_ItemBalance", "FAccountID, FCombinationID, FCurrencyID, FYear, FPeriod",
+                         direction);
+  for (const auto& [place, movement] : movements.by_items) {
+    const auto& [account, items, currency] = place;
+    rows.Move(db, movement, account, CombinationOf(db, items), currency, period.year,
+              period.period);
+  }
+}
+
 }  // namespace
 
 void MoveBalances(Database& db, Long voucher_id, const std::string& name, AccountingPeriod period,
@@ -84,22 +153,19 @@ void MoveBalances(Database& db, Long voucher_id, const std::string& name, Accoun
   } else {
     TakeFromSize(db, movements, voucher_id);
   }
+  const BalanceRows rows("t_Balance", "FAccountID, FCurrencyID, FYear, FPeriod", direction);
   for (const auto& [place, movement] : movements.by_place) {
-    const auto units = [&, &moved = movement](std::size_t i) {
-      return static_cast<std::int64_t>(direction == Direction::kPost ? moved[i] : 0 - moved[i]);
-    };
-    db.Execute("INSERT INTO t_Balance (FAccountID, FCurrencyID, FYear, FPeriod, FDebit, FCredit,"
-               " FDebitFor, FCreditFor, FDebitQty, FCreditQty)"
-               " VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"
-               " ON CONFLICT (FAccountID, FCurrencyID, FYear, FPeriod) DO UPDATE SET"
-               " FDebit = t_Balance.FDebit + excluded.FDebit,"
-               " FCredit = t_Balance.FCredit + excluded.FCredit,"
-               " FDebitFor = t_Balance.FDebitFor + excluded.FDebitFor,"
-               " FCreditFor = t_Balance.FCreditFor + excluded.FCreditFor,"
-               " FDebitQty = t_Balance.FDebitQty + excluded.FDebitQty,"
-               " FCreditQty = t_Balance.FCreditQty + excluded.FCreditQty",
-               place.first, place.second, period.year, period.period, units(0), units(1), units(2),
-               units(3), units(4), units(5));
+    rows.Move(db, movement, place.first, place.second, period.year, period.period);
+  }
+  MoveItemBalances(db, movements, period, direction);
+}
+
+void MakeItemBalances(Database& db) {
+  for (const auto& [voucher, year, period] : db.Query<Long, Long, Long>(
+           "SELECT v.FVoucherID, v.FYear, v.FPeriod FROM t_Voucher v WHERE v.FPosted = 1"
+           " AND EXISTS (SELECT 1 FROM t_VoucherEntry e JOIN t_AccountItem a ON"
+           " a.FAccountID = e.FAccountID WHERE e.FVoucherID = v.FVoucherID)")) {
+    MoveItemBalances(db, MovementsOf(db, voucher), {year, period}, Direction::kPost);
   }
 }
 

@@ -1,5 +1,5 @@
 // The balances of accounts: what each posted line adds to the account, currency and period it is
-// in.
+// in, and on an account that asks for items to those that it names.
 #pragma once
 
 #include "qdclgl/server/db/database.h"
@@ -13,5 +13,8 @@ enum class Direction { kPost, kUnPost };
 // them out. TooLarge when everything posted would not add up any more (line_size.h).
 void MoveBalances(Database& db, Long voucher_id, const std::string& name, AccountingPeriod period,
                   Direction direction);
+
+// The balances by items of books that have none yet, out of all that is posted.
+void MakeItemBalances(Database& db);
 
 }  // namespace qdclgl::server

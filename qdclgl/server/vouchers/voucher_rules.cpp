@@ -182,6 +182,21 @@ void CheckReferences(Database& db, const VoucherTree* stored, const VoucherTree&
   }
 }
 
+// Lines on accounts that ask for items name them.
+void SettleItems(Database& db, const VoucherFacts& facts, const VoucherTree* stored,
+                 VoucherTree& tree) {
+  ItemRules rules(db, stored != nullptr ? stored->lines : std::vector<VoucherLine>());
+  for (std::size_t i = 0; i < tree.lines.size(); ++i) {
+    VoucherLine& line = tree.lines[i];
+    const auto account = std::ranges::find(facts.accounts, line.cells.Get<"FAccountID">(),
+                                           &VoucherFacts::Account::id);
+    if (account->classes.empty()) continue;
+    const auto reason = rules.Settle(account->classes, line);
+    if (!reason) continue;
+    Refuse(refusal::kBadItem, LineSentence(tree, i) + "account " + account->number + *reason);
+  }
+}
+
 struct KnownUnit {
   Long id;
   Long account_id;
@@ -316,40 +331,44 @@ VoucherFacts VoucherFacts::Of(Database& db, const VoucherTree& tree) {
     for (std::size_t i = 1; i < count; ++i) text += ", ?";
     return text + ")";
   };
-  enum Kind { kSetting, kGroup, kAccount };
+  enum Kind { kSetting, kGroup, kAccount, kItemClass };
   const std::string sql =
-      "SELECT 0, 0, FKey, FValue, 0, 0 FROM t_SystemProfile WHERE FCategory = 'GL'"
+      "WITH account AS (SELECT FAccountID, FNumber, FDetail, FDelete FROM t_Account"
+      " WHERE FAccountID IN " +
+      places(ids.size()) + " OR FNumber IN " + places(numbers.size()) +
+      ") SELECT 0, 0, FKey, FValue, 0, 0 FROM t_SystemProfile WHERE FCategory = 'GL'"
       " UNION ALL SELECT 1, FGroupID, FName, '', 0, FDeleted FROM t_VoucherGroup"
       " WHERE FGroupID = ? OR FName = ?"
-      " UNION ALL SELECT 2, FAccountID, FNumber, '', FDetail, FDelete FROM t_Account"
-      " WHERE FAccountID IN " +
-      places(ids.size()) + " OR FNumber IN " + places(numbers.size());
-  std::vector<Storage> parameters = {Storage::kWhole, Storage::kText};
-  parameters.resize(2 + ids.size(), Storage::kWhole);
-  parameters.resize(2 + ids.size() + numbers.size(), Storage::kText);
-  static constexpr Storage kResults[] = {Storage::kWhole, Storage::kWhole, Storage::kText,
-                                         Storage::kText,  Storage::kWhole, Storage::kWhole};
-  Statement& statement = db.Prepared(sql, parameters, kResults);
+      " UNION ALL SELECT 2, FAccountID, FNumber, '', FDetail, FDelete FROM account"
+      " UNION ALL SELECT 3, account.FAccountID, c.FNumber, c.FName, c.FItemClassID, 0 FROM account"
+      " JOIN t_AccountItem a ON a.FAccountID = account.FAccountID"
+      " JOIN t_ItemClass c ON c.FItemClassID = a.FItemClassID";
+  Statement& statement = db.Prepared(sql);
   const Long group_id = tree.header.Get<"FGroupID">();
   std::size_t position = 0;
-  statement.Set(position++, std::int64_t{group_id});
-  statement.Set(position++, group_id != 0 ? std::string_view() : std::string_view(tree.group));
   for (const Long id : ids) statement.Set(position++, std::int64_t{id});
   for (const std::string& number : numbers) statement.Set(position++, std::string_view(number));
+  statement.Set(position++, std::int64_t{group_id});
+  statement.Set(position++, group_id != 0 ? std::string_view() : std::string_view(tree.group));
 
   std::map<std::string, std::string, std::less<>> settings;
   std::optional<Group> group;
   std::vector<Account> accounts;
+  std::map<Long, std::vector<AskedClass>> classes;  // by account
   for (statement.Open(); statement.Fetch();) {
     const auto id = static_cast<Long>(statement.Whole(1));
-    const std::string& name = statement.Text(2);
+    const std::string name(statement.Text(2));
     const bool is_deleted = statement.Whole(5) != 0;
     switch (statement.Whole(0)) {
       case kSetting: settings.emplace(name, statement.Text(3)); break;
       case kGroup: group = {id, name, is_deleted}; break;
-      default: accounts.push_back({id, name, statement.Whole(4) != 0, is_deleted});
+      case kAccount: accounts.push_back({id, name, statement.Whole(4) != 0, is_deleted}); break;
+      case kItemClass:
+        classes[id].push_back(
+            {static_cast<Long>(statement.Whole(4)), name, std::string(statement.Text(3))});
     }
   }
+  for (Account& account : accounts) account.classes = std::move(classes[account.id]);
   return {LedgerRules::From(settings), std::move(group), std::move(accounts)};
 }
 
@@ -369,6 +388,7 @@ void ApplyRules(Database& db, const VoucherFacts& facts, const VoucherTree* stor
   SettleCurrencies(db, tree);
   CheckReferences(db, stored, tree);
   SettleUnits(db, tree);
+  SettleItems(db, facts, stored, tree);
 }
 
 void GiveNumber(Database& db, const VoucherTree* stored, VoucherTree& tree) {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "qdclgl/server/periods/settings.h"
+#include "qdclgl/server/vouchers/item_rules.h"
 #include "qdclgl/server/vouchers/voucher_tree.h"
 
 namespace qdclgl::server {
@@ -22,6 +23,7 @@ struct VoucherFacts {
     std::string number;
     bool is_detail;
     bool is_deleted;
+    std::vector<AskedClass> classes = {};  // of the items that it asks for
   };
 
   LedgerRules rules;
@@ -31,11 +33,11 @@ struct VoucherFacts {
   static VoucherFacts Of(Database& db, const VoucherTree& tree);
 };
 
-// Completes what a caller left open (year, period, group, accounts and currencies given by number)
-// and holds the voucher against the rules of the books: NoLines, NotBalanced, BadAccount,
-// BadCurrency, BadReference, BadSide, BadGroup, PeriodClosed, WrongPeriod, Required, BadNumber,
-// BadValue, TooLarge, NotAtRate, NegativeAmount. What lines refer to in the voucher as it is stored
-// (null for a new one) they keep. The number is not given yet.
+// Completes what a caller left open (year, period, group, accounts, currencies and items given by
+// number) and holds the voucher against the rules of the books: NoLines, NotBalanced, BadAccount,
+// BadCurrency, BadItem, BadReference, BadSide, BadGroup, PeriodClosed, WrongPeriod, Required,
+// BadNumber, BadValue, TooLarge, NotAtRate, NegativeAmount. What lines refer to in the voucher as
+// it is stored (null for a new one) they keep. The number is not given yet.
 void ApplyRules(Database& db, const VoucherFacts& facts, const VoucherTree* stored,
                 VoucherTree& tree);
 

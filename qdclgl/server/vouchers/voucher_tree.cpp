@@ -24,7 +24,6 @@ constexpr auto Joined(const Column (&... lists)[N]) {
 }
 
 constexpr Column kGroupName[] = {{"FGroup", ColumnType::kText}};
-constexpr Column kVersion[] = {{"FVersion", ColumnType::kLong}};
 constexpr Column kExtra[] = {{kExtraColumn, ColumnType::kText}};
 // Behind the id of whoever has the lines.
 constexpr Column kLinePlace[] = {{"FEntryID", ColumnType::kLong}};
@@ -186,9 +185,7 @@ LineTables::LineTables(std::string_view owners, std::string_view id, std::string
     : lines_(TableOf(lines, id, Joined(kLinePlace, kLineColumns, kExtra))),
       details_(TableOf(details, id, Joined(kDetailPlace, kDetailColumns))),
       insert_lines_(lines, lines_.columns),
-      insert_details_(details, details_.columns),
-      line_results_(StoragesOf(Joined(kLineColumns, kLineNames, kExtra, kVersion))),
-      detail_results_(StoragesOf(Joined(kLinePlace, kDetailColumns, kVersion))) {
+      insert_details_(details, details_.columns) {
   const std::string own_id(id);
   const auto from = [&](std::string_view table, const std::string& row) {
     return ", owner.FVersion FROM " + std::string(table) + " " + row + " JOIN " +
@@ -213,9 +210,8 @@ LineTables::LineTables(std::string_view owners, std::string_view id, std::string
 
 bool LineTables::Read(Database& db, Long owner, Long version, bool has_details,
                       std::vector<VoucherLine>& lines) const {
-  static constexpr Storage kParameters[] = {Storage::kWhole};
   bool is_same = true;
-  Statement& statement = db.Prepared(read_lines_, kParameters, line_results_);
+  Statement& statement = db.Prepared(read_lines_);
   statement.Set(0, std::int64_t{owner});
   for (statement.Open(); statement.Fetch();) {
     VoucherLine& line = lines.emplace_back();
@@ -227,7 +223,7 @@ bool LineTables::Read(Database& db, Long owner, Long version, bool has_details,
   }
   if (!is_same || !has_details) return is_same;
 
-  Statement& details = db.Prepared(read_details_, kParameters, detail_results_);
+  Statement& details = db.Prepared(read_details_);
   details.Set(0, std::int64_t{owner});
   bool is_empty = true;
   for (details.Open(); details.Fetch(); is_empty = false) {
@@ -309,12 +305,9 @@ Ref<Dictionary> VoucherTree::ToRow() const {
 
 namespace {
 
-// The types of what kSelectHeader gives.
-const std::vector<Storage>& HeaderResults() {
-  static const std::vector<Storage> kResults =
-      StoragesOf(Joined(kStateColumns, kHeaderColumns, kGroupName, kExtra));
-  return kResults;
-}
+// How much kSelectHeader gives.
+constexpr std::size_t kHeaderResults = std::size(kStateColumns) + std::size(kHeaderColumns) +
+                                       std::size(kGroupName) + std::size(kExtra);
 
 VoucherTree HeaderFrom(const Statement& statement) {
   VoucherTree tree;
@@ -328,15 +321,9 @@ VoucherTree HeaderFrom(const Statement& statement) {
 
 // Reads a header and confirms the caller by one query.
 std::optional<VoucherTree> ReadHeader(const Caller& caller, Long id) {
-  static constexpr Storage kParameters[] = {Storage::kWhole, Storage::kWhole};
   static const std::string kSql =
       kHeaderCells + ", (" + StandingQuery("?") + ") AS standing" + kFromHeaders + kById;
-  static const std::vector<Storage> kResults = [] {
-    std::vector<Storage> results = HeaderResults();
-    results.push_back(Storage::kText);
-    return results;
-  }();
-  Statement& statement = caller.db.Prepared(kSql, kParameters, kResults);
+  Statement& statement = caller.db.Prepared(kSql);
   statement.Set(0, std::int64_t{caller.session->user_id});
   statement.Set(1, std::int64_t{id});
   statement.Open();
@@ -344,9 +331,8 @@ std::optional<VoucherTree> ReadHeader(const Caller& caller, Long id) {
     caller.Confirm();
     return std::nullopt;
   }
-  const std::size_t place = HeaderResults().size();
   std::optional<std::string> standing;
-  if (!statement.IsNull(place)) standing = statement.Text(place);
+  if (!statement.IsNull(kHeaderResults)) standing = statement.Text(kHeaderResults);
   VoucherTree tree = HeaderFrom(statement);
   statement.Reset();
   caller.Confirm(standing);
@@ -356,11 +342,9 @@ std::optional<VoucherTree> ReadHeader(const Caller& caller, Long id) {
 }  // namespace
 
 std::optional<VoucherTree> VoucherTree::Hold(Database& db, Long id) {
-  static constexpr Storage kParameters[] = {Storage::kWhole};
   static const std::string kSQLite = kSelectHeader + kById;
   static const std::string kPostgreSQL = kSQLite + " FOR UPDATE OF v";
-  Statement& statement =
-      db.Prepared(db.Dialect(kSQLite, kPostgreSQL), kParameters, HeaderResults());
+  Statement& statement = db.Prepared(db.Dialect(kSQLite, kPostgreSQL));
   statement.Set(0, std::int64_t{id});
   statement.Open();
   if (!statement.Fetch()) return std::nullopt;
@@ -389,20 +373,18 @@ bool VoucherTree::ReadLines(Database& db) {
 
 std::vector<VoucherTree> VoucherTree::ReadRange(Database& db, Long first, Long last) {
   // A statement for the rows between the two ids.
-  const auto rows = [&](const std::string& sql, std::string_view table, std::string_view order,
-                        std::span<const Storage> results) -> Statement& {
-    static constexpr Storage kParameters[] = {Storage::kWhole, Storage::kWhole};
+  const auto rows = [&](const std::string& sql, std::string_view table,
+                        std::string_view order) -> Statement& {
     Statement& statement =
         db.Prepared(sql + " WHERE " + std::string(table) + ".FVoucherID BETWEEN ? AND ? ORDER BY " +
-                        std::string(order),
-                    kParameters, results);
+                    std::string(order));
     statement.Set(0, std::int64_t{first});
     statement.Set(1, std::int64_t{last});
     statement.Open();
     return statement;
   };
   std::vector<VoucherTree> trees;
-  Statement& headers = rows(kSelectHeader, "v", "v.FVoucherID", HeaderResults());
+  Statement& headers = rows(kSelectHeader, "v", "v.FVoucherID");
   while (headers.Fetch()) trees.push_back(HeaderFrom(headers));
 
   // Lines and details come in the order of their vouchers. Those of none are left out: foreign keys
@@ -414,8 +396,7 @@ std::vector<VoucherTree> VoucherTree::ReadRange(Database& db, Long first, Long l
   const std::vector<Column>& line_columns = VoucherLines().lines().columns;
   static const std::string kLines =
       "SELECT " + NamesOf(line_columns, "e.") + " FROM t_VoucherEntry e";
-  static const std::vector<Storage> kLineResults = StoragesOf(line_columns);
-  Statement& line_rows = rows(kLines, "e", "e.FVoucherID, e.FEntryID", kLineResults);
+  Statement& line_rows = rows(kLines, "e", "e.FVoucherID, e.FEntryID");
   for (auto voucher = voucher_of; line_rows.Fetch();) {
     VoucherTree* const tree = voucher(line_rows.Whole(0));
     if (tree == nullptr) continue;
@@ -426,9 +407,7 @@ std::vector<VoucherTree> VoucherTree::ReadRange(Database& db, Long first, Long l
   const std::vector<Column>& detail_columns = VoucherLines().details().columns;
   static const std::string kDetailRows =
       "SELECT " + NamesOf(detail_columns, "d.") + " FROM t_VoucherDetail d";
-  static const std::vector<Storage> kDetailResults = StoragesOf(detail_columns);
-  Statement& detail_rows =
-      rows(kDetailRows, "d", "d.FVoucherID, d.FEntryID, d.FIndex", kDetailResults);
+  Statement& detail_rows = rows(kDetailRows, "d", "d.FVoucherID, d.FEntryID, d.FIndex");
   for (auto voucher = voucher_of; detail_rows.Fetch();) {
     VoucherTree* const tree = voucher(detail_rows.Whole(0));
     const auto entry = static_cast<std::size_t>(detail_rows.Whole(1));
@@ -466,9 +445,7 @@ void VoucherTree::Insert(Database& db) {
     return "INSERT INTO t_Voucher (" + NamesOf(kHeaderTable) + ") VALUES (" + places +
            ") RETURNING FVoucherID";
   }();
-  static const std::vector<Storage> kParameters = StoragesOf(kHeaderTable);
-  static constexpr Storage kResults[] = {Storage::kWhole};
-  Statement& statement = db.Prepared(kInsert, kParameters, kResults);
+  Statement& statement = db.Prepared(kInsert);
   BindHeader(statement, *this);
   statement.Open();
   statement.Fetch();
@@ -486,13 +463,8 @@ void VoucherTree::Update(Database& db) const {
     }
     return "UPDATE t_Voucher SET " + sets + " WHERE FVoucherID = ?";
   }();
-  static const std::vector<Storage> kParameters = [] {
-    std::vector<Storage> types = StoragesOf(kHeaderTable);
-    types.push_back(Storage::kWhole);
-    return types;
-  }();
   const Long id = state.Get<"FVoucherID">();
-  Statement& statement = db.Prepared(kUpdate, kParameters, {});
+  Statement& statement = db.Prepared(kUpdate);
   BindHeader(statement, *this);
   statement.Set(kHeaderTable.size(), std::int64_t{id});
   statement.Execute();

@@ -128,6 +128,7 @@ class Cells {
 using HeaderCells = Cells<kHeaderColumns>;
 using StateCells = Cells<kStateColumns>;
 using LineCells = Cells<kLineColumns>;
+using DetailCells = Cells<kDetailColumns>;
 
 struct VoucherLine {
   LineCells cells;
@@ -163,7 +164,6 @@ class LineTables {
   StoredTable lines_, details_;
   RowInsertion insert_lines_, insert_details_;
   std::string read_lines_, read_details_, remove_lines_, remove_details_;
-  std::vector<Storage> line_results_, detail_results_;
 };
 
 struct VoucherTree {

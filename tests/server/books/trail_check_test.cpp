@@ -59,6 +59,8 @@ class TrailCheckTest : public LedgerTest {
     MakeRecord("Item.SubMesTypeUpdate", Row({{"FName", "Colours"}}));
     MakeRecord("Item.SubMesUpdate",
                Row({{"FTypeID", Long{1}}, {"FNumber", "R"}, {"FName", "Red"}}));
+    MakeRecord("Items.ItemUpdate",
+               Row({{"FItemClassID", Long{1}}, {"FNumber", "SALES"}, {"FName", "Sales"}}));
     MakeRecord("Note.NoteUpdate", Row({{"FName", "Receipt"}, {"FData", "form"}}));
     const Ref<Dictionary> line = Line("1000", 0, 8);
     line->Put("_Details", ListOf({Row({{"FItemClassID", Long{4}}, {"FValue", "Shop"}})}));

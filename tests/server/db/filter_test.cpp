@@ -65,8 +65,9 @@ TEST(FilterTest, ErrorsTellThePlace) {
             "The filter can't be understood at character 9: AND, OR or the end is expected.");
   EXPECT_EQ(Refused("FName = '元𝄞' x"),
             "The filter can't be understood at character 15: AND, OR or the end is expected.");
-  EXPECT_EQ(Refused("FNope = 1"),
-            "The filter can't be understood at character 1: there is no column FNope.");
+  EXPECT_EQ(Refused("FNope = 1"), "The filter can't be understood at character 1: there is no "
+                                  "column FNope; there are FID, FSmall, FFlag, FAmount, "
+                                  "FRate, FDate, FName, FOther.");
 }
 
 TEST(FilterTest, WhatIsNotTheLanguageIsRefused) {

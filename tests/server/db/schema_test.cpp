@@ -260,6 +260,47 @@ TEST_P(FormerBooksTest, HaveTheSettlementTypesThatTheirLinesName) {
   RemoveBooks(former);
 }
 
+TEST_P(FormerBooksTest, HaveTheItemsThatTheirLinesNameAndBalancesByThem) {
+  const std::string former = FormerBooks(2);
+  {
+    // What callers could write there: account 1 asks for customers, 3 for goods, and the lines of
+    // vouchers 1 and 3 name some.
+    Database db(ConnectionText::Parse(former));
+    db.Execute("INSERT INTO t_AccountItem VALUES (1, 3, '', '')");
+    db.Execute("INSERT INTO t_AccountItem VALUES (1, 77, '', '')");
+    db.Execute("INSERT INTO t_AccountItem VALUES (3, 5, '', '')");
+    const auto add = [&](Long voucher, Long account, Long item_class, Long item) {
+      db.Execute("INSERT INTO t_VoucherDetail SELECT FVoucherID, FEntryID, 5 + ?, 0, ?, '', '', ?,"
+                 " '', 'Anna', '', '' FROM t_VoucherEntry WHERE FVoucherID = ? AND FAccountID = ?",
+                 item_class, item_class, item, voucher, account);
+    };
+    add(1, 1, 3, 70);
+    add(1, 1, 4, 71);
+    add(1, 1, 77, 72);
+  }
+  Upgrade(former);
+  props = Call("QDSVGLSession.SessionUpdate", "Login", former, "administrator", "").As<String>();
+  EXPECT_EQ(
+      TextOf(Call("QDSVGLItem.ItemInfo", "GetList", props).As<Recordset>(),
+             {"FItemID", "FItemClassID", "FNumber", "FName", "FFullName", "FLevel", "FDetail"}),
+      "70 3 70 Anna Anna 1 True\n");
+  for (const char* method : {"GetItemList", "GetItemListFromLines"}) {
+    const auto list = [&](const char* classes) {
+      return TextOf(Call("QDSVGLBalance.BalanceInfo", method, props, classes).As<Recordset>(),
+                    {"FAccountID", "FCurrencyID", "FItemID1", "FItemNumber1", "FDebit", "FCredit"});
+    };
+    EXPECT_EQ(list("CUSTOMER"), "1 0 70 70 100.5 0\n1 1 70 70 100.5 0\n") << method;
+    EXPECT_EQ(list("GOODS"), "3 0 0  0 210.5\n3 1 0  0 210.5\n") << method;
+  }
+  EXPECT_EQ(Breaches(), "");
+  EXPECT_EQ(Call("QDSVGLItem.ItemUpdate", "Create", props, Long{3},
+                 Row({{"FNumber", "NEXT"}, {"FName", "Next"}}))
+                .As<Long>(),
+            71)
+      << "ids go on behind them";
+  RemoveBooks(former);
+}
+
 // Books whose trail had begun before their kinds of records were all there.
 TEST_P(SchemaTest, RecordsThatAnUpgradeMakesAreOnTheTrail) {
   const auto types =

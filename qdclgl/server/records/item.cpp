@@ -1,0 +1,191 @@
+// Items of item classes: a tree within each class, by the id of the item above. The server keeps
+// level, full number, full name and detail flag.
+#include "qdclgl/server/records/item.h"
+
+#include "qdclgl/server/db/refusals.h"
+
+namespace qdclgl::server {
+
+const MasterData& ItemClasses();
+
+namespace {
+
+constexpr Integer kDeepestLevel = 50;
+
+bool IsUsedInLines(Database& db, Long id) {
+  return db
+      .QueryValue<int>("SELECT 1 FROM t_VoucherDetail WHERE FItemID = ? AND FItemID <> 0 LIMIT 1",
+                       id)
+      .has_value();
+}
+
+// ---- The tree ----
+
+bool HasItemsBelow(Database& db, Long id, bool deleted_too) {
+  const std::string in_use = deleted_too ? "" : " AND FDeleted = 0";
+  return db
+      .QueryValue<int>(
+          "SELECT 1 FROM t_Item WHERE FParentID = ? AND FParentID <> 0" + in_use + " LIMIT 1", id)
+      .has_value();
+}
+
+// An item is a detail item unless there are items below it, or it says that it is none.
+void KeepDetailFlag(Database& db, Long id) {
+  db.Execute(
+      "UPDATE t_Item SET FDetail = CASE WHEN FUNDetail <> 0 OR EXISTS (SELECT 1 FROM t_Item child"
+      " WHERE child.FParentID = t_Item.FItemID AND child.FParentID <> 0) THEN 0 ELSE 1 END"
+      " WHERE FItemID = ?",
+      id);
+}
+
+void RefuseBelowItself(const RecordSave& save, Long parent) {
+  while (parent != 0) {
+    if (parent == save.id()) save.Refuse(refusal::kNoParent, "it would stand below itself.");
+    parent = save.db()
+                 .QueryValue<Long>("SELECT FParentID FROM t_Item WHERE FItemID = ?", parent)
+                 .value_or(0);
+  }
+}
+
+bool Moves(const RecordSave& save) { return save.Changes("FParentID"); }
+
+Ref<Dictionary> ParentFor(const RecordSave& save, Long parent_id) {
+  const auto refuse = [&](const std::string& reason) { save.Refuse(refusal::kNoParent, reason); };
+  const Ref<Dictionary> parent = Items().Read(save.db(), parent_id);
+  if (!parent || parent->Value("FItemClassID").As<Long>() != save.Number("FItemClassID")) {
+    refuse("there is no item " + std::to_string(parent_id) + " of its class above it.");
+  }
+  if (parent->Value("FDeleted").As<Boolean>() && save.Number("FDeleted") == 0) {
+    refuse("item " + Items().NameOf(*parent) + " above it is deleted.");
+  }
+  if (Moves(save)) {
+    if (!save.is_new()) RefuseBelowItself(save, parent_id);
+    if (IsUsedInLines(save.db(), parent_id)) {
+      save.Refuse(refusal::kParentInUse,
+                  "item " + Items().NameOf(*parent) + " above it has lines in vouchers.");
+    }
+  }
+  return parent;
+}
+
+void PlaceInTree(RecordSave& save) {
+  Dictionary& record = save.record();
+  const Long parent_id = save.Number("FParentID");
+  if (parent_id == 0) {
+    record.Put("FLevel", Integer{1});
+    record.Put("FFullNumber", record.Value("FNumber"));
+    record.Put("FFullName", record.Value("FName"));
+    return;
+  }
+  const Ref<Dictionary> parent = ParentFor(save, parent_id);
+  const Long level = parent->Value("FLevel").As<Long>() + 1;
+  if (level > kDeepestLevel) {
+    save.Refuse(refusal::kBadValue,
+                "items have at most " + std::to_string(kDeepestLevel) + " levels.");
+  }
+  record.Put("FLevel", static_cast<Integer>(level));
+  record.Put("FFullNumber", parent->Value("FFullNumber").As<String>() + "." + save.Text("FNumber"));
+  record.Put("FFullName", parent->Value("FFullName").As<String>() + "_" + save.Text("FName"));
+}
+
+// Levels and full names of the items below follow from those of the item itself.
+void PlaceBelow(const RecordSave& save) {
+  Database& db = save.db();
+  db.Execute("WITH RECURSIVE below (FItemID, FLevel, FFullNumber, FFullName) AS ("
+             " SELECT FItemID, FLevel, FFullNumber, FFullName FROM t_Item WHERE FItemID = ?"
+             " UNION ALL SELECT i.FItemID, b.FLevel + 1, b.FFullNumber || '.' || i.FNumber,"
+             " b.FFullName || '_' || i.FName FROM t_Item i JOIN below b ON i.FParentID = b.FItemID"
+             " AND i.FParentID <> 0)"
+             " UPDATE t_Item SET FLevel = below.FLevel, FFullNumber = below.FFullNumber,"
+             " FFullName = below.FFullName FROM below WHERE below.FItemID = t_Item.FItemID",
+             save.id());
+  const auto deepest = db.QueryValue<Long>("SELECT MAX(FLevel) FROM t_Item WHERE FItemClassID = ?",
+                                           save.Number("FItemClassID"));
+  if (deepest > Long{kDeepestLevel}) {
+    save.Refuse(refusal::kBadValue,
+                "items have at most " + std::to_string(kDeepestLevel) + " levels.");
+  }
+}
+
+// ---- Saving ----
+
+void Check(RecordSave& save) {
+  save.RequireKey();
+  save.RequireText("FName");
+  save.RequireReferences();
+  if (!save.is_new() && save.Changes("FItemClassID")) {
+    save.Refuse(refusal::kBadValue, "an item stays in its class.");
+  }
+  save.RequireUniqueKey();
+  if (!save.is_new() && save.Number("FDeleted") != 0 &&
+      HasItemsBelow(save.db(), save.id(), false)) {
+    save.Refuse(refusal::kHasChildren, "it has items below it.");
+  }
+  PlaceInTree(save);
+}
+
+void Follow(RecordSave& save) {
+  Database& db = save.db();
+  if (!save.is_new() && (Moves(save) || save.Changes("FNumber") || save.Changes("FName"))) {
+    PlaceBelow(save);
+  }
+  if (!save.is_new() && Moves(save)) {
+    KeepDetailFlag(db, save.stored().Value("FParentID").As<Long>());
+  }
+  KeepDetailFlag(db, save.Number("FParentID"));
+  KeepDetailFlag(db, save.id());
+}
+
+void Remove(RecordRemoval& removal) {
+  Database& db = removal.db();
+  if (HasItemsBelow(db, removal.id(), true)) {
+    removal.Refuse(refusal::kHasChildren, "it has items below it.");
+  }
+  if (IsUsedInLines(db, removal.id())) removal.Refuse(refusal::kInUse, "vouchers use it.");
+  removal.Remove();
+  KeepDetailFlag(db, removal.stored().Value("FParentID").As<Long>());
+}
+
+}  // namespace
+
+const MasterData& Items() {
+  using enum ColumnType;
+  using enum Keeper;
+  static const MasterData kKind({
+      .component = "QDSVGLItems.Item",
+      .noun = "item",
+      .nouns = "items",
+      .list = {"items", "Lists the items of item classes",
+               "FItemID FItemClassID FNumber FName FFullName"},
+      .table = "t_Item",
+      .id = "FItemID",
+      .key = {.column = "FNumber", .ignores_case = true, .within = "FItemClassID"},
+      .deleted = "FDeleted",
+      .columns = {{.column = {"FItemClassID", kLong},
+                   .refers = {.kind = ItemClasses, .is_required = true}},
+                  {{"FParentID", kLong}},
+                  {{"FNumber", kText}},
+                  {{"FName", kText}},
+                  {{"FFullNumber", kText}, kDerived},
+                  {{"FFullName", kText}, kDerived},
+                  {{"FLevel", kInteger}, kDerived},
+                  {{"FDetail", kBoolean}, kDerived},
+                  {{"FUNDetail", kBoolean}},
+                  {{"FHelpCode", kText}},
+                  {{"FModel", kText}},
+                  {{"FChkUserID", kLong}, kServer},
+                  {{"FRemark", kText}},
+                  {{"FDeleted", kBoolean}},
+                  {{"UUID", kText}}},
+      .order = "FItemClassID, FNumber",
+      .check = Check,
+      .follow = Follow,
+      .remove = Remove,
+      .errors = "Required, BadReference, NumberTaken, NoParent, ParentInUse, HasChildren, BadValue",
+      .helps = {{"Delete", "Removes an item. NotFound, InUse, HasChildren."}},
+      .components = ItemComponents(),
+  });
+  return kKind;
+}
+
+}  // namespace qdclgl::server

@@ -1,0 +1,13 @@
+// Items: the records of item classes, a tree within each class.
+#pragma once
+
+#include "qdclgl/server/records/record_save.h"
+
+namespace qdclgl::server {
+
+const MasterData& Items();
+
+// The components that clients know items by, and sub-messages with them.
+std::vector<ServerComponent> ItemComponents();
+
+}  // namespace qdclgl::server
