@@ -3,13 +3,13 @@
 
 #include <string>
 
-#include "qdclgl/server/db/connection_text.h"
-
 namespace qdclgl::server {
 
-// The sentence of DatabaseBusy: how long was waited, and, where the database tells, who has held
-// something all that time. `backend` is PostgreSQL's number of the connection that waited. Raises
-// nothing.
-std::string SentenceOfBusyBooks(const ConnectionText& text, int backend) noexcept;
+// How long was waited.
+std::string SentenceOfWaiting(int seconds);
+
+// PostgreSQL: a query on another connection for the sentence that follows: who has been in the way
+// all that time. `backend` is the server's number of the connection that waited.
+std::string QueryOfHolder(int backend);
 
 }  // namespace qdclgl::server

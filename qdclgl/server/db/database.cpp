@@ -43,7 +43,7 @@ std::string Lock(std::string_view function, std::string_view schema, int what) {
 }
 
 std::unique_ptr<Driver> DriverFor(const ConnectionText& text) {
-  auto on_busy = [text](int backend) { return SentenceOfBusyBooks(text, backend); };
+  auto on_busy = [text](int backend) { return BusySentence(text, backend); };
   if (text.IsSQLite()) return std::make_unique<SQLiteDriver>(text, std::move(on_busy));
   return std::make_unique<PostgreSQLDriver>(text, std::move(on_busy));
 }
@@ -75,6 +75,16 @@ Database::Database(const ConnectionText& text)
 }
 
 Database::~Database() = default;
+
+std::string Database::BusySentence(const ConnectionText& text, int backend) {
+  std::string sentence = SentenceOfWaiting(text.Number(connection_key::kLockTimeout));
+  if (text.IsSQLite()) return sentence;
+  try {
+    return sentence + Database(text).driver_->Run(QueryOfHolder(backend));
+  } catch (const Error&) {
+    return sentence;  // who it is can't be told now
+  }
+}
 
 bool Database::IsStale() const { return driver_->IsStale(); }
 

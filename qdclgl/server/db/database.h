@@ -165,6 +165,8 @@ class Database {
     else return Storage_::In(statement.Text(position));
   }
 
+  // What is told to who waited for others too long.
+  static std::string BusySentence(const ConnectionText& text, int backend);
   // Runs a statement once.
   void Command(std::string_view sql);
   // The same past the hook and for the words of the transaction language.

@@ -1,43 +1,54 @@
 #include "qdclgl/server/db/sha256.h"
 
-#include <sodium.h>
+#include <openssl/evp.h>
+
+#include <array>
+#include <new>
 
 namespace qdclgl::server {
 
 namespace {
 
-std::string DigitsOf(const unsigned char (&hash)[crypto_hash_sha256_BYTES]) {
-  char digits[2 * sizeof hash + 1];
-  return sodium_bin2hex(digits, sizeof digits, hash, sizeof hash);
+// Looked up once: the library looks for it by name, which takes longer than most hashes.
+const EVP_MD* Algorithm() {
+  static const EVP_MD* const kAlgorithm = EVP_MD_fetch(nullptr, "SHA256", nullptr);
+  return kAlgorithm;
 }
 
-const unsigned char* BytesOf(std::string_view text) {
-  return reinterpret_cast<const unsigned char*>(text.data());
+void Require(bool done) {
+  if (!done) throw std::bad_alloc();  // nothing else can fail
 }
 
 }  // namespace
 
 struct Sha256::State {
-  crypto_hash_sha256_state sum;
+  ~State() { EVP_MD_CTX_free(sum); }
+  EVP_MD_CTX* sum = EVP_MD_CTX_new();
 };
 
-Sha256::Sha256() : state_(std::make_unique<State>()) { crypto_hash_sha256_init(&state_->sum); }
+Sha256::Sha256() : state_(std::make_unique<State>()) {
+  Require(state_->sum != nullptr && EVP_DigestInit_ex(state_->sum, Algorithm(), nullptr) == 1);
+}
 Sha256::~Sha256() = default;
 
 void Sha256::Add(std::string_view text) {
-  crypto_hash_sha256_update(&state_->sum, BytesOf(text), text.size());
+  Require(EVP_DigestUpdate(state_->sum, text.data(), text.size()) == 1);
 }
 
 std::string Sha256::Digits() {
-  unsigned char hash[crypto_hash_sha256_BYTES];
-  crypto_hash_sha256_final(&state_->sum, hash);
-  return DigitsOf(hash);
+  static constexpr char kDigits[] = "0123456789abcdef";
+  std::array<unsigned char, 32> hash;
+  Require(EVP_DigestFinal_ex(state_->sum, hash.data(), nullptr) == 1);
+  std::string digits;
+  digits.reserve(2 * hash.size());
+  for (const unsigned char byte : hash) digits.append({kDigits[byte / 16], kDigits[byte % 16]});
+  return digits;
 }
 
 std::string Sha256Of(std::string_view text) {
-  unsigned char hash[crypto_hash_sha256_BYTES];
-  crypto_hash_sha256(hash, BytesOf(text), text.size());
-  return DigitsOf(hash);
+  Sha256 sum;
+  sum.Add(text);
+  return sum.Digits();
 }
 
 }  // namespace qdclgl::server
