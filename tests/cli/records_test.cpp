@@ -12,6 +12,7 @@
 
 #include "qdclgl/cli/program.h"
 #include "qdclgl/server/db/connections.h"
+#include "qdclgl/server/db/sha256.h"
 #include "tests/cli/cli_fixture.h"
 
 namespace qdclgl::cli::testing {
@@ -457,6 +458,34 @@ TEST_P(Records, TheBooksCanComeFromTheEnvironment) {
   EXPECT_EQ(RunInProcess({"remove", book, "groups", "Receipts", "--yes"}).code, 0);
   unsetenv("QDCLGL_BOOK");
   ExpectWrongUsage(RunInProcess({"show", "groups", "Receipts"}), "no BOOK is given");
+}
+
+TEST_P(Records, TheDataOfANoteAreTheBytesOfAFileWhateverTheyAre) {
+  Make();
+  std::string bytes;
+  for (int i = 0; i < 256; ++i) bytes += static_cast<char>(i);
+  bytes += "\n\r\n";
+  const auto set = [&](const std::string& content) {
+    return Run({"set", "notes", "Form", "FData=@" + folder.Write("form.bin", content)});
+  };
+  const auto kept = [&] {
+    const auto note =
+        Json::parse(Run({"list", "notes", "--json", "--filter", "FName = 'Form'"}).out).at(0);
+    return TextOf(note["FDataKind"]) + " " + TextOf(note["FDataSize"]) + " " +
+           TextOf(note["FDataHash"]);
+  };
+  ExpectDone(Run({"add", "notes", "Form"}));
+  ExpectDone(set(bytes));
+  EXPECT_EQ(kept(), "Byte array 259 " + server::Sha256Of(bytes));
+  const std::string largest(16 * 1024 * 1024, '\xff');
+  ExpectDone(set(largest));
+  EXPECT_EQ(kept(), "Byte array 16777216 " + server::Sha256Of(largest));
+  ExpectRefused(set(largest + "x"), "8004422D");
+  EXPECT_EQ(kept(), "Byte array 16777216 " + server::Sha256Of(largest));
+  ExpectDone(Run({"set", "notes", "Form", "FData=@@words"}));
+  EXPECT_EQ(kept(), "String 6 " + server::Sha256Of("@words"));
+  EXPECT_EQ(Run({"set", "notes", "Form", "FData=@" + folder.Path("none")}).code, 6);
+  EXPECT_EQ(Run({"doctor"}).out, "The books are in order.\n");
 }
 
 TEST_P(Records, AKeyIsOneWordWhateverItHolds) {

@@ -21,7 +21,6 @@ struct Page {
 };
 
 // The values of a statement's placeholders.
-std::vector<Storage> StoragesOf(std::span<const BoundValue> values);
 void SetAll(Statement& statement, std::span<const BoundValue> values);
 
 // What a list is made of. The columns are those of the recordset, and those that filter and sort

@@ -133,14 +133,12 @@ ItemField::TakenValue ItemField::TakeHeld(const Variant& held) const {
 void ItemField::EachHeld(Database& db, Long item_class,
                          const std::function<void(Long item, const Variant& held)>& look) const {
   const Column columns[] = {{"FItemID", ColumnType::kLong}, *FindColumn(ItemSlots(), slot)};
-  static constexpr Storage kParameters[] = {Storage::kWhole};
-  Statement statement =
+  const std::unique_ptr<Statement> statement =
       db.MakeStatement("SELECT " + NamesOf(columns) + " FROM t_Item WHERE FItemClassID = ? AND " +
-                           HoldsSomething(columns[1]) + " ORDER BY FItemID",
-                       kParameters, StoragesOf(columns));
-  statement.Set(0, std::int64_t{item_class});
-  for (statement.Open(); statement.Fetch();) {
-    const std::vector<Variant> cells = ReadCells(statement, columns);
+                       HoldsSomething(columns[1]) + " ORDER BY FItemID");
+  statement->Set(0, std::int64_t{item_class});
+  for (statement->Open(); statement->Fetch();) {
+    const std::vector<Variant> cells = ReadCells(*statement, columns);
     look(cells[0].As<Long>(), cells[1]);
   }
 }
@@ -154,12 +152,9 @@ ItemFields::ItemFields(Database& db, Long item_class) {
       {"FScale", ColumnType::kInteger}, {"FDefaultValue", ColumnType::kText},
       {"FSaveRule", ColumnType::kText}, {"FSearch", ColumnType::kLong},
       {"FSlot", ColumnType::kText}};
-  static constexpr Storage kParameters[] = {Storage::kWhole};
   Statement& statement =
       db.Prepared("SELECT " + NamesOf(kColumns) +
-                      " FROM t_ItemClassField WHERE FItemClassID = ? AND FSlot <> ''"
-                      " ORDER BY FPropID",
-                  kParameters, StoragesOf(kColumns));
+                  " FROM t_ItemClassField WHERE FItemClassID = ? AND FSlot <> '' ORDER BY FPropID");
   statement.Set(0, std::int64_t{item_class});
   const Ref<KeyList> keys = KeysOf(kColumns);
   for (statement.Open(); statement.Fetch();) {

@@ -60,11 +60,10 @@ class ItemList {
     const std::string sql = "SELECT COUNT(*) FROM (SELECT 1 FROM (" + Source(hidden) +
                             ") AS list WHERE " + filter_.sql + " LIMIT " +
                             std::to_string(kFew + 1) + ")";
-    static constexpr Storage kResults[] = {Storage::kWhole};
-    Statement statement = db_.MakeStatement(sql, StoragesOf(filter_.values), kResults);
-    SetAll(statement, filter_.values);
-    statement.Open();
-    return statement.Fetch() && statement.Whole(0) <= kFew;
+    const std::unique_ptr<Statement> statement = db_.MakeStatement(sql);
+    SetAll(*statement, filter_.values);
+    statement->Open();
+    return statement->Fetch() && statement->Whole(0) <= kFew;
   }
 
   // The SELECT of the columns, some of them hidden from indexes.

@@ -13,6 +13,7 @@ namespace qdclgl::server {
 
 const MasterData& Accounts();
 const MasterData& Currencies();
+const MasterData& SettTypes();
 const MasterData& VoucherGroups();
 
 namespace {
@@ -255,7 +256,8 @@ const MasterData& VoucherTemps() {
                  .table = TempLines().lines(),
                  .order = "FVoucherTempID, FEntryID",
                  .refers = {{"FAccountID", {Accounts, true, refusal::kBadAccount}},
-                            {"FCurrencyID", {Currencies, true, refusal::kBadCurrency}}}},
+                            {"FCurrencyID", {Currencies, true, refusal::kBadCurrency}},
+                            {"FSettleTypeID", {SettTypes}}}},
                 {.key = kDetails,
                  .table = TempLines().details(),
                  .order = "FVoucherTempID, FEntryID, FIndex",
@@ -266,7 +268,7 @@ const MasterData& VoucherTemps() {
       .remove = Remove,
       .info = RecordClassOf<VoucherTempInfo>(),
       .errors = "Required, BadValue, BadGroup, BadNumber, NumberTaken, BadAccount, BadCurrency, "
-                "BadSide",
+                "BadReference, BadSide",
       .helps =
           {{"Create",
             "Saves a new template with its lines, which need accounts and no balance; its id "

@@ -42,3 +42,9 @@ UPDATE t_UnitGroup SET FDefaultUnitID = (
   WHERE u.FUnitGroupID = t_UnitGroup.FUnitGroupID
 ) WHERE FDefaultUnitID = 0 AND FUnitGroupID IN (SELECT FGroupID FROM t_NamedUnit);
 DROP TABLE t_NamedUnit;
+
+-- Settlement types that templates named and that were gone.
+INSERT INTO t_SettType (FItemID, FVersion, FNumber, FName, FAcctID, FBrNo, FDeleted)
+  SELECT DISTINCT FSettleTypeID, 1, REPLACE('TEMPLATES_' || FSettleTypeID, '-', '_'), '', 0, '0', 0
+  FROM t_VoucherTempEntry
+  WHERE FSettleTypeID <> 0 AND FSettleTypeID NOT IN (SELECT FItemID FROM t_SettType);
