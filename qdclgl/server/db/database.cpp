@@ -42,8 +42,7 @@ std::string Lock(std::string_view function, std::string_view schema, int what) {
   return std::string(function) + "(hashtext(" + place + "), " + std::to_string(what) + ")";
 }
 
-std::unique_ptr<Driver> DriverFor(const ConnectionText& text) {
-  auto on_busy = [text](int backend) { return BusySentence(text, backend); };
+std::unique_ptr<Driver> DriverFor(const ConnectionText& text, Driver::OnBusy on_busy) {
   if (text.IsSQLite()) return std::make_unique<SQLiteDriver>(text, std::move(on_busy));
   return std::make_unique<PostgreSQLDriver>(text, std::move(on_busy));
 }
@@ -56,7 +55,9 @@ constexpr int kRules = 0, kBatchAlone = 1, kSessions = 3;
 // ---- The connection ----
 
 Database::Database(const ConnectionText& text)
-    : text_(text), is_sqlite_(text.IsSQLite()), driver_(DriverFor(text)) {
+    : text_(text),
+      is_sqlite_(text.IsSQLite()),
+      driver_(DriverFor(text, [text](int backend) { return BusySentence(text, backend); })) {
   if (is_sqlite_) {
     const bool normal = EqualsIgnoringAsciiCase(text[connection_key::kSynchronous], "Normal");
     Command(normal ? "PRAGMA synchronous = NORMAL" : "PRAGMA synchronous = FULL");

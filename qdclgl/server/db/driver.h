@@ -75,10 +75,6 @@ class Driver {
   // transaction.
   void RequireSound() const;
 
-  // Tells who waited for others too long about them; PostgreSQL knows the waiting one by a number.
-  using OnBusy = std::function<std::string(int backend)>;
-  void SetOnBusy(OnBusy on_busy) { on_busy_ = std::move(on_busy); }
-
   // Called with the text of each statement before it runs; a test makes it raise.
   static void SetHook(std::function<void(std::string_view sql)> hook);
   static void CallHook(std::string_view sql);

@@ -52,7 +52,8 @@ Movements MovementsOf(Database& db, Long voucher_id) {
        db.Query<Long, Long, Long, Long, std::int64_t, std::int64_t, double, bool>(
            "SELECT e.FEntryID, e.FAccountID, e.FCurrencyID, e.FDC, e.FAmount, e.FAmountFor, " +
                std::string(kCountedQuantity) +
-               ", CASE WHEN EXISTS (SELECT 1 FROM t_AccountItem a WHERE a.FAccountID = e.FAccountID)"
+               ", CASE WHEN EXISTS (SELECT 1 FROM t_AccountItem a WHERE a.FAccountID = "
+               "e.FAccountID)"
                " THEN 1 ELSE 0 END FROM t_VoucherEntry e WHERE e.FVoucherID = ?",
            voucher_id)) {
     movements.adds_up = movements.adds_up && AddLine(movements.size, amount, amount_for, quantity);

@@ -158,7 +158,7 @@ TEST_P(FileOfBooksTest, WhatStandsInThePlaceOfNewBooksStays) {
   NewBooksFile third(Path("link"));
   EXPECT_EQ(RefusalOf([&] { third.PutInPlace(); }), "BooksExist");
   EXPECT_EQ(ModeOf(Path("books.db")), "600");
-  EXPECT_EQ(RefusalOf([&] { NewBooksFile nowhere(Path("none/books.db")); }), "DatabaseFailed");
+  EXPECT_EQ(RefusalOf([&] { NewBooksFile nowhere(Path("none/books.db")); }), "NoBooks");
 }
 
 TEST_P(FileOfBooksTest, WhoMayOnlyReadTheFolderReads) {
