@@ -320,9 +320,12 @@ TEST_P(SchemaTest, RecordsThatAnUpgradeMakesAreOnTheTrail) {
     former = TablesIn(*std::make_unique<Database>(ConnectionText::Parse(old)));
     RemoveBooks(old);
   }
-  Break("DROP INDEX t_VoucherEntry_SettleType");
+  for (const char* index : {"t_VoucherEntry_SettleType", "t_VoucherDetail_Item"}) {
+    Break("DROP INDEX " + std::string(index));
+  }
   for (const auto& [table, columns] : TablesIn(Books())) {
-    if (!former.contains(table)) Break("DROP TABLE " + table);
+    if (former.contains(table)) continue;
+    Break("DROP TABLE " + table + std::string(Books().Dialect("", " CASCADE")));
   }
   Break("DELETE FROM t_Schema WHERE FVersion > " + std::to_string(before));
   Connections::OfThisThread().CloseAll();
