@@ -10,7 +10,9 @@ using namespace qdclgl;
 
 namespace {
 
+// Behind the one with sub-accounts, which has the id 1.
 constexpr int kAccounts = 200;
+constexpr int kFirstAccount = 2;
 
 Ref<Voucher> NewVoucher(VoucherSet& vouchers, int number, DateTime date) {
   Ref<Voucher> voucher = vouchers.CreateNew();
@@ -21,7 +23,7 @@ Ref<Voucher> NewVoucher(VoucherSet& vouchers, int number, DateTime date) {
   for (int i = 0; i < 4; ++i) {
     entries->Add();
     const auto entry = entries->Item(i + 1);
-    entry->AccountID(1 + (number * 7 + i) % kAccounts);
+    entry->AccountID(kFirstAccount + (number * 7 + i) % kAccounts);
     entry->CurrencyID(1);
     entry->Explanation("Goods received");
     if (i % 2 == 0) {
@@ -48,8 +50,13 @@ void MakeBooks(const std::string& connection) {
   Batch()->Call("Begin", GetPropsString());
   Make<VoucherGroupSet>()->CreateNew("General")->SaveChanges();
   auto accounts = Make<AccountSet>();
+  const auto make = [&](const std::string& number) {
+    accounts->CreateNew(Variant(number), Variant("Account"))->SaveChanges();
+  };
+  make("2000");
   for (int i = 0; i < kAccounts; ++i) {
-    accounts->CreateNew(Variant(std::to_string(1000 + i)), Variant("Account"))->SaveChanges();
+    const bool is_below = i >= kAccounts / 2;
+    make(is_below ? "2000." + std::to_string(i) : std::to_string(1000 + i));
   }
   Batch()->Call("Commit", GetPropsString());
 }
@@ -61,20 +68,21 @@ void SaveVouchers(int count) {
   for (int i = 0; i < count; ++i) NewVoucher(*vouchers, i, date)->SaveChanges();
 }
 
-void SaveVouchersInBatches(int count) {
+void SaveVouchersInBatches(int count, int year) {
   constexpr int kBatch = 1000;
   auto vouchers = Make<VoucherSet>();
   for (int i = 0; i < count; i += kBatch) {
     Batch()->Call("Begin", GetPropsString());
     for (int k = i; k < std::min(count, i + kBatch); ++k) {
-      NewVoucher(*vouchers, k, DateTime::FromYmd(2024, 1 + k % 12, 1 + k % 28))->SaveChanges1();
+      NewVoucher(*vouchers, k, DateTime::FromYmd(year, 1 + k % 12, 1 + k % 28))->SaveChanges1();
     }
     Batch()->Call("Commit", GetPropsString());
   }
 }
 
-void PostAll() {
+void PostAll(int year) {
   auto vouchers = Make<VoucherSet>();
+  vouchers->Filter("FYear = " + std::to_string(year));
   Batch()->Call("Begin", GetPropsString());
   for (auto& voucher : vouchers) vouchers->Post(voucher.VoucherID());
   Batch()->Call("Commit", GetPropsString());

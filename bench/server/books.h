@@ -6,14 +6,15 @@
 
 namespace bench {
 
-// Makes empty books with a chart of 200 accounts and one voucher group, and logs in.
+// Makes empty books with a chart of 200 accounts, 100 of them below 2000, and one voucher group,
+// and logs in.
 void MakeBooks(const std::string& connection);
 void LogInTo(const std::string& connection);
 
 // Saves vouchers of 4 lines through the library, one transaction each, or many in one batch.
 void SaveVouchers(int count);
-void SaveVouchersInBatches(int count);
-void PostAll();
+void SaveVouchersInBatches(int count, int year);
+void PostAll(int year);
 
 // What a plain client of the database's own library does for the same rows: prepared statements,
 // one transaction for each voucher, no rules.

@@ -1,8 +1,9 @@
 // The server components against raw calls of the databases' libraries, both sides in turn in one
 // run: saving vouchers, trial balances, long lists. See docs/performance.md.
 //
-//   qdclgl-bench-server [--vouchers=N]
+//   qdclgl-bench-server [--vouchers=N] [--only=text]
 //
+// With --only the works that have the text in their name run; books are made for those alone.
 // QDCLGL_TEST_POSTGRESQL holds the connection text of a PostgreSQL database to measure as well;
 // scripts/bench starts one.
 #include <sys/wait.h>
@@ -12,10 +13,11 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <functional>
+#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "bench/server/books.h"
@@ -35,6 +37,10 @@ namespace {
 using namespace qdclgl;
 namespace key = qdclgl::server::connection_key;
 
+// What --only asks for.
+std::string only;
+bool IsWanted(std::string_view name) { return name.find(only) != name.npos; }
+
 double Seconds(const std::function<void()>& work) {
   const auto start = std::chrono::steady_clock::now();
   work();
@@ -50,6 +56,7 @@ double Median(std::vector<double> values) {
 // ours divided by theirs.
 void Compare(const char* name, int rounds, double goal, const std::function<void()>& ours,
              const std::function<void()>& theirs, int units) {
+  if (!IsWanted(name)) return;
   std::vector<double> our_times, their_times, ratios;
   ours();
   theirs();
@@ -97,6 +104,9 @@ std::string File(const std::filesystem::path& folder, const char* name) {
 
 void CompareSQLite(const std::filesystem::path& folder) {
   for (const bool full : {true, false}) {
+    const char* const name =
+        full ? "SQLite, full durability: save a voucher" : "SQLite, normal: save a voucher";
+    if (!IsWanted(name)) continue;
     const std::string ours = File(folder, full ? "ours-full.db" : "ours-normal.db");
     const std::string theirs = File(folder, full ? "theirs-full.db" : "theirs-normal.db");
     const std::string connection = "Provider=SQLite;Data Source=" + ours +
@@ -107,13 +117,16 @@ void CompareSQLite(const std::filesystem::path& folder) {
     const auto raw = bench::RawSQLite(theirs, full);
     constexpr int kVouchers = 500;
     Compare(
-        full ? "SQLite, full durability: save a voucher" : "SQLite, normal: save a voucher", 9,
-        full ? 0.8 : 0.5, [] { bench::SaveVouchers(kVouchers); },
+        name, 9, full ? 0.8 : 0.5, [] { bench::SaveVouchers(kVouchers); },
         [&] { raw->SaveVouchers(kVouchers); }, kVouchers);
   }
 }
 
+constexpr const char* kOneProcess = "PostgreSQL, one process: save a voucher";
+constexpr const char* kEightProcesses = "PostgreSQL, eight processes: save a voucher";
+
 void ComparePostgreSQL(const char* text) {
+  if (!IsWanted(kOneProcess) && !IsWanted(kEightProcesses)) return;
   const auto base = server::ConnectionText::Parse(text);
   const std::string ours = base.With(key::kSchema, "bench_ours").ToText();
   const std::string theirs = base.With(key::kSchema, "bench_theirs").ToText();
@@ -126,12 +139,12 @@ void ComparePostgreSQL(const char* text) {
     const auto raw = bench::RawPostgreSQL(options, "bench_theirs");
     constexpr int kVouchers = 300;
     Compare(
-        "PostgreSQL, one process: save a voucher", 9, 0.8, [] { bench::SaveVouchers(kVouchers); },
+        kOneProcess, 9, 0.8, [] { bench::SaveVouchers(kVouchers); },
         [&] { raw->SaveVouchers(kVouchers); }, kVouchers);
   }
   constexpr int kProcesses = 8, kEach = 100;
   Compare(
-      "PostgreSQL, eight processes: save a voucher", 7, 0.8,
+      kEightProcesses, 7, 0.8,
       [] { InProcesses(kProcesses, [](int) { bench::SaveVouchers(kEach); }); },
       [&] {
         InProcesses(kProcesses, [&](int) {
@@ -141,63 +154,103 @@ void ComparePostgreSQL(const char* text) {
       kProcesses * kEach);
 }
 
-// The sheet of a year: of one account among many, and of all that have lines.
-void MeasureLedgers(const String& props, int vouchers) {
-  const auto measure = [&](const char* what, const std::string& filter) {
-    const auto accounts = Make<AccountSet>();
-    accounts->Filter(filter);
-    const auto ledger = Make<MultiLedgerSet>()->CreateNew(what);
-    ledger->AccountID(accounts->GetCurrent()->AccountID());
-    for (auto& account : *accounts) {
-      ledger->Columns()->Add();
-      const auto column = ledger->Columns()->Item(ledger->Columns()->Count());
-      column->AccountID(account.AccountID());
-      column->DC(1);
-    }
-    ledger->SaveChanges();
-    Long rows = 0;
-    std::vector<double> times;
-    for (int i = 0; i < 9; ++i) {
-      times.push_back(Seconds([&] {
-        rows = CreateObject("QDSVGLMCLedger.MultiColumnLedgerInfo")
-                   ->Call("GetLedger", props, ledger->LedgerID(), DateTime::FromYmd(2024, 1, 1),
-                          DateTime::FromYmd(2024, 12, 31))
-                   .As<Recordset>()
-                   ->RecordCount();
-      }));
-    }
-    std::printf(
-        "Ledger of a year of %d vouchers, %s, %d columns, %d rows: %.1f ms (goal 1000).\n\n",
-        vouchers, what, ledger->Columns()->Count(), rows, Median(times) * 1e3);
-  };
-  measure("one account", "FNumber = '1000'");
-  measure("one account with ten columns", "FNumber >= '1000' AND FNumber < '1010'");
+// A work that has no peer but a goal, in milliseconds.
+void Measure(const std::string& name, double goal, const std::function<void()>& work) {
+  if (!IsWanted(name)) return;
+  std::vector<double> times;
+  for (int i = 0; i < 9; ++i) times.push_back(Seconds(work));
+  std::printf("%s: %.2f ms (goal %.0f).\n\n", name.c_str(), Median(times) * 1e3, goal);
+  std::fflush(stdout);
 }
 
+// Saves and posts the vouchers of a year.
+void FillYear(const std::string& books, int year, int vouchers) {
+  const double saved = Seconds([&] { bench::SaveVouchersInBatches(vouchers, year); });
+  const double posted = Seconds([&] { bench::PostAll(year); });
+  std::printf("%s: %d vouchers of 4 lines saved in batches at %.0f a second, posted at %.0f.\n\n",
+              books.c_str(), vouchers, vouchers / saved, vouchers / posted);
+}
+
+constexpr const char* kLedger = "ledger of a year";
+
+// A ledger of the account of that number, with columns for those that the filter finds.
+Long MakeLedger(const std::string& account, const std::string& columns) {
+  const auto account_id = [](const std::string& filter) {
+    const auto accounts = Make<AccountSet>();
+    accounts->Filter(filter);
+    return accounts->GetCurrent()->AccountID();
+  };
+  static int made = 0;
+  const auto ledger = Make<MultiLedgerSet>()->CreateNew("Ledger " + std::to_string(++made));
+  ledger->AccountID(account_id("FNumber = '" + account + "'"));
+  const auto accounts = Make<AccountSet>();
+  accounts->Filter(columns);
+  for (auto& each : *accounts) {
+    ledger->Columns()->Add();
+    const auto column = ledger->Columns()->Item(ledger->Columns()->Count());
+    column->AccountID(each.AccountID());
+    column->DC(1);
+  }
+  ledger->SaveChanges();
+  return ledger->LedgerID();
+}
+
+// The sheet of a year: of one account among many, with columns for others, and of an account whose
+// 100 sub-accounts have half of all lines; and again once the books have another year.
+void MeasureLedgers(const std::string& books, int vouchers) {
+  if (!IsWanted(books + ": " + kLedger)) return;
+  struct Sheet {
+    const char* what;
+    Long ledger;
+  };
+  const Sheet sheets[] = {
+      {"one account", MakeLedger("1000", "FNumber = '1000'")},
+      {"one account and columns of nine others",
+       MakeLedger("1000", "FNumber >= '1000' AND FNumber < '1010'")},
+      {"an account and columns of ten of its sub-accounts",
+       MakeLedger("2000", "FNumber LIKE '2000.10%'")},
+  };
+  const auto measure = [&](const std::string& when) {
+    for (const Sheet& sheet : sheets) {
+      const auto read = [&] {
+        return CreateObject("QDSVGLMCLedger.MultiColumnLedgerInfo")
+            ->Call("GetLedger", GetPropsString(), sheet.ledger, DateTime::FromYmd(2024, 1, 1),
+                   DateTime::FromYmd(2024, 12, 31))
+            .As<Recordset>();
+      };
+      Measure(books + ": " + kLedger + " of " + std::to_string(vouchers) + " vouchers, " + when +
+                  sheet.what + ", " + std::to_string(read()->RecordCount()) + " rows",
+              1000, read);
+    }
+  };
+  measure("");
+  FillYear(books, 2025, vouchers);
+  measure("with another year behind it, ");
+}
+
+constexpr const char* kStored = "SQLite: trial balance of posted lines from stored balances";
+constexpr const char* kFromLines = "SQLite: trial balance from the lines";
+constexpr const char* kList = "SQLite: list of all vouchers";
+
 void CompareReading(const std::filesystem::path& folder, int vouchers) {
+  if (!IsWanted(kStored) && !IsWanted(kFromLines) && !IsWanted(kList) &&
+      !IsWanted(std::string("SQLite: ") + kLedger)) {
+    return;
+  }
   const std::string file = File(folder, "large.db");
   bench::MakeBooks("Provider=SQLite;Data Source=" + file + ";Synchronous=Normal;");
-  const double saved = Seconds([&] { bench::SaveVouchersInBatches(vouchers); });
-  const double posted = Seconds([] { bench::PostAll(); });
-  std::printf("\n%d vouchers of 4 lines: saved in batches at %.0f a second, posted at %.0f.\n\n",
-              vouchers, vouchers / saved, vouchers / posted);
+  FillYear("SQLite", 2024, vouchers);
 
   const String props = GetPropsString();
   const auto balances = [&](std::string_view method) {
     CreateObject("QDSVGLBalance.BalanceInfo")->Call(method, props);
   };
-  std::vector<double> times;
-  for (int i = 0; i < 15; ++i) times.push_back(Seconds([&] { balances("GetList"); }));
-  std::printf("Trial balance of %d posted lines from stored balances: %.2f ms (goal 10).\n\n",
-              vouchers * 4, Median(times) * 1e3);
-
-  MeasureLedgers(props, vouchers);
-
+  Measure(kStored, 10, [&] { balances("GetList"); });
   Compare(
-      "SQLite: trial balance from the lines", 7, 1 / 1.3, [&] { balances("GetListFromLines"); },
-      [&] { bench::SumLines(file); }, 1);
+      kFromLines, 7, 1 / 1.3, [&] { balances("GetListFromLines"); }, [&] { bench::SumLines(file); },
+      1);
   Compare(
-      "SQLite: list of all vouchers", 7, 1 / 2.0,
+      kList, 7, 1 / 2.0,
       [&] {
         Long options = 0;
         String filter, sort;
@@ -205,14 +258,32 @@ void CompareReading(const std::filesystem::path& folder, int vouchers) {
             ->Call("GetList", props, ByRef(options), ByRef(filter), ByRef(sort));
       },
       [&] { bench::StepThroughVouchers(file); }, vouchers);
+  MeasureLedgers("SQLite", vouchers);
+}
+
+// As many vouchers take minutes on PostgreSQL.
+void MeasurePostgreSQLLedgers(const char* text, int vouchers) {
+  if (!IsWanted(std::string("PostgreSQL: ") + kLedger)) return;
+  bench::MakeBooks(
+      server::ConnectionText::Parse(text).With(key::kSchema, "bench_ledgers").ToText());
+  FillYear("PostgreSQL", 2024, vouchers);
+  MeasureLedgers("PostgreSQL", vouchers);
 }
 
 }  // namespace
 
 int main(int count, char** arguments) {
   int vouchers = 100'000;
-  if (count > 1 && std::strncmp(arguments[1], "--vouchers=", 11) == 0) {
-    vouchers = std::atoi(arguments[1] + 11);
+  for (const std::string_view argument : std::span(arguments + 1, arguments + count)) {
+    const auto value = argument.substr(std::min(argument.find('=') + 1, argument.size()));
+    if (argument.starts_with("--vouchers=")) {
+      vouchers = std::atoi(std::string(value).c_str());
+    } else if (argument.starts_with("--only=")) {
+      only = value;
+    } else {
+      std::fprintf(stderr, "qdclgl-bench-server [--vouchers=N] [--only=text]\n");
+      return 2;
+    }
   }
   const auto folder =
       std::filesystem::temp_directory_path() / ("qdclgl-bench-" + std::to_string(getpid()));
@@ -224,8 +295,10 @@ int main(int count, char** arguments) {
                 "speed", "spread", "goal");
     std::printf("|---|---:|---:|---:|---|---:|---|\n");
     CompareSQLite(folder);
-    if (const char* text = std::getenv("QDCLGL_TEST_POSTGRESQL")) ComparePostgreSQL(text);
+    const char* const postgresql = std::getenv("QDCLGL_TEST_POSTGRESQL");
+    if (postgresql != nullptr) ComparePostgreSQL(postgresql);
     CompareReading(folder, vouchers);
+    if (postgresql != nullptr) MeasurePostgreSQLLedgers(postgresql, vouchers);
   } catch (const Error& error) {
     std::fprintf(stderr, "%s\n", error.what());
     std::filesystem::remove_all(folder);

@@ -27,7 +27,7 @@ class Writer final : public RawWriter {
       Run("BEGIN");
       const std::string id = Value("header", {Value("counter", {})});
       for (int line = 0; line < 4; ++line) {
-        Value("line", {id, std::to_string(line + 1), std::to_string(1 + (i * 7 + line) % 200),
+        Value("line", {id, std::to_string(line + 1), std::to_string(2 + (i * 7 + line) % 200),
                        line % 2 == 0 ? "1" : "0"});
       }
       Value("audit", {id});

@@ -72,7 +72,7 @@ class Writer final : public RawWriter {
       for (int line = 0; line < 4; ++line) {
         sqlite3_bind_int64(line_, 1, id);
         sqlite3_bind_int64(line_, 2, line + 1);
-        sqlite3_bind_int64(line_, 3, 1 + (i * 7 + line) % 200);
+        sqlite3_bind_int64(line_, 3, 2 + (i * 7 + line) % 200);
         sqlite3_bind_int64(line_, 4, line % 2 == 0 ? 1 : 0);
         connection_.Value(line_);
       }

@@ -93,6 +93,17 @@ Currency ReadAmount(std::string_view text) {
   return Currency::FromUnits(units);
 }
 
+Decimal ReadDecimal(std::string_view text) {
+  LimitDecimals(text, Split(text, "a number"), Decimal::kMaxScale);
+  try {
+    const Decimal value = Decimal::FromText(text);
+    if (value.scale() == static_cast<int>(Split(text, "a number").decimals.size())) return value;
+  } catch (const Error&) {
+    Refuse(text, "is too large");
+  }
+  Refuse(text, "has too many digits");
+}
+
 Double ReadQuantity(std::string_view text) {
   LimitDecimals(text, Split(text, "a quantity"), 6);
   return ReadDouble(text);

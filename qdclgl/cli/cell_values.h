@@ -31,6 +31,8 @@ Long ReadWhole(std::string_view text);
 Long ReadInteger(std::string_view text, Long least, Long most);
 // Any number: "-0.5", "1e-7".
 Double ReadNumber(std::string_view text);
+// A plain number with up to 28 decimals, exactly.
+Decimal ReadDecimal(std::string_view text);
 // 1, 0, yes, no, true, false.
 Boolean ReadTruth(std::string_view text);
 

@@ -100,7 +100,10 @@ void Store(const ChartRow& row, Names& names) {
   const auto account = Make<AccountSet>()->CreateNew(row.number, row.name);
   account->DC(row.side);
   account->CurrencyID(names.Currency(row.currency.text, 1));
-  if (!row.unit.empty()) account->MeasureUnit(row.unit);
+  if (!row.unit.empty()) {
+    account->MeasureUnit(row.unit);
+    account->MeasureUnitID(names.Unit(row.unit));
+  }
   if (row.has_quantities) account->Quantities(true);
   account->SaveChanges();
   names.AddAccount(row.number, account->AccountID());
@@ -108,7 +111,25 @@ void Store(const ChartRow& row, Names& names) {
 
 }  // namespace
 
+void Names::ReadUnits() {
+  units_.clear();
+  unit_groups_.clear();
+  const auto units = CreateObject("QDSVGLUnit.MeasureUnitInfo")
+                         ->Call("GetUnitList", GetPropsString(), Long{0})
+                         .As<Recordset>();
+  for (; !units->Eof(); units->MoveNext()) {
+    const Ref<Dictionary> unit = units->Row();
+    units_.push_back({unit->Value("FMeasureUnitID").As<Long>(),
+                      unit->Value("FUnitGroupID").As<Long>(), unit->Value("FNumber").As<String>(),
+                      unit->Value("FName").As<String>()});
+  }
+  const auto accounts = Make<AccountSet>();
+  accounts->Filter("FUnitGroupID <> 0");
+  for (auto& account : *accounts) unit_groups_[account.AccountID()] = account.UnitGroupID();
+}
+
 void Names::Refresh() {
+  ReadUnits();
   accounts_ = IdsBy<AccountSet>("FNumber", "FAccountID");
   currencies_ = IdsBy<CurrencySet>("FNumber", "FCurrencyID");
   groups_ = IdsBy<VoucherGroupSet>("FName", "FGroupID");
@@ -125,6 +146,26 @@ void Names::AddAccount(const std::string& number, Long id) {
   above_.insert(NumberAbove(number));
 }
 
+template <class IsOne>
+Long Names::UnitOf(const std::string& text, IsOne is_one) const {
+  for (const auto part : {&KnownUnit::number, &KnownUnit::name}) {
+    for (const KnownUnit& unit : units_) {
+      if (unit.*part == text && is_one(unit)) return unit.id;
+    }
+  }
+  return 0;
+}
+
+Long Names::Unit(const std::string& text) const {
+  return UnitOf(text, [](const KnownUnit&) { return true; });
+}
+
+Long Names::UnitForLines(const std::string& text, Long account) const {
+  const auto group = unit_groups_.find(account);
+  if (text.empty() || group == unit_groups_.end()) return 0;
+  return UnitOf(text, [&](const KnownUnit& unit) { return unit.group == group->second; });
+}
+
 Long Names::AccountForLines(const std::string& number) {
   const std::string known_as = ToUpper(number);
   const Long id = IdIn(accounts_, known_as);
@@ -137,6 +178,9 @@ Long Names::AccountForLines(const std::string& number) {
   account->Name(above->Name() + " (own lines)");
   account->SaveChanges();
   AddAccount(own, account->AccountID());
+  if (const auto group = unit_groups_.find(id); group != unit_groups_.end()) {
+    unit_groups_[account->AccountID()] = group->second;
+  }
   return account->AccountID();
 }
 

@@ -7,6 +7,7 @@
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
+#include <vector>
 
 #include "qdclgl/cli/item_classes.h"
 #include "qdclgl/cli/progress.h"
@@ -24,8 +25,8 @@ class Names {
 
   explicit Names(NewCurrencies new_currencies) : new_currencies_(new_currencies) {}
 
-  // Reads accounts, currencies and groups of the books. What goes by them belongs into the same
-  // batch. The library's session must be there.
+  // Reads accounts, units, currencies and groups of the books. What goes by them belongs into the
+  // same batch. The library's session must be there.
   void Refresh();
 
   // 0 when there is none.
@@ -35,6 +36,11 @@ class Names {
   // account with others below it. Other programs' journals may, so such an account gets one more
   // below it, for its own lines; see OwnLinesOf.
   Long AccountForLines(const std::string& number);
+
+  // The unit of measure of that number, or else that name: of any group for a new account, of the
+  // account's group for its lines. 0 when there is none; a file's text stays a text then.
+  Long Unit(const std::string& text) const;
+  Long UnitForLines(const std::string& text, Long account) const;
 
   // The id of a currency, kBaseCurrency for an empty text. A missing one is made with this rate, or
   // BadCell; so for a text that can't be a currency's number.
@@ -47,9 +53,20 @@ class Names {
   Long Item(const NamedItemClass& item_class, const std::string& number);
 
  private:
+  struct KnownUnit {
+    Long id, group;
+    std::string number, name;
+  };
+
+  void ReadUnits();
+  template <class IsOne>
+  Long UnitOf(const std::string& text, IsOne is_one) const;
+
   NewCurrencies new_currencies_;
   std::unordered_map<std::string, Long> accounts_;
   std::unordered_set<std::string> above_;  // numbers of accounts with others below them
+  std::vector<KnownUnit> units_;
+  std::unordered_map<Long, Long> unit_groups_;  // by the accounts that have one
   std::unordered_map<std::string, Long> currencies_;
   std::unordered_map<std::string, Long> groups_;
   // As far as anybody has asked.

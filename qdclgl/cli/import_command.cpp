@@ -7,12 +7,12 @@
 #include "qdclgl/cli/journal.h"
 #include "qdclgl/cli/program.h"
 #include "qdclgl/cli/steps.h"
+#include "qdclgl/cli/voucher_draft.h"
 
 namespace qdclgl::cli {
 
 namespace {
 
-constexpr const char* kUsualGroup = "General";
 // The heading of this class of items, whatever it is called in the books.
 constexpr Long kDepartments = 1;
 constexpr std::string_view kDepartmentHeading = "department";
@@ -177,6 +177,7 @@ class JournalImport {
     entry.Explanation(line.explanation);
     entry.Quantity(line.quantity);
     entry.MeasureUnit(line.unit);
+    entry.MeasureUnitID(names_.UnitForLines(line.unit, account));
     entry.UnitPrice(line.unit_price);
     entry.TransNo(line.reference);
     const bool has_items = account != 0 && FillItems(entry, account, line);

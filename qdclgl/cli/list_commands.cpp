@@ -1,9 +1,11 @@
 // The lists of the books: one command for all, and one for each list that a server component names.
+#include <algorithm>
 #include <sstream>
 
 #include "qdclgl/cli/listing.h"
 #include "qdclgl/cli/nearest.h"
 #include "qdclgl/cli/program.h"
+#include "qdclgl/cli/records.h"
 #include "qdclgl/frame/session/server_gateway.h"
 #include "qdclgl/server/access/audit.h"
 
@@ -16,6 +18,7 @@ struct ListOptions {
   std::vector<std::string> words;  // which list, where the command is none of its own
   Format format = Format::kPlain;
   ListQuery query;
+  std::string item_class;  // of items alone
   // Of the audit trail alone.
   Long voucher = 0;
   bool whole = false;
@@ -32,6 +35,27 @@ void ShortenChanges(const Ref<Recordset>& deeds) {
   deeds->MoveFirst();
 }
 
+bool KnowsItemClasses(const server::ServerComponent& component) {
+  return std::ranges::any_of(
+      component.table->Find("GetList")->parameters,
+      [](const MemberParameter& parameter) { return parameter.name == "ItemClassID"; });
+}
+
+// What people see of a list at first; of items of a class also what the class describes.
+std::vector<std::string> ShownColumns(const server::ServerComponent& component,
+                                      const Recordset& rows) {
+  std::istringstream words{std::string(component.list->columns)};
+  std::vector<std::string> columns{std::istream_iterator<std::string>(words), {}};
+  const server::MasterData* kind = FindKind(component.list->name);
+  if (kind == nullptr || !KnowsItemClasses(component)) return columns;
+  for (Long i = 0; i < rows.FieldCount(); ++i) {
+    if (server::FindColumn(kind->CallersColumns(), rows.FieldName(i)) == nullptr) {
+      columns.push_back(rows.FieldName(i));
+    }
+  }
+  return columns;
+}
+
 int Print(const server::ServerComponent& component, const ListOptions& options,
           const Console& console) {
   const std::string props = options.login.Open();
@@ -46,9 +70,13 @@ int Print(const server::ServerComponent& component, const ListOptions& options,
         "FSubject = 'Voucher' AND FRecordID = " + std::to_string(options.voucher);
     query.filter = query.filter.empty() ? one : one + " AND (" + query.filter + ")";
   }
-  std::istringstream words{std::string(component.list->columns)};
-  const std::vector<std::string> columns{std::istream_iterator<std::string>(words), {}};
+  if (!options.item_class.empty()) {
+    if (!KnowsItemClasses(component)) throw UsageError("--class is for items");
+    const Records classes(KindNamed("item-classes"), props);
+    query.item_class = classes.IdOf(*classes.Find(options.item_class));
+  }
   const Ref<Recordset> rows = FetchList(component, props, query);
+  const std::vector<std::string> columns = ShownColumns(component, *rows);
   if (is_trail && options.format == Format::kPlain && !options.whole) ShortenChanges(rows);
   WriteRecordset(console.out, options.format, rows,
                  std::vector<std::string_view>(columns.begin(), columns.end()));
@@ -77,6 +105,13 @@ void AddQueryOptions(CLI::App& command, ListOptions& options) {
   AddFormat(command, options.format);
 }
 
+void AddItemClass(CLI::App& command, ListOptions& options) {
+  command
+      .add_option("--class", options.item_class,
+                  "Items of this class with its fields: customer, or #1000 for an id")
+      ->type_name("CLASS");
+}
+
 }  // namespace
 
 void AddListCommands(Program& program) {
@@ -87,6 +122,7 @@ void AddListCommands(Program& program) {
         return Print(ListNamed(options->words), *options, program.console());
       });
   AddQueryOptions(*any, *options);
+  AddItemClass(*any, *options);
 
   for (const server::ServerComponent* component : Lists()) {
     const auto own = std::make_shared<ListOptions>();
@@ -94,6 +130,7 @@ void AddListCommands(Program& program) {
         std::string(component->list->name), std::string(component->list->help), own->login,
         [own, &program, component] { return Print(*component, *own, program.console()); });
     AddQueryOptions(*command, *own);
+    if (KnowsItemClasses(*component)) AddItemClass(*command, *own);
     if (component->prog_id == server::AuditInfo::kProgID) {
       AddWhole(*command, "--voucher", own->voucher, "The deeds on this voucher alone");
       command->add_flag("--whole", own->whole, "What has changed as the trail keeps it");

@@ -38,6 +38,7 @@ Ref<Recordset> FetchList(const server::ServerComponent& component, const std::st
       arguments.emplace_back(query.with_deleted ? server::kWithDeleted : Long{0});
     else if (parameter.name == "Filter") arguments.emplace_back(query.filter);
     else if (parameter.name == "Sort") arguments.emplace_back(query.sort);
+    else if (parameter.name == "ItemClassID") arguments.emplace_back(query.item_class);
     else if (parameter.optional) arguments.emplace_back(Missing);
     else arguments.emplace_back(Long{0});
   }

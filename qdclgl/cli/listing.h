@@ -18,6 +18,7 @@ const server::ServerComponent* FindList(std::string_view name);
 struct ListQuery {
   std::string filter = {};
   std::string sort = {};
+  Long item_class = 0;        // of a list that knows classes of items
   bool with_deleted = false;  // where a list leaves out what is marked deleted
 };
 

@@ -78,6 +78,7 @@ Program::Program(const Console& console)
   AddListCommands(*this);
   AddRecordCommands(*this);
   AddVoucherCommands(*this);
+  AddEntryCommands(*this);
   AddBalanceCommand(*this);
   AddLedgerCommand(*this);
   AddUserCommand(*this);

@@ -97,6 +97,7 @@ void AddImportCommand(Program& program);    // import
 void AddListCommands(Program& program);     // list, and one for each list of the books
 void AddRecordCommands(Program& program);   // kinds, show, add, set, remove
 void AddVoucherCommands(Program& program);  // voucher, and the steps from check to unpost
+void AddEntryCommands(Program& program);    // new, copy, reverse
 void AddBalanceCommand(Program& program);   // balance
 void AddLedgerCommand(Program& program);    // ledger
 void AddUserCommand(Program& program);      // user

@@ -11,6 +11,7 @@
 #include "qdclgl/frame/containers/vector.h"
 #include "qdclgl/frame/vocabulary/text.h"
 #include "qdclgl/server/records/kinds.h"
+#include "qdclgl/server/records/note_data.h"
 
 namespace qdclgl::cli {
 
@@ -65,7 +66,8 @@ std::string_view WordFor(ColumnType type) {
     case ColumnType::kBoolean: return "yes or no";
     case ColumnType::kCurrency: return "amount";
     case ColumnType::kDouble:
-    case ColumnType::kSingle: return "number";
+    case ColumnType::kSingle:
+    case ColumnType::kDecimal: return "number";
     case ColumnType::kDate: return "date";
     case ColumnType::kText: return "text";
   }
@@ -93,6 +95,9 @@ WrittenColumn ColumnNamed(const MasterData& kind, std::string_view name) {
     if (EqualsIgnoringAsciiCase(column.name, name)) return column;
     names.push_back(column.name);
   }
+  // The server knows which of them there are, and takes a text for any value.
+  const auto is_further_key = kind.description().is_further_key;
+  if (is_further_key != nullptr && is_further_key(name)) return {name, ColumnType::kText};
   if (const Column* kept = FindColumn(kind.CallersColumns(), name)) {
     throw UsageError(std::string(kept->name) + " can't be set, the server keeps it");
   }
@@ -115,6 +120,7 @@ Variant ReadTyped(ColumnType type, const std::string& text) {
     case ColumnType::kCurrency: return ReadAmount(text);
     case ColumnType::kDouble: return ReadNumber(text);
     case ColumnType::kSingle: return static_cast<Single>(ReadNumber(text));
+    case ColumnType::kDecimal: return ReadDecimal(text);
     case ColumnType::kDate: return ReadTime(text);
     case ColumnType::kText: return text;
   }
@@ -161,16 +167,31 @@ Variant ReadRows(const server::RecordList& list, const std::string& text) {
   return Variant(rows);
 }
 
+// The first bytes of a file, no more than `most`.
+std::string BytesOfFile(const std::string& path, std::size_t most) {
+  std::ifstream file(path, std::ios::binary);
+  std::string bytes(most, '\0');
+  file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  if (file.bad() || (file.gcount() == 0 && !file.eof())) throw FileError(path + " can't be read");
+  bytes.resize(static_cast<std::size_t>(file.gcount()));
+  return bytes;
+}
+
 // What stands in a file, without its last line end. No column takes more than is read here.
 std::string TextOfFile(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  std::string text(server::kLongestStoredText + 3, '\0');
-  file.read(text.data(), static_cast<std::streamsize>(text.size()));
-  if (file.bad() || (file.gcount() == 0 && !file.eof())) throw FileError(path + " can't be read");
-  text.resize(static_cast<std::size_t>(file.gcount()));
+  std::string text = BytesOfFile(path, server::kLongestStoredText + 3);
   if (text.ends_with('\n')) text.pop_back();
   if (text.ends_with('\r')) text.pop_back();
   return text;
+}
+
+// A value of a key that no column has: a text, or the bytes of a file, one more than are kept at
+// most, so that it is the server which refuses what is too large.
+Variant ReadData(const std::string& text) {
+  if (!text.starts_with('@')) return text.empty() ? Variant() : Variant(text);
+  if (text.starts_with("@@")) return Variant(text.substr(1));
+  const std::string bytes = BytesOfFile(text.substr(1), server::kLargestNoteData + 1);
+  return Bytes{{reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()}, 0};
 }
 
 }  // namespace
@@ -178,8 +199,11 @@ std::string TextOfFile(const std::string& path) {
 Assignment ReadAssignment(const MasterData& kind, std::string_view word) {
   const std::size_t sign = word.find('=');
   if (sign == word.npos) throw UsageError(Quoted(word) + " is not of the form column=value");
-  const WrittenColumn column = ColumnNamed(kind, word.substr(0, sign));
   std::string text(word.substr(sign + 1));
+  for (const std::string_view key : kind.description().keys) {
+    if (EqualsIgnoringAsciiCase(key, word.substr(0, sign))) return {key, ReadData(text)};
+  }
+  const WrittenColumn column = ColumnNamed(kind, word.substr(0, sign));
   if (text.starts_with("@@")) text.erase(0, 1);
   else if (text.starts_with('@')) text = TextOfFile(text.substr(1));
   return {column.name, column.list != nullptr ? ReadRows(*column.list, text)

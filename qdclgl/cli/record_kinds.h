@@ -40,6 +40,7 @@ struct Assignment {
 
 // Reads "column=value": a value in the column's type, nothing for one that shall be cleared, with
 // "@FILE" what stands in the file but for its last line end, with "@@" a text that begins with "@".
+// A key that no column has, as a note's FData, gets a text, or with "@FILE" all bytes of the file.
 // A list of rows is a JSON array, as --json prints it. UsageError, naming column and value, for
 // what can't be read; FileError.
 Assignment ReadAssignment(const server::MasterData& kind, std::string_view word);

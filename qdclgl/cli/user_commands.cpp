@@ -1,6 +1,8 @@
 // The users of the books: making them, and changing what they may do.
 #include <cstdlib>
+#include <optional>
 
+#include "qdclgl/cli/batch.h"
 #include "qdclgl/cli/program.h"
 #include "qdclgl/frame/containers/dictionary.h"
 #include "qdclgl/frame/containers/recordset.h"
@@ -66,13 +68,17 @@ int ChangeUser(const UserOptions& options, const Console& console) {
     update->Call("Create", props, user);
   } else {
     Long id = user->Value("FUserID").As<Long>();
-    if (!options.roles.empty() || options.disable || options.enable) {
-      update->Call("Update", props, ByRef(id), user);
-    }
-    if (options.set_password || options.no_password) {
+    const bool changes_row = !options.roles.empty() || options.disable || options.enable;
+    const bool changes_password = options.set_password || options.no_password;
+    // Both or neither.
+    std::optional<Batch> batch;
+    if (changes_row && changes_password) batch.emplace(props);
+    if (changes_row) update->Call("Update", props, ByRef(id), user);
+    if (changes_password) {
       update->Call("SetPassword", props, ByRef(id), password, Login::Password(),
                    options.no_password);
     }
+    if (batch) batch->Commit();
   }
   console.out << "User " << name << (is_new ? " is made.\n" : " is changed.\n");
   return kDone;

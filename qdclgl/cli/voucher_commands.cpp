@@ -5,6 +5,7 @@
 #include "qdclgl/cli/program.h"
 #include "qdclgl/cli/steps.h"
 #include "qdclgl/cli/template_voucher.h"
+#include "qdclgl/cli/voucher_draft.h"
 #include "qdclgl/server/db/refusals.h"
 
 namespace qdclgl::cli {
@@ -97,11 +98,7 @@ int MakeVoucher(const VoucherOptions& options, const Console& console) {
   if (!options.ids.empty()) throw UsageError("voucher takes an ID or --from-template");
   const std::string props = options.login.Open();
   const Ref<Voucher> voucher = VoucherOf(options.from, props);
-  voucher->SaveChanges();
-  console.out << "Voucher " << voucher->VoucherID() << " is made: " << voucher->Year() << '/'
-              << voucher->Period() << ' ' << OneLine(voucher->Group()) << ' ' << voucher->Number()
-              << ", " << voucher->VoucherDate().ToText() << ", "
-              << AmountText(voucher->DebitTotal()) << ".\n";
+  SaveDraft(*voucher, console);
   return kDone;
 }
 

@@ -54,6 +54,23 @@ TEST_P(Commands, AnAdministratorWithoutAPasswordIsAskedForExpressly) {
   unsetenv("QDCLGL_NEW_PASSWORD");
 }
 
+TEST_P(Commands, AUserIsChangedAsAWholeOrNotAtAll) {
+  Init();
+  EXPECT_EQ(Run({"user", "ann", "--roles", "reader", "--no-password"}).code, 0);
+  const auto roles = [&] {
+    return nlohmann::json::parse(Run({"users", "--json", "--filter", "FName = 'ann'"}).out)
+        .at(0)
+        .at("FRoles");
+  };
+  setenv("QDCLGL_NEW_PASSWORD", "", 1);
+  EXPECT_EQ(Run({"user", "ann", "--roles", "poster", "--set-password"}).code, 1);
+  EXPECT_EQ(roles(), "reader");
+  setenv("QDCLGL_NEW_PASSWORD", "open", 1);
+  EXPECT_EQ(Run({"user", "ann", "--roles", "poster", "--set-password"}).code, 0);
+  EXPECT_EQ(roles(), "poster");
+  unsetenv("QDCLGL_NEW_PASSWORD");
+}
+
 TEST_P(Commands, ListsAreTablesCsvOrJson) {
   InitWithVouchers();
   EXPECT_EQ(Run({"groups"}).out, "FGroupID  FName\n       1  General\n");

@@ -66,8 +66,8 @@ TEST_P(Faults, ImportsAreWholeOrRefused) {
   const std::string journal = Journal(2);
   const std::string place = server::testing::NewConnectionText(GetParam());
   std::unique_ptr<CuttingProxy> proxy;
-  std::string reached = place;
   const ConnectionText text = ConnectionText::Parse(place);
+  std::string reached = text.With(connection_key::kSynchronous, "Full").ToText();
   if (!text.IsSQLite()) {
     proxy = std::make_unique<CuttingProxy>(std::string(text[connection_key::kHost]),
                                            std::string(text[connection_key::kPort]));

@@ -86,6 +86,37 @@ TEST_P(Import, StoresWhatTheJournalSays) {
   EXPECT_EQ(accounts[1]["FCurrencyNumber"], "USD");
 }
 
+TEST_P(Import, AUnitThatTheBooksHaveIsStoredWithItsId) {
+  Init();
+  const auto add = [&](std::vector<std::string> words) { EXPECT_EQ(Run(words).code, 0); };
+  add({"add", "unit-groups", "Weights"});
+  add({"add", "units", "kg", "FName=Kilogram", "FUnitGroupID=1"});
+  add({"add", "units", "t", "FName=Tonne", "FUnitGroupID=1", "FCoefficient=1000"});
+  add({"add", "unit-groups", "Pieces"});
+  add({"add", "units", "pc", "FName=Piece", "FUnitGroupID=2"});
+  const std::string chart = folder.Write("chart.csv", "number,name,dc,unit\n1100,Tea,1,Kilogram\n"
+                                                      "1200,Cups,1,cup\n");
+  const std::string journal =
+      folder.Write("journal.csv", "voucher,date,account,debit,credit,quantity,unit\n"
+                                  "a,2024-01-05,1100,5,,2,Tonne\na,2024-01-05,1100,,1,3,pc\n"
+                                  "a,2024-01-05,1200,,4,1,kg\n");
+  const RunResult result = Run({"import", "--accounts", chart, "--journal", journal});
+  EXPECT_EQ(result.err, "");
+  EXPECT_EQ(result.code, 0);
+  const auto accounts = nlohmann::json::parse(
+      Run({"accounts", "--json", "--filter", "FNumber IN ('1100', '1200')"}).out);
+  const auto unit_of = [](const nlohmann::json& row) {
+    return row["FMeasureUnit"].get<std::string>() + " " + row["FMeasureUnitID"].dump();
+  };
+  EXPECT_EQ(unit_of(accounts[0]), "Kilogram 1");
+  EXPECT_EQ(unit_of(accounts[1]), "cup 0");
+  const auto lines = nlohmann::json::parse(Run({"voucher", "1", "--json"}).out)["_Entries"];
+  EXPECT_EQ(unit_of(lines[0]), "Tonne 2");
+  EXPECT_EQ(lines[0]["FBaseQuantity"], 2000);
+  EXPECT_EQ(unit_of(lines[1]), "pc 0") << "it is of another group than the account's";
+  EXPECT_EQ(unit_of(lines[2]), "kg 0");
+}
+
 // ---- What can't be right in a cell ----
 
 TEST_P(Import, AnUnknownAccountIsReportedAtItsCell) {

@@ -12,6 +12,7 @@
 
 #include "qdclgl/cli/program.h"
 #include "qdclgl/server/db/connections.h"
+#include "qdclgl/server/db/sha256.h"
 #include "tests/cli/cli_fixture.h"
 
 namespace qdclgl::cli::testing {
@@ -329,6 +330,30 @@ TEST_P(Records, OfEachKindAreRemovedWhenSomebodyAgrees) {
 
 // ---- What some kinds alone can show ----
 
+TEST_P(Records, ItemsOfAClassAreListedAndWrittenWithItsFields) {
+  Make();
+  ExpectDone(Run(
+      {"add", "item-classes", "CLIENT", "FName=Clients",
+       R"(_PropDesc=[{"FPropID":"32767","FNewName":"City","FDataType":"200","FSearch":"1"}])"}));
+  ExpectDone(Run({"add", "items", "1", "FItemClassID=1000", "FName=Ann", "F1000_101=Oslo"}));
+  ExpectDone(Run({"add", "items", "2", "FItemClassID=1000", "FName=Bob"}));
+  ExpectDone(Run({"add", "items", "3", "FItemClassID=3", "FName=Eve"}));
+  ExpectDone(Run({"set", "items", "2", "F1000_101=Rome"}));
+  EXPECT_EQ(Shown({.kind = "items"}, "2")["F1000_101"], "Rome");
+  EXPECT_EQ(Run({"list", "items", "--class", "client", "--sort", "F1000_101 DESC"}).out,
+            "FItemID  FItemClassID  FNumber  FName  FFullName  F1000_101\n"
+            "-------  ------------  -------  -----  ---------  ---------\n"
+            "      2          1000  2        Bob    Bob        Rome\n"
+            "      1          1000  1        Ann    Ann        Oslo\n");
+  const RunResult found =
+      Run({"items", "--class", "#1000", "--filter", "F1000_101 = 'Oslo'", "--csv"});
+  EXPECT_EQ(std::ranges::count(found.out, '\n'), 2) << found.out << found.err;
+  ExpectRefused(Run({"list", "items", "--class", "nobody"}), "80044213");
+  ExpectWrongUsage(Run({"list", "accounts", "--class", "client"}), "--class is for items");
+  ExpectRefused(Run({"add", "items", "4", "FItemClassID=3", "FName=Kim", "F1000_101=x"}),
+                "80044212");
+}
+
 TEST_P(Records, ThatOthersNeedAreMarkedDeletedAndStayToBeFound) {
   Make();
   ExpectDone(Run({"add", "currencies", "usd", "FName=Dollar"}));
@@ -433,6 +458,34 @@ TEST_P(Records, TheBooksCanComeFromTheEnvironment) {
   EXPECT_EQ(RunInProcess({"remove", book, "groups", "Receipts", "--yes"}).code, 0);
   unsetenv("QDCLGL_BOOK");
   ExpectWrongUsage(RunInProcess({"show", "groups", "Receipts"}), "no BOOK is given");
+}
+
+TEST_P(Records, TheDataOfANoteAreTheBytesOfAFileWhateverTheyAre) {
+  Make();
+  std::string bytes;
+  for (int i = 0; i < 256; ++i) bytes += static_cast<char>(i);
+  bytes += "\n\r\n";
+  const auto set = [&](const std::string& content) {
+    return Run({"set", "notes", "Form", "FData=@" + folder.Write("form.bin", content)});
+  };
+  const auto kept = [&] {
+    const auto note =
+        Json::parse(Run({"list", "notes", "--json", "--filter", "FName = 'Form'"}).out).at(0);
+    return TextOf(note["FDataKind"]) + " " + TextOf(note["FDataSize"]) + " " +
+           TextOf(note["FDataHash"]);
+  };
+  ExpectDone(Run({"add", "notes", "Form"}));
+  ExpectDone(set(bytes));
+  EXPECT_EQ(kept(), "Byte array 259 " + server::Sha256Of(bytes));
+  const std::string largest(16 * 1024 * 1024, '\xff');
+  ExpectDone(set(largest));
+  EXPECT_EQ(kept(), "Byte array 16777216 " + server::Sha256Of(largest));
+  ExpectRefused(set(largest + "x"), "8004422D");
+  EXPECT_EQ(kept(), "Byte array 16777216 " + server::Sha256Of(largest));
+  ExpectDone(Run({"set", "notes", "Form", "FData=@@words"}));
+  EXPECT_EQ(kept(), "String 6 " + server::Sha256Of("@words"));
+  EXPECT_EQ(Run({"set", "notes", "Form", "FData=@" + folder.Path("none")}).code, 6);
+  EXPECT_EQ(Run({"doctor"}).out, "The books are in order.\n");
 }
 
 TEST_P(Records, AKeyIsOneWordWhateverItHolds) {

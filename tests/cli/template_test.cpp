@@ -82,9 +82,8 @@ TEST_P(Templates, OneLineWithoutAnAmountBalancesTheVoucher) {
   EXPECT_NE(Run({"voucher", "2"}).out.find("Reference  R\n"), std::string::npos);
   const RunResult open = Run({"voucher", "--from-template", "Rent", "--date", "2024-01-20"});
   EXPECT_EQ(open.code, 1);
-  EXPECT_EQ(open.err,
-            "qdclgl: 80044221: More than one line of the template has no amount; give amounts to "
-            "all but one.\n");
+  EXPECT_EQ(open.err, "qdclgl: 80044221: More than one line has no amount; give amounts to all but "
+                      "one.\n");
   const RunResult unbalanced = Run({"voucher", "--from-template", "Rent", "--amount", "1=3",
                                     "--amount", "3=4", "--date", "2024-01-20"});
   EXPECT_EQ(unbalanced.code, 1);

@@ -1,6 +1,7 @@
 // Command lines and files that can't be right, each with all that the program says to it.
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <sstream>
 
 #include "tests/cli/cli_fixture.h"
@@ -179,7 +180,17 @@ TEST_F(WrongCommands, FiltersAndSortsTellWhatThereIs) {
 
 TEST_F(WrongCommands, BooksThatAreNoneSayWhatTheyAre) {
   Write("text.db", std::string(200, 'x'));
+  namespace fs = std::filesystem;
+  const std::string damaged = folder_.Path("damaged.db");
+  fs::copy_file(folder_.Path("books.db"), damaged);
+  fs::resize_file(damaged, fs::file_size(damaged) / 2);
+  const std::string lament =
+      "qdclgl: 8004420F: The file damaged.db is damaged: database disk image is malformed.\n";
   Expect({
+      {{"balance", "text.db"}, 5, "qdclgl: 80044204: The file text.db holds no books.\n"},
+      {{"doctor", "text.db"}, 5, "qdclgl: 80044204: The file text.db holds no books.\n"},
+      {{"balance", "damaged.db"}, 4, lament},
+      {{"doctor", "damaged.db"}, 4, lament},
       {{"balance", "none.db"}, 5, "qdclgl: 80044204: There is no file none.db.\n"},
       {{"balance", "none/books.db"}, 5, "qdclgl: 80044204: There is no file none/books.db.\n"},
       {{"init", "none/books.db", "--no-password"},

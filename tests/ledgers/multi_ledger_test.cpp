@@ -255,6 +255,33 @@ TEST_F(MultiLedgerTest, EveryWayToChangeTheListsAloneIsSaved) {
   EXPECT_EQ(server.TakeLog(), "") << "a flag alone is nothing to save";
 }
 
+// A view that binds itself to a row begins that row's record of edits anew.
+TEST_F(MultiLedgerTest, AnEditIsSavedWhoeverLooksAtItsColumnAgain) {
+  const std::pair<const char*, std::function<void(MultiLedger&)>> looks[] = {
+      {"nobody", [](MultiLedger&) {}},
+      {"Item", [](MultiLedger& ledger) { ledger.Columns()->Item(1); }},
+      {"the same list",
+       [list = Ref<MultiColumnSet>()](MultiLedger& ledger) mutable {
+         list = ledger.Columns();
+         list->Item(1);
+         list->Item(1);
+       }},
+      {"a walk",
+       [](MultiLedger& ledger) {
+         for (auto& column : ledger.Columns()) column.DC();
+       }},
+      {"another list", [](MultiLedger& ledger) { ledger.SubColumns()->Item(1); }},
+      {"a sort that moves nothing", [](MultiLedger& ledger) { ledger.Columns()->SortByDC(); }}};
+  for (const auto& [who, look] : looks) {
+    const auto ledger = ViewOn<MultiLedger>(Stored());
+    ledger->Columns()->Item(1)->DC(0);
+    look(*ledger);
+    ledger->SaveChanges();
+    EXPECT_NE(server.TakeLog().find("_Columns: [{FColumnID: 1, FDC: 0}]"), std::string::npos)
+        << who;
+  }
+}
+
 TEST_F(MultiLedgerTest, ASortIsSavedWhereItMoves) {
   const auto row = Stored();
   row->Value("_Columns").As<Vector>()->Append(Variant(Row({{"FDC", Long{1}}})));

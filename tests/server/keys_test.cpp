@@ -1,5 +1,4 @@
 // The keys that the library's classes read and write, against the columns that the server has.
-#include <algorithm>
 #include <map>
 
 #include "qdclgl/api/api_table.h"
@@ -21,6 +20,7 @@ std::string_view Word(ColumnType type) {
     case ColumnType::kSingle: return "Single";
     case ColumnType::kDouble: return "Double";
     case ColumnType::kCurrency: return "Currency";
+    case ColumnType::kDecimal: return "Decimal";
     case ColumnType::kDate: return "Date";
     case ColumnType::kText: return "String";
   }
@@ -31,10 +31,10 @@ std::string_view Word(ColumnType type) {
 // one that has this column first.
 std::span<const Column> DescribedFor(std::string_view set, std::string_view first) {
   for (const MasterData* kind : MasterDataKinds()) {
-    if (std::string(kind->subject()) + "Set" == set) return kind->Columns();
+    if (std::string(kind->subject()) + "Set" == set) return kind->CallersColumns();
   }
   for (const MasterData* kind : MasterDataKinds()) {
-    if (kind->Columns()[0].name == first) return kind->Columns();
+    if (kind->CallersColumns()[0].name == first) return kind->CallersColumns();
   }
   return kVoucherList.columns;
 }

@@ -1,5 +1,7 @@
 #include "qdclgl/server/access/audit.h"
 
+#include <algorithm>
+
 #include "qdclgl/frame/objects/class_table.h"
 #include "qdclgl/server/access/trail_seal.h"
 #include "qdclgl/server/db/list.h"
@@ -52,33 +54,38 @@ std::string DigestOf(const AuditRow& row) {
       .Digits();
 }
 
-// One statement finds the row before, takes the time and makes the hash as HashBehind does. So the
-// trail costs a save one message, and what stands in a row belongs to one moment.
-std::string InsertSql(bool is_sqlite) {
-  const auto dialect = [&](const std::string& sqlite, const std::string& postgresql) {
-    return is_sqlite ? sqlite : postgresql;
-  };
-  const auto former = [](const std::string& column) {
-    return "(SELECT " + column +
-           " FROM t_Audit WHERE FSubject = ? AND FRecordID = ? ORDER BY FNumber DESC LIMIT 1)";
-  };
-  const std::string clock = dialect(
-      "strftime('%Y-%m-%dT%H:%M:%SZ', 'now')",
-      "to_char(statement_timestamp() AT TIME ZONE 'UTC', 'YYYY-MM-DD\"T\"HH24:MI:SS\"Z\"')");
-  const std::string time =
-      dialect("MAX", "GREATEST") + "(" + clock +
-      ", COALESCE((SELECT FTime FROM t_Audit ORDER BY FAuditID DESC LIMIT 1), ''))";
-  const std::string address = dialect("''", "COALESCE(host(inet_client_addr()), '')");
-  const std::string hashed = "COALESCE(" + former("FHash || ' ' || CAST(FNumber + 1 AS TEXT)") +
-                             ", ' 1') || ' ' || " + time + " || ' ' || " + address +
-                             " || ' ' || CAST(? AS TEXT)";
-  return "INSERT INTO t_Audit (FUserID, FUserName, FMachineName, FIPAddress, FSubject, FRecordID,"
-         " FRecord, FAction, FOrigin, FChanges, FTime, FConnection, FNumber, FHash)"
-         " VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, " +
-         time + ", " + address + ", COALESCE(" + former("FNumber") + ", 0) + 1, " +
-         dialect("sha256_digits(" + hashed + ")",
-                 "encode(sha256(convert_to(" + hashed + ", 'UTF8')), 'hex')") +
-         ")";
+// The database's time, that of the last row, the client's address as the database knows it, and
+// number and hash of the record's last row.
+std::string EndSql(bool is_sqlite) {
+  return std::string("SELECT ") +
+         (is_sqlite ? "strftime('%Y-%m-%dT%H:%M:%SZ', 'now')"
+                    : "to_char(statement_timestamp() AT TIME ZONE 'UTC',"
+                      " 'YYYY-MM-DD\"T\"HH24:MI:SS\"Z\"')") +
+         ", (SELECT FTime FROM t_Audit ORDER BY FAuditID DESC LIMIT 1), " +
+         (is_sqlite ? "''" : "COALESCE(host(inet_client_addr()), '')") +
+         ", former.FNumber, former.FHash FROM (SELECT 1 AS FOne) AS one LEFT JOIN"
+         " (SELECT FNumber, FHash FROM t_Audit WHERE FSubject = ? AND FRecordID = ?"
+         " ORDER BY FNumber DESC LIMIT 1) AS former ON 1 = 1";
+}
+
+// Puts the row behind the record's last one.
+void PutBehind(Statement& end, AuditRow& row) {
+  end.Fetch();
+  row.time = std::max(end.Text(0), end.Text(1));
+  row.connection = end.Text(2);
+  row.number = static_cast<Long>(end.Whole(3) + 1);
+  row.hash = row.HashBehind(end.Text(4));
+  end.Reset();
+}
+
+void Insert(Database& db, const AuditRow& row) {
+  db.ExecuteLater(
+      "INSERT INTO t_Audit (FTime, FUserID, FUserName, FMachineName, FIPAddress, FSubject,"
+      " FRecordID, FRecord, FAction, FOrigin, FChanges, FConnection, FNumber, FHash)"
+      " VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)",
+      row.time, row.user_id, row.user_name, row.machine_name, row.address, row.subject,
+      row.record_id, row.record, row.action, row.origin, row.changes, row.connection, row.number,
+      row.hash);
 }
 
 }  // namespace
@@ -86,6 +93,15 @@ std::string InsertSql(bool is_sqlite) {
 std::string AuditRow::HashBehind(std::string_view previous) const {
   return Sha256Of(std::string(previous) + " " + std::to_string(number) + " " + time + " " +
                   connection + " " + DigestOf(*this));
+}
+
+Statement& AskForTrailEnd(Database& db, std::string_view subject, Long record_id) {
+  static const std::string kSQLite = EndSql(true), kPostgreSQL = EndSql(false);
+  Statement& statement = db.Prepared(db.Dialect(kSQLite, kPostgreSQL));
+  statement.Set(0, subject);
+  statement.Set(1, std::int64_t{record_id});
+  statement.Open();
+  return statement;
 }
 
 void WriteAudit(const Caller& caller, const Deed& deed) {
@@ -104,21 +120,15 @@ void WriteAudit(const Caller& caller, const Deed& deed) {
   row.action = deed.action;
   row.origin = deed.origin;
   row.changes = deed.changes;
-  const auto with_values = [&](const auto& run) {
-    return run(row.user_id, row.user_name, row.machine_name, row.address, row.subject,
-               row.record_id, row.record, row.action, row.origin, row.changes, row.subject,
-               row.record_id, row.subject, row.record_id, DigestOf(row));
-  };
-  if (caller.db.IsSQLite()) {
-    static const std::string kSql = InsertSql(true);
-    with_values([&](const auto&... values) { caller.db.Execute(kSql, values...); });
-  } else {
-    static const std::string kSql = InsertSql(false) + " RETURNING FAuditID, FHash";
-    const auto [id, hash] = *with_values([&](const auto&... values) {
-      return caller.db.QueryRow<Long, std::string>(kSql, values...);
-    });
-    caller.db.ProveCommitBy("SELECT 1 FROM t_Audit WHERE FAuditID = " + std::to_string(id) +
-                            " AND FHash = '" + hash + "'");
+  PutBehind(
+      deed.end != nullptr ? *deed.end : AskForTrailEnd(caller.db, deed.subject, row.record_id),
+      row);
+  Insert(caller.db, row);
+  if (!caller.db.IsSQLite()) {
+    caller.db.ProveCommitBy("SELECT 1 FROM t_Audit WHERE FSubject = '" + row.subject +
+                            "' AND FRecordID = " + std::to_string(row.record_id) +
+                            " AND FNumber = " + std::to_string(row.number) + " AND FHash = '" +
+                            row.hash + "'");
   }
   SealIfDue(caller.db);
 }
@@ -127,15 +137,13 @@ std::vector<AuditRow> AuditRowsOf(Database& db, std::string_view subject, Long f
   static const std::string kSql = "SELECT " + NamesOf(kColumns) +
                                   " FROM t_Audit WHERE FSubject = ? AND FRecordID BETWEEN ? AND ?"
                                   " ORDER BY FRecordID, FNumber";
-  static constexpr Storage kParameters[] = {Storage::kText, Storage::kWhole, Storage::kWhole};
-  static const std::vector<Storage> kResults = StoragesOf(kColumns);
-  Statement& statement = db.Prepared(kSql, kParameters, kResults);
+  Statement& statement = db.Prepared(kSql);
   statement.Set(0, subject);
   statement.Set(1, std::int64_t{first});
   statement.Set(2, std::int64_t{last});
   std::vector<AuditRow> rows;
   for (statement.Open(); statement.Fetch();) {
-    const auto text = [&](std::size_t position) { return statement.Text(position); };
+    const auto text = [&](std::size_t position) { return std::string(statement.Text(position)); };
     const auto whole = [&](std::size_t position) {
       return static_cast<Long>(statement.Whole(position));
     };

@@ -27,7 +27,13 @@ struct Deed {
   std::string_view machine_name = {};
   std::string_view address = {};
   int origin = 1;  // 2: an automatic save
+  // What AskForTrailEnd gave for the record, where it was asked along with something else.
+  Statement* end = nullptr;
 };
+
+// Asks where the rows of a record end, which the row behind them goes by; for who holds the record,
+// so that nobody adds to them. 0 is a new record, which has none.
+Statement& AskForTrailEnd(Database& db, std::string_view subject, Long record_id);
 
 // The time is the database's own, and no earlier than that of the rows before.
 void WriteAudit(const Caller& caller, const Deed& deed);

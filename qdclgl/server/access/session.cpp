@@ -200,8 +200,8 @@ Caller EnterBatch(std::string_view props, const Right& right) {
   return caller;
 }
 
-CallersTransaction::CallersTransaction(const Caller& caller, Kind kind) try
-    : Transaction(caller.db, kind, StandingQuery(std::to_string(caller.session->user_id))) {
+CallersTransaction::CallersTransaction(const Caller& caller, Kind kind, const Along& along) try
+    : Transaction(caller.db, kind, StandingQuery(std::to_string(caller.session->user_id)), along) {
   caller.Confirm(answer());
 } catch (const Error& error) {
   // The transaction is over by now, and a batch around it goes with the session.

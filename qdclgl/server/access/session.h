@@ -99,7 +99,8 @@ Caller EnterUnconfirmed(std::string_view props, const Right& right);
 // it ends nobody's rights can change.
 class CallersTransaction : public Transaction {
  public:
-  CallersTransaction(const Caller& caller, Kind kind);
+  CallersTransaction(
+      const Caller& caller, Kind kind, const Along& along = [] {});
 };
 
 }  // namespace qdclgl::server

@@ -61,6 +61,7 @@ void AppendValue(std::string& out, const TrailCell& cell) {
       return AppendText(out, value.Held<Currency>().ToText());
     case ColumnType::kDouble: return AppendNumber(out, value.Held<Double>());
     case ColumnType::kSingle: return AppendNumber(out, value.Held<Single>());
+    case ColumnType::kDecimal: return AppendText(out, value.Held<Decimal>().ToText());
     case ColumnType::kDate: return AppendText(out, DateText(value.Held<DateTime>()));
     case ColumnType::kText: return AppendText(out, value.TextView());
   }
@@ -75,6 +76,7 @@ bool IsZero(const TrailCell& cell) {
     case ColumnType::kCurrency: return value.Held<Currency>() == Currency();
     case ColumnType::kDouble: return value.Held<Double>() == 0;
     case ColumnType::kSingle: return value.Held<Single>() == 0;
+    case ColumnType::kDecimal: return value.Held<Decimal>() == Decimal();
     case ColumnType::kDate: return value.Held<DateTime>().days == 0;
     case ColumnType::kText: return value.TextView().empty();
   }

@@ -160,16 +160,14 @@ std::vector<TrailSeal> AllSeals(Database& db) { return Seals(db, "ORDER BY FSeal
 std::string SealHash(Database& db, const TrailSeal& former, const TrailSeal& seal, Long& count) {
   Sha256 sum;
   sum.Add(former.hash + " " + std::to_string(seal.number) + " " + seal.time);
-  static constexpr Storage kParameters[] = {Storage::kWhole, Storage::kWhole};
-  static constexpr Storage kResults[] = {Storage::kWhole, Storage::kText};
   Statement& statement = db.Prepared(
-      "SELECT FAuditID, FHash FROM t_Audit WHERE FAuditID > ? AND FAuditID <= ? ORDER BY FAuditID",
-      kParameters, kResults);
+      "SELECT FAuditID, FHash FROM t_Audit WHERE FAuditID > ? AND FAuditID <= ? ORDER BY FAuditID");
   statement.Set(0, std::int64_t{former.last_id});
   statement.Set(1, std::int64_t{seal.last_id});
   count = 0;
   for (statement.Open(); statement.Fetch(); ++count) {
-    sum.Add(" " + std::to_string(statement.Whole(0)) + " " + statement.Text(1));
+    sum.Add(" " + std::to_string(statement.Whole(0)) + " ");
+    sum.Add(statement.Text(1));
   }
   return sum.Digits();
 }

@@ -9,6 +9,7 @@
 #include "qdclgl/server/access/session.h"
 #include "qdclgl/server/books/books_check.h"
 #include "qdclgl/server/books/trail_beginning.h"
+#include "qdclgl/server/db/connections.h"
 #include "qdclgl/server/db/new_books.h"
 #include "qdclgl/server/db/program_role.h"
 #include "qdclgl/server/db/refusals.h"
@@ -77,12 +78,13 @@ void BooksUpdate::Create(std::string_view connection, std::string_view CurrencyN
 }
 
 Long BooksUpdate::Upgrade(std::string_view connection) {
-  Database db(ConnectionText::Parse(connection));
+  const auto connected = Connections::OfThisThread().Apart(ConnectionText::Parse(connection));
+  Database& db = *connected;
   Transaction transaction(db, Transaction::Kind::kChangeRules);
   const int version = SchemaVersion(db);
   if (version == 0 || version > CurrentSchemaVersion()) RequireCurrentSchema(db);
   const std::vector<const TrailedKind*> coming = KindsToCome(db);
-  const bool had_item_balances = HasTable(db, "t_ItemBalance");
+  const bool had_item_balances = Tables(db).contains("t_itembalance");
   Migrate(db, CurrentSchemaVersion());
   if (!had_item_balances) MakeItemBalances(db);
   const Caller caller = CallerFromHere(db, 0, "");  // nobody is logged in

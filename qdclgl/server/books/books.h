@@ -25,10 +25,11 @@ class BooksUpdate final : public Object {
       "weeks. An empty password only with NoPassword. ProgramRole is the PostgreSQL role that "
       "programs will log in with, when it is not the one that makes the books and so owns "
       "the tables. Errors: BooksExist, BadSetting, BadNumber, Required, BadValue.")
-  QD_METHOD(Long, Upgrade, (std::string_view ConnectionText),
-            "Brings books of an older version to this program's version, all or nothing, and "
-            "returns the version they had. WrongSchema for books of a newer one. On PostgreSQL the "
-            "owner of the tables does it.")
+  QD_METHOD(
+      Long, Upgrade, (std::string_view ConnectionText),
+      "Brings books of an older version to this program's version, all or nothing, and "
+      "returns the version they had. WrongSchema for books of a newer one, DatabaseBusy beside a "
+      "batch of the same thread. On PostgreSQL the owner of the tables does it.")
 };
 
 class BooksInfo final : public Object {

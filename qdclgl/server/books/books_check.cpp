@@ -5,6 +5,7 @@
 
 #include "qdclgl/server/access/session.h"
 #include "qdclgl/server/books/findings.h"
+#include "qdclgl/server/books/items_check.h"
 #include "qdclgl/server/books/lines_check.h"
 #include "qdclgl/server/books/notes_check.h"
 #include "qdclgl/server/books/texts_check.h"
@@ -228,6 +229,7 @@ Ref<Recordset> CheckBooks(Database& db, std::string_view kept_head) {
   CheckReferences(db, findings);
   CheckNotes(db, findings);
   CheckUnits(db, findings);
+  CheckItems(db, findings);
   CheckSettings(db, findings);
   CheckTrail(db, kept_head, findings);
   CheckDatabase(db, findings);

@@ -109,8 +109,10 @@ class LinesCheck {
     for (const auto& [voucher, number, account, currency, side, amount, amount_for, rate,
                       quantity] :
          db_.Query<Long, Long, Long, Long, Long, std::int64_t, std::int64_t, double, double>(
-             "SELECT FVoucherID, FEntryID, FAccountID, FCurrencyID, FDC, FAmount, FAmountFor,"
-             " FExchangeRate, FQuantity FROM t_VoucherEntry ORDER BY FVoucherID, FEntryID")) {
+             "SELECT e.FVoucherID, e.FEntryID, e.FAccountID, e.FCurrencyID, e.FDC, e.FAmount,"
+             " e.FAmountFor, e.FExchangeRate, " +
+             std::string(kCountedQuantity) +
+             " FROM t_VoucherEntry e ORDER BY e.FVoucherID, e.FEntryID")) {
       const auto found = vouchers_.find(voucher);
       if (found == vouchers_.end()) continue;  // the foreign keys are another rule
       Add(found->second,

@@ -1,5 +1,6 @@
 #include "qdclgl/server/books/trail_beginning.h"
 
+#include "qdclgl/frame/vocabulary/text.h"
 #include "qdclgl/server/access/audit.h"
 #include "qdclgl/server/access/trail_seal.h"
 #include "qdclgl/server/db/schema.h"
@@ -41,6 +42,22 @@ void WriteWhole(const Caller& caller, std::string_view action, const TrailedKind
            });
 }
 
+// Which of these kinds have records: most have none in new books, and are asked for in one message.
+std::vector<const TrailedKind*> WithRecords(Database& db,
+                                            const std::vector<const TrailedKind*>& kinds) {
+  std::string sql;
+  for (std::size_t i = 0; i < kinds.size(); ++i) {
+    sql += (i == 0 ? "SELECT " : " UNION ALL SELECT ") + std::to_string(i) +
+           " AS kind WHERE EXISTS (SELECT 1 FROM " + std::string(kinds[i]->table) + ")";
+  }
+  std::vector<const TrailedKind*> found;
+  if (sql.empty()) return found;
+  for (const auto& [kind] : db.Query<std::size_t>(sql + " ORDER BY kind")) {
+    found.push_back(kinds[kind]);
+  }
+  return found;
+}
+
 }  // namespace
 
 void BeginTrail(const Caller& caller, std::string_view action) {
@@ -49,23 +66,26 @@ void BeginTrail(const Caller& caller, std::string_view action) {
     LinkRows(db, subject);
   }
   WriteWhole(caller, action, kSettingSubject, 0, "", TrailedSettings(db).row());
-  for (const TrailedKind& kind : TrailedKinds()) WriteWhole(caller, action, kind);
+  std::vector<const TrailedKind*> all;
+  for (const TrailedKind& kind : TrailedKinds()) all.push_back(&kind);
+  TrailWhole(caller, action, all);
   SealTrail(db);
 }
 
 bool HasTrailBegun(Database& db) { return LastSeal(db).number > 0; }
 
 std::vector<const TrailedKind*> KindsToCome(Database& db) {
+  const std::set<std::string> tables = Tables(db);
   std::vector<const TrailedKind*> kinds;
   for (const TrailedKind& kind : TrailedKinds()) {
-    if (!HasTable(db, kind.table)) kinds.push_back(&kind);
+    if (!tables.contains(FoldAsciiCase(kind.table))) kinds.push_back(&kind);
   }
   return kinds;
 }
 
 void TrailWhole(const Caller& caller, std::string_view action,
                 const std::vector<const TrailedKind*>& kinds) {
-  for (const TrailedKind* kind : kinds) WriteWhole(caller, action, *kind);
+  for (const TrailedKind* kind : WithRecords(caller.db, kinds)) WriteWhole(caller, action, *kind);
 }
 
 }  // namespace qdclgl::server

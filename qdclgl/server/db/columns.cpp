@@ -1,5 +1,6 @@
 #include "qdclgl/server/db/columns.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 
@@ -31,6 +32,42 @@ DateTime DateFrom(std::string_view text) {
   return CDate(Variant(text));
 }
 
+namespace {
+
+// One digit for the sign, two for the place of the first digit before the point, then the digits.
+// All of that is turned around for what is less than 0, where a longer number is a smaller one.
+std::string DecimalOrder(bool is_negative, int place, std::string digits) {
+  constexpr int kMiddle = 50;  // between places: those of a Decimal are from -27 to 29
+  if (!is_negative) return "6" + std::to_string(kMiddle + place) + digits;
+  for (char& digit : digits) digit = static_cast<char>('0' + '9' - digit);
+  return "4" + std::to_string(kMiddle - 1 - place) + digits + "~";
+}
+
+}  // namespace
+
+std::string DecimalText(const Decimal& value) {
+  std::string text = value.ToText();
+  if (text.find('.') != text.npos) {
+    text.erase(text.find_last_not_of('0') + 1);
+    if (text.ends_with('.')) text.pop_back();
+  }
+  const bool is_negative = text.starts_with('-');
+  const std::string plain = text.substr(is_negative ? 1 : 0);
+  const std::size_t point = std::min(plain.find('.'), plain.size());
+  std::string digits = plain.substr(0, point);
+  if (point < plain.size()) digits += plain.substr(point + 1);
+  const std::size_t first = digits.find_first_not_of('0');
+  if (first == digits.npos) return "5 0";
+  const int place = static_cast<int>(point) - static_cast<int>(first);
+  digits.erase(0, first);
+  digits.erase(digits.find_last_not_of('0') + 1);
+  return DecimalOrder(is_negative, place, std::move(digits)) + " " + text;
+}
+
+Decimal DecimalFrom(std::string_view text) {
+  return text.empty() ? Decimal() : Decimal::FromText(text.substr(text.find(' ') + 1));
+}
+
 Variant ReadCell(const Statement& statement, std::size_t position, ColumnType type) {
   switch (type) {
     case ColumnType::kLong: return static_cast<Long>(statement.Whole(position));
@@ -39,6 +76,7 @@ Variant ReadCell(const Statement& statement, std::size_t position, ColumnType ty
     case ColumnType::kCurrency: return Currency::FromUnits(statement.Whole(position));
     case ColumnType::kDouble: return statement.Real(position);
     case ColumnType::kSingle: return static_cast<Single>(statement.Real(position));
+    case ColumnType::kDecimal: return DecimalFrom(statement.Text(position));
     case ColumnType::kDate: return DateFrom(statement.Text(position));
     case ColumnType::kText: return statement.Text(position);
   }
@@ -68,6 +106,7 @@ Variant Normalized(const Column& column, const Variant& value) {
       case ColumnType::kCurrency: return CCur(given);
       case ColumnType::kDouble: return Finite(CDbl(given));
       case ColumnType::kSingle: return Finite(CSng(given));
+      case ColumnType::kDecimal: return CDec(given);
       case ColumnType::kDate: {
         const DateTime date = CDate(given);
         DateText(date);  // error 6 for a date that no calendar has
@@ -96,6 +135,8 @@ void BindHeld(Statement& statement, std::size_t position, ColumnType type, const
     case ColumnType::kCurrency: return statement.Set(position, value.Held<Currency>().units());
     case ColumnType::kDouble: return statement.Set(position, value.Held<Double>());
     case ColumnType::kSingle: return statement.Set(position, Double{value.Held<Single>()});
+    case ColumnType::kDecimal:
+      return statement.Set(position, std::string_view(DecimalText(value.Held<Decimal>())));
     case ColumnType::kDate:
       return statement.Set(position, std::string_view(DateText(value.Held<DateTime>())));
     case ColumnType::kText: return statement.Set(position, value.TextView());
@@ -147,15 +188,8 @@ RowInsertion::RowInsertion(std::string_view table, std::span<const Column> colum
     sql_[power] = "INSERT INTO " + std::string(table) + " (" + NamesOf(columns) + ") VALUES ";
     for (std::size_t i = 0; i < std::size_t{1} << power; ++i) {
       sql_[power] += i == 0 ? row : ", " + row;
-      for (const Column& column : columns) parameters_[power].push_back(StorageOf(column.type));
     }
   }
-}
-
-std::vector<Storage> StoragesOf(std::span<const Column> columns) {
-  std::vector<Storage> storages;
-  for (const Column& column : columns) storages.push_back(StorageOf(column.type));
-  return storages;
 }
 
 std::string NamesOf(std::span<const Column> columns, std::string_view prefix) {

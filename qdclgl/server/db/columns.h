@@ -20,7 +20,8 @@ enum class ColumnType : std::uint8_t {
   kCurrency,
   kDouble,
   kSingle,
-  kDate,  // kept as "2024-01-31", with the time behind it where there is one
+  kDecimal,  // kept as a text whose order is that of the numbers
+  kDate,     // kept as "2024-01-31", with the time behind it where there is one
   kText,
 };
 
@@ -42,6 +43,7 @@ constexpr Storage StorageOf(ColumnType type) {
   switch (type) {
     case ColumnType::kDouble:
     case ColumnType::kSingle: return Storage::kReal;
+    case ColumnType::kDecimal:
     case ColumnType::kDate:
     case ColumnType::kText: return Storage::kText;
     default: return Storage::kWhole;
@@ -75,6 +77,10 @@ struct TypeOfColumn<ColumnType::kDouble> {
 template <>
 struct TypeOfColumn<ColumnType::kSingle> {
   using Type = Single;
+};
+template <>
+struct TypeOfColumn<ColumnType::kDecimal> {
+  using Type = Decimal;
 };
 template <>
 struct TypeOfColumn<ColumnType::kDate> {
@@ -123,7 +129,8 @@ std::vector<Variant> ReadCells(const Statement& statement, std::span<const Colum
 // What a caller's row has under the columns' names, in the columns' types.
 std::vector<Variant> NormalizedCells(std::span<const Column> columns, const Dictionary& row);
 
-// The insertion of rows into a table, as few statements as their number allows.
+// The insertion of rows into a table, as few statements as their number allows; they run with the
+// next one that is waited for.
 class RowInsertion {
  public:
   RowInsertion(std::string_view table, std::span<const Column> columns);
@@ -134,11 +141,11 @@ class RowInsertion {
     for (std::size_t row = 0; row < count;) {
       std::size_t power = kPowers - 1;
       while ((std::size_t{1} << power) > count - row) --power;
-      Statement& statement = db.Prepared(sql_[power], parameters_[power], {});
+      Statement& statement = db.Prepared(sql_[power]);
       for (std::size_t i = 0; i < std::size_t{1} << power; ++i) {
         bind(statement, i * column_count_, row++);
       }
-      statement.Execute();
+      statement.ExecuteLater();
     }
   }
 
@@ -148,7 +155,6 @@ class RowInsertion {
 
   std::size_t column_count_;
   std::array<std::string, kPowers> sql_;
-  std::array<std::vector<Storage>, kPowers> parameters_;
 };
 
 // The row of a fetched statement as a new Dictionary over `keys`, one key for each column.
@@ -156,13 +162,16 @@ Ref<KeyList> KeysOf(std::span<const Column> columns);
 Ref<Dictionary> ReadRow(const Statement& statement, std::span<const Column> columns,
                         const Ref<KeyList>& keys);
 
-std::vector<Storage> StoragesOf(std::span<const Column> columns);
-
 // "FName, FNumber", with `prefix` before each name.
 std::string NamesOf(std::span<const Column> columns, std::string_view prefix = {});
 
 // Dates as the database holds them, and back. Error 6 or 13 as the conversions raise them.
 std::string DateText(DateTime date);
 DateTime DateFrom(std::string_view text);
+
+// Decimals likewise: "652125 12.5" for 12.5. What goes before the blank orders the texts, what
+// stands behind it is the number as people write it. An empty text is 0 too.
+std::string DecimalText(const Decimal& value);
+Decimal DecimalFrom(std::string_view text);
 
 }  // namespace qdclgl::server

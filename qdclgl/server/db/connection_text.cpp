@@ -13,9 +13,35 @@ namespace {
 
 using namespace connection_key;
 
-constexpr std::array kKeys = {kProvider,    kDataSource, kSynchronous, kHost,     kPort,
-                              kCatalog,     kSchema,     kUser,        kPassword, kSslMode,
-                              kSslRootCert, kSslCert,    kSslKey,      kSession};
+constexpr std::array kKeys = {kProvider,
+                              kDataSource,
+                              kSynchronous,
+                              kHost,
+                              kPort,
+                              kCatalog,
+                              kSchema,
+                              kUser,
+                              kPassword,
+                              kSslMode,
+                              kSslRootCert,
+                              kSslCert,
+                              kSslKey,
+                              kLockTimeout,
+                              kKeepalivesIdle,
+                              kKeepalivesInterval,
+                              kKeepalivesCount,
+                              kTcpUserTimeout,
+                              kSession};
+
+// Whole numbers, and what they are where the text doesn't tell.
+struct NumberKey {
+  std::string_view key;
+  int otherwise;
+};
+// A machine that dies says nothing; it is noticed within a minute.
+constexpr std::array kNumbers = {NumberKey{kLockTimeout, 60}, NumberKey{kKeepalivesIdle, 30},
+                                 NumberKey{kKeepalivesInterval, 10}, NumberKey{kKeepalivesCount, 3},
+                                 NumberKey{kTcpUserTimeout, 60000}};
 constexpr std::array<std::string_view, 6> kSslModes = {"disable", "allow",     "prefer",
                                                        "require", "verify-ca", "verify-full"};
 
@@ -51,6 +77,13 @@ std::string TakeValue(std::string_view& rest) {
     value += rest[i];
   }
   Refuse(refusal::kBadConnectionText, "The connection text has a \"{\" without its \"}\".");
+}
+
+// From 1 to 999999.
+bool IsNumber(std::string_view text) {
+  constexpr std::size_t kMostDigits = 6;
+  return !text.empty() && text.size() <= kMostDigits && text.front() != '0' &&
+         text.find_first_not_of("0123456789") == text.npos;
 }
 
 bool NeedsBraces(std::string_view value) {
@@ -119,6 +152,12 @@ ConnectionText ConnectionText::Parse(std::string_view text) {
     Refuse(refusal::kBadConnectionText,
            "The provider is SQLite or PostgreSQL, not \"" + std::string(result[kProvider]) + "\".");
   }
+  for (const NumberKey& number : kNumbers) {
+    if (!result[number.key].empty() && !IsNumber(result[number.key])) {
+      Refuse(refusal::kBadConnectionText,
+             "\"" + std::string(number.key) + "\" is a whole number from 1 to 999999.");
+    }
+  }
   return result;
 }
 
@@ -129,6 +168,12 @@ std::string_view ConnectionText::operator[](std::string_view key) const {
 
 bool ConnectionText::IsSQLite() const {
   return EqualsIgnoringAsciiCase((*this)[kProvider], "SQLite");
+}
+
+int ConnectionText::Number(std::string_view key) const {
+  const std::string_view text = (*this)[key];
+  if (!text.empty()) return std::stoi(std::string(text));
+  return std::ranges::find(kNumbers, key, &NumberKey::key)->otherwise;
 }
 
 ConnectionText ConnectionText::Without(std::string_view key) const {
@@ -163,18 +208,31 @@ std::string ConnectionText::ToText() const {
 
 ConnectionText ConnectionText::Canonical() const {
   ConnectionText result = Without(kSession).With(kProvider, IsSQLite() ? "SQLite" : "PostgreSQL");
-  if (!IsSQLite()) return result;
-  for (const std::string_view key : {kHost, kPort, kCatalog, kSchema, kUser, kPassword, kSslMode,
-                                     kSslRootCert, kSslCert, kSslKey}) {
-    result = result.Without(key);
+  for (const NumberKey& number : kNumbers) {
+    if (Number(number.key) == number.otherwise) result = result.Without(number.key);
   }
+  if (!IsSQLite()) return result;
+  result = result.Only({kProvider, kLockTimeout});
   const std::filesystem::path file{(*this)[kDataSource]};
   std::error_code unknown;
   const std::filesystem::path path =
       std::filesystem::weakly_canonical(std::filesystem::absolute(file, unknown), unknown);
   result = result.With(kDataSource, path.empty() ? file.string() : path.string());
   const bool normal = EqualsIgnoringAsciiCase((*this)[kSynchronous], "Normal");
-  return normal ? result.With(kSynchronous, "Normal") : result.Without(kSynchronous);
+  return normal ? result.With(kSynchronous, "Normal") : result;
+}
+
+ConnectionText ConnectionText::Place() const {
+  return Canonical().Only({kProvider, kDataSource, kHost, kPort, kCatalog, kSchema});
+}
+
+ConnectionText ConnectionText::Only(std::initializer_list<std::string_view> keys) const {
+  ConnectionText result;
+  for (const std::string_view key : keys) {
+    const auto found = values_.find(key);
+    if (found != values_.end()) result.values_.insert(*found);
+  }
+  return result;
 }
 
 std::string ConnectionText::ForMessage() const {

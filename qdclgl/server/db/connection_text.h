@@ -4,6 +4,7 @@
 //   Provider=PostgreSQL;Host=ledger;Port=5432;Initial catalog=books;User ID=gl;Password=...;
 #pragma once
 
+#include <initializer_list>
 #include <map>
 #include <string>
 #include <string_view>
@@ -27,6 +28,14 @@ inline constexpr std::string_view kSslMode = "Sslmode";
 inline constexpr std::string_view kSslRootCert = "Sslrootcert";
 inline constexpr std::string_view kSslCert = "Sslcert";
 inline constexpr std::string_view kSslKey = "Sslkey";
+// How many seconds a statement waits for what others have locked.
+inline constexpr std::string_view kLockTimeout = "Lock timeout";
+// PostgreSQL: by what a server that says nothing any more is noticed, as the database's own client
+// reads them: seconds, seconds, a count, milliseconds.
+inline constexpr std::string_view kKeepalivesIdle = "Keepalives_idle";
+inline constexpr std::string_view kKeepalivesInterval = "Keepalives_interval";
+inline constexpr std::string_view kKeepalivesCount = "Keepalives_count";
+inline constexpr std::string_view kTcpUserTimeout = "Tcp_user_timeout";
 inline constexpr std::string_view kSession = "Session";  // put in by the login
 }  // namespace connection_key
 
@@ -41,6 +50,8 @@ class ConnectionText {
   // "" for a key that is not there.
   std::string_view operator[](std::string_view key) const;
   bool IsSQLite() const;
+  // Of kLockTimeout and those below it, which have a value without being there.
+  int Number(std::string_view key) const;
 
   // The text without this key, with this one, and in the one spelling that tells equal texts.
   ConnectionText Without(std::string_view key) const;
@@ -52,10 +63,18 @@ class ConnectionText {
   // process is in now.
   ConnectionText Canonical() const;
 
+  // Where the books are, whoever reaches them and however.
+  ConnectionText Place() const;
+
   // The text as an error may show it: no password, no session.
   std::string ForMessage() const;
 
+  bool operator==(const ConnectionText& other) const = default;
+
  private:
+  // Without all keys but these.
+  ConnectionText Only(std::initializer_list<std::string_view> keys) const;
+
   std::map<std::string, std::string, std::less<>> values_;  // by key in its own spelling
 };
 

@@ -45,6 +45,15 @@ std::shared_ptr<Database> Connections::To(const std::string& books,
   return kept.database;
 }
 
+std::unique_ptr<Database> Connections::Apart(const ConnectionText& text) {
+  EndOrphanedBatches();
+  auto database = std::make_unique<Database>(text);
+  database->SetBesideBatch(std::ranges::any_of(kept_, [&](const Kept& kept) {
+    return kept.database->InBatch() && ConnectionText::Parse(kept.books).Place() == text.Place();
+  }));
+  return database;
+}
+
 void Connections::EndOrphanedBatches() {
   std::erase_if(kept_, [](const Kept& kept) { return kept.database->IsBatchOrphaned(); });
 }

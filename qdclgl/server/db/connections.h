@@ -19,6 +19,10 @@ class Connections {
   // ConnectionLost, DatabaseFailed.
   std::shared_ptr<Database> To(const std::string& books, const Database::BatchOwner& session);
 
+  // One that the caller alone has, to books of whatever version. Beside a batch that is under way
+  // there in this thread it only reads.
+  std::unique_ptr<Database> Apart(const ConnectionText& text);
+
   // Closes them all, before a file is moved, say. Batches are rolled back.
   void CloseAll() { kept_.clear(); }
   // Rolls back the batches whose sessions have ended.

@@ -3,9 +3,13 @@
 #include <chrono>
 #include <thread>
 
+#include "qdclgl/frame/platform/machine.h"
+#include "qdclgl/frame/platform/platform.h"
 #include "qdclgl/frame/vocabulary/text.h"
-#include "qdclgl/server/db/driver.h"
+#include "qdclgl/server/db/busy.h"
+#include "qdclgl/server/db/postgresql_driver.h"
 #include "qdclgl/server/db/refusals.h"
+#include "qdclgl/server/db/sqlite_driver.h"
 
 namespace qdclgl::server {
 
@@ -16,6 +20,12 @@ std::string Quoted(std::string_view text, char quote) {
   std::string quoted(1, quote);
   for (const char c : text) quoted.append(c == quote ? 2 : 1, c);
   return quoted + quote;
+}
+
+// By this others are told who is in their way.
+std::string OwnName() {
+  return "QDCLGL on " + GetMachineName() + ", process " +
+         std::to_string(CurrentPlatform().ProcessId());
 }
 
 // What changes when the server of PostgreSQL starts again, or loses its memory in a crash.
@@ -32,6 +42,12 @@ std::string Lock(std::string_view function, std::string_view schema, int what) {
   return std::string(function) + "(hashtext(" + place + "), " + std::to_string(what) + ")";
 }
 
+std::unique_ptr<Driver> DriverFor(const ConnectionText& text) {
+  auto on_busy = [text](int backend) { return SentenceOfBusyBooks(text, backend); };
+  if (text.IsSQLite()) return std::make_unique<SQLiteDriver>(text, std::move(on_busy));
+  return std::make_unique<PostgreSQLDriver>(text, std::move(on_busy));
+}
+
 // 2 is that of the trail's seals.
 constexpr int kRules = 0, kBatchAlone = 1, kSessions = 3;
 
@@ -40,17 +56,21 @@ constexpr int kRules = 0, kBatchAlone = 1, kSessions = 3;
 // ---- The connection ----
 
 Database::Database(const ConnectionText& text)
-    : text_(text), is_sqlite_(text.IsSQLite()), driver_(std::make_unique<Driver>(text)) {
+    : text_(text), is_sqlite_(text.IsSQLite()), driver_(DriverFor(text)) {
   if (is_sqlite_) {
     const bool normal = EqualsIgnoringAsciiCase(text[connection_key::kSynchronous], "Normal");
     Command(normal ? "PRAGMA synchronous = NORMAL" : "PRAGMA synchronous = FULL");
     Command("PRAGMA foreign_keys = ON");
     Command("PRAGMA case_sensitive_like = ON");
   } else {
-    Command("SET client_min_messages = warning");
+    // In one message; numbers come with all of their digits.
+    std::string script = "SET client_min_messages = warning; SET extra_float_digits = 3; ";
+    script += "SET lock_timeout = '" + std::to_string(text.Number(connection_key::kLockTimeout)) +
+              "s'; SET application_name = " + Quoted(OwnName(), '\'') + "; ";
     const std::string_view schema = text[connection_key::kSchema];
-    if (!schema.empty()) Command("SET search_path TO " + Quoted(schema, '"'));
-    server_run_ = driver_->Run("SELECT " + std::string(kServerRun));
+    if (!schema.empty()) script += "SET search_path TO " + Quoted(schema, '"') + "; ";
+    Driver::CallHook(script);
+    server_run_ = driver_->Run(script.append("SELECT ").append(kServerRun));
   }
 }
 
@@ -64,38 +84,22 @@ void Database::SetStatementHook(std::function<void(std::string_view sql)> hook) 
 
 // ---- Statements ----
 
-Statement& Database::Prepared(std::string_view sql, std::span<const Storage> parameters,
-                              std::span<const Storage> results) {
-  std::string key;
-  key.reserve(sql.size() + parameters.size() + results.size() + 1);
-  for (const Storage type : parameters) key += static_cast<char>('a' + static_cast<int>(type));
-  key += ' ';
-  for (const Storage type : results) key += static_cast<char>('a' + static_cast<int>(type));
-  key += sql;
-  auto found = statements_.find(key);
+Statement& Database::Prepared(std::string_view sql) {
+  auto found = statements_.find(sql);
   if (found == statements_.end()) {
-    auto statement = std::make_unique<Statement>(*driver_, sql, parameters, results);
-    found = statements_.emplace(std::move(key), std::move(statement)).first;
+    found = statements_.emplace(sql, driver_->Prepare(sql, Driver::Use::kKept)).first;
   }
   return *found->second;
 }
 
-Statement Database::MakeStatement(std::string_view sql, std::span<const Storage> parameters,
-                                  std::span<const Storage> results) {
-  return Statement(*driver_, sql, parameters, results);
+std::unique_ptr<Statement> Database::MakeStatement(std::string_view sql) {
+  return driver_->Prepare(sql, Driver::Use::kOnce);
 }
 
 void Database::Command(std::string_view sql) {
   Driver::CallHook(sql);
   RequireSound();
   driver_->Watched([&] { driver_->Run(sql); });
-}
-
-std::string Database::Run(std::string_view sql) {
-  if (!is_sqlite_) return driver_->Watched([&] { return driver_->Run(sql); });
-  // Preparing costs SQLite more than running.
-  Prepared(sql, {}, {}).Run();
-  return "";
 }
 
 void Database::ExecuteScript(std::string_view script) {
@@ -126,7 +130,7 @@ void Database::RequireWritable() const {
   }
   if (is_beside_batch_) {
     Refuse(refusal::kDatabaseBusy,
-           "Another session has a batch under way in this thread; end that first.");
+           "A batch is under way in this thread, and this would wait for it; end it first.");
   }
 }
 
@@ -134,7 +138,8 @@ void Database::RollBack(int level) noexcept {
   Driver::Work& work = driver_->work();
   work.depth = level;
   // A query that an exception cut short still holds its rows.
-  for (const auto& [key, statement] : statements_) statement->Reset();
+  for (const auto& [sql, statement] : statements_) statement->Reset();
+  driver_->Discard();
   try {
     if (level > 0 && !work.has_failed) {
       const std::string name = "SAVEPOINT level" + std::to_string(level);
@@ -230,14 +235,15 @@ bool Database::InBatch() const { return driver_->work().in_batch; }
 void Database::BeginBatch(const BatchOwner& owner, bool alone) {
   if (InBatch()) Refuse(refusal::kBadBatch, "A batch is under way in these books already.");
   RequireWritable();
-  std::string begin(Dialect("BEGIN IMMEDIATE", "BEGIN"));
+  const std::string begin(Dialect("BEGIN IMMEDIATE", "BEGIN"));
+  std::string lock;
   if (alone && !is_sqlite_) {
-    begin +=
-        "; SELECT " + Lock("pg_advisory_xact_lock", text_[connection_key::kSchema], kBatchAlone);
+    lock = "SELECT " + Lock("pg_advisory_xact_lock", text_[connection_key::kSchema], kBatchAlone);
   }
   Driver::CallHook(begin);
   try {
     Run(begin);
+    if (!lock.empty()) Run(lock);
   } catch (const Error&) {
     RollBack(0);
     throw;
@@ -267,24 +273,28 @@ void Database::EndBatchOf(const BatchOwner& owner) {
 
 // ---- Transaction ----
 
-Transaction::Transaction(Database& database, Kind kind, std::string_view question)
+Transaction::Transaction(Database& database, Kind kind, std::string_view question,
+                         const Along& along)
     : database_(database), level_(database.driver_->work().depth), proof_before_(database.proof_) {
   const bool writes = kind != Kind::kRead;
   database.RequireSound();
   if (writes) database.RequireWritable();
+  // What stands before the beginning is no part of the transaction.
+  if (level_ == 0) database.driver_->Settle();
   std::string begin = level_ > 0 ? "SAVEPOINT level" + std::to_string(level_) : "BEGIN";
+  std::string lock;
   if (!writes) {
     if (level_ == 0) begin += database.Dialect("", " ISOLATION LEVEL REPEATABLE READ READ ONLY");
   } else if (database.is_sqlite_) {
     if (level_ == 0) begin += " IMMEDIATE";
   } else {
-    begin += "; SELECT " +
-             Lock(kind == Kind::kSave ? "pg_advisory_xact_lock_shared" : "pg_advisory_xact_lock",
-                  database.text_[connection_key::kSchema], kRules);
+    lock = "SELECT " +
+           Lock(kind == Kind::kSave ? "pg_advisory_xact_lock_shared" : "pg_advisory_xact_lock",
+                database.text_[connection_key::kSchema], kRules);
   }
   Driver::CallHook(begin);
   try {
-    Begin(std::move(begin), writes, question);
+    Begin(begin, lock, question, along);
   } catch (const Error&) {
     // The lock or the question may have failed behind the beginning.
     database.RollBack(level_);
@@ -297,26 +307,27 @@ Transaction::Transaction(Database& database, Kind kind, std::string_view questio
   ++database.driver_->work().depth;
 }
 
-void Transaction::Begin(std::string script, bool writes, std::string_view question) {
-  if (database_.is_sqlite_) {
-    database_.Run(script);
+void Transaction::Begin(const std::string& begin, const std::string& lock,
+                        std::string_view question, const Along& along) {
+  database_.Prepared(begin).RunLater();
+  if (lock.empty()) {
     if (!question.empty()) answer_ = database_.QueryValue<std::string>(question);
+    along();
     return;
   }
-  // One message to the server for all of it: the id of the transaction comes back, and behind a
-  // blank the answer.
-  if (writes) {
-    script += "; SELECT pg_current_xact_id()";
-    if (!question.empty()) {
-      script += " || COALESCE(' ' || (";
-      script.append(question).append("), '')");
-    }
-  }
-  const std::string told = database_.Run(script);
-  if (!writes) return;
-  const std::size_t blank = told.find(' ');
-  database_.transaction_id_ = told.substr(0, blank);
-  if (blank != told.npos) answer_ = told.substr(blank + 1);
+  database_.Prepared(lock).RunLater();
+  // The id of the transaction comes back, and behind a blank the answer.
+  std::string told = "SELECT CAST(pg_current_xact_id() AS TEXT)";
+  if (!question.empty()) told.append(" || COALESCE(' ' || (").append(question).append("), '')");
+  Statement& asked = database_.Prepared(told);
+  asked.Ask();
+  along();
+  asked.Fetch();
+  const std::string_view text = asked.Text(0);
+  const std::size_t blank = text.find(' ');
+  database_.transaction_id_ = text.substr(0, blank);
+  if (blank != text.npos) answer_ = text.substr(blank + 1);
+  asked.Reset();
 }
 
 void Transaction::Commit() {

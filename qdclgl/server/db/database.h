@@ -5,13 +5,11 @@
 #pragma once
 
 #include <any>
-#include <array>
 #include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
 #include <optional>
-#include <span>
 #include <string>
 #include <string_view>
 #include <tuple>
@@ -46,20 +44,25 @@ class Database {
     return is_sqlite_ ? sqlite : postgresql;
   }
 
-  // The prepared statement for this text and these types.
-  Statement& Prepared(std::string_view sql, std::span<const Storage> parameters,
-                      std::span<const Storage> results);
+  // The prepared statement for this text.
+  Statement& Prepared(std::string_view sql);
 
   // Runs a statement with these values; the number of rows it changed.
   template <class... Values>
   std::int64_t Execute(std::string_view sql, const Values&... values) {
-    return Bound<>(sql, values...).Execute();
+    return Bound(sql, values...).Execute();
+  }
+
+  // Runs it, on PostgreSQL in one message with the next statement that is waited for.
+  template <class... Values>
+  void ExecuteLater(std::string_view sql, const Values&... values) {
+    Bound(sql, values...).ExecuteLater();
   }
 
   // The rows of a query: `db.Query<Long, Currency>("SELECT ... WHERE FVoucherID = ?", id)`.
   template <class... Columns, class... Values>
   std::vector<std::tuple<Columns...>> Query(std::string_view sql, const Values&... values) {
-    Statement& statement = Bound<Columns...>(sql, values...);
+    Statement& statement = Bound(sql, values...);
     std::vector<std::tuple<Columns...>> rows;
     for (statement.Open(); statement.Fetch();) {
       rows.push_back(Row<Columns...>(statement, std::index_sequence_for<Columns...>()));
@@ -70,7 +73,7 @@ class Database {
   // The first row, nothing when there is none.
   template <class... Columns, class... Values>
   std::optional<std::tuple<Columns...>> QueryRow(std::string_view sql, const Values&... values) {
-    Statement& statement = Bound<Columns...>(sql, values...);
+    Statement& statement = Bound(sql, values...);
     statement.Open();
     if (!statement.Fetch()) return std::nullopt;
     auto row = Row<Columns...>(statement, std::index_sequence_for<Columns...>());
@@ -86,8 +89,7 @@ class Database {
   }
 
   // A statement that is not kept.
-  Statement MakeStatement(std::string_view sql, std::span<const Storage> parameters,
-                          std::span<const Storage> results);
+  std::unique_ptr<Statement> MakeStatement(std::string_view sql);
 
   // Several statements without values, as the schema's migrations are.
   void ExecuteScript(std::string_view script);
@@ -141,13 +143,9 @@ class Database {
  private:
   friend class Transaction;
 
-  template <class... Columns, class... Values>
+  template <class... Values>
   Statement& Bound(std::string_view sql, const Values&... values) {
-    static constexpr std::array<Storage, sizeof...(Values)> kParameters = {
-        detail::StorageOf<std::decay_t<Values>>::kStorage...};
-    static constexpr std::array<Storage, sizeof...(Columns)> kResults = {
-        detail::StorageOf<Columns>::kStorage...};
-    Statement& statement = Prepared(sql, kParameters, kResults);
+    Statement& statement = Prepared(sql);
     std::size_t position = 0;
     (statement.Set(position++, detail::StorageOf<std::decay_t<const Values>>::Out(values)), ...);
     return statement;
@@ -169,8 +167,8 @@ class Database {
 
   // Runs a statement once.
   void Command(std::string_view sql);
-  // The same past the hook and for the words of the transaction language: what they give.
-  std::string Run(std::string_view sql);
+  // The same past the hook and for the words of the transaction language.
+  void Run(std::string_view sql) { Prepared(sql).Run(); }
   // Ends the outermost transaction. When it raises anything but DatabaseBusy, or OutcomeUnknown,
   // nothing of the transaction is there or will ever be.
   void Commit();
@@ -181,10 +179,16 @@ class Database {
   // A connection that can't is given up: the next caller gets a new one.
   void RollBack(int level) noexcept;
 
+  // Looks a text up without a copy of it.
+  struct TextHash : std::hash<std::string_view> {
+    using is_transparent = void;
+  };
+
   ConnectionText text_;
   bool is_sqlite_;
   std::unique_ptr<Driver> driver_;
-  std::unordered_map<std::string, std::unique_ptr<Statement>> statements_;
+  std::unordered_map<std::string, std::unique_ptr<Statement>, TextHash, std::equal_to<>>
+      statements_;
   std::map<std::type_index, std::any> kept_;
   std::weak_ptr<const void> batch_owner_;
   bool is_beside_batch_ = false;
@@ -206,8 +210,10 @@ class Transaction {
   // under way, and saves wait for it.
   enum class Kind { kRead, kSave, kChangeRules };
   // `question` is a query of one text without values, for who writes. It is asked once no rule can
-  // change any more, and costs no message of its own.
-  Transaction(Database& database, Kind kind, std::string_view question = {});
+  // change any more, and costs no message of its own. No more do the queries that `along` opens.
+  using Along = std::function<void()>;
+  Transaction(
+      Database& database, Kind kind, std::string_view question = {}, const Along& along = [] {});
   ~Transaction();
   Transaction(const Transaction&) = delete;
   Transaction& operator=(const Transaction&) = delete;
@@ -218,7 +224,8 @@ class Transaction {
   const std::optional<std::string>& answer() const { return answer_; }
 
  private:
-  void Begin(std::string script, bool writes, std::string_view question);
+  void Begin(const std::string& begin, const std::string& lock, std::string_view question,
+             const Along& along);
 
   Database& database_;
   int level_;

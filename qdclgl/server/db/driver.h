@@ -1,59 +1,56 @@
-// A connection as the database library has it. Here alone is known which library that is, what it
-// does when something fails, and how failures of the two databases become errors of ours.
+// A connection as a database's own library has it: what the two databases do alike, whichever it
+// is. What is known of SQLite alone, or of PostgreSQL alone, stands in their own drivers.
 #pragma once
 
-// The parts of SOCI that need Boost's headers are not used here.
-#include <soci/soci-config.h>
-#undef SOCI_HAVE_BOOST
-#include <soci/postgresql/soci-postgresql.h>
-#include <soci/soci.h>
-#include <soci/sqlite3/soci-sqlite3.h>
-
 #include <functional>
-#include <optional>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "qdclgl/frame/vocabulary/errors.h"
-#include "qdclgl/server/db/books_file.h"
-#include "qdclgl/server/db/connection_text.h"
 
 namespace qdclgl::server {
 
+class Statement;
+
 class Driver {
  public:
-  // Errors: NoBooks, ConnectionLost, DatabaseFailed.
-  explicit Driver(const ConnectionText& text);
+  // What is told of those for whom something was waited too long; PostgreSQL knows the waiting one
+  // by a number.
+  using OnBusy = std::function<std::string(int backend)>;
+
+  explicit Driver(OnBusy on_busy) : on_busy_(std::move(on_busy)) {}
+  virtual ~Driver() = default;
   Driver(const Driver&) = delete;
   Driver& operator=(const Driver&) = delete;
 
-  soci::session& session() { return session_; }
-  bool is_sqlite() const { return sqlite_ != nullptr; }
+  // A statement that is kept as long as the connection, or one that is run now and not again.
+  enum class Use { kKept, kOnce };
+  virtual std::unique_ptr<Statement> Prepare(std::string_view sql, Use use) = 0;
+  // Waits for all that has not been waited for. DatabaseBusy, ConnectionLost, DatabaseFailed for
+  // the first that fails.
+  virtual void Settle() {}
+  // The same when what fails is to be taken back anyhow.
+  virtual void Discard() noexcept {}
+  // Runs statements without values; the first value of the last one's rows, "" without any.
+  virtual std::string Run(std::string_view script) = 0;
 
   // The connection is gone for good.
   bool IsLost() const { return is_lost_; }
   void GiveUp() { is_lost_ = true; }
-  bool IsReadOnly() const { return file_ && file_->access() != BooksFile::Access::kWrite; }
   // Whether a new connection would be another one: who could only read may do more by now, or less.
-  bool IsStale() const { return is_lost_ || (IsReadOnly() && !file_->IsAsBefore()); }
+  virtual bool IsStale() const { return is_lost_; }
+  virtual bool IsReadOnly() const { return false; }
+  // Refuses what was read from a file that has changed since.
+  virtual void RequireFileAsBefore() {}
 
   // What the database itself knows of a transaction: SQLite ends one by itself at some failures.
-  bool IsInTransaction() const;
-  bool IsTransactionSound() const;
-
+  virtual bool IsInTransaction() const = 0;
+  virtual bool IsTransactionSound() const = 0;
   // SQLite: whether the last failure was one of writing. Behind that nothing more was written, and
   // the end of a transaction is written last.
-  bool FailedInWriting() const;
-
-  // Runs an operation of the library. Errors: DatabaseBusy, ConnectionLost, DatabaseFailed.
-  template <class Operation>
-  auto Do(Operation operation) -> decltype(operation()) {
-    try {
-      return operation();
-    } catch (const soci::soci_error&) {
-      RaiseTranslated();
-    }
-  }
+  virtual bool FailedInWriting() const { return false; }
 
   // What is under way on the connection.
   struct Work {
@@ -67,7 +64,7 @@ class Driver {
   template <class Operation>
   auto Watched(Operation operation) -> decltype(operation()) {
     try {
-      return Do(operation);
+      return operation();
     } catch (const Error& error) {
       if (work_.depth > 0) NoteFailure(error);
       throw;
@@ -82,31 +79,14 @@ class Driver {
   static void SetHook(std::function<void(std::string_view sql)> hook);
   static void CallHook(std::string_view sql);
 
-  // Runs statements without values; the first value of the last one's rows, "" without any.
-  std::string Run(std::string_view sql);
-
-  // Frees what the database holds for a statement, which ran to its end or didn't, or failed. It
-  // is not run again for that.
-  void Reset(soci::statement& statement) noexcept;
-
-  // Refuses what was read from a file that has changed since.
-  void RequireFileAsBefore();
+ protected:
+  // DatabaseBusy with the sentence of that.
+  [[noreturn]] void RaiseBusy(int backend = 0) const;
 
  private:
-  void OpenSQLite(const ConnectionText& text);
-  void OpenPostgreSQL(const ConnectionText& text);
-  std::string RunSQLite(std::string_view sql);
-  std::string RunPostgreSQL(std::string_view sql);
-  [[noreturn]] void RaiseTranslated();
-
-  std::optional<BooksFile> file_;  // SQLite
-  soci::session session_;
-  // The session's own half, one of the two.
-  soci::sqlite3_session_backend* sqlite_ = nullptr;
-  soci::postgresql_session_backend* postgresql_ = nullptr;
+  OnBusy on_busy_;
   Work work_;
   bool is_lost_ = false;
-  int last_failure_ = 0;  // SQLite's extended code
 };
 
 }  // namespace qdclgl::server

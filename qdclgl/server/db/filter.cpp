@@ -179,6 +179,7 @@ class FilterParser {
 
   void Comparison() {
     const Column& column = lexer_.TakeColumn(columns_);
+    filter_.columns.push_back(column.name);
     std::string name(column.name);
     const bool negated = lexer_.TakeWord("NOT");
     if (lexer_.IsWordToken("LIKE")) {
@@ -213,6 +214,7 @@ class FilterParser {
       }
       if (other->type != column.type) lexer_.Fail("the two columns are of different kinds");
       filter_.sql += other->name;
+      filter_.columns.push_back(other->name);
       lexer_.Advance();
       return;
     }
@@ -250,6 +252,9 @@ class FilterParser {
       case ColumnType::kSingle:
         if (!is_number) lexer_.Fail("a number is expected");
         return Bind(Real());
+      case ColumnType::kDecimal:
+        if (!is_number) lexer_.Fail("a number is expected");
+        return Bind(Exact());
       case ColumnType::kCurrency:
         if (!is_number) lexer_.Fail("an amount is expected");
         return Bind(Number(4));
@@ -295,6 +300,15 @@ class FilterParser {
     return value;
   }
 
+  std::string Exact() const {
+    Real();
+    try {
+      return DecimalText(Decimal::FromText(Unsigned()));
+    } catch (const Error&) {
+      lexer_.Fail("there is no such number");
+    }
+  }
+
   // A plain number with at most so many decimals, counted in its last decimal.
   std::int64_t Number(int decimals) const {
     std::string_view word = Unsigned();
@@ -334,21 +348,25 @@ Filter ParseFilter(std::string_view text, std::span<const Column> columns) {
   return FilterParser(text, columns).Parse();
 }
 
-std::string ParseSort(std::string_view text, std::span<const Column> columns) {
+std::vector<SortTerm> SortTerms(std::string_view text, std::span<const Column> columns) {
   Lexer lexer(text, refusal::kBadSort, "sort");
-  std::string sql;
-  if (lexer.AtEnd()) return sql;
+  std::vector<SortTerm> terms;
+  if (lexer.AtEnd()) return terms;
   do {
     const Column& column = lexer.TakeColumn(columns);
-    if (!sql.empty()) sql += ", ";
-    sql += column.name;
-    if (lexer.TakeWord("DESC")) {
-      sql += " DESC";
-    } else {
-      lexer.TakeWord("ASC");
-    }
+    terms.push_back({column.name, lexer.TakeWord("DESC")});
+    if (!terms.back().is_descending) lexer.TakeWord("ASC");
   } while (lexer.TakeSign(","));
   if (!lexer.AtEnd()) lexer.Fail("a , or the end is expected");
+  return terms;
+}
+
+std::string ParseSort(std::string_view text, std::span<const Column> columns) {
+  std::string sql;
+  for (const SortTerm& term : SortTerms(text, columns)) {
+    if (!sql.empty()) sql += ", ";
+    sql.append(term.column).append(term.is_descending ? " DESC" : "");
+  }
   return sql;
 }
 

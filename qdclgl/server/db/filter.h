@@ -27,12 +27,19 @@ using BoundValue = std::variant<std::int64_t, double, std::string>;
 struct Filter {
   std::string sql;  // "" for an empty filter text
   std::vector<BoundValue> values;
+  std::vector<std::string_view> columns;  // that it names
 };
 
 // BadFilter, telling the position and what is wrong there, for anything that is not the language.
 Filter ParseFilter(std::string_view text, std::span<const Column> columns);
 
-// "FYear DESC, FPeriod"; "" for an empty text. BadSort likewise.
+struct SortTerm {
+  std::string_view column;
+  bool is_descending = false;
+};
+
+// "FYear DESC, FPeriod"; nothing for an empty text. BadSort likewise.
+std::vector<SortTerm> SortTerms(std::string_view text, std::span<const Column> columns);
 std::string ParseSort(std::string_view text, std::span<const Column> columns);
 
 }  // namespace qdclgl::server

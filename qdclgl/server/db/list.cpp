@@ -2,18 +2,15 @@
 
 namespace qdclgl::server {
 
-namespace {
-
-Storage StorageOfValue(const BoundValue& value) {
-  return value.index() == 0   ? Storage::kWhole
-         : value.index() == 1 ? Storage::kReal
-                              : Storage::kText;
+void SetAll(Statement& statement, std::span<const BoundValue> values) {
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    std::visit([&](const auto& value) { statement.Set(i, value); }, values[i]);
+  }
 }
 
-}  // namespace
-
 Ref<Recordset> FetchList(Database& db, const ListSource& source, std::string_view filter,
-                         std::string_view sort, std::span<const BoundValue> values) {
+                         std::string_view sort, std::span<const BoundValue> values,
+                         const std::optional<Page>& page) {
   const Filter condition = ParseFilter(filter, source.columns);
   const std::string order = ParseSort(sort, source.columns);
 
@@ -23,26 +20,24 @@ Ref<Recordset> FetchList(Database& db, const ListSource& source, std::string_vie
   sql += " ORDER BY ";
   if (!order.empty()) sql += order + ", ";
   sql += source.order;
+  if (page) {
+    sql += " LIMIT " + std::to_string(page->count) + " OFFSET " + std::to_string(page->first);
+  }
 
   std::vector<BoundValue> bound(values.begin(), values.end());
   bound.insert(bound.end(), condition.values.begin(), condition.values.end());
-  std::vector<Storage> parameters;
-  for (const BoundValue& value : bound) parameters.push_back(StorageOfValue(value));
-
   // Not kept: there is no end of filters.
-  Statement statement = db.MakeStatement(sql, parameters, StoragesOf(source.columns));
-  for (std::size_t i = 0; i < bound.size(); ++i) {
-    std::visit([&](const auto& value) { statement.Set(i, value); }, bound[i]);
-  }
+  const std::unique_ptr<Statement> statement = db.MakeStatement(sql);
+  SetAll(*statement, bound);
 
   auto list = Make<Recordset>();
   for (const Column& column : source.columns) list->AppendField(column.name);
   list->Open();
-  for (statement.Open(); statement.Fetch();) {
+  for (statement->Open(); statement->Fetch();) {
     std::vector<Variant> row;
     row.reserve(source.columns.size());
     for (std::size_t i = 0; i < source.columns.size(); ++i) {
-      row.push_back(ReadCell(statement, i, source.columns[i].type));
+      row.push_back(ReadCell(*statement, i, source.columns[i].type));
     }
     list->AddRow(std::move(row));
   }

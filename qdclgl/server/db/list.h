@@ -1,6 +1,7 @@
 // Lists: rows of the books as recordsets, filtered and sorted in the language of filter.h.
 #pragma once
 
+#include <optional>
 #include <span>
 #include <string_view>
 
@@ -13,6 +14,15 @@ namespace qdclgl::server {
 // Lists hold what is marked deleted only with this bit of ListOptions.
 inline constexpr Long kWithDeleted = 1;
 
+// The rows of a list from the one at `first` on, counted from 0, and at most so many.
+struct Page {
+  Long first = 0;
+  Long count = 0;
+};
+
+// The values of a statement's placeholders.
+void SetAll(Statement& statement, std::span<const BoundValue> values);
+
 // What a list is made of. The columns are those of the recordset, and those that filter and sort
 // may name.
 struct ListSource {
@@ -24,6 +34,7 @@ struct ListSource {
 // The rows of the list that meet the filter, sorted. `values` are those of the query's own
 // placeholders. BadFilter, BadSort.
 Ref<Recordset> FetchList(Database& db, const ListSource& source, std::string_view filter,
-                         std::string_view sort, std::span<const BoundValue> values = {});
+                         std::string_view sort, std::span<const BoundValue> values = {},
+                         const std::optional<Page>& page = {});
 
 }  // namespace qdclgl::server

@@ -1,6 +1,7 @@
 #include "qdclgl/server/db/new_books.h"
 
 #include "qdclgl/server/db/books_file.h"
+#include "qdclgl/server/db/connections.h"
 #include "qdclgl/server/db/refusals.h"
 #include "qdclgl/server/db/schema.h"
 
@@ -35,8 +36,7 @@ void FillFile(const ConnectionText& text, const std::function<void(Database& db)
 
 void MakeBooks(const ConnectionText& text, const std::function<void(Database& db)>& fill) {
   if (!text.IsSQLite()) {
-    Database db(text);
-    Fill(db, fill);
+    Fill(*Connections::OfThisThread().Apart(text), fill);
     return;
   }
   NewBooksFile file{std::string(text[connection_key::kDataSource])};

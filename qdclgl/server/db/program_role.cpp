@@ -8,23 +8,18 @@ namespace qdclgl::server {
 
 namespace {
 
-// Runs the statements that a query makes, which knows how to quote names.
-template <class... Values>
-void ExecuteEach(Database& db, std::string_view query, const Values&... values) {
-  for (const auto& [statement] : db.Query<std::string>(query, values...)) db.Execute(statement);
-}
-
+// In one message: the database makes the statements, which knows how to quote names.
 void Grant(Database& db, std::string_view role) {
-  ExecuteEach(db,
-              "SELECT format('GRANT USAGE ON SCHEMA %I TO %I', current_schema(), CAST(? AS TEXT))",
-              role);
-  ExecuteEach(db,
-              "SELECT format('GRANT %s ON TABLE %I TO %I',"
-              " CASE table_name WHEN 't_schema' THEN 'SELECT' WHEN 't_audit' THEN 'SELECT, INSERT'"
-              " WHEN 't_systemprofile' THEN 'SELECT, INSERT, UPDATE'"
-              " ELSE 'SELECT, INSERT, UPDATE, DELETE' END, table_name, CAST(? AS TEXT))"
-              " FROM information_schema.tables WHERE table_schema = current_schema()",
-              role);
+  const auto grants = db.QueryValue<std::string>(
+      "SELECT format('GRANT USAGE ON SCHEMA %I TO %I;', current_schema(), who)"
+      " || string_agg(format('GRANT %s ON TABLE %I TO %I;',"
+      " CASE table_name WHEN 't_schema' THEN 'SELECT' WHEN 't_audit' THEN 'SELECT, INSERT'"
+      " WHEN 't_systemprofile' THEN 'SELECT, INSERT, UPDATE'"
+      " ELSE 'SELECT, INSERT, UPDATE, DELETE' END, table_name, who), '')"
+      " FROM information_schema.tables, (SELECT CAST(? AS TEXT) AS who) AS role"
+      " WHERE table_schema = current_schema() GROUP BY who",
+      role);
+  db.ExecuteScript(grants.value_or(""));
 }
 
 }  // namespace
@@ -43,7 +38,10 @@ void GrantToProgramRole(Database& db, std::string_view role) {
     Refuse(refusal::kBadValue,
            called + ": it is a superuser or the owner of the tables, and could do everything.");
   }
-  ExecuteEach(db, "SELECT format('REVOKE CREATE ON SCHEMA %I FROM PUBLIC', current_schema())");
+  db.ExecuteScript(
+      db.QueryValue<std::string>(
+            "SELECT format('REVOKE CREATE ON SCHEMA %I FROM PUBLIC', current_schema())")
+          .value_or(""));
   Grant(db, role);
 }
 

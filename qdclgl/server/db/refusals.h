@@ -26,6 +26,7 @@
   REFUSAL(0x0C, OutcomeUnknown, "Whether the change is saved can't be told now.")               \
   REFUSAL(0x0D, ReadOnly, "The books can only be read here.")                                   \
   REFUSAL(0x0E, LoginDelayed, "Logins have failed; the next one has to wait.")                  \
+  REFUSAL(0x0F, Damaged, "The file of the books is damaged.")                                   \
   REFUSAL(0x10, BadFilter, "The filter text can't be understood.")                              \
   REFUSAL(0x11, BadSort, "The sort text can't be understood.")                                  \
   REFUSAL(0x12, BadValue, "A value does not fit its column.")                                   \

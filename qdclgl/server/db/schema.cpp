@@ -51,49 +51,59 @@ std::string InDialect(Database& database, std::string_view sql) {
 
 // A migration may give rows their ids: the ids that the database gives go on behind them, as SQLite
 // sees to by itself.
-void RaiseIdentities(Database& database) {
-  if (database.IsSQLite()) return;
-  for (const auto& [table, id] : database.Query<std::string, std::string>(
-           "SELECT table_name, column_name FROM information_schema.columns"
-           " WHERE table_schema = current_schema() AND is_identity = 'YES'")) {
-    const std::string sequence = "pg_get_serial_sequence('" + table + "', '" + id + "')";
-    database.QueryValue<std::int64_t>("SELECT setval(" + sequence + ", GREATEST(nextval(" +
-                                      sequence + "), (SELECT COALESCE(MAX(" + id + "), 0) + 1" +
-                                      " FROM " + table + ")), false)");
-  }
-}
+constexpr std::string_view kRaiseIdentities = R"(
+DO $$
+DECLARE
+  id RECORD;
+BEGIN
+  FOR id IN
+    SELECT table_name, column_name,
+           pg_get_serial_sequence(quote_ident(table_name), column_name) AS sequence
+    FROM information_schema.columns
+    WHERE table_schema = current_schema() AND is_identity = 'YES'
+  LOOP
+    EXECUTE format('SELECT setval(%L, GREATEST(nextval(%L),'
+                   ' (SELECT COALESCE(MAX(%I), 0) + 1 FROM %I)), false)',
+                   id.sequence, id.sequence, id.column_name, id.table_name);
+  END LOOP;
+END $$;
+)";
 
 }  // namespace
 
-bool HasTable(Database& database, std::string_view name) {
-  const auto count = database.QueryValue<int>(
-      database.Dialect("SELECT COUNT(*) FROM sqlite_master WHERE name = ?",
-                       "SELECT COUNT(*) FROM information_schema.tables WHERE table_schema ="
-                       " current_schema() AND table_name = LOWER(CAST(? AS TEXT))"),
-      name);
-  return count != 0;
+std::set<std::string> Tables(Database& database) {
+  std::set<std::string> tables;
+  for (const auto& [name] : database.Query<std::string>(
+           database.Dialect("SELECT LOWER(name) FROM sqlite_master WHERE type = 'table'",
+                            "SELECT CAST(table_name AS TEXT) FROM information_schema.tables"
+                            " WHERE table_schema = current_schema()"))) {
+    tables.insert(name);
+  }
+  return tables;
 }
 
 int SchemaVersion(Database& database) {
-  if (!HasTable(database, "t_Schema")) return 0;
+  if (!Tables(database).contains("t_schema")) return 0;
   return database.QueryValue<int>("SELECT COALESCE(MAX(FVersion), 0) FROM t_Schema").value_or(0);
 }
 
 void Migrate(Database& database, int version) {
   int present = SchemaVersion(database);
   if (present >= version) return;
+  std::string script, titles;
   if (present == 0) {
-    database.ExecuteScript(InDialect(database,
-                                     "CREATE TABLE t_Schema (FVersion INTEGER NOT NULL PRIMARY KEY,"
-                                     " FTitle TEXT NOT NULL);"));
+    script = InDialect(database, "CREATE TABLE t_Schema (FVersion INTEGER NOT NULL PRIMARY KEY,"
+                                 " FTitle TEXT NOT NULL);");
   }
   for (; present < version; ++present) {
     const Migration& migration = Migrations()[static_cast<std::size_t>(present)];
-    database.ExecuteScript(InDialect(database, migration.sql));
-    database.Execute("INSERT INTO t_Schema (FVersion, FTitle) VALUES (?, ?)", present + 1,
-                     migration.title);
+    script += InDialect(database, migration.sql);
+    titles += (titles.empty() ? "(" : ", (") + std::to_string(present + 1) + ", '" +
+              std::string(migration.title) + "')";
   }
-  RaiseIdentities(database);
+  script += database.Dialect("", kRaiseIdentities);
+  database.ExecuteScript(script);
+  database.Execute("INSERT INTO t_Schema (FVersion, FTitle) VALUES " + titles);
 }
 
 void RequireCurrentSchema(Database& database) {

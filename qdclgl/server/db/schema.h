@@ -1,7 +1,9 @@
 // The tables of the books, and how books of an older version become books of this one.
 #pragma once
 
+#include <set>
 #include <span>
+#include <string>
 #include <string_view>
 
 #include "qdclgl/server/db/database.h"
@@ -20,7 +22,8 @@ std::span<const Migration> Migrations();
 
 inline int CurrentSchemaVersion() { return static_cast<int>(Migrations().size()); }
 
-bool HasTable(Database& database, std::string_view name);
+// The names of all tables, in small letters.
+std::set<std::string> Tables(Database& database);
 
 // The version of the books, 0 for a database without books.
 int SchemaVersion(Database& database);

@@ -3,8 +3,6 @@
 
 #include <concepts>
 #include <cstdint>
-#include <memory>
-#include <span>
 #include <string>
 #include <string_view>
 
@@ -44,53 +42,77 @@ struct StorageOf<double> {
 template <>
 struct StorageOf<std::string> {
   static constexpr Storage kStorage = Storage::kText;
-  static std::string_view Out(const std::string& value) { return value; }
-  static std::string In(const std::string& value) { return value; }
-};
-template <>
-struct StorageOf<std::string_view> : StorageOf<std::string> {
   static std::string_view Out(std::string_view value) { return value; }
+  static std::string In(std::string_view value) { return std::string(value); }
 };
 template <>
-struct StorageOf<const char*> : StorageOf<std::string> {
-  static std::string_view Out(const char* value) { return value; }
-};
+struct StorageOf<std::string_view> : StorageOf<std::string> {};
+template <>
+struct StorageOf<const char*> : StorageOf<std::string> {};
 
 }  // namespace detail
 
 class Driver;
 
 // A prepared statement. Its parameters are set in order, then it is executed; rows are fetched to
-// the end (or the statement is reset), which frees what the database holds for it.
+// the end (or the statement is reset), which frees what the database holds for it. A statement that
+// fails is at its end.
+//
+// What is executed later, and queries that are open and not fetched from, go to PostgreSQL in one
+// message with the next statement that is waited for; a failure among them comes out there. SQLite,
+// to which nothing has to be sent, executes at once and queries with the first Fetch.
 class Statement {
  public:
-  Statement(Driver& driver, std::string_view sql, std::span<const Storage> parameters,
-            std::span<const Storage> results);
-  ~Statement();
+  virtual ~Statement() = default;
+  Statement(const Statement&) = delete;
+  Statement& operator=(const Statement&) = delete;
 
-  void Set(std::size_t position, std::int64_t value);
-  void Set(std::size_t position, double value);
+  void Set(std::size_t position, std::int64_t value) { SetWhole(position, value); }
+  void Set(std::size_t position, double value) { SetReal(position, value); }
+  // BadValue for a text that is not storable.
   void Set(std::size_t position, std::string_view value);
-  void SetNull(std::size_t position);
 
   // Runs a statement without rows; the number of rows it changed.
   std::int64_t Execute();
-  // The same past the hook.
-  std::int64_t Run();
-  // Runs a query; Fetch then steps through its rows and is false behind the last one.
+  void ExecuteLater();
+  // Begins a query; Fetch then steps through its rows and is false behind the last one.
   void Open();
   bool Fetch();
-  void Reset();
+  void Reset() noexcept;
 
-  // The columns of the current row. A Null reads as 0 or "".
-  bool IsNull(std::size_t position) const;
-  std::int64_t Whole(std::size_t position) const;
-  double Real(std::size_t position) const;
-  const std::string& Text(std::size_t position) const;
+  // The same past the hook.
+  std::int64_t Run();
+  void RunLater();
+  void Ask();
+
+  // The columns of the current row. A Null reads as 0 or "". A text stands until the next call.
+  virtual bool IsNull(std::size_t position) const = 0;
+  virtual std::int64_t Whole(std::size_t position) const = 0;
+  virtual double Real(std::size_t position) const = 0;
+  virtual std::string_view Text(std::size_t position) const = 0;
+
+ protected:
+  Statement(Driver& driver, std::string_view sql) : driver_(driver), sql_(sql) {}
+
+  const std::string& sql() const { return sql_; }
 
  private:
-  struct State;
-  std::unique_ptr<State> state_;
+  virtual void SetWhole(std::size_t position, std::int64_t value) = 0;
+  virtual void SetReal(std::size_t position, double value) = 0;
+  virtual void SetText(std::size_t position, std::string_view value) = 0;
+
+  virtual std::int64_t RunToEnd() = 0;
+  virtual void RunSometime() = 0;
+  virtual void Begin() = 0;
+  virtual bool Step() = 0;
+  virtual void End() noexcept = 0;
+
+  // Before a statement runs for a caller.
+  void Announce() const;
+
+  Driver& driver_;
+  std::string sql_;
+  bool is_open_ = false;
 };
 
 }  // namespace qdclgl::server

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <tuple>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -182,16 +183,34 @@ class Figures {
 
 // ---- Lines ----
 
+// Names and numbers by ids, which many lines share.
+using Texts = std::unordered_map<Long, std::string>;
+
+template <class... Values>
+Texts TextsOf(Database& db, const std::string& sql, const Values&... values) {
+  Texts texts;
+  for (auto& [id, text] : db.Query<Long, std::string>(sql, values...)) {
+    texts.emplace(id, std::move(text));
+  }
+  return texts;
+}
+
 struct Line {
   Long voucher, entry;
-  std::string date;
+  DateTime date;
   AccountingPeriod period;
-  std::string group;
+  const std::string* group;
   Long number;
   std::string explanation;
-  std::string account_number;
+  const std::string* account_number;
   double rate;
   Amount amount;
+
+  // By day, group and number.
+  bool operator<(const Line& other) const {
+    return std::tie(date, *group, period, number, entry) <
+           std::tie(other.date, *other.group, other.period, other.number, other.entry);
+  }
 };
 
 constexpr std::string_view kAmountColumns =
@@ -199,25 +218,51 @@ constexpr std::string_view kAmountColumns =
     " CASE WHEN e.FCurrencyID = 1 THEN e.FAmount ELSE e.FAmountFor END";
 static_assert(kBaseCurrency == 1);
 
-// The posted lines of an account and those below it from the first day of a year on; vouchers of
-// one span of time have ids of one span, which spares looking at those of other times. CROSS JOIN
-// tells SQLite to begin at the accounts.
-constexpr std::string_view kFromLines =
-    " FROM below CROSS JOIN t_VoucherEntry e CROSS JOIN t_Voucher v"
-    " WHERE e.FAccountID = below.FAccountID AND e.FVoucherID BETWEEN ? AND ?"
-    " AND v.FVoucherID = e.FVoucherID AND v.FPosted = 1 AND v.FDate >= ? AND v.FDate < ?";
+// The posted lines of an account and those below it, of the days between two: line by line from the
+// accounts, within the ids that the vouchers of those years have. The databases don't come upon
+// this way by themselves. SQLite is told by CROSS JOIN; it gets the places of the lines in the
+// order of the vouchers, to read each page once, and sorts them for the sake of a limit. PostgreSQL
+// is told by LATERAL, and by OFFSET to leave it at that.
+std::string WithLines(const Database& db) {
+  return std::string(kBelow) +
+         std::string(db.Dialect(", place AS MATERIALIZED (SELECT e.FVoucherID, e.FEntryID"
+                                " FROM below CROSS JOIN t_VoucherEntry e"
+                                " WHERE e.FAccountID = below.FAccountID"
+                                " AND e.FVoucherID BETWEEN ? AND ?"
+                                " ORDER BY e.FVoucherID, e.FEntryID LIMIT -1)",
+                                ""));
+}
+std::string FromLines(const Database& db) {
+  return std::string(
+      db.Dialect(" FROM place CROSS JOIN t_VoucherEntry e CROSS JOIN t_Voucher v"
+                 " WHERE e.FVoucherID = place.FVoucherID AND e.FEntryID = place.FEntryID"
+                 " AND v.FVoucherID = place.FVoucherID"
+                 " AND v.FPosted = 1 AND v.FDate >= ? AND v.FDate < ?",
+                 " FROM below"
+                 " CROSS JOIN LATERAL (SELECT * FROM t_VoucherEntry"
+                 "  WHERE FAccountID = below.FAccountID AND FVoucherID BETWEEN ? AND ? OFFSET 0) e"
+                 " CROSS JOIN LATERAL (SELECT * FROM t_Voucher WHERE FVoucherID = e.FVoucherID"
+                 "  AND FPosted = 1 AND FDate >= ? AND FDate < ? OFFSET 0) v"));
+}
 
 struct Bounds {
   Long account, first_id, last_id;
   std::string first_day, day_behind;
 
   static Bounds Of(Database& db, Long account, const Days& days) {
-    const auto ids = db.QueryRow<Long, Long>(
-        "SELECT COALESCE(MIN(FVoucherID), 0), COALESCE(MAX(FVoucherID), 0) FROM t_Voucher"
-        " WHERE FYear BETWEEN ? AND ?",
-        days.first_year, days.last.year);
-    return {account, std::get<0>(*ids), std::get<1>(*ids), DateText(days.year_start),
-            DateText(DateTime(days.to.days + 1))};
+    Bounds bounds{account, INT32_MAX, 0, DateText(days.year_start),
+                  DateText(DateTime(days.to.days + 1))};
+    for (Long year = days.first_year; year <= days.last.year; ++year) {
+      // Each of them is one look into an index.
+      const auto [first, last] =
+          *db.QueryRow<Long, Long>("SELECT COALESCE((SELECT MIN(FVoucherID) FROM t_Voucher"
+                                   " WHERE FYear = ?), ?), COALESCE((SELECT MAX(FVoucherID)"
+                                   " FROM t_Voucher WHERE FYear = ?), 0)",
+                                   year, bounds.first_id, year);
+      bounds.first_id = std::min(bounds.first_id, first);
+      bounds.last_id = std::max(bounds.last_id, last);
+    }
+    return bounds;
   }
 
   template <class... Columns>
@@ -226,33 +271,30 @@ struct Bounds {
   }
 };
 
-std::vector<Line> LinesOf(Database& db, const Bounds& bounds) {
+// In the order of their days. Groups and accounts are those of the books.
+std::vector<Line> LinesOf(Database& db, const Bounds& bounds, const Texts& groups,
+                          const Texts& accounts) {
   std::vector<Line> lines;
-  for (auto& [voucher, entry, date, year, period, group, number, explanation, account_number, rate,
-              account, side, currency, base, own] :
-       bounds.Query<Long, Long, std::string, Long, Long, std::string, Long, std::string,
-                    std::string, double, Long, Long, Long, Units, Units>(
-           db, std::string(kBelow) +
-                   ", line AS (SELECT v.FVoucherID AS FVoucherID, e.FEntryID, v.FDate, v.FYear,"
-                   " v.FPeriod, v.FGroupID, v.FNumber, e.FExplanation, e.FExchangeRate, " +
-                   std::string(kAmountColumns) + " AS FOwn" + std::string(kFromLines) +
-                   ") SELECT l.FVoucherID, l.FEntryID, l.FDate, l.FYear, l.FPeriod, g.FName,"
-                   " l.FNumber, l.FExplanation, a.FNumber, l.FExchangeRate, l.FAccountID, l.FDC,"
-                   " l.FCurrencyID, l.FAmount, l.FOwn FROM line l"
-                   " JOIN t_VoucherGroup g ON g.FGroupID = l.FGroupID"
-                   " JOIN t_Account a ON a.FAccountID = l.FAccountID"
-                   " ORDER BY l.FDate, g.FName, l.FYear, l.FPeriod, l.FNumber, l.FEntryID")) {
+  for (auto& [voucher, entry, date, year, period, group, number, explanation, rate, account, side,
+              currency, base, own] :
+       bounds.Query<Long, Long, std::string, Long, Long, Long, Long, std::string, double, Long,
+                    Long, Long, Units, Units>(
+           db, WithLines(db) +
+                   " SELECT v.FVoucherID, e.FEntryID, v.FDate, v.FYear, v.FPeriod, v.FGroupID,"
+                   " v.FNumber, e.FExplanation, e.FExchangeRate, " +
+                   std::string(kAmountColumns) + FromLines(db))) {
     lines.push_back({voucher,
                      entry,
-                     std::move(date),
+                     DateFrom(date),
                      {year, period},
-                     std::move(group),
+                     &groups.at(group),
                      number,
                      std::move(explanation),
-                     std::move(account_number),
+                     &accounts.at(account),
                      rate,
                      {account, side, currency, base, own}});
   }
+  std::ranges::sort(lines, std::less());
   return lines;
 }
 
@@ -262,11 +304,13 @@ std::unordered_map<Long, std::vector<Amount>> OtherLinesOf(Database& db, const B
   std::unordered_map<Long, std::vector<Amount>> others;
   for (const auto& [voucher, account, side, currency, base, own] :
        bounds.Query<Long, Long, Long, Long, Units, Units>(
-           db, std::string(kBelow) + ", shown AS (SELECT DISTINCT e.FVoucherID" +
-                   std::string(kFromLines) + ") SELECT e.FVoucherID, " +
-                   std::string(kAmountColumns) +
-                   " FROM shown CROSS JOIN t_VoucherEntry e WHERE e.FVoucherID = "
-                   "shown.FVoucherID")) {
+           db,
+           WithLines(db) + ", shown AS (SELECT DISTINCT v.FVoucherID" + FromLines(db) +
+               ") SELECT e.FVoucherID, " + std::string(kAmountColumns) +
+               std::string(db.Dialect(" FROM shown CROSS JOIN t_VoucherEntry e"
+                                      " WHERE e.FVoucherID = shown.FVoucherID",
+                                      " FROM shown CROSS JOIN LATERAL (SELECT * FROM t_VoucherEntry"
+                                      "  WHERE FVoucherID = shown.FVoucherID OFFSET 0) e")))) {
     if (!layout.IsOwn(account)) others[voucher].push_back({account, side, currency, base, own});
   }
   return others;
@@ -313,12 +357,13 @@ class Sheet {
       }
     }
     rows_->Open();
+    width_ = static_cast<std::size_t>(rows_->FieldCount());
     at_ = {days.first_year, 0};
   }
 
   // Lines come in the order of their days.
   void Add(const Line& line, const Figures& figures) {
-    if (DateFrom(line.date) < days_.from) {
+    if (line.date < days_.from) {
       balance_ += figures.movement();
       year_.Add(figures);
       return;
@@ -327,10 +372,9 @@ class Sheet {
     if (line.period != at_) Turn(line.period);
     balance_ += figures.movement();
     for (Figures* sums : {&period_, &year_, &all_}) sums->Add(figures);
-    std::vector<Variant> row = {sheet_row::kLine,   DateFrom(line.date), line.period.year,
-                                line.period.period, line.voucher,        line.entry,
-                                line.group,         line.number,         line.account_number,
-                                line.explanation};
+    std::vector<Variant> row =
+        NewRow(sheet_row::kLine, line.date, line.period, line.voucher, line.entry, *line.group,
+               line.number, *line.account_number, line.explanation);
     std::vector<Variant> rates;
     for (const Long currency : layout_.currencies()) {
       rates.push_back(currency == line.amount.currency ? Variant(line.rate) : Variant());
@@ -368,7 +412,26 @@ class Sheet {
   }
 
   void PutSums(std::string_view what, DateTime day, AccountingPeriod period, const Figures& sums) {
-    Put({what, day, period.year, period.period, Long{0}, Long{0}, "", Long{0}, "", ""}, sums, {});
+    Put(NewRow(what, day, period, 0, 0, "", 0, "", ""), sums, {});
+  }
+
+  // A row up to its figures.
+  std::vector<Variant> NewRow(std::string_view what, DateTime day, AccountingPeriod period,
+                              Long voucher, Long entry, std::string_view group, Long number,
+                              std::string_view account_number, std::string_view explanation) const {
+    std::vector<Variant> row;
+    row.reserve(width_);
+    row.emplace_back(what);
+    row.emplace_back(day);
+    row.emplace_back(period.year);
+    row.emplace_back(period.period);
+    row.emplace_back(voucher);
+    row.emplace_back(entry);
+    row.emplace_back(group);
+    row.emplace_back(number);
+    row.emplace_back(account_number);
+    row.emplace_back(explanation);
+    return row;
   }
 
   void Put(std::vector<Variant> row, const Figures& figures, std::span<const Variant> rates) {
@@ -379,6 +442,7 @@ class Sheet {
   const Layout& layout_;
   const Days& days_;
   Ref<Recordset> rows_ = Make<Recordset>();
+  std::size_t width_ = 0;
   Units balance_;
   AccountingPeriod at_;
   bool is_open_ = false;
@@ -403,7 +467,13 @@ Ref<Recordset> LedgerSheet(Database& db, const Dictionary& ledger, DateTime from
   auto others = layout.counts_others() ? OtherLinesOf(db, bounds, layout)
                                        : std::unordered_map<Long, std::vector<Amount>>();
   Sheet sheet(layout, days, BalanceBefore(db, account, days.first_year));
-  for (const Line& line : LinesOf(db, bounds)) {
+  const Texts groups = TextsOf(db, "SELECT FGroupID, FName FROM t_VoucherGroup");
+  const Texts accounts =
+      TextsOf(db,
+              std::string(kBelow) + " SELECT a.FAccountID, a.FNumber FROM below"
+                                    " JOIN t_Account a ON a.FAccountID = below.FAccountID",
+              account);
+  for (const Line& line : LinesOf(db, bounds, groups, accounts)) {
     Figures figures(layout);
     figures.AddOwn(line.amount);
     if (const auto rest = others.find(line.voucher); rest != others.end()) {

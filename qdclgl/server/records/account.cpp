@@ -9,6 +9,7 @@
 #include "qdclgl/server/db/refusals.h"
 #include "qdclgl/server/records/currency.h"
 #include "qdclgl/server/records/record_save.h"
+#include "qdclgl/server/records/record_tree.h"
 
 namespace qdclgl::server {
 
@@ -50,26 +51,11 @@ bool IsAccountNumber(std::string_view number) {
 
 // ---- The tree ----
 
-bool HasChildren(Database& db, Long id, bool deleted_too) {
-  return db
-      .QueryValue<int>(deleted_too
-                           ? "SELECT 1 FROM t_Account WHERE FParentID = ? LIMIT 1"
-                           : "SELECT 1 FROM t_Account WHERE FParentID = ? AND FDelete = 0 LIMIT 1",
-                       id)
-      .has_value();
-}
+constexpr RecordTree kTree = {.table = "t_Account", .id = "FAccountID", .deleted = "FDelete"};
 
 void RefuseChildren(Database& db, const Dictionary& account, Long id, bool deleted_too) {
-  if (!HasChildren(db, id, deleted_too)) return;
+  if (!kTree.HasBelow(db, id, deleted_too)) return;
   Refuse(refusal::kHasChildren, Accounts().Called(account) + ": it has sub-accounts.");
-}
-
-// An account without accounts below is a detail account.
-void KeepDetailFlag(Database& db, Long id) {
-  db.Execute(
-      "UPDATE t_Account SET FDetail = CASE WHEN EXISTS (SELECT 1 FROM t_Account child"
-      " WHERE child.FParentID = t_Account.FAccountID) THEN 0 ELSE 1 END WHERE FAccountID = ?",
-      id);
 }
 
 // Gives the record its place below the account that its number names. With `moves` the account is
@@ -155,6 +141,31 @@ void ReplaceItems(const RecordSave& save) {
 
 // ---- Saving ----
 
+// The unit that an account counts in: its own or the default one of its group; 0 for none.
+Long CountingUnit(Database& db, const Dictionary& account) {
+  const auto unit = account.Value("FMeasureUnitID").As<Long>();
+  if (unit != 0) return unit;
+  return db
+      .QueryValue<Long>("SELECT FDefaultUnitID FROM t_UnitGroup WHERE FUnitGroupID = ?",
+                        account.Value("FUnitGroupID").As<Long>())
+      .value_or(0);
+}
+
+// What is posted on an account has been counted in its unit.
+void KeepCountingUnit(RecordSave& save) {
+  if (save.is_new()) return;
+  const Long unit = CountingUnit(save.db(), save.stored());
+  if (unit == 0 || unit == CountingUnit(save.db(), save.record())) return;
+  if (!save.db().QueryValue<int>("SELECT 1 FROM t_VoucherEntry WHERE FAccountID = ?"
+                                 " AND FQuantity <> 0 LIMIT 1",
+                                 save.id())) {
+    return;
+  }
+  const Ref<Dictionary> counted = MeasureUnits().Require(save.db(), unit);
+  save.Refuse(refusal::kInUse, "vouchers count its quantities in " +
+                                   counted->Value("FNumber").As<String>() + "; that unit stays.");
+}
+
 // The unit is one of the account's group; an account that names a unit alone is of that group. The
 // group's name stands beside it.
 void SettleUnit(RecordSave& save) {
@@ -173,6 +184,7 @@ void SettleUnit(RecordSave& save) {
   const auto name = save.db().QueryValue<std::string>(
       "SELECT FName FROM t_UnitGroup WHERE FUnitGroupID = ?", save.Number("FUnitGroupID"));
   save.record().Put("FUnitGroup", Variant(name.value_or("")));
+  KeepCountingUnit(save);
 }
 
 bool IsRenumbered(const RecordSave& save) { return !save.is_new() && save.Changes("FNumber"); }
@@ -212,8 +224,8 @@ void Follow(RecordSave& save) {
   db.Execute("UPDATE t_Account SET FRootID = FAccountID WHERE FAccountID = ? AND FParentID = 0",
              save.id());
   if (!save.is_new() && save.Changes("FName")) RenameBelow(save);
-  if (IsRenumbered(save)) KeepDetailFlag(db, save.stored().Value("FParentID").As<Long>());
-  KeepDetailFlag(db, save.Number("FParentID"));
+  if (IsRenumbered(save)) kTree.KeepDetailFlag(db, save.stored().Value("FParentID").As<Long>());
+  kTree.KeepDetailFlag(db, save.Number("FParentID"));
   if (save.sent().Contains(kItems)) ReplaceItems(save);
 }
 
@@ -225,7 +237,7 @@ void Remove(RecordRemoval& removal) {
   RemoveEmptyBalances(db, "FAccountID", id);
   db.Execute("DELETE FROM t_AccountItem WHERE FAccountID = ?", id);
   removal.Remove();
-  KeepDetailFlag(db, removal.stored().Value("FParentID").As<Long>());
+  kTree.KeepDetailFlag(db, removal.stored().Value("FParentID").As<Long>());
 }
 
 // ---- The components ----

@@ -1,6 +1,7 @@
 #include "qdclgl/server/records/coefficient.h"
 
 #include <charconv>
+#include <cmath>
 #include <cstdint>
 #include <string>
 
@@ -50,31 +51,46 @@ Decimal15 Rounded(std::uint64_t digits, int exponent, bool more) {
   return {digits, exponent + 1};
 }
 
-Decimal15 Product(const Decimal15& left, const Decimal15& right) {
+// (high * 10^16 + low) * 10^exponent, low below 10^16.
+struct Decimal30 {
+  std::uint64_t high, low;
+  int exponent;
+};
+
+Decimal30 Product(const Decimal15& left, const Decimal15& right) {
   const std::uint64_t left_high = left.digits / kTen8, left_low = left.digits % kTen8;
   const std::uint64_t right_high = right.digits / kTen8, right_low = right.digits % kTen8;
   const std::uint64_t middle = left_high * right_low + left_low * right_high;
-  std::uint64_t low = left_low * right_low + middle % kTen8 * kTen8;
-  std::uint64_t high = left_high * right_high + middle / kTen8 + low / kTen16;
-  low %= kTen16;
-  // high * 10^16 + low; digits go over until high has 16 of them or low has none.
-  int exponent = left.exponent + right.exponent + 16;
-  for (; high < kTen15 && low != 0; --exponent) {
-    high = high * 10 + low / kTen15;
-    low = low % kTen15 * 10;
-  }
-  return Rounded(high, exponent, low != 0);
+  const std::uint64_t low = left_low * right_low + middle % kTen8 * kTen8;
+  return {left_high * right_high + middle / kTen8 + low / kTen16, low % kTen16,
+          left.exponent + right.exponent};
 }
 
-Decimal15 Quotient(const Decimal15& left, const Decimal15& right) {
-  std::uint64_t digits = left.digits / right.digits;
-  std::uint64_t rest = left.digits % right.digits;
+// Digit by digit, as on paper, until 16 are known and whether anything stands behind them.
+Decimal15 Quotient(const Decimal30& left, const Decimal15& right) {
+  std::uint64_t digits = 0, rest = 0;
   int exponent = left.exponent - right.exponent;
+  bool more = false;
+  const auto divide = [&](std::uint64_t part) {
+    for (std::uint64_t place = kTen15; place != 0; place /= 10) {
+      rest = rest * 10 + part / place % 10;
+      const std::uint64_t digit = rest / right.digits;
+      rest %= right.digits;
+      if (digits < kTen15) {
+        digits = digits * 10 + digit;
+      } else {
+        more = more || digit != 0;
+        ++exponent;
+      }
+    }
+  };
+  divide(left.high);
+  divide(left.low);
   for (; digits < kTen15 && rest != 0; --exponent) {
     digits = digits * 10 + rest * 10 / right.digits;
     rest = rest * 10 % right.digits;
   }
-  return Rounded(digits, exponent, rest != 0);
+  return Rounded(digits, exponent, more || rest != 0);
 }
 
 }  // namespace
@@ -85,8 +101,12 @@ bool IsCoefficient(Double value) {
 }
 
 Double Scaled(Double coefficient, Double factor, bool divides) {
-  const Decimal15 left = DecimalOf(coefficient), right = DecimalOf(factor);
-  return ToDouble(divides ? Quotient(left, right) : Product(left, right));
+  return divides ? Converted(coefficient, 1, factor) : Converted(coefficient, factor, 1);
+}
+
+Double Converted(Double quantity, Double from, Double to) {
+  const Decimal30 product = Product(DecimalOf(std::abs(quantity)), DecimalOf(from));
+  return std::copysign(ToDouble(Quotient(product, DecimalOf(to))), quantity);
 }
 
 }  // namespace qdclgl::server

@@ -16,4 +16,8 @@ bool IsCoefficient(Double value);
 // significant digits, half to even. It may be out of range.
 Double Scaled(Double coefficient, Double factor, bool divides);
 
+// A quantity, taken with 15 significant digits, from a unit of one coefficient into a unit of
+// another: exact and rounded in the same way.
+Double Converted(Double quantity, Double from, Double to);
+
 }  // namespace qdclgl::server

@@ -3,6 +3,10 @@
 #include "qdclgl/server/records/item.h"
 
 #include "qdclgl/server/db/refusals.h"
+#include "qdclgl/server/records/item_fields.h"
+#include "qdclgl/server/records/item_list.h"
+#include "qdclgl/server/records/item_slots.h"
+#include "qdclgl/server/records/record_tree.h"
 
 namespace qdclgl::server {
 
@@ -21,22 +25,8 @@ bool IsUsedInLines(Database& db, Long id) {
 
 // ---- The tree ----
 
-bool HasItemsBelow(Database& db, Long id, bool deleted_too) {
-  const std::string in_use = deleted_too ? "" : " AND FDeleted = 0";
-  return db
-      .QueryValue<int>(
-          "SELECT 1 FROM t_Item WHERE FParentID = ? AND FParentID <> 0" + in_use + " LIMIT 1", id)
-      .has_value();
-}
-
-// An item is a detail item unless there are items below it, or it says that it is none.
-void KeepDetailFlag(Database& db, Long id) {
-  db.Execute(
-      "UPDATE t_Item SET FDetail = CASE WHEN FUNDetail <> 0 OR EXISTS (SELECT 1 FROM t_Item child"
-      " WHERE child.FParentID = t_Item.FItemID AND child.FParentID <> 0) THEN 0 ELSE 1 END"
-      " WHERE FItemID = ?",
-      id);
-}
+constexpr RecordTree kTree = {
+    .table = "t_Item", .id = "FItemID", .deleted = "FDeleted", .heading = "FUNDetail"};
 
 void RefuseBelowItself(const RecordSave& save, Long parent) {
   while (parent != 0) {
@@ -118,10 +108,11 @@ void Check(RecordSave& save) {
   }
   save.RequireUniqueKey();
   if (!save.is_new() && save.Number("FDeleted") != 0 &&
-      HasItemsBelow(save.db(), save.id(), false)) {
+      kTree.HasBelow(save.db(), save.id(), false)) {
     save.Refuse(refusal::kHasChildren, "it has items below it.");
   }
   PlaceInTree(save);
+  TakeFields(save);
 }
 
 void Follow(RecordSave& save) {
@@ -130,27 +121,101 @@ void Follow(RecordSave& save) {
     PlaceBelow(save);
   }
   if (!save.is_new() && Moves(save)) {
-    KeepDetailFlag(db, save.stored().Value("FParentID").As<Long>());
+    kTree.KeepDetailFlag(db, save.stored().Value("FParentID").As<Long>());
   }
-  KeepDetailFlag(db, save.Number("FParentID"));
-  KeepDetailFlag(db, save.id());
+  kTree.KeepDetailFlag(db, save.Number("FParentID"));
+  kTree.KeepDetailFlag(db, save.id());
 }
 
 void Remove(RecordRemoval& removal) {
   Database& db = removal.db();
-  if (HasItemsBelow(db, removal.id(), true)) {
+  if (kTree.HasBelow(db, removal.id(), true)) {
     removal.Refuse(refusal::kHasChildren, "it has items below it.");
   }
   if (IsUsedInLines(db, removal.id())) removal.Refuse(refusal::kInUse, "vouchers use it.");
   removal.Remove();
-  KeepDetailFlag(db, removal.stored().Value("FParentID").As<Long>());
+  kTree.KeepDetailFlag(db, removal.stored().Value("FParentID").As<Long>());
+}
+
+// ---- The component that knows no class ----
+
+class ItemRecordInfo final : public RecordInfo {
+  QD_BASE_MEMBERS(RecordInfo)
+
+ public:
+  using RecordInfo::RecordInfo;
+
+  QD_METHOD(Ref<Dictionary>, GetDetail, (std::string_view PropsString, const Long& RecordID),
+            "{A record} with the fields of its class, Nothing when there is none.")
+  QD_METHOD(Ref<Dictionary>, GetDetailByNumber,
+            (std::string_view PropsString, std::string_view RecordKey),
+            "The same by its {key,} the first one where several classes have it.")
+  QD_METHOD(Ref<Recordset>, GetList,
+            (std::string_view PropsString, const Long& ListOptions = {}, const String& Filter = {},
+             const String& Sort = {}, const Long& ItemClassID = {}),
+            "The {records} of all classes, or those of one with its fields; bit 1 of ListOptions "
+            "includes those marked deleted. BadFilter, BadSort.")
+  QD_INHERITED(ExistenceCheck)
+};
+
+Ref<Dictionary> ItemRecordInfo::GetDetail(std::string_view PropsString, const Long& RecordID) {
+  const Caller caller = Enter(PropsString, kind().reading());
+  const Transaction view(caller.db, Transaction::Kind::kRead);
+  return ReadItem(caller.db, RecordID);
+}
+
+Ref<Dictionary> ItemRecordInfo::GetDetailByNumber(std::string_view PropsString,
+                                                  std::string_view RecordKey) {
+  const Caller caller = Enter(PropsString, kind().reading());
+  const Transaction view(caller.db, Transaction::Kind::kRead);
+  return ReadItem(caller.db, kind().IdWithKey(caller.db, RecordKey));
+}
+
+Ref<Recordset> ItemRecordInfo::GetList(std::string_view PropsString, const Long& ListOptions,
+                                       const String& Filter, const String& Sort,
+                                       const Long& ItemClassID) {
+  const Caller caller = Enter(PropsString, kind().reading());
+  const Transaction view(caller.db, Transaction::Kind::kRead);
+  return ListItems(caller.db, {.item_class = ItemClassID,
+                               .with_deleted = (ListOptions & kWithDeleted) != 0,
+                               .filter = Filter,
+                               .sort = Sort});
+}
+
+// ---- The kind ----
+
+std::vector<RecordColumn> Columns() {
+  using enum ColumnType;
+  using enum Keeper;
+  std::vector<RecordColumn> columns = {
+      {.column = {"FItemClassID", kLong}, .refers = {.kind = ItemClasses, .is_required = true}},
+      {{"FParentID", kLong}},
+      {{"FNumber", kText}},
+      {{"FName", kText}},
+      {{"FFullNumber", kText}, kDerived},
+      {{"FFullName", kText}, kDerived},
+      {{"FLevel", kInteger}, kDerived},
+      {{"FDetail", kBoolean}, kDerived},
+      {{"FUNDetail", kBoolean}},
+      {{"FHelpCode", kText}},
+      {{"FModel", kText}},
+      {{"FChkUserID", kLong}, kServer},
+      {{"FRemark", kText}},
+      {{"FDeleted", kBoolean}},
+      {{"UUID", kText}}};
+  for (const Column& slot : ItemSlots()) columns.push_back({slot, kSecret});
+  return columns;
 }
 
 }  // namespace
 
+Ref<Dictionary> ReadItem(Database& db, Long id) {
+  Ref<Dictionary> item = Items().Read(db, id);
+  if (item) ShowFields(db, *item);
+  return item;
+}
+
 const MasterData& Items() {
-  using enum ColumnType;
-  using enum Keeper;
   static const MasterData kKind({
       .component = "QDSVGLItems.Item",
       .noun = "item",
@@ -161,26 +226,13 @@ const MasterData& Items() {
       .id = "FItemID",
       .key = {.column = "FNumber", .ignores_case = true, .within = "FItemClassID"},
       .deleted = "FDeleted",
-      .columns = {{.column = {"FItemClassID", kLong},
-                   .refers = {.kind = ItemClasses, .is_required = true}},
-                  {{"FParentID", kLong}},
-                  {{"FNumber", kText}},
-                  {{"FName", kText}},
-                  {{"FFullNumber", kText}, kDerived},
-                  {{"FFullName", kText}, kDerived},
-                  {{"FLevel", kInteger}, kDerived},
-                  {{"FDetail", kBoolean}, kDerived},
-                  {{"FUNDetail", kBoolean}},
-                  {{"FHelpCode", kText}},
-                  {{"FModel", kText}},
-                  {{"FChkUserID", kLong}, kServer},
-                  {{"FRemark", kText}},
-                  {{"FDeleted", kBoolean}},
-                  {{"UUID", kText}}},
+      .columns = Columns(),
       .order = "FItemClassID, FNumber",
+      .is_further_key = IsFieldKey,
       .check = Check,
       .follow = Follow,
       .remove = Remove,
+      .info = RecordClassOf<ItemRecordInfo>(),
       .errors = "Required, BadReference, NumberTaken, NoParent, ParentInUse, HasChildren, BadValue",
       .helps = {{"Delete", "Removes an item. NotFound, InUse, HasChildren."}},
       .components = ItemComponents(),

@@ -7,6 +7,9 @@ namespace qdclgl::server {
 
 const MasterData& Items();
 
+// An item with the fields of its class, Nothing when there is none.
+Ref<Dictionary> ReadItem(Database& db, Long id);
+
 // The components that clients know items by, and sub-messages with them.
 std::vector<ServerComponent> ItemComponents();
 

@@ -7,11 +7,21 @@ namespace qdclgl::server {
 
 namespace {
 
+// Clients take those between for classes of a user's own.
 constexpr Long kFirstOwnClass = 1000;
+constexpr Long kLastOwnClass = 1999;
 
 void Check(RecordSave& save) {
   CheckKey(save);
   save.RequireText("FName");
+}
+
+void Follow(RecordSave& save) {
+  if (save.is_new() && save.id() > kLastOwnClass) {
+    save.Refuse(refusal::kTooLarge, "the ids of classes of one's own, up to " +
+                                        std::to_string(kLastOwnClass) + ", are used up.");
+  }
+  SaveItemClassFields(save);
 }
 
 void Remove(RecordRemoval& removal) {
@@ -112,10 +122,10 @@ const MasterData& ItemClasses() {
                   {{"FLastPropID", kInteger}, kServer, Integer{100}}},
       .lists = {{kItemClassFields, ItemClassFieldTable(), "FItemClassID, FPropID"}},
       .check = Check,
-      .follow = SaveItemClassFields,
+      .follow = Follow,
       .remove = Remove,
       .info = RecordClassOf<ItemClassInfo>(),
-      .errors = "Required, NumberTaken, NameTaken, InUse, BadValue",
+      .errors = "Required, NumberTaken, NameTaken, InUse, BadValue, TooLarge",
       .helps = {{"Create",
                  "Saves a new item class; its id and version come back in the row too. It begins "
                  "with the fields that all classes have; a key _PropDesc adds others. Errors: "

@@ -1,13 +1,13 @@
 #include "qdclgl/server/records/item_class_fields.h"
 
 #include <algorithm>
-#include <map>
 #include <set>
 
 #include "qdclgl/frame/vocabulary/strings.h"
 #include "qdclgl/frame/vocabulary/text.h"
 #include "qdclgl/server/db/list.h"
 #include "qdclgl/server/db/refusals.h"
+#include "qdclgl/server/records/field_slots.h"
 
 namespace qdclgl::server {
 
@@ -16,7 +16,6 @@ namespace {
 constexpr std::string_view kTable = "t_ItemClassField";
 constexpr std::string_view kNewName = "FNewName";         // of a sent field: the name to be
 constexpr std::string_view kComCallOfWrites = "ComCall";  // as clients write FComCall
-constexpr Integer kFirstOwnField = 101;                   // below are the fields of the system
 constexpr Integer kUnsavedField = 32767;
 constexpr std::size_t kLongestName = 255;
 
@@ -32,13 +31,15 @@ constexpr Column kColumns[] = {
     {"FIsShownList", ColumnType::kBoolean}, {"FPageName", ColumnType::kText},
     {"FSaveRule", ColumnType::kText},       {"FSearch", ColumnType::kLong},
     {"FSrcField", ColumnType::kText},       {"FSrcTable", ColumnType::kText},
-    {"FViewMask", ColumnType::kLong},
+    {"FViewMask", ColumnType::kLong},       {"FSlot", ColumnType::kText},
 };
 constexpr auto kFieldColumns = std::span(kColumns).subspan(1);
+// Where items hold a field is the server's affair.
+constexpr auto kShownColumns = kFieldColumns.first(kFieldColumns.size() - 1);
 
 // What the server keeps of a field, whatever is sent.
-constexpr std::string_view kKept[] = {"FPropID", "FName", "FActualType", "FActualSize",
-                                      "FSQLColumnName"};
+constexpr std::string_view kKept[] = {"FPropID",     "FName",          "FActualType",
+                                      "FActualSize", "FSQLColumnName", "FSlot"};
 // What stays as it is in a field of the system.
 constexpr std::string_view kFixed[] = {"FName",     "FDataType", "FPrecision", "FScale",
                                        "FSaveRule", "FSrcField", "FSrcTable",  "FDisplayField"};
@@ -126,8 +127,8 @@ class SentField {
   void RefuseUnknownKeys() const {
     for (std::uint32_t i = 0; i < sent_.size(); ++i) {
       const std::string_view key = sent_.key_at(i);
-      if (key == kNewName || key == kComCallOfWrites ||
-          std::ranges::find(kColumns, key, &Column::name) != std::end(kColumns)) {
+      if (key == kNewName || key == kComCallOfWrites || key == kColumns[0].name ||
+          std::ranges::find(kShownColumns, key, &Column::name) != kShownColumns.end()) {
         continue;
       }
       save_.Refuse(refusal::kBadValue,
@@ -190,20 +191,19 @@ class SentField {
   const Dictionary& sent_;
 };
 
-Ref<Recordset> FieldList(Database& db, Long item_class, std::string_view condition) {
+Ref<Recordset> FieldList(Database& db, Long item_class, std::span<const Column> columns,
+                         std::string_view condition = {}) {
   const BoundValue id = std::int64_t{item_class};
   return FetchList(
       db,
-      {"SELECT * FROM t_ItemClassField WHERE FItemClassID = ?" + std::string(condition),
-       kFieldColumns, "FPropID"},
+      {"SELECT * FROM t_ItemClassField WHERE FItemClassID = ?" + std::string(condition), columns,
+       "FPropID"},
       "", "", std::span(&id, 1));
 }
 
-using FieldsById = std::map<Integer, Ref<Dictionary>>;
-
 FieldsById StoredFields(Database& db, Long item_class) {
   FieldsById fields;
-  const Ref<Recordset> list = FieldList(db, item_class, "");
+  const Ref<Recordset> list = FieldList(db, item_class, kFieldColumns);
   for (; !list->Eof(); list->MoveNext()) {
     const Ref<Dictionary> field = list->Row();
     fields[field->Value("FPropID").As<Integer>()] = field;
@@ -277,12 +277,13 @@ StoredTable ItemClassFieldTable() { return {kTable, {std::begin(kColumns), std::
 
 Ref<Vector> ItemClassFieldsOf(Database& db, Long item_class) {
   auto fields = Make<Vector>();
-  for (const auto& [id, field] : StoredFields(db, item_class)) fields->Append(Variant(field));
+  const Ref<Recordset> list = FieldList(db, item_class, kShownColumns);
+  for (; !list->Eof(); list->MoveNext()) fields->Append(Variant(list->Row()));
   return fields;
 }
 
 Ref<Recordset> ShownItemClassFields(Database& db, Long item_class) {
-  return FieldList(db, item_class, " AND FIsShownList = 1");
+  return FieldList(db, item_class, kShownColumns, " AND FIsShownList = 1");
 }
 
 void SaveItemClassFields(RecordSave& save) {
@@ -303,6 +304,7 @@ void SaveItemClassFields(RecordSave& save) {
                save.id());
   }
   RequireFieldsOfTheSystem(save, stored, taken);
+  SettleSlots(save, stored, taken);
   WriteFields(db, save.id(), taken);
 }
 

@@ -1,9 +1,13 @@
 // Items as clients call them: every call that makes or lists items names their class. Sub-messages
 // are served beside them.
+#include <limits>
+
 #include "qdclgl/frame/vocabulary/text.h"
 #include "qdclgl/server/db/list.h"
 #include "qdclgl/server/db/refusals.h"
 #include "qdclgl/server/records/item.h"
+#include "qdclgl/server/records/item_fields.h"
+#include "qdclgl/server/records/item_list.h"
 #include "qdclgl/server/records/sub_mes.h"
 
 namespace qdclgl::server {
@@ -28,16 +32,23 @@ class ItemInfo final : public SubMesReader {
                                             {"GetSubMesDetailByNumber", SubMesReader::kReads},
                                             {"GetSubMesList", SubMesReader::kReads}};
 
-  QD_METHOD(Ref<Dictionary>, GetDetail, (std::string_view PropsString, const Long& ItemID),
-            "An item, Nothing when there is none.")
+  QD_METHOD(Ref<Dictionary>, GetDetail,
+            (std::string_view PropsString, const Long& ItemID, const Boolean& blNoCheck = false,
+             const String& strFilter = {}),
+            "An item with the fields of its class; Nothing when there is none, and for one that "
+            "the filter leaves out, unless blNoCheck is True. BadFilter.")
   QD_METHOD(Ref<Dictionary>, GetDetailByNumber,
-            (std::string_view PropsString, const Long& ItemClassID, const String& Number),
-            "The item of a class with that number, case ignored; Nothing when there is none.")
+            (std::string_view PropsString, const Long& ItemClassID, const String& Number,
+             const String& strFilter = {}),
+            "The same for the item of a class with that number, case ignored.")
   QD_METHOD(Ref<Recordset>, GetList,
             (std::string_view PropsString, const Long& ItemClassID = {},
-             const Long& ListOptions = {}, const String& Filter = {}, const String& Sort = {}),
-            "The items of a class, or of all with 0; bit 1 of ListOptions includes those marked "
-            "deleted. BadFilter, BadSort.")
+             const Long& ListOptions = {}, const String& Filter = {}, const String& Sort = {},
+             const Variant& Parameters = Missing, const Boolean& IgnoreRight = false),
+            "The items of a class with its fields, or of all without them with 0; bit 1 of "
+            "ListOptions includes those marked deleted. Parameters may be a Dictionary with the "
+            "keys First, the number of the first item from 1, and Count, the most that come. Every "
+            "reader sees all items, whatever IgnoreRight. BadFilter, BadSort, BadValue.")
   QD_METHOD(Long, ExistenceCheck,
             (std::string_view PropsString, const Variant& ItemID = Missing,
              const Long& ItemClassID = {}, const Variant& Number = Missing),
@@ -59,6 +70,7 @@ class ItemUpdate final : public SubMesWriter {
   static constexpr MethodRight kRights[] = {{"Create", kWriteItems},
                                             {"Update", kWriteItems},
                                             {"Delete", kWriteItems},
+                                            {"UpdateDefineField", kWriteItems},
                                             {"CreateSubMesType", SubMesWriter::kWrites},
                                             {"RenameSubMesType", SubMesWriter::kWrites},
                                             {"DeleteSubMesType", SubMesWriter::kWrites},
@@ -79,6 +91,12 @@ class ItemUpdate final : public SubMesWriter {
             (std::string_view PropsString, const Long& ItemID, std::string_view MachineName = "",
              std::string_view IPAddress = ""),
             "Removes an item. NotFound, InUse, HasChildren.")
+  QD_METHOD(Boolean, UpdateDefineField,
+            (std::string_view PropsString, const Long& ItemClassID, const Ref<Dictionary>& dict),
+            "Gives fields of an item of the class other values, whoever saved it since: FItemID "
+            "tells which item, the other keys are columns of fields, and fields without a key stay "
+            "as they are. True when it is done, False without a Dictionary or with an empty one. "
+            "NotFound, Required, BadValue.")
   QD_INHERITED(CreateSubMesType)
   QD_INHERITED(RenameSubMesType)
   QD_INHERITED(DeleteSubMesType)
@@ -95,27 +113,60 @@ Long IdIn(Database& db, Long item_class, std::string_view number) {
   return Items().IdWith(db, "FNumber", ToUpper(number), "FItemClassID", item_class);
 }
 
-Ref<Dictionary> ItemInfo::GetDetail(std::string_view PropsString, const Long& ItemID) {
+// Nothing when there is none, or the filter leaves it out.
+Ref<Dictionary> ItemThatMeets(Database& db, Long id, std::string_view filter) {
+  Ref<Dictionary> item = ReadItem(db, id);
+  if (!item || filter.empty()) return item;
+  const Ref<Recordset> found = ListItems(db, {.item_class = item->Value("FItemClassID").As<Long>(),
+                                              .with_deleted = true,
+                                              .filter = filter,
+                                              .item = id});
+  return found->Eof() ? nullptr : item;
+}
+
+Ref<Dictionary> ItemInfo::GetDetail(std::string_view PropsString, const Long& ItemID,
+                                    const Boolean& blNoCheck, const String& strFilter) {
   const Caller caller = Enter(PropsString, kReadItems);
-  return Items().Read(caller.db, ItemID);
+  const Transaction view(caller.db, Transaction::Kind::kRead);
+  return ItemThatMeets(caller.db, ItemID, blNoCheck ? String() : strFilter);
 }
 
 Ref<Dictionary> ItemInfo::GetDetailByNumber(std::string_view PropsString, const Long& ItemClassID,
-                                            const String& Number) {
+                                            const String& Number, const String& strFilter) {
   const Caller caller = Enter(PropsString, kReadItems);
-  return Items().Read(caller.db, IdIn(caller.db, ItemClassID, Number));
+  const Transaction view(caller.db, Transaction::Kind::kRead);
+  return ItemThatMeets(caller.db, IdIn(caller.db, ItemClassID, Number), strFilter);
+}
+
+// The page that a caller asks for, nothing for the whole list.
+std::optional<Page> PageIn(const Variant& parameters) {
+  if (parameters.IsMissing() || parameters.IsEmpty() || parameters.IsNothing()) return {};
+  const auto* asked =
+      parameters.IsObject() ? dynamic_cast<const Dictionary*>(parameters.ObjectPointer()) : nullptr;
+  if (asked == nullptr) Refuse(refusal::kBadValue, "The parameters are no Dictionary.");
+  Page page{0, std::numeric_limits<Long>::max()};
+  for (std::uint32_t i = 0; i < asked->size(); ++i) {
+    const std::string key(asked->key_at(i));
+    const auto value = Normalized({key, ColumnType::kLong}, asked->value_at(i)).As<Long>();
+    if (key == "First" && value >= 1) page.first = value - 1;
+    else if (key == "Count" && value >= 0) page.count = value;
+    else
+      Refuse(refusal::kBadValue,
+             "The parameters have no " + key + " of " + std::to_string(value) + ".");
+  }
+  return page;
 }
 
 Ref<Recordset> ItemInfo::GetList(std::string_view PropsString, const Long& ItemClassID,
-                                 const Long& ListOptions, const String& Filter,
-                                 const String& Sort) {
+                                 const Long& ListOptions, const String& Filter, const String& Sort,
+                                 const Variant& Parameters, const Boolean&) {
   const Caller caller = Enter(PropsString, kReadItems);
-  const std::int64_t item_class = ItemClassID;
-  const BoundValue values[] = {item_class, item_class};
-  std::string query = "SELECT * FROM t_Item WHERE (FItemClassID = ? OR ? = 0)";
-  if ((ListOptions & kWithDeleted) == 0) query += " AND FDeleted = 0";
-  return FetchList(caller.db, {query, Items().Columns(), Items().description().order}, Filter, Sort,
-                   values);
+  const Transaction view(caller.db, Transaction::Kind::kRead);
+  return ListItems(caller.db, {.item_class = ItemClassID,
+                               .with_deleted = (ListOptions & kWithDeleted) != 0,
+                               .filter = Filter,
+                               .sort = Sort,
+                               .page = PageIn(Parameters)});
 }
 
 Long ItemInfo::ExistenceCheck(std::string_view PropsString, const Variant& ItemID,
@@ -146,6 +197,34 @@ void ItemUpdate::Update(std::string_view PropsString, const Long& ItemID,
 void ItemUpdate::Delete(std::string_view PropsString, const Long& ItemID,
                         std::string_view MachineName, std::string_view IPAddress) {
   DeleteRecord(Items(), PropsString, ItemID, MachineName, IPAddress);
+}
+
+// BadValue for a key that is none of a field; others are changed by Update.
+void RequireFieldKeys(const Dictionary& row) {
+  for (std::uint32_t i = 0; i < row.size(); ++i) {
+    const std::string_view key = row.key_at(i);
+    if (key == "FItemID" || key == record_column::kVersion.name ||
+        key == record_column::kMachineName.name || key == record_column::kAddress.name ||
+        IsFieldKey(key)) {
+      continue;
+    }
+    Refuse(refusal::kBadValue, "\"" + std::string(key) + "\" is no column of a field.");
+  }
+}
+
+Boolean ItemUpdate::UpdateDefineField(std::string_view PropsString, const Long& ItemClassID,
+                                      const Ref<Dictionary>& dict) {
+  const Caller caller = EnterUnconfirmed(PropsString, kWriteItems);
+  if (!dict || dict->size() == 0) return false;
+  RequireFieldKeys(*dict);
+  const Long id = Normalized({"FItemID", ColumnType::kLong}, dict->Value("FItemID")).As<Long>();
+  if (id == 0) Refuse(refusal::kRequired, "The row names no item: FItemID is missing.");
+  RecordSave save(caller, Items(), id, dict);
+  if (save.Number("FItemClassID") != ItemClassID) {
+    save.Refuse(refusal::kNotFound, "it is no item of class " + std::to_string(ItemClassID) + ".");
+  }
+  save.Run();
+  return true;
 }
 
 }  // namespace

@@ -178,14 +178,12 @@ using RowsById = std::map<Long, Ref<Vector>>;
 
 // The rows of a nested list of the records with ids from `first` to `last`, by their ids.
 RowsById NestedRows(Database& db, const RecordList& list, Long first, Long last) {
-  static constexpr Storage kParameters[] = {Storage::kWhole, Storage::kWhole};
   std::vector<Column> columns = list.shown;
   columns.push_back(list.table.columns.front());
   const std::string id(columns.back().name);
-  Statement& statement = db.Prepared("SELECT " + NamesOf(columns) + " FROM (" +
-                                         std::string(list.query) + ") AS list WHERE " + id +
-                                         " BETWEEN ? AND ? ORDER BY " + std::string(list.order),
-                                     kParameters, StoragesOf(columns));
+  Statement& statement =
+      db.Prepared("SELECT " + NamesOf(columns) + " FROM (" + std::string(list.query) +
+                  ") AS list WHERE " + id + " BETWEEN ? AND ? ORDER BY " + std::string(list.order));
   statement.Set(0, std::int64_t{first});
   statement.Set(1, std::int64_t{last});
   RowsById rows;
@@ -235,11 +233,8 @@ Ref<Recordset> MasterData::WithNestedLists(Database& db, const Ref<Recordset>& l
 }
 
 Ref<Dictionary> MasterData::Read(Database& db, Long id) const {
-  static constexpr Storage kParameters[] = {Storage::kWhole};
-  Statement& statement =
-      db.Prepared("SELECT " + NamesOf(shown_) + " FROM (" + description_.query +
-                      ") AS record WHERE " + std::string(description_.id) + " = ?",
-                  kParameters, StoragesOf(shown_));
+  Statement& statement = db.Prepared("SELECT " + NamesOf(shown_) + " FROM (" + description_.query +
+                                     ") AS record WHERE " + std::string(description_.id) + " = ?");
   statement.Set(0, std::int64_t{id});
   statement.Open();
   if (!statement.Fetch()) return nullptr;
@@ -298,12 +293,10 @@ std::string NameFrom(std::string_view name, const Variant* number) {
 template <class Take>
 void ReadIds(Database& db, std::string_view table, std::span<const Column> columns,
              std::string_view order, Long first, Long last, Take take) {
-  static constexpr Storage kParameters[] = {Storage::kWhole, Storage::kWhole};
   const std::string id(columns.front().name);
   Statement& statement =
       db.Prepared("SELECT " + NamesOf(columns) + " FROM " + std::string(table) + " WHERE " + id +
-                      " BETWEEN ? AND ? ORDER BY " + std::string(order),
-                  kParameters, StoragesOf(columns));
+                  " BETWEEN ? AND ? ORDER BY " + std::string(order));
   statement.Set(0, std::int64_t{first});
   statement.Set(1, std::int64_t{last});
   for (statement.Open(); statement.Fetch();) {
@@ -395,7 +388,8 @@ void MasterData::RefuseUnknownKeys(const Dictionary& sent) const {
     if (key == kMachineName.name || key == kAddress.name ||
         std::ranges::find(shown_, key, &Column::name) != shown_.end() ||
         std::ranges::find(description_.lists, key, &RecordList::key) != description_.lists.end() ||
-        std::ranges::find(description_.keys, key) != description_.keys.end()) {
+        std::ranges::find(description_.keys, key) != description_.keys.end() ||
+        (description_.is_further_key != nullptr && description_.is_further_key(key))) {
       continue;
     }
     Refuse(refusal::kBadValue, Noun() + ": there is no column \"" + std::string(key) + "\".");
@@ -405,12 +399,10 @@ void MasterData::RefuseUnknownKeys(const Dictionary& sent) const {
 Long MasterData::Insert(Database& db, const Dictionary& record) const {
   std::string marks;
   for (std::size_t i = 0; i < stored_.size(); ++i) marks += ", ?";
-  static constexpr Storage kResults[] = {Storage::kWhole};
   Statement& statement =
       db.Prepared("INSERT INTO " + std::string(description_.table) + " (" +
-                      std::string(kVersion.name) + ", " + NamesOf(stored_) + ") VALUES (1" + marks +
-                      ") ON CONFLICT DO NOTHING RETURNING " + std::string(description_.id),
-                  StoragesOf(stored_), kResults);
+                  std::string(kVersion.name) + ", " + NamesOf(stored_) + ") VALUES (1" + marks +
+                  ") ON CONFLICT DO NOTHING RETURNING " + std::string(description_.id));
   for (std::size_t i = 0; i < stored_.size(); ++i) {
     BindCell(statement, i, stored_[i], *record.Find(stored_[i].name));
   }
@@ -429,9 +421,7 @@ void MasterData::Overwrite(Database& db, Long id, const Dictionary& record) cons
   std::string sql = "UPDATE " + std::string(description_.table) + " SET FVersion = FVersion + 1";
   for (const Column& column : stored_) sql += ", " + std::string(column.name) + " = ?";
   sql += " WHERE " + std::string(description_.id) + " = ?";
-  std::vector<Storage> parameters = StoragesOf(stored_);
-  parameters.push_back(Storage::kWhole);
-  Statement& statement = db.Prepared(sql, parameters, {});
+  Statement& statement = db.Prepared(sql);
   for (std::size_t i = 0; i < stored_.size(); ++i) {
     BindCell(statement, i, stored_[i], *record.Find(stored_[i].name));
   }

@@ -203,6 +203,7 @@ class MasterData {
     // What else does, which is on the trail only as columns tell of it: its keys in a sent row, and
     // its tables.
     std::vector<std::string_view> keys = {};
+    bool (*is_further_key)(std::string_view key) = nullptr;  // where they are not known beforehand
     std::vector<StoredTable> tables = {};
 
     Role writer = Role::kAdministrator;

@@ -71,6 +71,7 @@ void GiveUpDefault(RecordRemoval& removal) {
   if (has_others || IsInLines(removal.db(), removal.id())) {
     removal.Refuse(refusal::kInUse, "it is the default unit of its group.");
   }
+  RequireNothingCounted(removal.db(), group);
   PutDefaultUnit(removal.caller(), group, 0);
   if (const auto referrer = removal.Referrer()) {
     removal.Refuse(refusal::kInUse, *referrer + " refers to it.");
@@ -169,13 +170,14 @@ class MeasureUnitUpdate final : public Object {
   QD_METHOD(void, SetDefaultMeasureUnit,
             (std::string_view PropsString, const Long& GroupID, const Long& UnitID),
             "Makes a unit the default one of its group; the coefficients of all units of the group "
-            "are divided by its own, which so becomes 1. NotFound, BadReference, BadValue.")
+            "are divided by its own, which so becomes 1. NotFound, BadReference, BadValue; InUse "
+            "while vouchers count in the one that there is.")
   QD_METHOD(void, AdjustCoefficient,
             (std::string_view PropsString, const Long& GroupID, const Double& Factor,
              const Boolean& bDivision = false),
             "Multiplies the coefficients of all units of a group by a factor, or divides them by "
             "it; the unit that comes to 1 becomes the default one. BadValue when none does. "
-            "NotFound.")
+            "NotFound; InUse while vouchers count in the default one that there is.")
 };
 
 QD_DEFINE_MEMBERS(MeasureUnitInfo)

@@ -53,6 +53,18 @@ void Follow(RecordSave& save) {
 
 }  // namespace
 
+void RequireNothingCounted(Database& db, Long group) {
+  const auto account = db.QueryValue<std::string>(
+      "SELECT a.FNumber FROM t_Account a WHERE a.FUnitGroupID = ? AND a.FUnitGroupID <> 0"
+      " AND a.FMeasureUnitID = 0 AND EXISTS (SELECT 1 FROM t_VoucherEntry e"
+      " WHERE e.FAccountID = a.FAccountID AND e.FQuantity <> 0) ORDER BY a.FNumber LIMIT 1",
+      group);
+  if (!account) return;
+  Refuse(refusal::kInUse, UnitGroups().Called(*UnitGroups().Require(db, group)) +
+                              ": vouchers count the quantities of account " + *account +
+                              " in its default unit; give the account that unit first.");
+}
+
 void SetDefaultUnit(const Caller& caller, Long group, Long unit) {
   CallersTransaction transaction(caller, Transaction::Kind::kChangeRules);
   const Ref<Dictionary> stored = UnitGroups().Require(caller.db, group);
@@ -62,6 +74,7 @@ void SetDefaultUnit(const Caller& caller, Long group, Long unit) {
     Refuse(refusal::kBadReference,
            UnitGroups().Called(*stored) + ": it has no unit " + std::to_string(unit) + " in use.");
   }
+  if (stored->Value("FDefaultUnitID").As<Long>() != unit) RequireNothingCounted(caller.db, group);
   const Double former = chosen->coefficient;
   if (former == 1) units.clear();  // they stay as they are
   Scale(units, former, true);
@@ -84,6 +97,7 @@ void AdjustCoefficients(const Caller& caller, Long group, Double factor, bool di
   const auto base = std::ranges::find_if(
       units, [](const Unit& unit) { return unit.coefficient == 1 && !unit.is_deleted; });
   if (base == units.end()) refuse("then no unit of it in use would have coefficient 1.");
+  RequireNothingCounted(caller.db, group);
   Write(caller, group, base->id, units);
   transaction.Commit();
 }

@@ -105,7 +105,7 @@ std::string Stored(const Database&, const Classes& classes) {
 
 // The same from the lines of posted vouchers.
 std::string FromLines(const Database& db, const Classes& classes) {
-  const std::string quantity = MillionthsSql(db, "e.FQuantity");
+  const std::string quantity = MillionthsSql(db, "(" + std::string(kCountedQuantity) + ")");
   std::string joins;
   for (std::size_t i = 0; i < classes.size(); ++i) {
     const std::string item = Alias("item", i);

@@ -12,6 +12,15 @@ namespace qdclgl::server {
 inline constexpr std::int64_t kLargestAmount = INT64_MAX / 2;
 inline constexpr double kLargestQuantity = 1e12;
 
+// The quantity of a line that counts on its account: the one that was converted, where there is
+// one.
+inline constexpr double CountedQuantity(double entered, double base) {
+  return base != 0 ? base : entered;
+}
+// The same of the lines "e".
+inline constexpr const char* kCountedQuantity =
+    "CASE WHEN e.FBaseQuantity <> 0 THEN e.FBaseQuantity ELSE e.FQuantity END";
+
 // Balances count quantities in millionths, halves away from zero.
 std::int64_t Millionths(double quantity);
 // The same as SQL that gives exactly that.

@@ -50,10 +50,10 @@ Movements MovementsOf(Database& db, Long voucher_id) {
   std::optional<std::map<Long, LineItems>> items;  // read where an account asks for some
   for (const auto& [number, account, currency, side, amount, amount_for, quantity, asks] :
        db.Query<Long, Long, Long, Long, std::int64_t, std::int64_t, double, bool>(
-           "SELECT FEntryID, FAccountID, FCurrencyID, FDC, FAmount, FAmountFor, FQuantity,"
-           " CASE WHEN EXISTS (SELECT 1 FROM t_AccountItem a WHERE"
-           " a.FAccountID = t_VoucherEntry.FAccountID) THEN 1 ELSE 0 END"
-           " FROM t_VoucherEntry WHERE FVoucherID = ?",
+           "SELECT e.FEntryID, e.FAccountID, e.FCurrencyID, e.FDC, e.FAmount, e.FAmountFor, " +
+               std::string(kCountedQuantity) +
+               ", CASE WHEN EXISTS (SELECT 1 FROM t_AccountItem a WHERE a.FAccountID = e.FAccountID)"
+               " THEN 1 ELSE 0 END FROM t_VoucherEntry e WHERE e.FVoucherID = ?",
            voucher_id)) {
     movements.adds_up = movements.adds_up && AddLine(movements.size, amount, amount_for, quantity);
     const MovingLine line{account, currency, side, amount, amount_for, quantity};
@@ -87,8 +87,9 @@ void TakeFromSize(Database& db, const Movements& movements, Long voucher_id) {
   // What more there was than the row can tell is known by adding up what is left.
   std::int64_t size = 0;
   for (const auto& [amount, amount_for, quantity] : db.Query<std::int64_t, std::int64_t, double>(
-           "SELECT e.FAmount, e.FAmountFor, e.FQuantity FROM t_Voucher v JOIN t_VoucherEntry e"
-           " ON e.FVoucherID = v.FVoucherID WHERE v.FPosted = 1 AND v.FVoucherID <> ?",
+           "SELECT e.FAmount, e.FAmountFor, " + std::string(kCountedQuantity) +
+               " FROM t_Voucher v JOIN t_VoucherEntry e ON e.FVoucherID = v.FVoucherID WHERE "
+               "v.FPosted = 1 AND v.FVoucherID <> ?",
            voucher_id)) {
     if (!AddLine(size, amount, amount_for, quantity)) size = kFull;
   }
@@ -119,7 +120,7 @@ class BalanceRows {
       return static_cast<std::int64_t>(direction_ == Direction::kPost ? movement[i]
                                                                       : 0 - movement[i]);
     };
-    db.Execute(sql_, keys..., units(0), units(1), units(2), units(3), units(4), units(5));
+    db.ExecuteLater(sql_, keys..., units(0), units(1), units(2), units(3), units(4), units(5));
   }
 
  private:

@@ -49,9 +49,9 @@ Long FindByNumber(Database& db, Long year, Long period, const Variant& group, Lo
 
 // ---- Changing ----
 
-// Reads a voucher's header for a change. NotFound when there is none.
-VoucherTree Held(Database& db, Long id) {
-  std::optional<VoucherTree> tree = VoucherTree::Hold(db, id);
+// Takes a voucher's header for a change. NotFound when there is none.
+VoucherTree Held(Statement& asked, Long id) {
+  std::optional<VoucherTree> tree = VoucherTree::Held(asked);
   if (!tree) {
     Refuse(refusal::kNotFound, "There is no voucher with the id " + std::to_string(id) + ".");
   }
@@ -92,7 +92,7 @@ std::string TextIn(const Dictionary& row, const Column& column) {
 
 // Writes the trail for a save; `before` is null for a new voucher.
 void AuditSave(const Caller& caller, const VoucherTree* before, const VoucherTree& tree,
-               const Dictionary& row, int origin) {
+               const Dictionary& row, int origin, Statement* end) {
   const std::string machine = TextIn(row, {"MachineName", ColumnType::kText});
   const std::string address = TextIn(row, {"IPAddress", ColumnType::kText});
   WriteAudit(caller, {.subject = kSubject,
@@ -102,7 +102,8 @@ void AuditSave(const Caller& caller, const VoucherTree* before, const VoucherTre
                       .changes = ChangesOf(before, &tree),
                       .machine_name = machine,
                       .address = address,
-                      .origin = origin});
+                      .origin = origin,
+                      .end = end});
 }
 
 // Tells the caller's row what the server has given the voucher, once that is sure.
@@ -131,9 +132,14 @@ template <class Step>
 void TakeStep(std::string_view props, const Right& right, Long id, std::string_view action,
               Step step) {
   const Caller caller = EnterUnconfirmed(props, right);
-  CallersTransaction transaction(caller, Transaction::Kind::kSave);
+  Statement* held = nullptr;
+  Statement* end = nullptr;
+  CallersTransaction transaction(caller, Transaction::Kind::kSave, [&] {
+    held = &VoucherTree::AskToHold(caller.db, id);
+    end = &AskForTrailEnd(caller.db, kSubject, id);
+  });
   const LedgerRules rules = LedgerRules::Of(caller.db);
-  VoucherTree tree = Held(caller.db, id);
+  VoucherTree tree = Held(*held, id);
   if (tree.state.Get<"FDeleted">()) {
     Refuse(refusal::kVoucherDeleted, "Voucher " + tree.Name() + ": it is deleted.");
   }
@@ -144,7 +150,8 @@ void TakeStep(std::string_view props, const Right& right, Long id, std::string_v
                       .record_id = id,
                       .record = tree.Name(),
                       .action = action,
-                      .changes = ChangesOf(&before, &tree, VoucherTree::Trailing::kHeader)});
+                      .changes = ChangesOf(&before, &tree, VoucherTree::Trailing::kHeader),
+                      .end = end});
   transaction.Commit();
 }
 
@@ -168,8 +175,8 @@ void Sign(const Caller& caller, VoucherTree& tree, bool signs) {
       std::string(name_column.view()) + " = ?" +
       (std::string() + ... + (", " + std::string(flag.view()) + " = ?")) +
       ", FVersion = FVersion + 1 WHERE FVoucherID = ?";
-  caller.db.Execute(kSql, user, name, (static_cast<void>(flag), signs)...,
-                    tree.state.Get<"FVoucherID">());
+  caller.db.ExecuteLater(kSql, user, name, (static_cast<void>(flag), signs)...,
+                         tree.state.Get<"FVoucherID">());
 }
 
 // OwnVoucher when the books want somebody else for the step, and the caller made the voucher or
@@ -252,13 +259,16 @@ Long VoucherUpdate::Create(std::string_view PropsString, const Ref<Dictionary>& 
   tree.state.Put<"FPosterID">(kNobody);
   SetPreparer(caller, tree);
 
-  CallersTransaction transaction(caller, Transaction::Kind::kSave);
-  ApplyRules(caller.db, VoucherFacts::Of(caller.db, tree), nullptr, tree);
-  GiveNumber(caller.db, nullptr, tree);
-  tree.Insert(caller.db);
+  Statement* facts = nullptr;
+  CallersTransaction transaction(caller, Transaction::Kind::kSave,
+                                 [&] { facts = &VoucherFacts::Ask(caller.db, tree); });
+  ApplyRules(caller.db, VoucherFacts::From(*facts), nullptr, tree);
+  Statement* end = nullptr;
+  InsertNumbered(caller.db, tree, [&] { end = &AskForTrailEnd(caller.db, kSubject, 0); });
+  tree.InsertLines(caller.db);
   constexpr Long kAutomatic = 2;
   const bool automatic = !Kind.IsMissing() && CLng(Kind) == kAutomatic;
-  AuditSave(caller, nullptr, tree, *Voucher, automatic ? 2 : 1);
+  AuditSave(caller, nullptr, tree, *Voucher, automatic ? 2 : 1, end);
   transaction.Commit();
   WriteBack(tree, *Voucher);
   return tree.state.Get<"FVoucherID">();
@@ -269,21 +279,27 @@ void VoucherUpdate::Update(std::string_view PropsString, const Long& VoucherID,
   const Caller caller = EnterUnconfirmed(PropsString, kSave);
   VoucherTree tree = VoucherTree::FromRow(RequireRow(Voucher));
 
-  CallersTransaction transaction(caller, Transaction::Kind::kSave);
-  VoucherTree stored = Held(caller.db, VoucherID);
+  Statement *held = nullptr, *asked = nullptr, *end = nullptr;
+  CallersTransaction transaction(caller, Transaction::Kind::kSave, [&] {
+    held = &VoucherTree::AskToHold(caller.db, VoucherID);
+    VoucherTree::AskForLines(caller.db, VoucherID);
+    asked = &VoucherFacts::Ask(caller.db, tree);
+    end = &AskForTrailEnd(caller.db, kSubject, VoucherID);
+  });
+  VoucherTree stored = Held(*held, VoucherID);
   RequireVersion(stored, *Voucher);
-  const VoucherFacts facts = VoucherFacts::Of(caller.db, tree);
+  const VoucherFacts facts = VoucherFacts::From(*asked);
   RequireChangeable(facts.rules, stored);
-  stored.ReadLines(caller.db);
+  stored.TakeLines(caller.db);
   tree.state = stored.state;
   tree.state.Put<"FVersion">(stored.state.Get<"FVersion">() + 1);
   const Long preparer = stored.state.Get<"FPreparerID">();
   if (preparer != caller.session->user_id) AddEditor(caller.db, stored, preparer);
   SetPreparer(caller, tree);
   ApplyRules(caller.db, facts, &stored, tree);
-  GiveNumber(caller.db, &stored, tree);
+  GiveNumber(caller.db, stored, tree);
   tree.Update(caller.db);
-  AuditSave(caller, &stored, tree, *Voucher, caller.marked ? 2 : 1);
+  AuditSave(caller, &stored, tree, *Voucher, caller.marked ? 2 : 1, end);
   transaction.Commit();
   WriteBack(tree, *Voucher);
 }
@@ -292,8 +308,12 @@ void VoucherUpdate::Delete(std::string_view PropsString, const Long& VoucherID, 
                            std::string_view MachineName, std::string_view IPAddress) {
   const Caller caller = EnterUnconfirmed(PropsString, RightTo<VoucherUpdate>("Delete"));
   Database& db = caller.db;
-  CallersTransaction transaction(caller, Transaction::Kind::kSave);
-  VoucherTree tree = Held(db, VoucherID);
+  Statement* held = nullptr;
+  CallersTransaction transaction(caller, Transaction::Kind::kSave, [&] {
+    held = &VoucherTree::AskToHold(db, VoucherID);
+    VoucherTree::AskForLines(db, VoucherID);
+  });
+  VoucherTree tree = Held(*held, VoucherID);
   const LedgerRules rules = LedgerRules::Of(db);
   // A voucher that is marked already can still be removed for good.
   if (Purge && tree.state.Get<"FDeleted">()) {
@@ -304,19 +324,20 @@ void VoucherUpdate::Delete(std::string_view PropsString, const Long& VoucherID, 
   }
   std::string changes;
   if (Purge) {
-    tree.ReadLines(db);
+    tree.TakeLines(db);
     changes = ChangesOf(&tree, nullptr);
-    db.Execute("DELETE FROM t_VoucherDetail WHERE FVoucherID = ?", VoucherID);
-    db.Execute("DELETE FROM t_VoucherEntry WHERE FVoucherID = ?", VoucherID);
+    db.ExecuteLater("DELETE FROM t_VoucherDetail WHERE FVoucherID = ?", VoucherID);
+    db.ExecuteLater("DELETE FROM t_VoucherEntry WHERE FVoucherID = ?", VoucherID);
     RemoveEditors(db, VoucherID);
-    db.Execute("DELETE FROM t_Voucher WHERE FVoucherID = ?", VoucherID);
+    db.ExecuteLater("DELETE FROM t_Voucher WHERE FVoucherID = ?", VoucherID);
   } else {
     VoucherTree marked = tree;
     marked.state.Put<"FDeleted">(true);
     RaiseVersion(marked);
     changes = ChangesOf(&tree, &marked, VoucherTree::Trailing::kHeader);
-    db.Execute("UPDATE t_Voucher SET FDeleted = 1, FVersion = FVersion + 1 WHERE FVoucherID = ?",
-               VoucherID);
+    db.ExecuteLater(
+        "UPDATE t_Voucher SET FDeleted = 1, FVersion = FVersion + 1 WHERE FVoucherID = ?",
+        VoucherID);
   }
   WriteAudit(caller, {.subject = kSubject,
                       .record_id = VoucherID,
@@ -399,17 +420,23 @@ void VoucherUpdate::UnPost(std::string_view PropsString, const Long& VoucherID) 
 
 void VoucherUpdate::ClearCashFlow(std::string_view PropsString, const Long& VoucherID) {
   const Caller caller = EnterUnconfirmed(PropsString, kSave);
-  CallersTransaction transaction(caller, Transaction::Kind::kSave);
-  VoucherTree tree = Held(caller.db, VoucherID);
+  Statement* held = nullptr;
+  CallersTransaction transaction(caller, Transaction::Kind::kSave, [&] {
+    held = &VoucherTree::AskToHold(caller.db, VoucherID);
+    VoucherTree::AskForLines(caller.db, VoucherID);
+  });
+  VoucherTree tree = Held(*held, VoucherID);
   RequireChangeable(LedgerRules::Of(caller.db), tree);
   AddEditor(caller.db, tree, caller.session->user_id);
-  tree.ReadLines(caller.db);
+  tree.TakeLines(caller.db);
   const VoucherTree before = tree;
   for (VoucherLine& line : tree.lines) line.cells.Put<"FCashFlowItem">(0);
   RaiseVersion(tree);
-  caller.db.Execute("UPDATE t_VoucherEntry SET FCashFlowItem = 0 WHERE FVoucherID = ?", VoucherID);
+  caller.db.ExecuteLater("UPDATE t_VoucherEntry SET FCashFlowItem = 0 WHERE FVoucherID = ?",
+                         VoucherID);
   // A row that was read before still has them.
-  caller.db.Execute("UPDATE t_Voucher SET FVersion = FVersion + 1 WHERE FVoucherID = ?", VoucherID);
+  caller.db.ExecuteLater("UPDATE t_Voucher SET FVersion = FVersion + 1 WHERE FVoucherID = ?",
+                         VoucherID);
   WriteAudit(caller, {.subject = kSubject,
                       .record_id = VoucherID,
                       .record = tree.Name(),

@@ -3,9 +3,9 @@
 namespace qdclgl::server {
 
 void AddEditor(Database& db, const VoucherTree& tree, Long user_id) {
-  db.Execute("INSERT INTO t_VoucherEditor (FVoucherID, FUserID) VALUES (?, ?)"
-             " ON CONFLICT (FVoucherID, FUserID) DO NOTHING",
-             tree.state.Get<"FVoucherID">(), user_id);
+  db.ExecuteLater("INSERT INTO t_VoucherEditor (FVoucherID, FUserID) VALUES (?, ?)"
+                  " ON CONFLICT (FVoucherID, FUserID) DO NOTHING",
+                  tree.state.Get<"FVoucherID">(), user_id);
 }
 
 bool HadAHandIn(Database& db, const VoucherTree& tree, Long user_id) {
@@ -15,7 +15,7 @@ bool HadAHandIn(Database& db, const VoucherTree& tree, Long user_id) {
 }
 
 void RemoveEditors(Database& db, Long voucher_id) {
-  db.Execute("DELETE FROM t_VoucherEditor WHERE FVoucherID = ?", voucher_id);
+  db.ExecuteLater("DELETE FROM t_VoucherEditor WHERE FVoucherID = ?", voucher_id);
 }
 
 }  // namespace qdclgl::server

@@ -9,6 +9,7 @@
 #include "qdclgl/frame/objects/conversions.h"
 #include "qdclgl/frame/vocabulary/text.h"
 #include "qdclgl/server/db/refusals.h"
+#include "qdclgl/server/records/coefficient.h"
 #include "qdclgl/server/records/currency.h"
 #include "qdclgl/server/records/references.h"
 #include "qdclgl/server/vouchers/exchange.h"
@@ -201,6 +202,7 @@ struct KnownUnit {
   Long id;
   Long account_id;
   std::string number, name;
+  Double coefficient, base;  // its own, and that of the unit that the account counts in
 };
 
 // The unit of a line that has one: in use, and of the unit group of the line's account.
@@ -214,22 +216,29 @@ const KnownUnit& RequireUnit(Database& db, const VoucherTree& tree, std::size_t 
   const auto refuse = [&](const std::string& reason) {
     Refuse(refusal::kBadReference, LineSentence(tree, i) + reason);
   };
-  const auto unit = db.QueryRow<std::string, std::string, bool, Long, Long, std::string>(
-      "SELECT u.FNumber, u.FName, u.FDeleted, u.FUnitGroupID, a.FUnitGroupID, a.FNumber"
-      " FROM t_MeasureUnit u JOIN t_Account a ON a.FAccountID = ? WHERE u.FMeasureUnitID = ?",
-      account_id, id);
+  // An account without a unit counts in the default one of its group, whose coefficient is 1.
+  const auto unit =
+      db.QueryRow<std::string, std::string, bool, Long, Long, std::string, double, double>(
+          "SELECT u.FNumber, u.FName, u.FDeleted, u.FUnitGroupID,"
+          " COALESCE(base.FUnitGroupID, a.FUnitGroupID), a.FNumber,"
+          " u.FCoefficient, COALESCE(base.FCoefficient, 1) FROM t_MeasureUnit u"
+          " JOIN t_Account a ON a.FAccountID = ?"
+          " LEFT JOIN t_MeasureUnit base ON base.FMeasureUnitID = a.FMeasureUnitID"
+          " WHERE u.FMeasureUnitID = ?",
+          account_id, id);
   if (!unit || std::get<bool>(*unit)) {
     refuse("there is no unit of measure " + std::to_string(id) + (unit ? " in use." : "."));
   }
-  const auto& [number, name, is_deleted, group, account_group, account] = *unit;
+  const auto& [number, name, is_deleted, group, account_group, account, coefficient, base] = *unit;
   if (group != account_group) {
     refuse("unit of measure " + number + " (" + name + ") is not of the unit group of account " +
            account + ".");
   }
-  return known.emplace_back(KnownUnit{id, account_id, number, name});
+  return known.emplace_back(KnownUnit{id, account_id, number, name, coefficient, base});
 }
 
-// Lines that name a unit alone get its number and name.
+// Lines that name a unit alone get its number and name. A quantity in another unit than that of the
+// account is converted, once and for all: what becomes of coefficients later on leaves it alone.
 void SettleUnits(Database& db, VoucherTree& tree) {
   std::vector<KnownUnit> known;
   for (std::size_t i = 0; i < tree.lines.size(); ++i) {
@@ -238,6 +247,8 @@ void SettleUnits(Database& db, VoucherTree& tree) {
     const KnownUnit& unit = RequireUnit(db, tree, i, known);
     if (cells.Get<"FMeasureUnit">().empty()) cells.Put<"FMeasureUnit">(unit.name);
     if (cells.Get<"FMeasureUnitNumber">().empty()) cells.Put<"FMeasureUnitNumber">(unit.number);
+    if (unit.coefficient == unit.base) continue;
+    cells.Put<"FBaseQuantity">(Converted(cells.Get<"FQuantity">(), unit.coefficient, unit.base));
   }
 }
 
@@ -248,7 +259,7 @@ void CheckSizes(const VoucherTree& tree) {
     const LineCells& cells = tree.lines[i].cells;
     const std::int64_t amount = cells.Get<"FAmount">().units();
     const std::int64_t amount_for = cells.Get<"FAmountFor">().units();
-    const Double quantity = cells.Get<"FQuantity">();
+    const Double quantity = CountedQuantity(cells.Get<"FQuantity">(), cells.Get<"FBaseQuantity">());
     if (!IsAmountInRange(amount) || !IsAmountInRange(amount_for)) {
       Refuse(refusal::kTooLarge, LineSentence(tree, i) + "the amount is too large.");
     }
@@ -305,7 +316,7 @@ void CheckBalance(VoucherTree& tree) {
 
 }  // namespace
 
-VoucherFacts VoucherFacts::Of(Database& db, const VoucherTree& tree) {
+Statement& VoucherFacts::Ask(Database& db, const VoucherTree& tree) {
   std::vector<Long> ids;
   std::vector<std::string> numbers;
   for (const VoucherLine& line : tree.lines) {
@@ -331,7 +342,6 @@ VoucherFacts VoucherFacts::Of(Database& db, const VoucherTree& tree) {
     for (std::size_t i = 1; i < count; ++i) text += ", ?";
     return text + ")";
   };
-  enum Kind { kSetting, kGroup, kAccount, kItemClass };
   const std::string sql =
       "WITH account AS (SELECT FAccountID, FNumber, FDetail, FDelete FROM t_Account"
       " WHERE FAccountID IN " +
@@ -343,33 +353,34 @@ VoucherFacts VoucherFacts::Of(Database& db, const VoucherTree& tree) {
       " UNION ALL SELECT 3, account.FAccountID, c.FNumber, c.FName, c.FItemClassID, 0 FROM account"
       " JOIN t_AccountItem a ON a.FAccountID = account.FAccountID"
       " JOIN t_ItemClass c ON c.FItemClassID = a.FItemClassID";
-  std::vector<Storage> parameters(ids.size(), Storage::kWhole);
-  parameters.resize(ids.size() + numbers.size(), Storage::kText);
-  parameters.insert(parameters.end(), {Storage::kWhole, Storage::kText});
-  static constexpr Storage kResults[] = {Storage::kWhole, Storage::kWhole, Storage::kText,
-                                         Storage::kText,  Storage::kWhole, Storage::kWhole};
-  Statement& statement = db.Prepared(sql, parameters, kResults);
+  Statement& statement = db.Prepared(sql);
   const Long group_id = tree.header.Get<"FGroupID">();
   std::size_t position = 0;
   for (const Long id : ids) statement.Set(position++, std::int64_t{id});
   for (const std::string& number : numbers) statement.Set(position++, std::string_view(number));
   statement.Set(position++, std::int64_t{group_id});
   statement.Set(position++, group_id != 0 ? std::string_view() : std::string_view(tree.group));
+  statement.Open();
+  return statement;
+}
 
+VoucherFacts VoucherFacts::From(Statement& asked) {
+  enum Kind { kSetting, kGroup, kAccount, kItemClass };
   std::map<std::string, std::string, std::less<>> settings;
   std::optional<Group> group;
   std::vector<Account> accounts;
   std::map<Long, std::vector<AskedClass>> classes;  // by account
-  for (statement.Open(); statement.Fetch();) {
-    const auto id = static_cast<Long>(statement.Whole(1));
-    const std::string& name = statement.Text(2);
-    const bool is_deleted = statement.Whole(5) != 0;
-    switch (statement.Whole(0)) {
-      case kSetting: settings.emplace(name, statement.Text(3)); break;
+  while (asked.Fetch()) {
+    const auto id = static_cast<Long>(asked.Whole(1));
+    const std::string name(asked.Text(2));
+    const bool is_deleted = asked.Whole(5) != 0;
+    switch (asked.Whole(0)) {
+      case kSetting: settings.emplace(name, asked.Text(3)); break;
       case kGroup: group = {id, name, is_deleted}; break;
-      case kAccount: accounts.push_back({id, name, statement.Whole(4) != 0, is_deleted}); break;
+      case kAccount: accounts.push_back({id, name, asked.Whole(4) != 0, is_deleted}); break;
       case kItemClass:
-        classes[id].push_back({static_cast<Long>(statement.Whole(4)), name, statement.Text(3)});
+        classes[id].push_back(
+            {static_cast<Long>(asked.Whole(4)), name, std::string(asked.Text(3))});
     }
   }
   for (Account& account : accounts) account.classes = std::move(classes[account.id]);
@@ -392,43 +403,83 @@ void ApplyRules(Database& db, const VoucherFacts& facts, const VoucherTree* stor
   SettleCurrencies(db, tree);
   CheckReferences(db, stored, tree);
   SettleUnits(db, tree);
+  CheckSizes(tree);  // of what was converted, too
   SettleItems(db, facts, stored, tree);
 }
 
-void GiveNumber(Database& db, const VoucherTree* stored, VoucherTree& tree) {
+namespace {
+
+void RequireGivable(const VoucherTree& tree) {
+  if (tree.header.Get<"FNumber">() <= kLargestGivenNumber) return;
+  Refuse(refusal::kBadNumber, Sentence(tree) + "a number that is given is at most " +
+                                  std::to_string(kLargestGivenNumber) + ".");
+}
+
+// Has the counter go on behind the number that the voucher asks for, or with the next one. The
+// counter's row makes those who number in the same place wait for each other.
+void RaiseCounter(Database& db, const VoucherTree& tree) {
   const Long year = tree.header.Get<"FYear">(), period = tree.header.Get<"FPeriod">(),
              group = tree.header.Get<"FGroupID">(), wanted = tree.header.Get<"FNumber">();
-  // The counter's row makes those who number in the same place wait for each other.
   if (wanted == 0) {
-    const auto next = db.QueryValue<std::int64_t>(
+    db.ExecuteLater(
         "INSERT INTO t_Counter (FYear, FPeriod, FGroupID, FNext) VALUES (?, ?, ?, 2)"
-        " ON CONFLICT (FYear, FPeriod, FGroupID) DO UPDATE SET FNext = t_Counter.FNext + 1"
-        " RETURNING FNext - 1",
+        " ON CONFLICT (FYear, FPeriod, FGroupID) DO UPDATE SET FNext = t_Counter.FNext + 1",
         year, period, group);
-    if (*next > INT32_MAX) {
-      Refuse(refusal::kBadNumber,
-             Sentence(tree) + "the numbers of its period and group are used up.");
-    }
-    tree.header.Put<"FNumber">(static_cast<Long>(*next));
     return;
   }
-  if (wanted > kLargestGivenNumber && !(stored != nullptr && HasSamePlace(*stored, tree))) {
-    Refuse(refusal::kBadNumber, Sentence(tree) + "a number that is given is at most " +
-                                    std::to_string(kLargestGivenNumber) + ".");
-  }
-  db.Execute(
+  db.ExecuteLater(
       "INSERT INTO t_Counter (FYear, FPeriod, FGroupID, FNext) VALUES (?, ?, ?, ?)"
       " ON CONFLICT (FYear, FPeriod, FGroupID) DO UPDATE SET FNext ="
       " CASE WHEN t_Counter.FNext > excluded.FNext THEN t_Counter.FNext ELSE excluded.FNext END",
       year, period, group, std::int64_t{wanted} + 1);
-  const auto other = db.QueryValue<Long>(
-      "SELECT FVoucherID FROM t_Voucher WHERE FYear = ? AND FPeriod = ? AND FGroupID = ?"
-      " AND FNumber = ?",
-      year, period, group, wanted);
-  if (other && *other != tree.state.Get<"FVoucherID">()) {
-    Refuse(refusal::kNumberTaken,
-           Sentence(tree) + "another voucher has that number (id " + std::to_string(*other) + ").");
+}
+
+// Takes over the number that the counter gave.
+void PutNumber(VoucherTree& tree, std::int64_t number) {
+  if (number > INT32_MAX) {
+    Refuse(refusal::kBadNumber,
+           Sentence(tree) + "the numbers of its period and group are used up.");
   }
+  tree.header.Put<"FNumber">(static_cast<Long>(number));
+}
+
+// The other voucher that has the number.
+std::optional<Long> HolderOfNumber(Database& db, const VoucherTree& tree) {
+  return db.QueryValue<Long>(
+      "SELECT FVoucherID FROM t_Voucher WHERE FYear = ? AND FPeriod = ? AND FGroupID = ?"
+      " AND FNumber = ? AND FVoucherID <> ?",
+      tree.header.Get<"FYear">(), tree.header.Get<"FPeriod">(), tree.header.Get<"FGroupID">(),
+      tree.header.Get<"FNumber">(), tree.state.Get<"FVoucherID">());
+}
+
+[[noreturn]] void RefuseNumber(const VoucherTree& tree, Long holder) {
+  Refuse(refusal::kNumberTaken,
+         Sentence(tree) + "another voucher has that number (id " + std::to_string(holder) + ").");
+}
+
+}  // namespace
+
+void GiveNumber(Database& db, const VoucherTree& stored, VoucherTree& tree) {
+  if (!HasSamePlace(stored, tree)) RequireGivable(tree);
+  RaiseCounter(db, tree);
+  if (tree.header.Get<"FNumber">() == 0) {
+    return PutNumber(
+        tree, *db.QueryValue<std::int64_t>("SELECT FNext - 1 FROM t_Counter"
+                                           " WHERE FYear = ? AND FPeriod = ? AND FGroupID = ?",
+                                           tree.header.Get<"FYear">(), tree.header.Get<"FPeriod">(),
+                                           tree.header.Get<"FGroupID">()));
+  }
+  if (const auto holder = HolderOfNumber(db, tree)) RefuseNumber(tree, *holder);
+}
+
+void InsertNumbered(Database& db, VoucherTree& tree, const Transaction::Along& along) {
+  RequireGivable(tree);
+  RaiseCounter(db, tree);
+  Statement& asked = tree.InsertHeader(db);
+  along();
+  const std::optional<std::int64_t> number = tree.TakeInserted(asked);
+  if (!number) RefuseNumber(tree, HolderOfNumber(db, tree).value_or(0));
+  PutNumber(tree, *number);
 }
 
 void RequireOpenPeriod(const LedgerRules& rules, const VoucherTree& tree) {

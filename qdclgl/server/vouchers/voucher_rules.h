@@ -30,7 +30,9 @@ struct VoucherFacts {
   std::optional<Group> group;
   std::vector<Account> accounts;
 
-  static VoucherFacts Of(Database& db, const VoucherTree& tree);
+  // Asks for what a voucher needs to know, and takes the answer.
+  static Statement& Ask(Database& db, const VoucherTree& tree);
+  static VoucherFacts From(Statement& asked);
 };
 
 // Completes what a caller left open (year, period, group, accounts, currencies and items given by
@@ -45,10 +47,13 @@ void ApplyRules(Database& db, const VoucherFacts& facts, const VoucherTree* stor
 // them, and must not come to its end by one slip.
 inline constexpr Long kLargestGivenNumber = 999'999'999;
 
-// Gives the voucher its number in year, period and group: the next one for 0, otherwise the one it
-// asks for. NumberTaken when another voucher has it; BadNumber beyond kLargestGivenNumber, unless
-// the voucher as it is stored (null for a new one) has that number already.
-void GiveNumber(Database& db, const VoucherTree* stored, VoucherTree& tree);
+// Gives a voucher that is changed its number in year, period and group: the next one for 0,
+// otherwise the one it asks for. NumberTaken when another voucher has it; BadNumber beyond
+// kLargestGivenNumber, unless the voucher has that number already.
+void GiveNumber(Database& db, const VoucherTree& stored, VoucherTree& tree);
+// Writes the header of a new voucher with its number, which is given by the same rules. Behind it
+// `along` opens queries that cost no message of their own.
+void InsertNumbered(Database& db, VoucherTree& tree, const Transaction::Along& along);
 
 // Refuses what is not open for change: PeriodClosed, VoucherDeleted, and what somebody has signed,
 // as VoucherPosted, VoucherChecked, VoucherCashed.

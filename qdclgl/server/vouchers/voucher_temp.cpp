@@ -13,6 +13,7 @@ namespace qdclgl::server {
 
 const MasterData& Accounts();
 const MasterData& Currencies();
+const MasterData& SettTypes();
 const MasterData& VoucherGroups();
 
 namespace {
@@ -79,7 +80,8 @@ Ref<Dictionary> VoucherTempInfo::Read(Database& db, Long id) const {
   if (!record) return record;
   const auto version = record->Value(record_column::kVersion.name).As<Long>();
   std::vector<VoucherLine> lines;
-  TempLines().Read(db, id, version, true, lines);
+  TempLines().Ask(db, id);
+  TempLines().Take(db, version, true, lines);
   record->Put(kEntries, Variant(RowsOfLines(lines)));
   record->SetTrackState(0);
   return record;
@@ -254,7 +256,8 @@ const MasterData& VoucherTemps() {
                  .table = TempLines().lines(),
                  .order = "FVoucherTempID, FEntryID",
                  .refers = {{"FAccountID", {Accounts, true, refusal::kBadAccount}},
-                            {"FCurrencyID", {Currencies, true, refusal::kBadCurrency}}}},
+                            {"FCurrencyID", {Currencies, true, refusal::kBadCurrency}},
+                            {"FSettleTypeID", {SettTypes}}}},
                 {.key = kDetails,
                  .table = TempLines().details(),
                  .order = "FVoucherTempID, FEntryID, FIndex",
@@ -265,7 +268,7 @@ const MasterData& VoucherTemps() {
       .remove = Remove,
       .info = RecordClassOf<VoucherTempInfo>(),
       .errors = "Required, BadValue, BadGroup, BadNumber, NumberTaken, BadAccount, BadCurrency, "
-                "BadSide",
+                "BadReference, BadSide",
       .helps =
           {{"Create",
             "Saves a new template with its lines, which need accounts and no balance; its id "

@@ -24,7 +24,6 @@ constexpr auto Joined(const Column (&... lists)[N]) {
 }
 
 constexpr Column kGroupName[] = {{"FGroup", ColumnType::kText}};
-constexpr Column kVersion[] = {{"FVersion", ColumnType::kLong}};
 constexpr Column kExtra[] = {{kExtraColumn, ColumnType::kText}};
 // Behind the id of whoever has the lines.
 constexpr Column kLinePlace[] = {{"FEntryID", ColumnType::kLong}};
@@ -89,6 +88,7 @@ Ref<Dictionary> RowIn(const Vector& list, std::size_t position) {
 VoucherLine LineFromRow(const Dictionary& row) {
   VoucherLine line;
   line.cells = LineCells(NormalizedCells(kLineColumns, row));
+  line.cells.Put<"FBaseQuantity">(0);
   line.names = NormalizedCells(kLineNames, row);
   line.extras = ExtrasText(row, IsLineKey);
   if (const Ref<Vector> details = ListIn(row, kDetails)) {
@@ -186,9 +186,7 @@ LineTables::LineTables(std::string_view owners, std::string_view id, std::string
     : lines_(TableOf(lines, id, Joined(kLinePlace, kLineColumns, kExtra))),
       details_(TableOf(details, id, Joined(kDetailPlace, kDetailColumns))),
       insert_lines_(lines, lines_.columns),
-      insert_details_(details, details_.columns),
-      line_results_(StoragesOf(Joined(kLineColumns, kLineNames, kExtra, kVersion))),
-      detail_results_(StoragesOf(Joined(kLinePlace, kDetailColumns, kVersion))) {
+      insert_details_(details, details_.columns) {
   const std::string own_id(id);
   const auto from = [&](std::string_view table, const std::string& row) {
     return ", owner.FVersion FROM " + std::string(table) + " " + row + " JOIN " +
@@ -211,13 +209,19 @@ LineTables::LineTables(std::string_view owners, std::string_view id, std::string
   remove_details_ = "DELETE FROM " + std::string(details) + " WHERE " + own_id + " = ?";
 }
 
-bool LineTables::Read(Database& db, Long owner, Long version, bool has_details,
+void LineTables::Ask(Database& db, Long owner) const {
+  for (const std::string& sql : {std::cref(read_lines_), std::cref(read_details_)}) {
+    Statement& statement = db.Prepared(sql);
+    statement.Set(0, std::int64_t{owner});
+    statement.Open();
+  }
+}
+
+bool LineTables::Take(Database& db, Long version, bool has_details,
                       std::vector<VoucherLine>& lines) const {
-  static constexpr Storage kParameters[] = {Storage::kWhole};
   bool is_same = true;
-  Statement& statement = db.Prepared(read_lines_, kParameters, line_results_);
-  statement.Set(0, std::int64_t{owner});
-  for (statement.Open(); statement.Fetch();) {
+  Statement& statement = db.Prepared(read_lines_);
+  while (statement.Fetch()) {
     VoucherLine& line = lines.emplace_back();
     line.cells = CellsFrom<LineCells>(statement, kLineColumns, 0);
     line.names = ReadCells(statement, kLineNames, std::size(kLineColumns));
@@ -226,11 +230,9 @@ bool LineTables::Read(Database& db, Long owner, Long version, bool has_details,
     is_same = is_same && statement.Whole(kBehind + 1) == version;
   }
   if (!is_same || !has_details) return is_same;
-
-  Statement& details = db.Prepared(read_details_, kParameters, detail_results_);
-  details.Set(0, std::int64_t{owner});
+  Statement& details = db.Prepared(read_details_);
   bool is_empty = true;
-  for (details.Open(); details.Fetch(); is_empty = false) {
+  for (; details.Fetch(); is_empty = false) {
     const auto entry = static_cast<std::size_t>(details.Whole(0));
     is_same =
         is_same && entry <= lines.size() && details.Whole(std::size(kDetailColumns) + 1) == version;
@@ -266,8 +268,8 @@ void LineTables::Insert(Database& db, Long owner, const std::vector<VoucherLine>
 }
 
 void LineTables::Remove(Database& db, Long owner) const {
-  db.Execute(remove_details_, owner);
-  db.Execute(remove_lines_, owner);
+  db.ExecuteLater(remove_details_, owner);
+  db.ExecuteLater(remove_lines_, owner);
 }
 
 // ---- Vouchers ----
@@ -309,12 +311,9 @@ Ref<Dictionary> VoucherTree::ToRow() const {
 
 namespace {
 
-// The types of what kSelectHeader gives.
-const std::vector<Storage>& HeaderResults() {
-  static const std::vector<Storage> kResults =
-      StoragesOf(Joined(kStateColumns, kHeaderColumns, kGroupName, kExtra));
-  return kResults;
-}
+// How much kSelectHeader gives.
+constexpr std::size_t kHeaderResults = std::size(kStateColumns) + std::size(kHeaderColumns) +
+                                       std::size(kGroupName) + std::size(kExtra);
 
 VoucherTree HeaderFrom(const Statement& statement) {
   VoucherTree tree;
@@ -326,46 +325,49 @@ VoucherTree HeaderFrom(const Statement& statement) {
   return tree;
 }
 
-// Reads a header and confirms the caller by one query.
-std::optional<VoucherTree> ReadHeader(const Caller& caller, Long id) {
-  static constexpr Storage kParameters[] = {Storage::kWhole, Storage::kWhole};
+// Asks for a header, and along with it for what confirms the caller.
+Statement& AskForHeader(const Caller& caller, Long id) {
   static const std::string kSql =
       kHeaderCells + ", (" + StandingQuery("?") + ") AS standing" + kFromHeaders + kById;
-  static const std::vector<Storage> kResults = [] {
-    std::vector<Storage> results = HeaderResults();
-    results.push_back(Storage::kText);
-    return results;
-  }();
-  Statement& statement = caller.db.Prepared(kSql, kParameters, kResults);
+  Statement& statement = caller.db.Prepared(kSql);
   statement.Set(0, std::int64_t{caller.session->user_id});
   statement.Set(1, std::int64_t{id});
   statement.Open();
-  if (!statement.Fetch()) {
+  return statement;
+}
+
+std::optional<VoucherTree> ConfirmedHeader(const Caller& caller, Statement& asked) {
+  if (!asked.Fetch()) {
     caller.Confirm();
     return std::nullopt;
   }
-  const std::size_t place = HeaderResults().size();
   std::optional<std::string> standing;
-  if (!statement.IsNull(place)) standing = statement.Text(place);
-  VoucherTree tree = HeaderFrom(statement);
-  statement.Reset();
+  if (!asked.IsNull(kHeaderResults)) standing = asked.Text(kHeaderResults);
   caller.Confirm(standing);
-  return tree;
+  return HeaderFrom(asked);
 }
+
+// Resets a query at the end of a scope.
+struct QueryEnd {
+  Statement& query;
+  ~QueryEnd() { query.Reset(); }
+};
 
 }  // namespace
 
-std::optional<VoucherTree> VoucherTree::Hold(Database& db, Long id) {
-  static constexpr Storage kParameters[] = {Storage::kWhole};
+Statement& VoucherTree::AskToHold(Database& db, Long id) {
   static const std::string kSQLite = kSelectHeader + kById;
   static const std::string kPostgreSQL = kSQLite + " FOR UPDATE OF v";
-  Statement& statement =
-      db.Prepared(db.Dialect(kSQLite, kPostgreSQL), kParameters, HeaderResults());
+  Statement& statement = db.Prepared(db.Dialect(kSQLite, kPostgreSQL));
   statement.Set(0, std::int64_t{id});
   statement.Open();
-  if (!statement.Fetch()) return std::nullopt;
-  VoucherTree tree = HeaderFrom(statement);
-  statement.Reset();
+  return statement;
+}
+
+std::optional<VoucherTree> VoucherTree::Held(Statement& asked) {
+  if (!asked.Fetch()) return std::nullopt;
+  VoucherTree tree = HeaderFrom(asked);
+  asked.Reset();
   return tree;
 }
 
@@ -374,35 +376,39 @@ std::optional<VoucherTree> VoucherTree::Read(const Caller& caller, Long id) {
   // raises its version, so that lines tell which header they belong to.
   constexpr int kMostAttempts = 100;
   for (int attempt = 0; attempt < kMostAttempts; ++attempt) {
-    std::optional<VoucherTree> tree = ReadHeader(caller, id);
-    if (!tree || tree->ReadLines(caller.db)) return tree;
+    Statement& header = AskForHeader(caller, id);
+    // As long as it is open, SQLite looks at one state of the books and need not begin anew.
+    const QueryEnd end{header};
+    AskForLines(caller.db, id);
+    std::optional<VoucherTree> tree = ConfirmedHeader(caller, header);
+    if (!tree || tree->TakeLines(caller.db)) return tree;
   }
   Refuse(refusal::kDatabaseBusy,
          "Others kept changing the voucher with the id " + std::to_string(id) + "; try again.");
 }
 
-bool VoucherTree::ReadLines(Database& db) {
-  const bool is_same = VoucherLines().Read(db, state.Get<"FVoucherID">(), state.Get<"FVersion">(),
-                                           state.Get<"FDetailCount">() > 0, lines);
+void VoucherTree::AskForLines(Database& db, Long id) { VoucherLines().Ask(db, id); }
+
+bool VoucherTree::TakeLines(Database& db) {
+  const bool is_same =
+      VoucherLines().Take(db, state.Get<"FVersion">(), state.Get<"FDetailCount">() > 0, lines);
   return is_same && !(lines.empty() && state.Get<"FEntryCount">() > 0);
 }
 
 std::vector<VoucherTree> VoucherTree::ReadRange(Database& db, Long first, Long last) {
   // A statement for the rows between the two ids.
-  const auto rows = [&](const std::string& sql, std::string_view table, std::string_view order,
-                        std::span<const Storage> results) -> Statement& {
-    static constexpr Storage kParameters[] = {Storage::kWhole, Storage::kWhole};
+  const auto rows = [&](const std::string& sql, std::string_view table,
+                        std::string_view order) -> Statement& {
     Statement& statement =
         db.Prepared(sql + " WHERE " + std::string(table) + ".FVoucherID BETWEEN ? AND ? ORDER BY " +
-                        std::string(order),
-                    kParameters, results);
+                    std::string(order));
     statement.Set(0, std::int64_t{first});
     statement.Set(1, std::int64_t{last});
     statement.Open();
     return statement;
   };
   std::vector<VoucherTree> trees;
-  Statement& headers = rows(kSelectHeader, "v", "v.FVoucherID", HeaderResults());
+  Statement& headers = rows(kSelectHeader, "v", "v.FVoucherID");
   while (headers.Fetch()) trees.push_back(HeaderFrom(headers));
 
   // Lines and details come in the order of their vouchers. Those of none are left out: foreign keys
@@ -414,8 +420,7 @@ std::vector<VoucherTree> VoucherTree::ReadRange(Database& db, Long first, Long l
   const std::vector<Column>& line_columns = VoucherLines().lines().columns;
   static const std::string kLines =
       "SELECT " + NamesOf(line_columns, "e.") + " FROM t_VoucherEntry e";
-  static const std::vector<Storage> kLineResults = StoragesOf(line_columns);
-  Statement& line_rows = rows(kLines, "e", "e.FVoucherID, e.FEntryID", kLineResults);
+  Statement& line_rows = rows(kLines, "e", "e.FVoucherID, e.FEntryID");
   for (auto voucher = voucher_of; line_rows.Fetch();) {
     VoucherTree* const tree = voucher(line_rows.Whole(0));
     if (tree == nullptr) continue;
@@ -426,9 +431,7 @@ std::vector<VoucherTree> VoucherTree::ReadRange(Database& db, Long first, Long l
   const std::vector<Column>& detail_columns = VoucherLines().details().columns;
   static const std::string kDetailRows =
       "SELECT " + NamesOf(detail_columns, "d.") + " FROM t_VoucherDetail d";
-  static const std::vector<Storage> kDetailResults = StoragesOf(detail_columns);
-  Statement& detail_rows =
-      rows(kDetailRows, "d", "d.FVoucherID, d.FEntryID, d.FIndex", kDetailResults);
+  Statement& detail_rows = rows(kDetailRows, "d", "d.FVoucherID, d.FEntryID, d.FIndex");
   for (auto voucher = voucher_of; detail_rows.Fetch();) {
     VoucherTree* const tree = voucher(detail_rows.Whole(0));
     const auto entry = static_cast<std::size_t>(detail_rows.Whole(1));
@@ -459,21 +462,45 @@ std::vector<StoredTable> VoucherTables() {
           {"t_VoucherEditor", {{"FVoucherID", ColumnType::kLong}, {"FUserID", ColumnType::kLong}}}};
 }
 
-void VoucherTree::Insert(Database& db) {
+Statement& VoucherTree::InsertHeader(Database& db) const {
   static const std::string kInsert = [] {
     std::string places;
-    for (std::size_t i = 0; i < kHeaderTable.size(); ++i) places += i == 0 ? "?" : ", ?";
+    for (const Column& column : kHeaderTable) {
+      if (!places.empty()) places += ", ";
+      places += column.name != "FNumber"
+                    ? "?"
+                    : "COALESCE(NULLIF(CAST(? AS BIGINT), 0), (SELECT FNext - 1 FROM t_Counter"
+                      " WHERE FYear = ? AND FPeriod = ? AND FGroupID = ?))";
+    }
     return "INSERT INTO t_Voucher (" + NamesOf(kHeaderTable) + ") VALUES (" + places +
-           ") RETURNING FVoucherID";
+           ") ON CONFLICT (FYear, FPeriod, FGroupID, FNumber) DO NOTHING"
+           " RETURNING FVoucherID, FNumber";
   }();
-  static const std::vector<Storage> kParameters = StoragesOf(kHeaderTable);
-  static constexpr Storage kResults[] = {Storage::kWhole};
-  Statement& statement = db.Prepared(kInsert, kParameters, kResults);
-  BindHeader(statement, *this);
+  constexpr std::size_t kBehindNumber = PlaceOf(kHeaderColumns, "FNumber") + 1;
+  const std::span<const Column> columns(kHeaderColumns);
+  Statement& statement = db.Prepared(kInsert);
+  std::size_t position = 0;
+  BindCells(statement, position, kStateColumns, state.values(), 1);
+  BindCells(statement, position, columns.first(kBehindNumber), header.values());
+  for (const Long place :
+       {header.Get<"FYear">(), header.Get<"FPeriod">(), header.Get<"FGroupID">()}) {
+    statement.Set(position++, std::int64_t{place});
+  }
+  BindCells(statement, position, columns, header.values(), kBehindNumber);
+  statement.Set(position, std::string_view(extras));
   statement.Open();
-  statement.Fetch();
-  state.Put<"FVoucherID">(static_cast<Long>(statement.Whole(0)));
-  statement.Reset();
+  return statement;
+}
+
+std::optional<std::int64_t> VoucherTree::TakeInserted(Statement& asked) {
+  if (!asked.Fetch()) return std::nullopt;
+  state.Put<"FVoucherID">(static_cast<Long>(asked.Whole(0)));
+  const std::int64_t number = asked.Whole(1);
+  asked.Reset();
+  return number;
+}
+
+void VoucherTree::InsertLines(Database& db) const {
   VoucherLines().Insert(db, state.Get<"FVoucherID">(), lines);
 }
 
@@ -486,18 +513,13 @@ void VoucherTree::Update(Database& db) const {
     }
     return "UPDATE t_Voucher SET " + sets + " WHERE FVoucherID = ?";
   }();
-  static const std::vector<Storage> kParameters = [] {
-    std::vector<Storage> types = StoragesOf(kHeaderTable);
-    types.push_back(Storage::kWhole);
-    return types;
-  }();
   const Long id = state.Get<"FVoucherID">();
-  Statement& statement = db.Prepared(kUpdate, kParameters, {});
+  Statement& statement = db.Prepared(kUpdate);
   BindHeader(statement, *this);
   statement.Set(kHeaderTable.size(), std::int64_t{id});
-  statement.Execute();
+  statement.ExecuteLater();
   VoucherLines().Remove(db, id);
-  VoucherLines().Insert(db, id, lines);
+  InsertLines(db);
 }
 
 // ---- The trail ----

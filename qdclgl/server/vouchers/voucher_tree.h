@@ -56,15 +56,18 @@ inline constexpr Column kStateColumns[] = {
     {"FDeleted", ColumnType::kBoolean},
 };
 
+// The server settles FBaseQuantity: the quantity in the unit that its account counts in, where the
+// line has another one; 0 where it counts as it was entered.
 inline constexpr Column kLineColumns[] = {
-    {"FAccountID", ColumnType::kLong},         {"FDC", ColumnType::kLong},
-    {"FAmount", ColumnType::kCurrency},        {"FCurrencyID", ColumnType::kLong},
-    {"FAmountFor", ColumnType::kCurrency},     {"FExchangeRate", ColumnType::kDouble},
-    {"FQuantity", ColumnType::kDouble},        {"FUnitPrice", ColumnType::kDouble},
-    {"FMeasureUnitID", ColumnType::kLong},     {"FMeasureUnit", ColumnType::kText},
-    {"FMeasureUnitNumber", ColumnType::kText}, {"FExplanation", ColumnType::kText},
-    {"FCashFlowItem", ColumnType::kLong},      {"FSettleTypeID", ColumnType::kLong},
-    {"FSettleNo", ColumnType::kText},          {"FTransNo", ColumnType::kText},
+    {"FAccountID", ColumnType::kLong},     {"FDC", ColumnType::kLong},
+    {"FAmount", ColumnType::kCurrency},    {"FCurrencyID", ColumnType::kLong},
+    {"FAmountFor", ColumnType::kCurrency}, {"FExchangeRate", ColumnType::kDouble},
+    {"FQuantity", ColumnType::kDouble},    {"FBaseQuantity", ColumnType::kDouble},
+    {"FUnitPrice", ColumnType::kDouble},   {"FMeasureUnitID", ColumnType::kLong},
+    {"FMeasureUnit", ColumnType::kText},   {"FMeasureUnitNumber", ColumnType::kText},
+    {"FExplanation", ColumnType::kText},   {"FCashFlowItem", ColumnType::kLong},
+    {"FSettleTypeID", ColumnType::kLong},  {"FSettleNo", ColumnType::kText},
+    {"FTransNo", ColumnType::kText},
 };
 
 // What other tables tell about a line.
@@ -155,16 +158,16 @@ class LineTables {
 
   void Insert(Database& db, Long owner, const std::vector<VoucherLine>& lines) const;
   void Remove(Database& db, Long owner) const;
-  // Adds an owner's lines to `lines`. False when they are not those of the owner's version, or
+  // Asks for an owner's lines and details.
+  void Ask(Database& db, Long owner) const;
+  // Adds what was asked for to `lines`. False when they are not those of the owner's version, or
   // details are missing that there should be.
-  bool Read(Database& db, Long owner, Long version, bool has_details,
-            std::vector<VoucherLine>& lines) const;
+  bool Take(Database& db, Long version, bool has_details, std::vector<VoucherLine>& lines) const;
 
  private:
   StoredTable lines_, details_;
   RowInsertion insert_lines_, insert_details_;
   std::string read_lines_, read_details_, remove_lines_, remove_details_;
-  std::vector<Storage> line_results_, detail_results_;
 };
 
 struct VoucherTree {
@@ -185,16 +188,24 @@ struct VoucherTree {
   // One state of the voucher, whoever saves it meanwhile. Nothing when there is no such voucher.
   // Confirms the caller along the way.
   static std::optional<VoucherTree> Read(const Caller& caller, Long id);
-  // Reads the header alone, and keeps others from changing the voucher before the transaction ends.
-  static std::optional<VoucherTree> Hold(Database& db, Long id);
-  // Reads lines and details. False when they are not those of the header's version.
-  bool ReadLines(Database& db);
+  // Asks for the header alone, and keeps others from changing the voucher before the transaction
+  // ends; takes the answer.
+  static Statement& AskToHold(Database& db, Long id);
+  static std::optional<VoucherTree> Held(Statement& asked);
+  // Asks for lines and details; takes the answer. False when they are not those of the header's
+  // version.
+  static void AskForLines(Database& db, Long id);
+  bool TakeLines(Database& db);
   // All vouchers with ids from `first` to `last`, without what other tables tell about lines; in a
   // transaction that shows one state of the books.
   static std::vector<VoucherTree> ReadRange(Database& db, Long first, Long last);
 
-  // Writes a new voucher and gives it its id; or writes everything over what is there.
-  void Insert(Database& db);
+  // Writes the header of a new voucher, with the last number that its counter gave where it has
+  // none; takes its id, and gives its number, nothing when another voucher has that.
+  Statement& InsertHeader(Database& db) const;
+  std::optional<std::int64_t> TakeInserted(Statement& asked);
+  // Writes the lines of a new voucher; or writes everything over what is there.
+  void InsertLines(Database& db) const;
   void Update(Database& db) const;
 
   // The voucher as the trail tells it: all but its id and what follows from its lines. Without

@@ -37,22 +37,14 @@ Database& Table() {
 }
 
 std::int64_t Count(const Filter& filter) {
-  constexpr Storage kWhole[] = {Storage::kWhole};
-  std::vector<Storage> storages;
-  for (const BoundValue& value : filter.values) {
-    storages.push_back(std::holds_alternative<std::string>(value) ? Storage::kText
-                       : std::holds_alternative<double>(value)    ? Storage::kReal
-                                                                  : Storage::kWhole);
-  }
-  Statement statement = Table().MakeStatement(
-      "SELECT COUNT(*) FROM t" + (filter.sql.empty() ? "" : " WHERE " + filter.sql), storages,
-      kWhole);
+  const std::unique_ptr<Statement> statement = Table().MakeStatement(
+      "SELECT COUNT(*) FROM t" + (filter.sql.empty() ? "" : " WHERE " + filter.sql));
   for (std::size_t i = 0; i < filter.values.size(); ++i) {
-    std::visit([&](const auto& value) { statement.Set(i, value); }, filter.values[i]);
+    std::visit([&](const auto& value) { statement->Set(i, value); }, filter.values[i]);
   }
-  statement.Open();
-  Require(statement.Fetch(), "there is a count");
-  return statement.Whole(0);
+  statement->Open();
+  Require(statement->Fetch(), "there is a count");
+  return statement->Whole(0);
 }
 
 void LookAtFilter(std::string_view text) {

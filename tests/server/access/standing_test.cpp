@@ -190,8 +190,8 @@ TEST_P(StandingTest, ASaveAndItsReadingCostNoStatementMore) {
   const int of_save = std::exchange(statements, 0);
   Read(second);
   Database::SetStatementHook(nullptr);
-  EXPECT_EQ(of_save, 7) << "begin, facts, number, header, lines, audit trail, commit";
-  EXPECT_EQ(statements, 2) << "header, lines";
+  EXPECT_EQ(of_save, 8) << "begin, facts, number, header, lines, audit trail and its end, commit";
+  EXPECT_EQ(statements, 3) << "header, lines, details";
   EXPECT_FALSE(asked) << "PostgreSQL is sent no message for it";
 }
 

@@ -130,6 +130,21 @@ TEST_P(BatchTest, ABatchBelongsToItsSession) {
   EXPECT_EQ(GroupsForOthers(), "Hers\nMine\n");
 }
 
+TEST_P(BatchTest, AnUpgradeInItsThreadDoesNotWaitForIt) {
+  Begin();
+  AddGroup("Receipts");
+  // By another way to the same books, too: an upgrade is often another database user's.
+  const std::string text =
+      ConnectionText::Parse(connection).With(connection_key::kLockTimeout, "5").ToText();
+  for (const std::string& way : {connection, text}) {
+    EXPECT_EQ(SentenceOf([&] { Call("QDSVGLBooks.BooksUpdate", "Upgrade", way); }),
+              "A batch is under way in this thread, and this would wait for it; end it first.");
+  }
+  Commit();
+  EXPECT_EQ(RefusalOf([&] { Call("QDSVGLBooks.BooksUpdate", "Upgrade", connection); }), "none");
+  EXPECT_EQ(GroupsForOthers(), "Receipts\n");
+}
+
 TEST_P(BatchTest, ABatchIsOverWithItsSession) {
   Begin();
   AddGroup("Receipts");

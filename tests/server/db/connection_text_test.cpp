@@ -42,12 +42,27 @@ TEST(ConnectionTextTest, ValuesInBracesHoldAnything) {
 
 TEST(ConnectionTextTest, WhatIsNoConnectionTextIsRefused) {
   for (const std::string_view text :
-       {"", "  \t", ";=", "=x", "Provider=SQLite;Data Source", "Provider=SQLite",
-        "Provider=SQLite;Data Source=", "Provider=SQLite;Data Source=a;Data source=b",
-        "Provider=SQLite;Data Source=a;Pooling=1", "Provider=Oracle;Data Source=a", "Data Source=a",
-        "Provider=PostgreSQL;Host=h", "Provider=SQLite;Data Source={a",
-        "Provider=SQLite;Data Source={a}b", "Provider=SQLite;Data Source={a}}",
-        "Provider=SQLite;Data Source=a;Synchronous=Off", "Provider=SQLite;Data Source=a;x=y"}) {
+       {"",
+        "  \t",
+        ";=",
+        "=x",
+        "Provider=SQLite;Data Source",
+        "Provider=SQLite",
+        "Provider=SQLite;Data Source=",
+        "Provider=SQLite;Data Source=a;Data source=b",
+        "Provider=SQLite;Data Source=a;Pooling=1",
+        "Provider=Oracle;Data Source=a",
+        "Data Source=a",
+        "Provider=PostgreSQL;Host=h",
+        "Provider=SQLite;Data Source={a",
+        "Provider=SQLite;Data Source={a}b",
+        "Provider=SQLite;Data Source={a}}",
+        "Provider=SQLite;Data Source=a;Synchronous=Off",
+        "Provider=SQLite;Data Source=a;x=y",
+        "Provider=SQLite;Data Source=a;Lock timeout=0",
+        "Provider=SQLite;Data Source=a;Lock timeout=-1",
+        "Provider=SQLite;Data Source=a;Lock timeout=1000000",
+        "Provider=PostgreSQL;Initial catalog=a;Tcp_user_timeout=1 s"}) {
     EXPECT_EQ(Refused(text), "BadConnectionText") << text;
   }
   EXPECT_EQ(Refused(std::string_view("a=b\0", 4)), "BadConnectionText");
@@ -68,9 +83,24 @@ TEST(ConnectionTextTest, TextsThatMeanTheSameHaveOneCanonicalText) {
   }
   EXPECT_EQ(canonical("Provider=SQLite;Data Source=a.db;Synchronous=NORMAL"),
             "Provider=SQLite;Data Source=" + folder + "/a.db;Synchronous=Normal;");
+  EXPECT_EQ(canonical("Provider=SQLite;Data Source=a.db;Lock timeout=60"), same)
+      << "so long is waited anyway";
+  EXPECT_EQ(canonical("Provider=SQLite;Data Source=a.db;Lock timeout=5;Tcp_user_timeout=1"),
+            "Provider=SQLite;Data Source=" + folder + "/a.db;Lock timeout=5;");
   EXPECT_NE(canonical("b.db"), same);
   EXPECT_EQ(canonical("Provider=postgresql;Initial catalog=b;Session=1;Host=h;Data Source=x"),
             canonical("host=h;Initial Catalog=b;Provider=PostgreSQL;Data source=x"));
+}
+
+TEST(ConnectionTextTest, APlaceIsWhereTheBooksAreWhoeverReachesThemAndHowever) {
+  const auto place = [](std::string_view text) {
+    return ConnectionText::Parse(text).Place().ToText();
+  };
+  EXPECT_EQ(place("Provider=postgresql;Host=h;Initial catalog=b;Schema=s;User ID=u;Password=p;"
+                  "Sslmode=require;Lock timeout=5;Keepalives_idle=5;Session=1"),
+            "Provider=PostgreSQL;Host=h;Initial catalog=b;Schema=s;");
+  EXPECT_EQ(place("Provider=SQLite;Data Source=a.db;Synchronous=Normal;Lock timeout=5"),
+            place("a.db"));
 }
 
 TEST(ConnectionTextTest, KeysCanBePutInAndTakenOut) {

@@ -112,6 +112,18 @@ TEST_P(ProgramRoleTest, AnUpgradeByTheOwnerGivesItTheNewTables) {
   EXPECT_EQ(AnswerTo("DELETE FROM t_Audit"), "DatabaseFailed");
 }
 
+TEST_P(ProgramRoleTest, ItsRightsAreGrantedInOneMessage) {
+  server::MakeBooks(ConnectionText::Parse(fresh), [&](Database& db) {
+    Migrate(db, CurrentSchemaVersion());
+    int grants = 0;
+    Database::SetStatementHook(
+        [&](std::string_view sql) { grants += sql.starts_with("GRANT") ? 1 : 0; });
+    GrantToProgramRole(db, role);
+    Database::SetStatementHook(nullptr);
+    EXPECT_EQ(grants, 1);
+  });
+}
+
 TEST_P(ProgramRoleTest, ARoleThatCouldDoMoreIsNotTaken) {
   const auto refusal = [&](const std::string& name) {
     return RefusalOf([&] {

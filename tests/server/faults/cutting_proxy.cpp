@@ -105,16 +105,18 @@ CuttingProxy::~CuttingProxy() {
 void CuttingProxy::CutAt(int n, Cut cut) {
   has_cut_ = false;
   cut_ = cut;
-  left_ = n;
+  requests_ = 0;
+  cut_at_ = n;
 }
 
 bool CuttingProxy::Mend() {
-  left_ = 0;
+  cut_at_ = 0;
+  until_mend_ = requests_;
   return has_cut_.exchange(false);
 }
 
 bool CuttingProxy::IsCutNow() {
-  if (left_ == 0 || --left_ > 0) return false;
+  if (++requests_ != cut_at_) return false;
   has_cut_ = true;
   return true;
 }
@@ -146,6 +148,7 @@ void CuttingProxy::Serve(int client) {
         if (cut_ == Cut::kBefore) return false;
         answer_is_lost = true;
       }
+      if (is_request) std::this_thread::sleep_for(delay_.load());
       if (!Send(server, *message)) return false;
     }
     return true;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <string>
 #include <thread>
 #include <vector>
@@ -29,6 +30,10 @@ class CuttingProxy {
   void CutAt(int n, Cut cut);
   // Nothing more is cut. Whether something was.
   bool Mend();
+  // How many requests there were between the last CutAt and Mend.
+  int Requests() const { return until_mend_; }
+  // Every request and its answer take so much longer, as they would on a long way.
+  void Delay(std::chrono::milliseconds delay) { delay_ = delay; }
 
  private:
   void Accept();
@@ -38,10 +43,13 @@ class CuttingProxy {
   std::string host_, server_port_;
   int listener_;
   std::string port_;
-  std::atomic<int> left_{0};  // requests up to the cut; 0: it never comes
+  std::atomic<int> requests_{0};  // since CutAt
+  int until_mend_ = 0;            // of them
+  std::atomic<int> cut_at_{0};    // the request that is cut; 0: none
   std::atomic<Cut> cut_{Cut::kBefore};
   std::atomic<bool> has_cut_{false};
   std::atomic<bool> ends_{false};
+  std::atomic<std::chrono::milliseconds> delay_{};
   std::vector<std::thread> connections_;
   std::thread acceptor_;
 };

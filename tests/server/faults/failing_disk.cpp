@@ -3,7 +3,11 @@
 #include <sqlite3.h>
 #include <unistd.h>
 
+#include <deque>
+#include <random>
 #include <utility>
+
+#include "tests/server/faults/unsynced_writes.h"
 
 namespace qdclgl::server::testing {
 
@@ -14,9 +18,13 @@ using Fault = FailingDisk::Fault;
 // One disk for all files; the tests that use it have one thread.
 struct Disk {
   sqlite3_vfs* real = nullptr;
-  int left = 0;  // operations up to the failure; 0: it never comes
+  int operations = 0;  // since FailAt
+  int until_heal = 0;  // of them
+  int failing = 0;     // the operation that fails; 0: none
   Fault fault = Fault::kFullOnce;
   bool has_failed = false;
+  bool is_done = false;
+  std::deque<UnsyncedWrites> files;  // whose writes can be lost
 };
 
 Disk disk;
@@ -24,7 +32,10 @@ Disk disk;
 struct File {
   sqlite3_file base;
   sqlite3_file* real;
+  UnsyncedWrites* writes;  // null: they last
 };
+
+UnsyncedWrites* Writes(sqlite3_file* file) { return reinterpret_cast<File*>(file)->writes; }
 
 sqlite3_file* Real(sqlite3_file* file) { return reinterpret_cast<File*>(file)->real; }
 
@@ -34,14 +45,37 @@ bool IsForGood() {
 bool IsFull() { return disk.fault == Fault::kFullOnce || disk.fault == Fault::kFullForGood; }
 
 bool FailsNow() {
+  ++disk.operations;
   if (disk.has_failed) return IsForGood();
-  if (disk.left == 0 || --disk.left > 0) return false;
+  if (disk.operations != disk.failing) return false;
   disk.has_failed = true;
   return true;
 }
 
+bool IsPower() { return disk.fault > Fault::kStop; }
+
+void LosePower() {
+  const Survivors survivors = disk.fault == Fault::kPowerTakesAll ? Survivors::kNone
+                              : disk.fault == Fault::kPowerTakesHalf
+                                  ? Survivors::kAllAndHalfOfTheLast
+                                  : Survivors::kAny;
+  std::mt19937 random(static_cast<unsigned>(disk.failing));
+  for (UnsyncedWrites& file : disk.files) file.LosePower(survivors, random);
+}
+
 void StopIfWanted() {
-  if (disk.fault == Fault::kStop) _exit(FailingDisk::kStopStatus);
+  if (!FailingDisk::IsEnd(disk.fault)) return;
+  if (IsPower()) LosePower();
+  _exit(disk.is_done ? FailingDisk::kStopBehindStatus : FailingDisk::kStopStatus);
+}
+
+// The record of the writes to a file, from its first opening on.
+UnsyncedWrites* WatchedWrites(const char* name) {
+  if (!IsPower() || disk.failing == 0 || name == nullptr) return nullptr;
+  for (UnsyncedWrites& file : disk.files) {
+    if (file.IsOf(name)) return &file;
+  }
+  return &disk.files.emplace_back(name);
 }
 
 int Close(sqlite3_file* file) { return Real(file)->pMethods->xClose(Real(file)); }
@@ -52,19 +86,26 @@ int Write(sqlite3_file* file, const void* from, int size, sqlite3_int64 at) {
   const auto write = [&](int bytes) {
     return Real(file)->pMethods->xWrite(Real(file), from, bytes, at);
   };
+  if (UnsyncedWrites* writes = Writes(file)) {
+    writes->NoteWrite(at, from, static_cast<std::size_t>(size));
+  }
   if (!FailsNow()) return write(size);
   if (disk.fault != Fault::kBrokenOnce && disk.fault != Fault::kBrokenForGood) write(size / 2);
   StopIfWanted();
   return IsFull() ? SQLITE_FULL : SQLITE_IOERR_WRITE;
 }
 int Truncate(sqlite3_file* file, sqlite3_int64 size) {
+  if (UnsyncedWrites* writes = Writes(file)) writes->NoteTruncation(size);
   if (!FailsNow()) return Real(file)->pMethods->xTruncate(Real(file), size);
   StopIfWanted();
   return SQLITE_IOERR_TRUNCATE;
 }
-int Sync(sqlite3_file*, int) {
-  // Here the power does not fail, so what is written lasts.
-  if (!FailsNow()) return SQLITE_OK;
+int Sync(sqlite3_file* file, int) {
+  // The machine's own power does not fail, so what is written lasts.
+  if (!FailsNow()) {
+    if (UnsyncedWrites* writes = Writes(file)) writes->NoteSync();
+    return SQLITE_OK;
+  }
   StopIfWanted();
   return SQLITE_IOERR_FSYNC;
 }
@@ -124,6 +165,7 @@ int Open(sqlite3_vfs*, const char* name, sqlite3_file* file, int flags, int* fla
   }
   const int result = disk.real->xOpen(disk.real, name, opened->real, flags, flags_out);
   if (opened->real->pMethods != nullptr) opened->base.pMethods = &kMethods;
+  opened->writes = result == SQLITE_OK ? WatchedWrites(name) : nullptr;
   return result;
 }
 
@@ -143,14 +185,21 @@ FailingDisk::FailingDisk() {
 FailingDisk::~FailingDisk() { sqlite3_vfs_unregister(&failing_vfs); }
 
 void FailingDisk::FailAt(int n, Fault fault) {
-  disk.left = n;
+  disk.operations = 0;
+  disk.failing = n;
   disk.fault = fault;
   disk.has_failed = false;
+  disk.is_done = false;
 }
 
+void FailingDisk::NoteDone() { disk.is_done = true; }
+
 bool FailingDisk::Heal() {
-  disk.left = 0;
+  disk.failing = 0;
+  disk.until_heal = disk.operations;
   return std::exchange(disk.has_failed, false);
 }
+
+int FailingDisk::Operations() const { return disk.until_heal; }
 
 }  // namespace qdclgl::server::testing

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <map>
 
 #include "qdclgl/server/db/connections.h"
@@ -19,7 +20,30 @@ namespace {
 constexpr const char* kDone = "none";
 constexpr const char* kUnknown = "OutcomeUnknown";
 constexpr const char* kStopped = "stopped";
+constexpr const char* kStoppedBehind = "done and stopped";
 constexpr int kMostPlaces = 2000;
+
+// Which of about so many places are met. In the middle of long operations, where one place is much
+// like the next, it is every k-th, another one with each kind of fault. QDCLGL_EVERY_PLACE has all
+// of them met.
+class Places {
+ public:
+  Places(int about, int kind) : about_(about), kind_(kind) {
+    const bool every = std::getenv("QDCLGL_EVERY_PLACE") != nullptr;
+    if (!every) step_ = std::max(1, (about - 2 * kEnd + kMiddle - 1) / kMiddle);
+  }
+  bool IsMet(int place) const {
+    const bool is_at_an_end = place <= kEnd || place > about_ - kEnd;
+    return is_at_an_end || place % step_ == kind_ % step_;
+  }
+  // Whether the last places were all met although there were not as many as was thought.
+  bool IsEndMet(int places) const { return step_ == 1 || places > about_ - kEnd / 2; }
+
+ private:
+  static constexpr int kEnd = 8, kMiddle = 8;
+  int about_, kind_;
+  int step_ = 1;
+};
 
 class Sweep {
  public:
@@ -40,7 +64,7 @@ class Sweep {
     operation_.restore();
     arm();
     const std::string outcome = act();
-    if (!heal() && outcome != kStopped) {
+    if (!heal() && outcome != kStopped && outcome != kStoppedBehind) {
       EXPECT_EQ(outcome, kDone);
       EXPECT_EQ(operation_.state(), after_);
       return false;
@@ -51,9 +75,29 @@ class Sweep {
     return !::testing::Test::HasFailure();
   }
 
+  // The places of one kind of fault, from the first one on until the operation is through before
+  // the next. `meets` has it at place n; `count` tells, of a run without a fault, how many there
+  // were.
+  void Walk(int kind, const std::string& name, const std::function<bool(int n)>& meets,
+            const std::function<int()>& count) {
+    constexpr int kNever = 0;
+    SCOPED_TRACE(operation_.name + ", " + name);
+    EXPECT_FALSE(meets(kNever));
+    const Places places(count(), kind);
+    int n = 1;
+    for (bool is_met = true; is_met; ++n) {
+      SCOPED_TRACE("place " + std::to_string(n));
+      ASSERT_LT(n, kMostPlaces);
+      if (places.IsMet(n)) is_met = meets(n);
+    }
+    all_places_ += n - 2;
+    EXPECT_TRUE(places.IsEndMet(n - 2));
+  }
+
   // How many faults there were; what came of them goes to the output.
   int Report(const char* what) const {
-    std::printf("%s: %d faults of the %s:", operation_.name.c_str(), places_, what);
+    std::printf("%s: %d faults of the %s at %d places:", operation_.name.c_str(), places_, what,
+                all_places_);
     for (const auto& [outcome, count] : outcomes_) std::printf(" %d %s", count, outcome.c_str());
     std::printf("\n");
     operation_.restore();
@@ -67,7 +111,7 @@ class Sweep {
   void Judge(const std::string& outcome) {
     ++outcomes_[outcome];
     const std::string now = operation_.state();
-    if (outcome == kDone) {
+    if (outcome == kDone || outcome == kStoppedBehind) {
       EXPECT_EQ(now, after_) << "reported as done";
       return;
     }
@@ -85,17 +129,19 @@ class Sweep {
 
   const SweptOperation& operation_;
   std::string before_, after_, sound_;
-  int places_ = 0;
+  int places_ = 0;      // that were met
+  int all_places_ = 0;  // that there are
   std::map<std::string, int> outcomes_;
 };
 
 // Has the operation in a process of its own, which may end in its middle.
-std::string ActInChild(const SweptOperation& operation) {
+std::string ActInChild(const SweptOperation& operation, FailingDisk& disk) {
   std::fflush(nullptr);
   const pid_t child = fork();
   if (child == 0) {
     constexpr int kOther = 1;
     const std::string outcome = operation.act();
+    if (outcome == kDone) disk.NoteDone();
     Connections::OfThisThread().CloseAll();
     _exit(outcome == kDone ? 0 : kOther);
   }
@@ -103,6 +149,7 @@ std::string ActInChild(const SweptOperation& operation) {
   waitpid(child, &status, 0);
   const int code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
   if (code == 0) return kDone;
+  if (code == FailingDisk::kStopBehindStatus) return kStoppedBehind;
   return code == FailingDisk::kStopStatus ? kStopped : "status " + std::to_string(code);
 }
 
@@ -113,23 +160,18 @@ int SweepDisk(const SweptOperation& operation) {
   FailingDisk disk;
   Sweep sweep(operation);
   for (const FailingDisk::Fault fault : FailingDisk::kFaults) {
-    const bool stops = fault == FailingDisk::Fault::kStop;
-    for (int n = 1;; ++n) {
-      SCOPED_TRACE(operation.name + ", fault " + std::to_string(static_cast<int>(fault)) +
-                   " at place " + std::to_string(n));
-      EXPECT_LT(n, kMostPlaces);
-      if (!sweep.Meets([&] { disk.FailAt(n, fault); },
-                       [&] {
-                         const std::string outcome =
-                             stops ? ActInChild(operation) : operation.act();
-                         // The program ends while the disk still fails.
-                         Connections::OfThisThread().CloseAll();
-                         return outcome;
-                       },
-                       [&] { return disk.Heal(); })) {
-        break;
-      }
-    }
+    const int kind = static_cast<int>(fault);
+    const auto meets = [&](int n) {
+      const auto act = [&] {
+        const std::string outcome =
+            n > 0 && FailingDisk::IsEnd(fault) ? ActInChild(operation, disk) : operation.act();
+        // The program ends while the disk still fails.
+        Connections::OfThisThread().CloseAll();
+        return outcome;
+      };
+      return sweep.Meets([&] { disk.FailAt(n, fault); }, act, [&] { return disk.Heal(); });
+    };
+    sweep.Walk(kind, "fault " + std::to_string(kind), meets, [&] { return disk.Operations(); });
   }
   return sweep.Report("disk");
 }
@@ -137,20 +179,17 @@ int SweepDisk(const SweptOperation& operation) {
 int SweepConnection(CuttingProxy& proxy, const SweptOperation& operation) {
   Sweep sweep(operation);
   for (const CuttingProxy::Cut cut : CuttingProxy::kCuts) {
-    for (int n = 1;; ++n) {
-      SCOPED_TRACE(operation.name + ", cut " +
-                   (cut == CuttingProxy::Cut::kBefore ? "before" : "behind") + " request " +
-                   std::to_string(n));
-      EXPECT_LT(n, kMostPlaces);
+    const bool before = cut == CuttingProxy::Cut::kBefore;
+    const auto meets = [&](int n) {
       const auto arm = [&] {
         // One of the cuts meets the beginning of a connection too, and statements that are new.
-        if (cut == CuttingProxy::Cut::kBefore) Connections::OfThisThread().CloseAll();
+        if (before) Connections::OfThisThread().CloseAll();
         proxy.CutAt(n, cut);
       };
-      if (!sweep.Meets(arm, operation.act, [&] { return proxy.Mend(); })) {
-        break;
-      }
-    }
+      return sweep.Meets(arm, operation.act, [&] { return proxy.Mend(); });
+    };
+    sweep.Walk(static_cast<int>(cut), before ? "cut before a request" : "cut behind a request",
+               meets, [&] { return proxy.Requests(); });
   }
   return sweep.Report("connection");
 }

@@ -3,7 +3,7 @@
 //
 // Whatever happens: what is reported as done is there, wholly; what is refused is not there at all,
 // not even when the books are opened again, and can be done again; what is reported as unknown, and
-// what a process was at when it ended, is there wholly or not at all.
+// what a process was at when it ended, or the power failed, is there wholly or not at all.
 #pragma once
 
 #include <functional>

@@ -55,5 +55,23 @@ TEST(Coefficient, ComesBackFromAFactorThatLeavesNoRest) {
   }
 }
 
+TEST(ConversionTest, AQuantityBecomesAnotherUnitsExactlyAndIsRoundedOnce) {
+  EXPECT_EQ(Converted(2.5, 1e6, 1000), 2500);
+  EXPECT_EQ(Converted(-500, 1, 1000), -0.5);
+  EXPECT_EQ(Converted(0, 1e6, 1000), 0);
+  EXPECT_EQ(Converted(7, 1, 12), 0.583333333333333);
+  EXPECT_EQ(Converted(8, 1, 12), 0.666666666666667);
+  EXPECT_EQ(Converted(12e11, 1, 12), 1e11);
+  // Rounded in between, 3 thirds would not be 1.
+  EXPECT_EQ(Converted(3, 1.23456789012345, 3.70370367037035), 1);
+  EXPECT_EQ(Converted(999999999999999, 999999999999999, 999999999999998), 1e15);
+  // Halves to even: 1.5 and 2.5 in the 15th digit.
+  EXPECT_EQ(Converted(100000000000003, 1, 2), 50000000000001.5);
+  EXPECT_EQ(Converted(1.00000000000001, 1.5, 1), 1.50000000000002) << "...015 exactly";
+  EXPECT_EQ(Converted(1.00000000000003, 1.5, 1), 1.50000000000004) << "...045 exactly";
+  EXPECT_EQ(Converted(1e12, 1e15, 1e-15), 1e42);
+  EXPECT_EQ(Converted(1e-6, 1e-15, 1e15), 1e-36);
+}
+
 }  // namespace
 }  // namespace qdclgl::server

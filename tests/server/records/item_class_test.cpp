@@ -132,6 +132,31 @@ TEST_P(ItemClassTest, AllBooksHaveFiveClassesAndThoseOfAUsersOwnBeginBehindThem)
   EXPECT_EQ(Breaches(), "");
 }
 
+TEST_P(ItemClassTest, ThereAreClassesOfAUsersOwnUpToTheId1999) {
+  const auto make = [&](const char* number) {
+    return Create(Row({{"FNumber", number}, {"FName", number}}));
+  };
+  make("a");
+  // The last but one has been there.
+  if (Books().IsSQLite()) {
+    Break("UPDATE sqlite_sequence SET seq = 1998 WHERE name = 't_ItemClass'");
+  } else {
+    Books().QueryValue<Long>(
+        "SELECT setval(pg_get_serial_sequence('t_ItemClass', 'fitemclassid'), 1998)");
+  }
+  EXPECT_EQ(make("b"), 1999);
+  const auto last = Make<ItemClassSet>()->Item(Long{1999});
+  EXPECT_TRUE(last->IsCustom());
+  const std::string before = State();
+  EXPECT_EQ(SentenceOf([&] { make("c"); }),
+            "Item class C (c): the ids of classes of one's own, up to 1999, are used up.");
+  EXPECT_EQ(RefusalOf([&] { make("c"); }), "TooLarge");
+  EXPECT_EQ(State(), before);
+  last->Name("still");
+  last->SaveChanges();
+  EXPECT_EQ(Breaches(), "");
+}
+
 TEST_P(ItemClassTest, AClassThatAllBooksHaveMayChangeAndStays) {
   Change(1, "FName", "Units");
   EXPECT_EQ(Detail(1)->Value("FName").As<String>(), "Units");

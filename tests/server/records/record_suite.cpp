@@ -127,7 +127,8 @@ Variant RecordSuite::ValueOf(const Column& column, Values values, int number) co
       value = ZeroOf(column.sample);
     }
   }
-  if (number != 0 && Find(kind.unique, column.name) != nullptr) {
+  const std::string_view* followed = Find(kind.follows, column.name);
+  if (number != 0 && Find(kind.unique, followed != nullptr ? *followed : column.name) != nullptr) {
     value = value.As<String>() + std::to_string(number);
   }
   return value;

@@ -59,6 +59,7 @@ struct RecordKind {
   std::vector<std::string_view> coded = {};               // texts that follow rules of their own
   std::vector<std::string_view> kept_by_server = {};      // what callers send is passed over
   std::vector<std::string_view> joined = {};              // likewise; of another table
+  ByColumn<std::string_view> follows = {};                // likewise; as another column
   std::vector<std::string_view> ids_of_record = {};       // likewise; hold the record's own id
   std::vector<std::string_view> never_shown = {};         // only the table has them
   std::vector<std::string_view> lists = {};               // further keys of a single record

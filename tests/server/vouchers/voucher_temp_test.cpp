@@ -283,6 +283,26 @@ TEST_P(VoucherTempServer, WhatATemplateRefersToIsNotRemoved) {
   EXPECT_EQ(Breaches(), "");
 }
 
+TEST_P(VoucherTempServer, ASettlementTypeThatALineNamesIsThereAndStays) {
+  const auto named = [&](Long type) {
+    return Temp("Paid by " + std::to_string(type), {Line("1000", 5, 0, {{"FSettleTypeID", type}})});
+  };
+  const std::string before = State();
+  EXPECT_EQ(RefusalOf([&] { Create(named(1)); }), "BadReference");
+  EXPECT_EQ(State(), before);
+  const Long type =
+      Call("QDSVGLSettType.SettTypeUpdate", "Create", props, Row({{"FNumber", "CHQ"}})).As<Long>();
+  const Long temp = Create(named(type));
+  EXPECT_EQ(SentenceOf([&] { Call("QDSVGLSettType.SettTypeUpdate", "Delete", props, type); }),
+            "Settlement type CHQ (): voucher template 1 (Paid by 1) refers to it.");
+  Break("UPDATE t_VoucherTempEntry SET FSettleTypeID = 9");
+  EXPECT_TRUE(Breaches().starts_with("Reference VoucherTemp 1 1 (Paid by 1)\n")) << Breaches();
+  Break("UPDATE t_VoucherTempEntry SET FSettleTypeID = 1");
+  Delete(temp);
+  Call("QDSVGLSettType.SettTypeUpdate", "Delete", props, type);
+  EXPECT_EQ(Breaches(), "");
+}
+
 TEST_P(VoucherTempServer, TheCheckFindsLinesOfNoAccountAndTemplatesOfNoGroup) {
   const Long id = Create(Rent());
   const std::string record = " VoucherTemp " + std::to_string(id) + " 1 (Rent)\n";

@@ -37,17 +37,18 @@ CREATE TABLE t_ItemClassField (
   FSrcField TEXT NOT NULL,
   FSrcTable TEXT NOT NULL,
   FViewMask INTEGER NOT NULL,
+  FSlot TEXT NOT NULL,
   PRIMARY KEY (FItemClassID, FPropID)
 ) CLUSTERED;
 
 INSERT INTO t_ItemClassField VALUES (0, 1, '代码', 200, 40, 0, 202, 40, 'FNumber', '', '', '', '',
-  '', 1, 1, 1, '1.基本资料', '', 0, '', '', 0);
+  '', 1, 1, 1, '1.基本资料', '', 0, '', '', 0, '');
 INSERT INTO t_ItemClassField VALUES (0, 2, '名称', 200, 255, 0, 202, 255, 'FName', '', '', '', '',
-  '', 1, 1, 1, '1.基本资料', '', 0, '', '', 0);
+  '', 1, 1, 1, '1.基本资料', '', 0, '', '', 0, '');
 INSERT INTO t_ItemClassField VALUES (0, 3, '上级', 3, 0, 0, 3, 4, 'FParentID', '', '', '', '', '',
-  1, 1, 0, '1.基本资料', '', 0, '', '', 0);
+  1, 1, 0, '1.基本资料', '', 0, '', '', 0, '');
 INSERT INTO t_ItemClassField VALUES (0, 4, '备注', 200, 255, 0, 202, 255, 'FRemark', '', '', '', '',
-  '', 1, 1, 0, '1.基本资料', '', 0, '', '', 0);
+  '', 1, 1, 0, '1.基本资料', '', 0, '', '', 0, '');
 
 -- The classes that all books have. Those of a user's own begin with the id 1000.
 INSERT INTO t_ItemClass VALUES (1, 1, 'DEP', '部门', '部門', 'Department', 0, 0, '', 100);
@@ -58,7 +59,8 @@ INSERT INTO t_ItemClass VALUES (5, 1, 'GOODS', '商品', '商品', 'Goods', 0, 0
 INSERT INTO t_ItemClassField SELECT c.FItemClassID, f.FPropID, f.FName, f.FDataType, f.FPrecision,
   f.FScale, f.FActualType, f.FActualSize, f.FSQLColumnName, f.FBehavior, f.FComCall,
   f.FDefaultValue, f.FDisplayField, f.FFilterField, f.FIsDisplay, f.FIsInput, f.FIsShownList,
-  f.FPageName, f.FSaveRule, f.FSearch, f.FSrcField, f.FSrcTable, f.FViewMask
+  f.FPageName, f.FSaveRule, f.FSearch, f.FSrcField, f.FSrcTable, f.FViewMask,
+  f.FSlot
   FROM t_ItemClass c CROSS JOIN t_ItemClassField f WHERE f.FItemClassID = 0;
 INSERT INTO t_ItemClass VALUES (999, 1, '', '', '', '', 0, 0, '', 100);
 DELETE FROM t_ItemClass WHERE FItemClassID = 999;

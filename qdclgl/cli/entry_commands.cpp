@@ -1,0 +1,158 @@
+// Vouchers that are entered at the command line: new ones, copies, reversals.
+#include "qdclgl/cli/cell_values.h"
+#include "qdclgl/cli/line_words.h"
+#include "qdclgl/cli/program.h"
+#include "qdclgl/cli/voucher_draft.h"
+#include "qdclgl/server/db/refusals.h"
+
+namespace qdclgl::cli {
+
+namespace {
+
+struct EntryOptions {
+  Login login;
+  std::vector<Long> ids;
+  std::vector<LineWords> lines;
+  DateTime date;
+  std::string group;
+  std::string reference;
+  bool red = false;
+};
+
+// A new voucher with what the options say of it.
+Ref<Voucher> Draft(const EntryOptions& options, const std::string& props) {
+  auto voucher = Make<VoucherSet>()->CreateNew();
+  voucher->VoucherDate(options.date.days != 0 ? options.date : DayInCurrentPeriod(props));
+  if (!options.group.empty()) voucher->Group(options.group);
+  voucher->Reference(options.reference);
+  return voucher;
+}
+
+int New(const EntryOptions& options, const Console& console) {
+  if (options.lines.empty()) throw UsageError("new needs a --line for each line of the voucher");
+  const std::string props = options.login.Open();
+  const Ref<Voucher> voucher = Draft(options, props);
+  if (options.group.empty()) voucher->Group(kUsualGroup);
+  for (const LineWords& words : options.lines) {
+    voucher->Entries()->Add();
+    PutWords(*voucher->Entries()->Item(voucher->Entries()->Count()), words);
+  }
+  Balance(*voucher);
+  voucher->Explanation(options.lines.front().explanation);
+  SaveDraft(*voucher, console);
+  return kDone;
+}
+
+Ref<Voucher> Original(const EntryOptions& options, const char* command) {
+  if (options.ids.size() != 1) throw UsageError(std::string(command) + " takes one ID");
+  const Long id = options.ids.front();
+  const Ref<Voucher> voucher = Make<VoucherSet>()->Item(id);
+  if (voucher->VoucherID() == 0) {
+    throw Error(server::refusal::kNotFound, "qdclgl",
+                "There is no voucher with the id " + std::to_string(id) + ".");
+  }
+  return voucher;
+}
+
+// A new voucher with the lines of one that there is.
+Ref<Voucher> CopyOf(Voucher& original, const EntryOptions& options, const std::string& props) {
+  const Ref<Voucher> copy = Draft(options, props);
+  if (options.group.empty()) copy->GroupID(original.GroupID());
+  copy->Attachments(original.Attachments());
+  copy->Explanation(original.Explanation());
+  CopyLines(original.Entries(), copy->Entries());
+  return copy;
+}
+
+int Copy(const EntryOptions& options, const Console& console) {
+  const std::string props = options.login.Open();
+  const Ref<Voucher> original = Original(options, "copy");
+  SaveDraft(*CopyOf(*original, options, props), console);
+  return kDone;
+}
+
+void Reverse(VoucherEntry& line, bool red) {
+  if (red) {
+    line.Amount(-line.Amount());
+    line.AmountFor(-line.AmountFor());
+    line.Quantity(-line.Quantity());
+  } else {
+    line.DC(line.DC() == 1 ? 0 : 1);
+  }
+}
+
+int ReverseVoucher(const EntryOptions& options, const Console& console) {
+  const std::string props = options.login.Open();
+  const Ref<Voucher> original = Original(options, "reverse");
+  const Ref<Voucher> reversal = CopyOf(*original, options, props);
+  if (options.reference.empty()) {
+    reversal->Reference("Reversal of " + std::to_string(original->Year()) + "/" +
+                        std::to_string(original->Period()) + " " + original->Group() + " " +
+                        std::to_string(original->Number()));
+  }
+  for (auto& line : reversal->Entries()) Reverse(line, options.red);
+  SaveDraft(*reversal, console);
+  return kDone;
+}
+
+void AddHeadOptions(CLI::App& command, EntryOptions& options, const std::string& usual_group) {
+  command
+      .add_option_function<std::string>(
+          "--date",
+          [&options](const std::string& text) {
+            try {
+              options.date = ReadDate(text);
+            } catch (const BadCell& bad) {
+              throw CLI::ValidationError("--date", bad.what());
+            }
+          },
+          "Its date; otherwise today, or the current period's nearest day")
+      ->type_name("DATE");
+  command.add_option("--group", options.group, "Its voucher group; otherwise " + usual_group)
+      ->type_name("NAME");
+  command.add_option("--reference", options.reference, "Its reference")->type_name("TEXT");
+}
+
+void AddNew(Program& program) {
+  const auto options = std::make_shared<EntryOptions>();
+  CLI::App* command =
+      program.AddForBooks("new", "Makes a voucher of the lines that are given", options->login,
+                          [options, &program] { return New(*options, program.console()); });
+  command
+      ->add_option_function<std::vector<std::string>>(
+          "--line",
+          [options](const std::vector<std::string>& texts) {
+            for (const std::string& text : texts) options->lines.push_back(ReadLineWords(text));
+          },
+          "A line, such as \"1000.02 debit 119 Tea\"; one may be without its amount")
+      ->type_name("\"ACCOUNT debit|credit [AMOUNT] [TEXT]\"")
+      ->allow_extra_args(false);
+  AddHeadOptions(*command, *options, kUsualGroup);
+}
+
+void AddCopy(Program& program) {
+  const auto options = std::make_shared<EntryOptions>();
+  CLI::App* command = program.AddForVouchers(
+      "copy", "Makes a voucher with the lines of another one", options->login, options->ids,
+      [options, &program] { return Copy(*options, program.console()); });
+  AddHeadOptions(*command, *options, "the other one's");
+}
+
+void AddReverse(Program& program) {
+  const auto options = std::make_shared<EntryOptions>();
+  CLI::App* command = program.AddForVouchers(
+      "reverse", "Makes a voucher that takes another one back", options->login, options->ids,
+      [options, &program] { return ReverseVoucher(*options, program.console()); });
+  AddHeadOptions(*command, *options, "the other one's");
+  command->add_flag("--red", options->red, "Negative amounts in place of the other side");
+}
+
+}  // namespace
+
+void AddEntryCommands(Program& program) {
+  AddNew(program);
+  AddCopy(program);
+  AddReverse(program);
+}
+
+}  // namespace qdclgl::cli
