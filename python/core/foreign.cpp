@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <vector>
 
+#include "python/core/crossing.h"
 #include "python/core/errors.h"
 #include "python/core/gil.h"
 #include "python/core/known.h"
-#include "python/core/values.h"
 #include "qdclgl/frame/objects/nesting.h"
 #include "qdclgl/frame/vocabulary/text.h"
 

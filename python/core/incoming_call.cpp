@@ -2,10 +2,10 @@
 
 #include <cstring>
 
+#include "python/core/crossing.h"
 #include "python/core/errors.h"
 #include "python/core/known.h"
 #include "python/core/member_text.h"
-#include "python/core/values.h"
 #include "qdclgl/frame/vocabulary/text.h"
 
 namespace qdclgl::python {
@@ -85,8 +85,7 @@ std::size_t Given::named() const {
   return names == nullptr ? 0 : static_cast<std::size_t>(PyTuple_Size(names));
 }
 
-PyRef CallMember(Object& self, const TypeOfClass& type, const ClassMember& member,
-                 const Given& given) {
+PyRef CallMember(Object& self, const ClassMember& member, const Given& given) {
   Arguments arguments(member);
   // The value of a put is the last argument, or the one of that name.
   PyObject* put = nullptr;
@@ -116,7 +115,7 @@ PyRef CallMember(Object& self, const TypeOfClass& type, const ClassMember& membe
     result = self.Invoke(member.row.name, kind, arguments.get());
   } catch (const Error& error) {
     if (!IsOfArguments(error) || !error.description().empty()) throw;
-    throw Error(error.number(), std::string(type.table->name()),
+    throw Error(error.number(), std::string(self.ClassName()),
                 "The member is called as " + SignatureOf(member) + ".");
   }
   arguments.WriteBack();

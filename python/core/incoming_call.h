@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "python/core/interpreter.h"
-#include "python/core/types.h"
+#include "qdclgl/frame/objects/class_table.h"
 
 namespace qdclgl::python {
 
@@ -22,8 +22,7 @@ struct Given {
 
 // What calling a member of `self` gives. A needed argument that is left out, too many of them and
 // unknown names are told in words.
-PyRef CallMember(Object& self, const TypeOfClass& type, const ClassMember& member,
-                 const Given& given);
+PyRef CallMember(Object& self, const ClassMember& member, const Given& given);
 
 PyRef GetMember(Object& self, const ClassMember& member, std::span<PyObject* const> keys = {});
 void PutMember(Object& self, const ClassMember& member, std::span<PyObject* const> keys,

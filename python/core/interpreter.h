@@ -7,6 +7,7 @@
 #define Py_LIMITED_API 0x030B0000
 #endif
 #include <Python.h>
+#include <structmember.h>
 
 #include <string>
 #include <string_view>

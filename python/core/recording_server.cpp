@@ -1,9 +1,9 @@
 #include "python/core/recording_server.h"
 
+#include "python/core/crossing.h"
 #include "python/core/errors.h"
 #include "python/core/gil.h"
 #include "python/core/known.h"
-#include "python/core/values.h"
 #include "tests/support/recording_server.h"
 
 namespace qdclgl::python {

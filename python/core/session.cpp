@@ -1,11 +1,10 @@
 #include "python/core/session.h"
 
+#include "python/core/crossing.h"
 #include "python/core/errors.h"
 #include "python/core/foreign.h"
 #include "python/core/gil.h"
 #include "python/core/released.h"
-#include "python/core/values.h"
-#include "python/core/wrapper.h"
 #include "qdclgl/frame/containers/recordset.h"
 #include "qdclgl/frame/session/server_gateway.h"
 #include "qdclgl/frame/session/session.h"

@@ -3,14 +3,13 @@
 #include <deque>
 #include <unordered_map>
 
+#include "python/core/crossing.h"
 #include "python/core/errors.h"
 #include "python/core/incoming_call.h"
 #include "python/core/known.h"
 #include "python/core/member_text.h"
 #include "python/core/named_classes.h"
 #include "python/core/released.h"
-#include "python/core/values.h"
-#include "python/core/wrapper.h"
 #include "qdclgl/frame/objects/enumeration.h"
 #include "qdclgl/frame/session/transaction_context.h"
 #include "qdclgl/server/db/refusals.h"
@@ -36,9 +35,8 @@ using Function = PyObject* (*)(PyObject*, PyObject* const*, Py_ssize_t, PyObject
 template <std::size_t Place>
 PyObject* MethodAt(PyObject* self, PyObject* const* values, Py_ssize_t count, PyObject* names) {
   return Guarded([&] {
-    const TypeOfClass& type = *Of(self).type;
-    return CallMember(*Of(self).object, type, type.table->members()[Place],
-                      {values, static_cast<std::size_t>(count), names});
+    const ClassMember& member = Of(self).type->table->members()[Place];
+    return CallMember(*Of(self).object, member, {values, static_cast<std::size_t>(count), names});
   });
 }
 
@@ -162,8 +160,7 @@ Py_ssize_t Length(PyObject* self) {
 }
 
 PyObject* Elements(PyObject* self) {
-  return Guarded(
-      [&] { return CallMember(*Of(self).object, *Of(self).type, *Of(self).type->elements, {}); });
+  return Guarded([&] { return CallMember(*Of(self).object, *Of(self).type->elements, {}); });
 }
 
 PyObject* SameIterator(PyObject* self) { return Py_NewRef(self); }

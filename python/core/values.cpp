@@ -1,9 +1,7 @@
-#include "python/core/values.h"
-
+#include "python/core/crossing.h"
 #include "python/core/errors.h"
 #include "python/core/foreign.h"
 #include "python/core/known.h"
-#include "python/core/wrapper.h"
 #include "qdclgl/frame/objects/conversions.h"
 
 namespace qdclgl::python {

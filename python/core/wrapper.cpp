@@ -1,10 +1,7 @@
-#include "python/core/wrapper.h"
-
-#include <structmember.h>
-
 #include <cstddef>
 #include <unordered_map>
 
+#include "python/core/crossing.h"
 #include "python/core/errors.h"
 #include "python/core/foreign.h"
 #include "python/core/types.h"

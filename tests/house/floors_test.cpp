@@ -170,7 +170,7 @@ TEST(Floors, TestsStandWhereTheirSourcesDo) {
     const std::string name = fs::path(test).stem().string();
     const std::string subject = name.substr(0, name.size() - std::string("_test").size());
     std::set<std::string> homes;  // the folders of the sources of that name
-    for (const std::string& source : Sources()) {
+    for (const std::string& source : SourcesBelow("qdclgl")) {
       if (fs::path(source).stem() == subject) homes.insert(FolderOf(source));
     }
     EXPECT_TRUE(homes.empty() || homes.contains("qdclgl/" + folder))

@@ -1,4 +1,4 @@
-// Values both ways.
+// What crosses between the library and Python: objects, which have a wrapper there, and values.
 //
 //   Boolean                 bool
 //   Byte, Integer, Long     int
@@ -14,10 +14,35 @@
 //   an object               its wrapper; an object of Python's own is itself
 #pragma once
 
+#include <memory>
+
 #include "python/core/interpreter.h"
+#include "python/core/threads.h"
 #include "qdclgl/frame/objects/variant.h"
 
 namespace qdclgl::python {
+
+struct TypeOfClass;
+
+// An object of Python that stands before one of ours, which has no other for as long as that is
+// held.
+struct Wrapper {
+  PyObject_HEAD Object* object;
+  const TypeOfClass* type;
+  PyObject* weak_references;
+  std::shared_ptr<Owner> owner;
+};
+
+// The wrapper of an object, with a reference for the caller; an object of Python's own is itself.
+PyRef Wrap(Object* object);
+
+// The object behind a wrapper, null for what is none.
+Object* Unwrap(PyObject* object);
+
+// The class `Object`, which all wrappers are of, made once.
+PyTypeObject* BaseType();
+
+// ---- Values ----
 
 PyRef ToPython(const Variant& value);
 
