@@ -26,10 +26,10 @@ using Words = std::vector<std::string>;
 // accounts 6000 and 6001 with the ids 1 and 2.
 struct Sample {
   std::string_view kind;
-  std::string key;
-  Words columns;
-  std::string other_key;
-  std::string change;
+  std::string key = {};
+  Words columns = {};
+  std::string other_key = {};
+  std::string change = {};
   std::vector<Words> before = {};  // commands for what it refers to
   bool keys_repeat = false;
 };

@@ -24,7 +24,7 @@ struct Disk {
   Fault fault = Fault::kFullOnce;
   bool has_failed = false;
   bool is_done = false;
-  std::deque<UnsyncedWrites> files;  // whose writes can be lost
+  std::deque<UnsyncedWrites> files = {};  // whose writes can be lost
 };
 
 Disk disk;
@@ -174,7 +174,8 @@ sqlite3_vfs failing_vfs;
 }  // namespace
 
 FailingDisk::FailingDisk() {
-  disk = {.real = sqlite3_vfs_find(nullptr)};
+  disk = {};
+  disk.real = sqlite3_vfs_find(nullptr);
   failing_vfs = *disk.real;
   failing_vfs.zName = "failing";
   failing_vfs.szOsFile += static_cast<int>(sizeof(File));

@@ -56,7 +56,7 @@ void UnsyncedWrites::LosePower(Survivors survivors, std::mt19937& random) {
     std::ranges::fill(halves, 2u);
     halves.back() = 1;
   } else if (survivors == Survivors::kAny) {
-    for (unsigned& half : halves) half = random() % 3;
+    for (unsigned& half : halves) half = static_cast<unsigned>(random() % 3);
   }
   std::string content = *synced_;
   for (std::size_t i = 0; i < changes_.size(); ++i) {
