@@ -30,7 +30,7 @@ ExitCode ExitCodeOf(const Error& error) {
     case kNoBooks:
     case kWrongSchema:
     case kConnectionLost: return kNoEntry;
-    case kDamaged: return ExitCode::kDamaged;
+    case server::refusal::kDamaged: return ExitCode::kDamaged;
     default: return kRefused;
   }
 }

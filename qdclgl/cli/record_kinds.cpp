@@ -149,7 +149,9 @@ Variant ReadRows(const server::RecordList& list, const std::string& text) {
   const auto json = nlohmann::json::parse(text, nullptr, false);
   if (!json.is_array())
     throw UsageError(key + ": " + Quoted(text) + " is not a JSON array of rows");
-  const std::vector<Column>& columns = list.shown.empty() ? list.table.columns : list.shown;
+  const std::vector<Column>& columns = !list.sent.empty()    ? list.sent
+                                       : !list.shown.empty() ? list.shown
+                                                             : list.table.columns;
   std::vector<std::string_view> names;
   for (const Column& column : columns) names.push_back(column.name);
   for (const auto& element : json) {

@@ -230,7 +230,8 @@ TEST_F(WrongCommands, FilesSayWhereAndWhatToDo) {
        3,
        "heading.csv:1:9: there is no column \"dat\"; did you mean date? There are voucher, date, "
        "account, debit, credit, group, number, explanation, currency, amount_for, rate, quantity, "
-       "unit, unit_price, reference, department\nheading.csv:1:1: the column \"date\" is "
+       "unit, unit_price, reference, CUSTOMER, department, GOODS, STAFF, "
+       "SUPPLIER\nheading.csv:1:1: the column \"date\" is "
        "missing\n"},
       {{"import", "BOOK", "--journal", "dates.csv"},
        3,

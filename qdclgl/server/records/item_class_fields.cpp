@@ -275,6 +275,12 @@ void WriteFields(Database& db, Long item_class, const FieldsById& fields) {
 
 StoredTable ItemClassFieldTable() { return {kTable, {std::begin(kColumns), std::end(kColumns)}}; }
 
+std::vector<Column> SentItemClassField() {
+  std::vector<Column> columns(kShownColumns.begin(), kShownColumns.end());
+  columns.push_back({kNewName, ColumnType::kText});
+  return columns;
+}
+
 Ref<Vector> ItemClassFieldsOf(Database& db, Long item_class) {
   auto fields = Make<Vector>();
   const Ref<Recordset> list = FieldList(db, item_class, kShownColumns);

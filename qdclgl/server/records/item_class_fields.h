@@ -14,6 +14,9 @@ inline constexpr std::string_view kItemClassFields = "_PropDesc";
 // The table of the fields, the class's id first.
 StoredTable ItemClassFieldTable();
 
+// What callers may send of a field.
+std::vector<Column> SentItemClassField();
+
 // The fields of a class by their ids, as rows without the class's id.
 Ref<Vector> ItemClassFieldsOf(Database& db, Long item_class);
 // Those of them that the list shows which items are chosen from.

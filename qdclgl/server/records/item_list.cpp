@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <set>
 
-#include "qdclgl/server/records/item.h"
 #include "qdclgl/server/records/item_fields.h"
+#include "qdclgl/server/records/master_data.h"
 
 namespace qdclgl::server {
+
+const MasterData& Items();
 
 namespace {
 

@@ -143,6 +143,8 @@ struct RecordList {
   // have, and the SELECT of that, which has the record's id too. Otherwise rows don't have it.
   std::vector<Column> shown = {};
   std::string_view query = {};
+  // What callers may send of a row, where that is not what it has.
+  std::vector<Column> sent = {};
   // What gives callers the rows by a record's id, where GetDetail does not bring them under the
   // key.
   std::string_view component = {}, method = {};

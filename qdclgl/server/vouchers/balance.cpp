@@ -124,6 +124,13 @@ std::string FromLines(const Database& db, const Classes& classes) {
          " WHERE v.FPosted = 1" + AsksForAll(classes, "e");
 }
 
+// A quantity that is counted in millionths. In parts, since one of the databases divides real
+// numbers and the other exact ones: large quantities would differ in their last digits.
+std::string FromMillionths(const std::string& count) {
+  const std::string rest = "(" + count + " % 1000000)";
+  return "((" + count + " - " + rest + ") / 1000000 + " + rest + " / 1e6)";
+}
+
 // The list's query: what moved, added up by account, items and currency, then for every account
 // over all that is below it, then for all currencies together.
 std::string Query(std::string_view movements, const Classes& classes) {
@@ -196,8 +203,11 @@ std::string Query(std::string_view movements, const Classes& classes) {
          " CAST(FBeginFor AS BIGINT) AS FBeginBalanceFor, CAST(FDebitFor AS BIGINT) AS FDebitFor,"
          " CAST(FCreditFor AS BIGINT) AS FCreditFor,"
          " CAST(FBeginFor + FDebitFor - FCreditFor AS BIGINT) AS FEndBalanceFor,"
-         " FBeginQty / 1e6 AS FBeginQty, FDebitQty / 1e6 AS FDebitQty,"
-         " FCreditQty / 1e6 AS FCreditQty, (FBeginQty + FDebitQty - FCreditQty) / 1e6 AS FEndQty"
+         " " +
+         FromMillionths("FBeginQty") + " AS FBeginQty, " + FromMillionths("FDebitQty") +
+         " AS FDebitQty, " + FromMillionths("FCreditQty") + " AS FCreditQty, " +
+         FromMillionths("(FBeginQty + FDebitQty - FCreditQty)") +
+         " AS FEndQty"
          " FROM all_rows r JOIN t_Account a ON a.FAccountID = r.FAboveID"
          " LEFT JOIN t_Currency c ON c.FCurrencyID = r.FCurrencyID" +
          item_names + " WHERE " + present;

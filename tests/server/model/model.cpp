@@ -17,6 +17,11 @@ bool Has(const User& user, Right right) { return (user.rights & (right | kAdmini
 
 std::int64_t Millionths(double quantity) { return std::llround(quantity * 1e6); }
 
+double FromMillionths(std::int64_t count) {
+  constexpr std::int64_t kOne = 1'000'000;
+  return static_cast<double>(count / kOne) + static_cast<double>(count % kOne) / 1e6;
+}
+
 bool IsInRange(std::int64_t amount) {
   return amount >= -kLargestAmount && amount <= kLargestAmount;
 }
@@ -453,9 +458,8 @@ std::string Model::Balances(Long first, Long last) const {
     if (sums == Sums()) continue;
     text += Row("balance", key.first, key.second, sums[0], sums[1], sums[2],
                 sums[0] + sums[1] - sums[2], sums[3], sums[4], sums[5], sums[3] + sums[4] - sums[5],
-                static_cast<double>(sums[6]) / 1e6, static_cast<double>(sums[7]) / 1e6,
-                static_cast<double>(sums[8]) / 1e6,
-                static_cast<double>(sums[6] + sums[7] - sums[8]) / 1e6);
+                FromMillionths(sums[6]), FromMillionths(sums[7]), FromMillionths(sums[8]),
+                FromMillionths(sums[6] + sums[7] - sums[8]));
   }
   return text;
 }

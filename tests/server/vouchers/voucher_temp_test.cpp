@@ -296,7 +296,8 @@ TEST_P(VoucherTempServer, ASettlementTypeThatALineNamesIsThereAndStays) {
   EXPECT_EQ(SentenceOf([&] { Call("QDSVGLSettType.SettTypeUpdate", "Delete", props, type); }),
             "Settlement type CHQ (): voucher template 1 (Paid by 1) refers to it.");
   Break("UPDATE t_VoucherTempEntry SET FSettleTypeID = 9");
-  EXPECT_TRUE(Breaches().starts_with("Reference VoucherTemp 1 1 (Paid by 1)\n")) << Breaches();
+  const std::string record = "VoucherTemp " + std::to_string(temp) + " 1 (Paid by 1)\n";
+  EXPECT_EQ(Breaches(), "Reference " + record + "Record " + record);
   Break("UPDATE t_VoucherTempEntry SET FSettleTypeID = 1");
   Delete(temp);
   Call("QDSVGLSettType.SettTypeUpdate", "Delete", props, type);
