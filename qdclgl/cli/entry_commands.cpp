@@ -1,9 +1,8 @@
 // Vouchers that are entered at the command line: new ones, copies, reversals.
-#include "qdclgl/cli/cell_values.h"
 #include "qdclgl/cli/line_words.h"
 #include "qdclgl/cli/program.h"
+#include "qdclgl/cli/steps.h"
 #include "qdclgl/cli/voucher_draft.h"
-#include "qdclgl/server/db/refusals.h"
 
 namespace qdclgl::cli {
 
@@ -45,13 +44,7 @@ int New(const EntryOptions& options, const Console& console) {
 
 Ref<Voucher> Original(const EntryOptions& options, const char* command) {
   if (options.ids.size() != 1) throw UsageError(std::string(command) + " takes one ID");
-  const Long id = options.ids.front();
-  const Ref<Voucher> voucher = Make<VoucherSet>()->Item(id);
-  if (voucher->VoucherID() == 0) {
-    throw Error(server::refusal::kNotFound, "qdclgl",
-                "There is no voucher with the id " + std::to_string(id) + ".");
-  }
-  return voucher;
+  return OpenVoucher(*Make<VoucherSet>(), options.ids.front());
 }
 
 // A new voucher with the lines of one that there is.
@@ -99,13 +92,7 @@ void AddHeadOptions(CLI::App& command, EntryOptions& options, const std::string&
   command
       .add_option_function<std::string>(
           "--date",
-          [&options](const std::string& text) {
-            try {
-              options.date = ReadDate(text);
-            } catch (const BadCell& bad) {
-              throw CLI::ValidationError("--date", bad.what());
-            }
-          },
+          [&options](const std::string& text) { options.date = DateOption("--date", text); },
           "Its date; otherwise today, or the current period's nearest day")
       ->type_name("DATE");
   command.add_option("--group", options.group, "Its voucher group; otherwise " + usual_group)

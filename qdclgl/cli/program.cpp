@@ -153,6 +153,14 @@ Long WholeOption(const std::string& name, const std::string& text) {
   }
 }
 
+DateTime DateOption(const std::string& name, const std::string& text) {
+  try {
+    return ReadDate(text);
+  } catch (const BadCell& bad) {
+    throw CLI::ValidationError(name, bad.what());
+  }
+}
+
 bool IsID(std::string_view word) {
   return std::ranges::all_of(word, [](char c) { return c >= '0' && c <= '9'; });
 }

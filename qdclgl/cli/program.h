@@ -87,6 +87,8 @@ std::vector<Long> IDsOf(const std::vector<std::string>& words);
 void AddFormat(CLI::App& command, Format& format);
 // A whole number as an option's text is read: what is wrong with it is wrong usage.
 Long WholeOption(const std::string& name, const std::string& text);
+// A date likewise.
+DateTime DateOption(const std::string& name, const std::string& text);
 // An option with a whole number.
 CLI::Option* AddWhole(CLI::App& command, const std::string& name, Long& value,
                       const std::string& help);

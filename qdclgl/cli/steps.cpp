@@ -15,25 +15,16 @@ namespace {
               "Voucher " + std::to_string(id) + ": " + reason);
 }
 
-Ref<Voucher> Open(VoucherSet& vouchers, Long id) {
-  Ref<Voucher> voucher = vouchers.Item(id);
-  if (voucher->VoucherID() == 0) {
-    throw Error(server::refusal::kNotFound, "qdclgl",
-                "There is no voucher with the id " + std::to_string(id) + ".");
-  }
-  return voucher;
-}
-
 // The voucher itself passes over an approval that its state does not allow, in silence.
 void Approve(VoucherSet& vouchers, Long id) {
-  const Ref<Voucher> voucher = Open(vouchers, id);
+  const Ref<Voucher> voucher = OpenVoucher(vouchers, id);
   if (voucher->ApproveID() > 0) RefuseStep(id, "it is approved already.");
   voucher->Approve();
   if (voucher->ApproveID() <= 0) RefuseStep(id, "it is not checked, or posted already.");
 }
 
 void UnApprove(VoucherSet& vouchers, Long id) {
-  const Ref<Voucher> voucher = Open(vouchers, id);
+  const Ref<Voucher> voucher = OpenVoucher(vouchers, id);
   if (voucher->ApproveID() <= 0) RefuseStep(id, "it is not approved.");
   voucher->UnApprove();
   if (voucher->ApproveID() > 0) RefuseStep(id, "it is posted.");
@@ -62,6 +53,15 @@ constexpr Step kSteps[] = {
 };
 
 }  // namespace
+
+Ref<Voucher> OpenVoucher(VoucherSet& vouchers, Long id) {
+  Ref<Voucher> voucher = vouchers.Item(id);
+  if (voucher->VoucherID() == 0) {
+    throw Error(server::refusal::kNotFound, "qdclgl",
+                "There is no voucher with the id " + std::to_string(id) + ".");
+  }
+  return voucher;
+}
 
 std::span<const Step> Steps() { return kSteps; }
 

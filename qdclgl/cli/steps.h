@@ -19,6 +19,9 @@ struct Step {
   void (*take)(VoucherSet& vouchers, Long id);
 };
 
+// The voucher with that id. NotFound when there is none.
+Ref<Voucher> OpenVoucher(VoucherSet& vouchers, Long id);
+
 std::span<const Step> Steps();
 inline constexpr std::string_view kRemoval = "remove";
 // One of them, by its name.

@@ -39,15 +39,17 @@ std::string MeantOption(std::string_view word, const CLI::App& command) {
   return meant;
 }
 
-// Words that nothing takes. A misspelt option takes its value along, so it is told first.
-std::string Surplus(const CLI::App& command) {
-  const std::vector<std::string> words = command.remaining();
+// Words that nothing takes, those behind a "--" with the program. A misspelt option takes its value
+// along, so it is told first.
+std::string Surplus(const CLI::App& app, const CLI::App& command) {
+  const std::vector<std::string> words = app.remaining(true);
   const auto option = std::ranges::find_if(words, IsOption);
   if (option != words.end()) {
     const std::string name = option->substr(0, option->find('='));
     return command.get_name() + " has no option " + OneLine(name) + MeantOption(name, command);
   }
-  return command.get_name() + " doesn't know what to do with " + Quoted(words.front());
+  return command.get_name() + " doesn't know what to do with " +
+         (words.empty() ? "some of its words" : Quoted(words.front()));
 }
 
 }  // namespace
@@ -78,7 +80,7 @@ void CheckCommandWord(CLI::App& app, const std::vector<std::string>& words) {
 
 std::string UsageSentence(const CLI::App& app, const CLI::ParseError& error) {
   const CLI::App& command = Chosen(app);
-  if (dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr) return Surplus(command);
+  if (dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr) return Surplus(app, command);
   if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr) {
     const std::string text = error.what();  // begins with the option's name
     const std::string name = text.substr(0, text.find(':'));

@@ -104,13 +104,8 @@ int MakeVoucher(const VoucherOptions& options, const Console& console) {
 
 int PrintVoucher(const VoucherOptions& options, const Console& console) {
   if (options.ids.size() != 1) throw UsageError("voucher takes one ID");
-  const Long id = options.ids.front();
   options.login.Open();
-  const Ref<Voucher> voucher = Make<VoucherSet>()->Item(id);
-  if (voucher->VoucherID() == 0) {
-    throw Error(server::refusal::kNotFound, "qdclgl",
-                "There is no voucher with the id " + std::to_string(id) + ".");
-  }
+  const Ref<Voucher> voucher = OpenVoucher(*Make<VoucherSet>(), options.ids.front());
   if (options.json) {
     console.out << JsonText(Variant(voucher->Properties()->Dictionary()), 2) << '\n';
   } else {
@@ -152,13 +147,7 @@ void AddTemplateOptions(CLI::App& command, TemplateUse& use) {
   add("--amount", "LINE=AMOUNT", "The amount of a line, in its currency; may stand again",
       [&use](const std::string& text) { AddAmount(use.amounts, text); });
   add("--date", "DATE", "Its date; otherwise today, or the current period's nearest day",
-      [&use](const std::string& text) {
-        try {
-          use.date = ReadDate(text);
-        } catch (const BadCell& bad) {
-          throw CLI::ValidationError("--date", bad.what());
-        }
-      });
+      [&use](const std::string& text) { use.date = DateOption("--date", text); });
   add("--group", "NAME", "Its voucher group; otherwise the template's",
       [&use](const std::string& text) { use.group = text; });
   add("--reference", "TEXT", "Its reference; otherwise the template's",

@@ -97,6 +97,11 @@ void CliTest::Init(const std::string& year) const {
   ASSERT_EQ(Run({"import", "--accounts", chart}).code, 0);
 }
 
+std::string CliTest::Lines(const std::string& id) const {
+  const std::string text = Run({"voucher", id}).out;
+  return text.substr(text.find("\n\n") + 2);
+}
+
 RunResult CliTest::ImportRows(const std::string& rows,
                               const std::vector<std::string>& options) const {
   std::vector<std::string> arguments = {

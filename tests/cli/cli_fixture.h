@@ -52,6 +52,8 @@ class CliTest : public ::testing::TestWithParam<DatabaseKind> {
   RunResult Run(std::vector<std::string> arguments) const;
   // Books of 2024 in EUR with the accounts 1000 to 1002 and 2000, 2000.01.
   void Init(const std::string& year = "2024") const;
+  // What `voucher` prints of its lines.
+  std::string Lines(const std::string& id) const;
   // Imports a journal under a heading that has voucher, date, account, debit and credit.
   RunResult ImportRows(const std::string& rows, const std::vector<std::string>& options = {}) const;
 

@@ -16,11 +16,6 @@ class Entries : public CliTest {
     // The group of the vouchers comes with the first.
     ASSERT_EQ(ImportRows("v1,2024-01-05,1000,10,\nv1,2024-01-05,2000.01,,10\n").code, 0);
   }
-  // What `voucher` prints behind its empty line.
-  std::string Lines(const std::string& id) const {
-    const std::string text = Run({"voucher", id}).out;
-    return text.substr(text.find("\n\n") + 2);
-  }
 };
 
 TEST_P(Entries, AVoucherIsEnteredByTheWordsOfItsLines) {

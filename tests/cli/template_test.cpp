@@ -44,10 +44,6 @@ class Templates : public CliTest {
     }
     temp->SaveChanges();
   }
-  std::string Lines(const std::string& id) const {
-    const std::string text = Run({"voucher", id}).out;
-    return text.substr(text.find("\n\n") + 2);
-  }
 };
 
 TEST_P(Templates, AVoucherIsMadeOfATemplateWithTheAmountsThatAreGiven) {
