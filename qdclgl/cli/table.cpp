@@ -151,6 +151,7 @@ void TableWriter::Row(const std::vector<Variant>& cells) {
 void TableWriter::Finish() {
   if (format_ == Format::kJson) out_ << (is_first_ ? "[]\n" : "\n]\n");
   if (format_ != Format::kPlain) return;
+  if (leaves_out_empty_) RemoveEmptyColumns();
   std::vector<std::size_t> widths;
   for (const std::string& heading : headings_) widths.push_back(WidthOf(heading));
   for (const Line& line : lines_) {
@@ -160,6 +161,16 @@ void TableWriter::Finish() {
   }
   WritePlain(headings_, widths);
   for (const Line& line : lines_) WritePlain(line, widths);
+}
+
+void TableWriter::RemoveEmptyColumns() {
+  for (std::size_t i = headings_.size(); i-- > 0;) {
+    if (!std::ranges::all_of(lines_, [&](const Line& line) { return line[i].empty(); })) continue;
+    const auto place = static_cast<std::ptrdiff_t>(i);
+    headings_.erase(headings_.begin() + place);
+    is_number_.erase(is_number_.begin() + place);
+    for (Line& line : lines_) line.erase(line.begin() + place);
+  }
 }
 
 void TableWriter::WritePlain(const Line& line, const std::vector<std::size_t>& widths) {

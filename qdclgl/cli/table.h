@@ -28,6 +28,8 @@ class TableWriter {
 
   // In a plain table all columns from this one on stand to the right, as numbers do by themselves.
   void AlignRight(std::size_t from);
+  // In a plain table columns that no row fills are left out.
+  void LeaveOutEmpty() { leaves_out_empty_ = true; }
   void Row(const std::vector<Variant>& cells);
   // What stands behind the last row. A plain table, which must know its widest cells, is written
   // here as a whole.
@@ -36,6 +38,7 @@ class TableWriter {
  private:
   using Line = std::vector<std::string>;
 
+  void RemoveEmptyColumns();
   void WritePlain(const Line& line, const std::vector<std::size_t>& widths);
   void WriteCsv(const Line& cells);
 
@@ -45,6 +48,7 @@ class TableWriter {
   // Of a plain table: its rows, and which columns hold numbers and so stand to the right.
   std::vector<Line> lines_;
   std::vector<bool> is_number_;
+  bool leaves_out_empty_ = false;
   bool is_first_ = true;
 };
 

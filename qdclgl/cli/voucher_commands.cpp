@@ -61,36 +61,24 @@ void PrintPlain(Voucher& voucher, std::ostream& out) {
   field("State      ", StateOf(voucher));
   out << '\n';
 
-  // Columns that no line fills are left out.
-  std::vector<std::string> headings = {"Line",   "Account",  "Name",      "Explanation", "Debit",
-                                       "Credit", "Currency", "Amount",    "Rate",        "Quantity",
-                                       "Unit",   "Price",    "Reference", "Details"};
-  std::vector<std::vector<Variant>> lines;
+  TableWriter table(out, Format::kPlain,
+                    {"Line", "Account", "Name", "Explanation", "Debit", "Credit", "Currency",
+                     "Amount", "Rate", "Quantity", "Unit", "Price", "Reference", "Details"});
+  table.LeaveOutEmpty();
   const Variant none("");
   const auto number = [&](double value) { return value != 0 ? Variant(value) : none; };
   Long index = 0;
   for (auto& line : voucher.Entries()) {
     const bool is_foreign = line.CurrencyID() > 1;
-    lines.push_back({++index, line.AccountNumber(), line.AccountName(), line.Explanation(),
-                     line.DC() == 1 ? Variant(line.Debit()) : none,
-                     line.DC() == 1 ? none : Variant(line.Credit()),
-                     is_foreign ? Variant(line.CurrencyNumber()) : none,
-                     is_foreign ? Variant(line.AmountFor()) : none,
-                     is_foreign ? Variant(line.ExchangeRate()) : none, number(line.Quantity()),
-                     Stored(line.Properties(), "FMeasureUnit"), number(line.UnitPrice()),
-                     line.TransNo(), DetailsOf(line)});
+    table.Row({++index, line.AccountNumber(), line.AccountName(), line.Explanation(),
+               line.DC() == 1 ? Variant(line.Debit()) : none,
+               line.DC() == 1 ? none : Variant(line.Credit()),
+               is_foreign ? Variant(line.CurrencyNumber()) : none,
+               is_foreign ? Variant(line.AmountFor()) : none,
+               is_foreign ? Variant(line.ExchangeRate()) : none, number(line.Quantity()),
+               Stored(line.Properties(), "FMeasureUnit"), number(line.UnitPrice()), line.TransNo(),
+               DetailsOf(line)});
   }
-  for (std::size_t column = headings.size(); column-- > 0;) {
-    const auto is_empty = [&](const std::vector<Variant>& cells) {
-      return CellText(cells[column]).empty();
-    };
-    if (!std::ranges::all_of(lines, is_empty)) continue;
-    const auto place = static_cast<std::ptrdiff_t>(column);
-    headings.erase(headings.begin() + place);
-    for (auto& cells : lines) cells.erase(cells.begin() + place);
-  }
-  TableWriter table(out, Format::kPlain, headings);
-  for (const auto& cells : lines) table.Row(cells);
   table.Finish();
 }
 

@@ -31,6 +31,19 @@ TEST(TableWriter, APlainCellStaysOnItsLine) {
             "Name      Amount\na b [2J        1\n");
 }
 
+TEST(TableWriter, APlainTableLeavesOutWhatNoRowFillsWhereThatIsAskedFor) {
+  std::ostringstream out;
+  for (const bool leaves_out : {false, true}) {
+    TableWriter table(out, Format::kPlain, {"Line", "Unit", "Debit"});
+    if (leaves_out) table.LeaveOutEmpty();
+    table.Row({Long{1}, "", Currency(5)});
+    table.Row({Long{2}, "", ""});
+    table.Finish();
+  }
+  EXPECT_EQ(out.str(), "Line  Unit   Debit\n   1        5.0000\n   2\n"
+                       "Line   Debit\n   1  5.0000\n   2\n");
+}
+
 TEST(TableWriter, CsvQuotesWhatNeedsIt) {
   EXPECT_EQ(Written(Format::kCsv,
                     {{"a,b", Currency(1)}, {"say \"x\"", true}, {" c", Null}, {"d\ne", 0.5}}),
