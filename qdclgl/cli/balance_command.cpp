@@ -55,11 +55,7 @@ WantedItems WantedItemsOf(const BalanceOptions& options) {
   const std::vector<NamedItemClass> known = ItemClassesOfBooks();
   for (const std::string& word : options.by) PlaceOf(ItemClassNamed(known, word), wanted.classes);
   for (const std::string& item : options.items) {
-    const std::size_t sign = item.find('=');
-    if (sign == item.npos) throw UsageError(Quoted(item) + " is not of the form class=number");
-    const NamedItemClass& item_class = ItemClassNamed(known, item.substr(0, sign));
-    const std::string number = ToUpper(item.substr(sign + 1));
-    if (ItemNumbered(item_class, number) == 0) throw UsageError(NoSuchItem(item_class, number));
+    const auto& [item_class, number] = ItemNamed(known, item);
     wanted.filter += " AND FItemNumber" + std::to_string(PlaceOf(item_class, wanted.classes)) +
                      " = " + FilterText(number);
   }

@@ -56,6 +56,16 @@ Long ItemNumbered(const NamedItemClass& item_class, const std::string& number) {
   return Make<ItemSet>()->ExistenceCheck(Missing, item_class.id, number);
 }
 
+NamedItem ItemNamed(const std::vector<NamedItemClass>& classes, const std::string& text) {
+  const std::size_t sign = text.find('=');
+  if (sign == text.npos) throw UsageError(Quoted(text) + " is not of the form class=number");
+  NamedItem item{ItemClassNamed(classes, text.substr(0, sign)), ToUpper(text.substr(sign + 1))};
+  if (ItemNumbered(item.item_class, item.number) == 0) {
+    throw UsageError(NoSuchItem(item.item_class, item.number));
+  }
+  return item;
+}
+
 std::string NoSuchItem(const NamedItemClass& item_class, std::string_view number) {
   return "there is no item " + Quoted(number) + " of item class " + item_class.number;
 }

@@ -27,6 +27,15 @@ const NamedItemClass& ItemClassNamed(const std::vector<NamedItemClass>& classes,
 // The id of an item by its number; 0 when its class has none.
 Long ItemNumbered(const NamedItemClass& item_class, const std::string& number);
 
+// An item as an option names it: "customers=C001".
+struct NamedItem {
+  const NamedItemClass& item_class;
+  std::string number;
+};
+
+// UsageError, when there is no such class or item, or the text is not of the form class=number.
+NamedItem ItemNamed(const std::vector<NamedItemClass>& classes, const std::string& text);
+
 // "there is no item \"C009\" of item class CUSTOMER"
 std::string NoSuchItem(const NamedItemClass& item_class, std::string_view number);
 

@@ -4,6 +4,7 @@
 
 #include "qdclgl/accounts/account_set.h"
 #include "qdclgl/cli/cell_values.h"
+#include "qdclgl/cli/day_words.h"
 #include "qdclgl/cli/ledger_page.h"
 #include "qdclgl/cli/program.h"
 #include "qdclgl/frame/session/server_gateway.h"
@@ -34,30 +35,10 @@ struct LedgerOptions {
 
 // ---- Printing ----
 
-// "2024-01-31" is a day, "2024/1" a period: its first or its last day.
-DateTime DayOf(const std::string& props, const char* option, const std::string& text, bool last) {
-  const std::size_t slash = text.find('/');
-  try {
-    if (slash == text.npos) return ReadDate(text);
-    Long year = ReadWhole(text.substr(0, slash)), period = ReadWhole(text.substr(slash + 1));
-    DateTime start, end;
-    CreateObject("QDCPeriodDate.clsPeriodDate")
-        ->Call("GetPeriodStartEnd", props, ByRef(period), ByRef(year), ByRef(start), ByRef(end));
-    return last ? end : start;
-  } catch (const BadCell&) {
-    throw UsageError(std::string(option) +
-                     " takes a day such as 2024-01-31 or a period such as "
-                     "2024/1, not " +
-                     Quoted(text));
-  }
-}
-
 int PrintLedger(const LedgerOptions& options, const Console& console) {
   const std::string props = options.login.Open();
-  const auto day = [&](const char* option, const std::string& text, bool last) {
-    return text.empty() ? DateTime() : DayOf(props, option, text, last);
-  };
-  const DateTime from = day("--from", options.from, false), to = day("--to", options.to, true);
+  const DateTime from = DayFrom(props, "--from", options.from, DayEnd::kFirst);
+  const DateTime to = DayFrom(props, "--to", options.to, DayEnd::kLast);
   const auto info = CreateObject(kInfo);
   const auto ledger = info->Call("GetDetailByNumber", props, options.name).As<Dictionary>();
   if (!ledger) RefuseMissing("ledger " + Quoted(options.name));
