@@ -50,6 +50,7 @@ class LinesCheck {
     ReadLines();
     CheckVouchers();
     CheckPosted();
+    CheckPostedLines();
     TakeAwayStoredBalances();
     CheckBalances();
     TakeAwayStoredItemBalances();
@@ -181,6 +182,27 @@ class LinesCheck {
                     "The size of what is posted is not that of the posted lines, or they are too "
                     "large to add up.");
     }
+  }
+
+  // That the lines of accounts by day are the posted ones, under their vouchers' days.
+  void CheckPostedLines() {
+    static constexpr std::string_view kPosted =
+        "SELECT e.FAccountID, v.FDate, e.FVoucherID, e.FEntryID FROM t_Voucher v"
+        " JOIN t_VoucherEntry e ON e.FVoucherID = v.FVoucherID WHERE v.FPosted = 1";
+    static constexpr std::string_view kStored =
+        "SELECT FAccountID, FDate, FVoucherID, FEntryID FROM t_PostedLine";
+    const auto report = [&](std::string_view these, std::string_view others,
+                            std::string_view problem) {
+      for (const auto& [id] :
+           db_.Query<Long>("SELECT DISTINCT FVoucherID FROM (" + std::string(these) + " EXCEPT " +
+                           std::string(others) + ") AS rest ORDER BY FVoucherID")) {
+        const auto voucher = vouchers_.find(id);
+        findings_.Add("PostedLine", "Voucher", id,
+                      voucher != vouchers_.end() ? voucher->second.name : "?", problem);
+      }
+    };
+    report(kPosted, kStored, "Posted lines are missing among those of their accounts.");
+    report(kStored, kPosted, "Lines stand among the posted ones of an account and are none.");
   }
 
   template <class... Numbers>

@@ -144,6 +144,23 @@ void MoveItemBalances(Database& db, const Movements& movements, AccountingPeriod
   }
 }
 
+// Puts the lines among those of their accounts by day, or takes them out.
+void MovePostedLines(Database& db, Long voucher_id, Direction direction) {
+  if (direction == Direction::kPost) {
+    db.ExecuteLater("INSERT INTO t_PostedLine (FAccountID, FDate, FVoucherID, FEntryID)"
+                    " SELECT e.FAccountID, v.FDate, e.FVoucherID, e.FEntryID"
+                    " FROM t_Voucher v JOIN t_VoucherEntry e ON e.FVoucherID = v.FVoucherID"
+                    " WHERE v.FVoucherID = ?",
+                    voucher_id);
+  } else {
+    db.ExecuteLater("DELETE FROM t_PostedLine WHERE FVoucherID = ?"
+                    " AND FDate = (SELECT FDate FROM t_Voucher WHERE FVoucherID = ?)"
+                    " AND FAccountID IN (SELECT FAccountID FROM t_VoucherEntry"
+                    "  WHERE FVoucherID = ?)",
+                    voucher_id, voucher_id, voucher_id);
+  }
+}
+
 }  // namespace
 
 void MoveBalances(Database& db, Long voucher_id, const std::string& name, AccountingPeriod period,
@@ -160,6 +177,7 @@ void MoveBalances(Database& db, Long voucher_id, const std::string& name, Accoun
     rows.Move(db, movement, place.first, place.second, period.year, period.period);
   }
   MoveItemBalances(db, movements, period, direction);
+  MovePostedLines(db, voucher_id, direction);
 }
 
 void MakeItemBalances(Database& db) {

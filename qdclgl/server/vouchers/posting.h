@@ -1,5 +1,6 @@
 // The balances of accounts: what each posted line adds to the account, currency and period it is
-// in, and on an account that asks for items to those that it names.
+// in, and on an account that asks for items to those that it names. Beside them the posted lines
+// themselves, by account and day.
 #pragma once
 
 #include "qdclgl/server/db/database.h"

@@ -204,6 +204,19 @@ TEST_P(BooksCheckTest, TheSizeOfWhatIsPostedIsThatOfThePostedLines) {
   EXPECT_EQ(AfterBreaking("DELETE FROM t_Posted"), "Posted Books 0 \n");
 }
 
+TEST_P(BooksCheckTest, TheLinesOfAccountsByDayAreThePostedOnes) {
+  const std::string first = "PostedLine Voucher 1 2024/1 Receipts 1\n";
+  EXPECT_EQ(AfterBreaking("INSERT INTO t_PostedLine SELECT FAccountID, '2024-01-31', FVoucherID,"
+                          " FEntryID FROM t_VoucherEntry WHERE FVoucherID = 1"),
+            first);
+  Break("DELETE FROM t_PostedLine WHERE FVoucherID = 1");
+  CheckAndPost(1);
+  EXPECT_EQ(Breaches(), "");
+  EXPECT_EQ(AfterBreaking("DELETE FROM t_PostedLine WHERE FVoucherID = 1 AND FEntryID = 2"), first);
+  EXPECT_EQ(AfterBreaking("UPDATE t_PostedLine SET FDate = '2024-02-01' WHERE FVoucherID = 1"),
+            first + first);
+}
+
 TEST_P(BooksCheckTest, ForeignAmountsGoWithTheirRates) {
   const std::string line = "LineRate Voucher 1 2024/1 Receipts 1, line 1\n";
   const auto breaches = [&](const std::string& set) {
