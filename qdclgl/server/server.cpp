@@ -8,6 +8,7 @@
 #include "qdclgl/server/access/login.h"
 #include "qdclgl/server/books/batch.h"
 #include "qdclgl/server/books/books.h"
+#include "qdclgl/server/ledgers/account_statement.h"
 #include "qdclgl/server/periods/period.h"
 #include "qdclgl/server/periods/period_date.h"
 #include "qdclgl/server/periods/settings.h"
@@ -24,7 +25,7 @@ std::span<const ServerComponent> ServerComponents() {
         ComponentOf<AuditInfo>(),     ComponentOf<PeriodDate>(),   ComponentOf<ServerProfile>(),
         ComponentOf<BaseInfo>(),      ComponentOf<PeriodUpdate>(), ComponentOf<VoucherInfo>(),
         ComponentOf<VoucherUpdate>(), ComponentOf<BalanceInfo>(),  ComponentOf<BooksInfo>(),
-        ComponentOf<BooksUpdate>(),   ComponentOf<BatchUpdate>(),
+        ComponentOf<BooksUpdate>(),   ComponentOf<BatchUpdate>(),  ComponentOf<StatementInfo>(),
     };
     for (const MasterData* kind : MasterDataKinds()) {
       std::ranges::move(kind->Components(), std::back_inserter(components));

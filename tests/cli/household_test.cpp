@@ -80,6 +80,23 @@ class Household : public CliTest {
     EXPECT_GT(columns, 100u);
     EXPECT_EQ(Run({"doctor"}).out, "The books are in order.\n");
   }
+
+  // A statement of each account, line by line and period by period, ends where the balances do.
+  void ExpectStatementsAgreeWithTheBalances() const {
+    using Json = nlohmann::json;
+    for (const Json& balance : Json::parse(Run({"balance", "--json"}).out)) {
+      if (balance["FCurrencyID"] != 0) continue;
+      for (const char* form : {"--unposted", "--monthly"}) {
+        const Json rows = Json::parse(Run({"statement", balance["FAccountNumber"], "--from", "2021",
+                                           "--to", "2023", "--json", form})
+                                          .out);
+        SCOPED_TRACE(balance["FAccountNumber"].get<std::string>() + " " + form);
+        EXPECT_EQ(rows.back()["FDebit"], balance["FDebit"]);
+        EXPECT_EQ(rows.back()["FCredit"], balance["FCredit"]);
+        EXPECT_EQ(rows.back()["FBalance"], balance["FEndBalance"]);
+      }
+    }
+  }
 };
 
 TEST_P(Household, TheImportReproducesTheBalances) {
@@ -100,6 +117,7 @@ TEST_P(Household, TheImportReproducesTheBalances) {
   EXPECT_EQ(BalancesIn(Run({"balance", "--csv"}).out), expected);
   EXPECT_EQ(Run({"doctor"}).out, "The books are in order.\n");
   ExpectLedgersAgreeWithTheBalances();
+  ExpectStatementsAgreeWithTheBalances();
 }
 
 QDCLGL_CLI_TEST(Household);

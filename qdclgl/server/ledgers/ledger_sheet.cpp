@@ -1,16 +1,14 @@
 #include "qdclgl/server/ledgers/ledger_sheet.h"
 
 #include <algorithm>
-#include <cmath>
 #include <tuple>
 #include <unordered_map>
 #include <unordered_set>
 
 #include "qdclgl/frame/containers/vector.h"
 #include "qdclgl/server/db/columns.h"
-#include "qdclgl/server/db/refusals.h"
-#include "qdclgl/server/periods/calendar.h"
-#include "qdclgl/server/periods/settings.h"
+#include "qdclgl/server/ledgers/accounts_below.h"
+#include "qdclgl/server/ledgers/days.h"
 #include "qdclgl/server/records/currency.h"
 
 namespace qdclgl::server {
@@ -18,11 +16,6 @@ namespace qdclgl::server {
 namespace {
 
 using Units = std::int64_t;
-
-// The account of the first placeholder and all below it.
-constexpr std::string_view kBelow =
-    "WITH RECURSIVE below AS (SELECT FAccountID FROM t_Account WHERE FAccountID = ?"
-    " UNION ALL SELECT a.FAccountID FROM below JOIN t_Account a ON a.FParentID = below.FAccountID)";
 
 std::vector<Long> AccountsBelow(Database& db, Long account) {
   std::vector<Long> accounts;
@@ -34,34 +27,6 @@ std::vector<Long> AccountsBelow(Database& db, Long account) {
 }
 
 // ---- What is asked for ----
-
-// The days of a sheet, and what its sums need: everything from the first day of its first year on.
-struct Days {
-  Calendar calendar;
-  DateTime from, to;
-  Long first_year;
-  AccountingPeriod last;
-  DateTime year_start;
-
-  static Days Of(Database& db, DateTime from, DateTime to) {
-    const LedgerRules rules = LedgerRules::Of(db);
-    const Calendar& calendar = rules.calendar;
-    const auto year_of = [&](Long year) {
-      return Calendar::Span{calendar.SpanOf({year, 1}).start,
-                            calendar.SpanOf({year, calendar.period_count()}).end};
-    };
-    from = DateTime(std::floor(from.days));
-    to = DateTime(std::floor(to.days));
-    if (from == DateTime()) from = year_of(rules.current.year).start;
-    const Long year = calendar.PeriodOf(from).year;
-    if (to == DateTime()) to = year_of(year).end;
-    if (to < from) {
-      Refuse(refusal::kBadValue,
-             "Days go forward, not from " + from.ToText() + " to " + to.ToText() + ".");
-    }
-    return {calendar, from, to, year, calendar.PeriodOf(to), year_of(year).start};
-  }
-};
 
 // Which columns and sub-columns a line counts in.
 class Layout {
