@@ -82,6 +82,9 @@ Program::Program(const Console& console)
   AddBalanceCommand(*this);
   AddLedgerCommand(*this);
   AddStatementCommand(*this);
+  AddFindCommand(*this);
+  AddOpenCommand(*this);
+  AddCashFlowCommand(*this);
   AddUserCommand(*this);
   AddApiCommand(*this);
   AddHelpCommand(*this);

@@ -103,6 +103,9 @@ void AddEntryCommands(Program& program);     // new, copy, reverse
 void AddBalanceCommand(Program& program);    // balance
 void AddLedgerCommand(Program& program);     // ledger
 void AddStatementCommand(Program& program);  // statement
+void AddFindCommand(Program& program);       // find
+void AddOpenCommand(Program& program);       // open
+void AddCashFlowCommand(Program& program);   // cashflow
 void AddUserCommand(Program& program);       // user
 void AddApiCommand(Program& program);        // api
 void AddHelpCommand(Program& program);       // help

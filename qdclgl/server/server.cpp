@@ -9,6 +9,9 @@
 #include "qdclgl/server/books/batch.h"
 #include "qdclgl/server/books/books.h"
 #include "qdclgl/server/ledgers/account_statement.h"
+#include "qdclgl/server/ledgers/cash_flow.h"
+#include "qdclgl/server/ledgers/line_search.h"
+#include "qdclgl/server/ledgers/open_items.h"
 #include "qdclgl/server/periods/period.h"
 #include "qdclgl/server/periods/period_date.h"
 #include "qdclgl/server/periods/settings.h"
@@ -26,6 +29,7 @@ std::span<const ServerComponent> ServerComponents() {
         ComponentOf<BaseInfo>(),      ComponentOf<PeriodUpdate>(), ComponentOf<VoucherInfo>(),
         ComponentOf<VoucherUpdate>(), ComponentOf<BalanceInfo>(),  ComponentOf<BooksInfo>(),
         ComponentOf<BooksUpdate>(),   ComponentOf<BatchUpdate>(),  ComponentOf<StatementInfo>(),
+        ComponentOf<LineInfo>(),      ComponentOf<OpenItemInfo>(), ComponentOf<CashFlowInfo>(),
     };
     for (const MasterData* kind : MasterDataKinds()) {
       std::ranges::move(kind->Components(), std::back_inserter(components));

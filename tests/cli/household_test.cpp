@@ -81,6 +81,42 @@ class Household : public CliTest {
     EXPECT_EQ(Run({"doctor"}).out, "The books are in order.\n");
   }
 
+  // Opening cash and the flows of each quarter are the closing cash, which is what the accounts'
+  // balances say and what the next quarter begins with.
+  void ExpectCashFlowsAddUp() const {
+    using Json = nlohmann::json;
+    const auto amount = [](const Json& row, const char* key) {
+      return ReadAmount(row[key].get<std::string>());
+    };
+    Currency balance;
+    for (const Json& row : Json::parse(Run({"balance", "--json"}).out)) {
+      const std::string number = row["FAccountNumber"];
+      if (row["FCurrencyID"] != 0 || row["FDetail"] == false || !number.starts_with("1000.01.01")) {
+        continue;
+      }
+      ASSERT_EQ(Run({"set", "accounts", number, "FIsBank=yes"}).err, "");
+      balance += amount(row, "FEndBalance");
+    }
+    Currency cash;
+    std::size_t flows_told = 0;
+    for (int quarter = 0; quarter < 12; ++quarter) {
+      const std::string year = std::to_string(2021 + quarter / 4) + "/";
+      const int first = quarter % 4 * 3 + 1;
+      const Json rows =
+          Json::parse(Run({"cashflow", "--json", "--from", year + std::to_string(first), "--to",
+                           year + std::to_string(first + 2)})
+                          .out);
+      EXPECT_EQ(amount(rows.front(), "FNet"), cash) << quarter;
+      for (const Json& row : rows) {
+        if (row["FRow"] == "Item" || row["FRow"] == "Account") cash += amount(row, "FNet");
+      }
+      flows_told += rows.size() - 2;
+      EXPECT_EQ(amount(rows.back(), "FNet"), cash) << quarter;
+    }
+    EXPECT_EQ(cash, balance);
+    EXPECT_GT(flows_told, 50u);
+  }
+
   // A statement of each account, line by line and period by period, ends where the balances do.
   void ExpectStatementsAgreeWithTheBalances() const {
     using Json = nlohmann::json;
@@ -118,6 +154,7 @@ TEST_P(Household, TheImportReproducesTheBalances) {
   EXPECT_EQ(Run({"doctor"}).out, "The books are in order.\n");
   ExpectLedgersAgreeWithTheBalances();
   ExpectStatementsAgreeWithTheBalances();
+  ExpectCashFlowsAddUp();
 }
 
 QDCLGL_CLI_TEST(Household);

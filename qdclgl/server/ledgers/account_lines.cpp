@@ -35,8 +35,9 @@ std::string ItemOfLine(const AccountLines& which) {
          std::to_string(which.item_class) + "), 0)";
 }
 
-// Behind the account's placeholder come those of the two days.
-std::string FromLines(const Database& db, LineState state) {
+}  // namespace
+
+std::string FromLinesBelow(const Database& db, LineState state) {
   if (state == LineState::kPosted) {
     return " FROM below" +
            Reached(db, "t_PostedLine", "p",
@@ -51,8 +52,6 @@ std::string FromLines(const Database& db, LineState state) {
          Reached(db, "t_VoucherEntry", "e",
                  "e.FVoucherID = v.FVoucherID AND e.FAccountID IN (SELECT FAccountID FROM below)");
 }
-
-}  // namespace
 
 bool IsAskedFor(Database& db, const AccountLines& which) {
   return db
@@ -89,7 +88,7 @@ std::vector<AccountLine> LinesOf(Database& db, const AccountLines& which, LineSt
       ItemOfLine(which) +
       ", e.FAmount, CASE WHEN e.FCurrencyID = 1 THEN e.FAmount ELSE e.FAmountFor END,"
       " e.FExchangeRate, e.FExplanation, e.FTransNo" +
-      FromLines(db, state) + Reached(db, "t_VoucherGroup", "g", "g.FGroupID = v.FGroupID") +
+      FromLinesBelow(db, state) + Reached(db, "t_VoucherGroup", "g", "g.FGroupID = v.FGroupID") +
       Reached(db, "t_Account", "a", "a.FAccountID = e.FAccountID") +
       Reached(db, "t_Currency", "c", "c.FCurrencyID = e.FCurrencyID") + " WHERE 1 = 1" +
       AsksFor(which, "e");

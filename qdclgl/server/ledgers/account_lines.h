@@ -51,6 +51,10 @@ struct AccountLine {
 
 enum class LineState { kPosted, kNotPosted };
 
+// The lines `e` of vouchers `v` on the accounts `below` (accounts_below.h), as a query goes to
+// them; it has placeholders for the first day and for the one behind the last.
+std::string FromLinesBelow(const Database& db, LineState state);
+
 // The lines of the days from one up to another, which is not among them, in no order. What is
 // deleted is left out.
 std::vector<AccountLine> LinesOf(Database& db, const AccountLines& which, LineState state,

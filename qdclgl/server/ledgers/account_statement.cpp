@@ -7,20 +7,15 @@
 #include <vector>
 
 #include "qdclgl/frame/objects/class_table.h"
-#include "qdclgl/frame/vocabulary/text.h"
 #include "qdclgl/server/access/session.h"
 #include "qdclgl/server/db/refusals.h"
 #include "qdclgl/server/ledgers/account_lines.h"
 #include "qdclgl/server/ledgers/contra.h"
 #include "qdclgl/server/ledgers/days.h"
 #include "qdclgl/server/ledgers/ledger_sheet.h"
-#include "qdclgl/server/records/item.h"
-#include "qdclgl/server/records/master_data.h"
+#include "qdclgl/server/ledgers/wanted.h"
 
 namespace qdclgl::server {
-
-const MasterData& Accounts();
-const MasterData& ItemClasses();
 
 QD_DEFINE_MEMBERS(StatementInfo)
 
@@ -34,31 +29,16 @@ struct Wanted {
   bool with_unposted;
 };
 
-Long Named(const MasterData& kind, Database& db, const String& number, std::string_view what,
-           std::int32_t refusal) {
-  const Long id = kind.IdWithKey(db, number);
-  if (id == 0) Refuse(refusal, "There is no " + std::string(what) + " \"" + number + "\".");
-  return id;
-}
-
 AccountLines LinesWanted(Database& db, const String& account, const String& item_class,
                          const String& item) {
   AccountLines lines;
-  lines.account = Named(Accounts(), db, account, "account", refusal::kNotFound);
-  if (item_class.empty()) {
-    if (!item.empty()) Refuse(refusal::kBadReference, "An item is of an item class.");
-    return lines;
-  }
-  lines.item_class = Named(ItemClasses(), db, item_class, "item class", refusal::kBadReference);
-  if (!IsAskedFor(db, lines)) {
+  lines.account = AccountWanted(db, account);
+  const WantedItem wanted = ItemWanted(db, item_class, item);
+  lines.item_class = wanted.item_class;
+  if (wanted.item != 0) lines.item = wanted.item;
+  if (lines.item_class != 0 && !IsAskedFor(db, lines)) {
     Refuse(refusal::kBadReference, "Neither account " + account + " nor any below it asks for " +
                                        "items of item class " + item_class + ".");
-  }
-  if (item.empty()) return lines;
-  lines.item = Items().IdWith(db, "FNumber", ToUpper(item), "FItemClassID", lines.item_class);
-  if (lines.item == 0) {
-    Refuse(refusal::kBadReference,
-           "There is no item \"" + item + "\" of item class " + item_class + ".");
   }
   return lines;
 }

@@ -1,0 +1,162 @@
+// Finding lines by what stands in them.
+#include "qdclgl/cli/cell_values.h"
+#include "qdclgl/cli/day_words.h"
+#include "qdclgl/cli/item_classes.h"
+#include "qdclgl/cli/program.h"
+#include "qdclgl/frame/session/server_gateway.h"
+#include "qdclgl/server/ledgers/line_search.h"
+
+namespace qdclgl::cli {
+
+namespace {
+
+using server::LineInfo;
+
+struct FindOptions {
+  Login login;
+  Format format = Format::kPlain;
+  std::vector<std::string> words;
+  std::string account, from, to, preparer, group, item, amount;
+  bool posted = false, unposted = false;
+  Long first = 0, count = 0;
+};
+
+// As the server takes them: each in quotes, a quote inside doubled.
+std::string WordsText(const std::vector<std::string>& words) {
+  std::string text;
+  for (const std::string& word : words) {
+    text += text.empty() ? "\"" : " \"";
+    for (const char c : word) text.append(c == '"' ? 2 : 1, c);
+    text += '"';
+  }
+  return text;
+}
+
+// "100..200", "100.." and "..200", or "119" alone.
+std::string AmountFilter(const std::string& text) {
+  const std::size_t mark = text.find("..");
+  const auto amount = [](const std::string& number) {
+    try {
+      return AmountText(ReadAmount(number));
+    } catch (const BadCell& bad) {
+      throw CLI::ValidationError("--amount", bad.what());
+    }
+  };
+  if (mark == text.npos) return " AND FAmount = " + amount(text);
+  const std::string least = text.substr(0, mark), most = text.substr(mark + 2);
+  std::string filter;
+  if (!least.empty()) filter += " AND FAmount >= " + amount(least);
+  if (!most.empty()) filter += " AND FAmount <= " + amount(most);
+  return filter;
+}
+
+std::string FilterOf(const FindOptions& options) {
+  std::string filter = "FVoucherID > 0";
+  if (!options.preparer.empty()) filter += " AND FPreparer = " + FilterText(options.preparer);
+  if (!options.group.empty()) filter += " AND FGroup = " + FilterText(options.group);
+  if (!options.amount.empty()) filter += AmountFilter(options.amount);
+  return filter;
+}
+
+Ref<Recordset> LinesFound(const FindOptions& options, const std::string& props) {
+  std::string item_class, item;
+  if (!options.item.empty()) {
+    const std::vector<NamedItemClass> classes = ItemClassesOfBooks();
+    const NamedItem named = ItemNamed(classes, options.item);
+    item_class = named.item_class.number;
+    item = named.number;
+  }
+  const Long state = options.posted     ? LineInfo::kPosted
+                     : options.unposted ? LineInfo::kNotPosted
+                                        : LineInfo::kAll;
+  return CreateObject(LineInfo::kProgID)
+      ->Call("Find", props, WordsText(options.words), FilterOf(options), options.account,
+             DayFrom(props, "--from", options.from, DayEnd::kFirst),
+             DayFrom(props, "--to", options.to, DayEnd::kLast), state, item_class, item,
+             options.first, options.count)
+      .As<Recordset>();
+}
+
+std::string Text(const Dictionary& row, std::string_view key) {
+  return row.Value(key).As<String>();
+}
+
+// Amounts that a line doesn't have are left out.
+Variant Figure(const Dictionary& row, std::string_view key) {
+  const Variant value = row.Value(key);
+  return value.As<Currency>() == 0 ? Variant("") : value;
+}
+
+void PrintPlain(Recordset& lines, std::ostream& out) {
+  TableWriter table(out, Format::kPlain,
+                    {"ID", "Date", "Voucher", "State", "Account", "Name", "Explanation",
+                     "Reference", "Debit", "Credit"});
+  table.LeaveOutEmpty();
+  for (; !lines.Eof(); lines.MoveNext()) {
+    const Ref<Dictionary> row = lines.Row();
+    const String reference = Text(*row, "FTransNo");
+    table.Row({row->Value("FVoucherID"), CellText(row->Value("FDate")),
+               Text(*row, "FGroup") + " " + Text(*row, "FNumber"),
+               row->Value("FPosted").As<Boolean>() ? "" : "not posted",
+               row->Value("FAccountNumber"), row->Value("FAccountName"), row->Value("FExplanation"),
+               reference.empty() ? Text(*row, "FReference") : reference, Figure(*row, "FDebit"),
+               Figure(*row, "FCredit")});
+  }
+  table.Finish();
+}
+
+int FindLines(const FindOptions& options, const Console& console) {
+  const std::string props = options.login.Open();
+  const Ref<Recordset> lines = LinesFound(options, props);
+  if (options.format != Format::kPlain) {
+    WriteRecordset(console.out, options.format, lines, {});
+    return kDone;
+  }
+  if (lines->RecordCount() == 0) {
+    console.out << "No line has all that.\n";
+    return kDone;
+  }
+  PrintPlain(*lines, console.out);
+  if (lines->RecordCount() == options.count) {
+    console.out << "There may be more lines; they go on with --first "
+                << std::max<Long>(options.first, 1) + options.count << "\n";
+  }
+  return kDone;
+}
+
+// With books from the environment all words are looked for.
+bool IsSearched(const std::string&, const std::vector<std::string>&) {
+  return !BookFromEnvironment().empty();
+}
+
+}  // namespace
+
+void AddFindCommand(Program& program) {
+  const auto options = std::make_shared<FindOptions>();
+  CLI::App* command =
+      program.AddForWords("find", "Finds lines of vouchers", options->login, options->words,
+                          {"WORD",
+                           "What each line has: a part of a text, an amount or a day; without BOOK "
+                           "where QDCLGL_BOOK is "
+                           "set",
+                           IsSearched},
+                          [options, &program] { return FindLines(*options, program.console()); });
+  const auto add_text = [&](const char* name, std::string& text, const char* type,
+                            const char* help) {
+    return command->add_option(name, text, help)->type_name(type);
+  };
+  add_text("--account", options->account, "NUMBER", "On this account and those below it");
+  add_text("--from", options->from, "DAY", "From this day, period or year on");
+  add_text("--to", options->to, "DAY", "Up to this day, period or year");
+  add_text("--preparer", options->preparer, "NAME", "Of vouchers that this user made");
+  add_text("--group", options->group, "NAME", "Of vouchers of this group");
+  add_text("--item", options->item, "CLASS=NUMBER", "That name this item");
+  add_text("--amount", options->amount, "FROM..TO", "With an amount between these, or just one");
+  auto* posted = command->add_flag("--posted", options->posted, "Posted ones alone");
+  command->add_flag("--unposted", options->unposted, "Those that are not posted")->excludes(posted);
+  AddWhole(*command, "--first", options->first, "From this line on, counted from 1");
+  AddWhole(*command, "--count", options->count, "At most so many lines");
+  AddFormat(*command, options->format);
+}
+
+}  // namespace qdclgl::cli

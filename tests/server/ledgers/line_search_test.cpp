@@ -1,0 +1,118 @@
+#include "qdclgl/server/ledgers/line_search.h"
+
+#include "tests/server/ledger_fixture.h"
+
+namespace qdclgl::server::testing {
+namespace {
+
+// 1 is posted in January, 2 in February, 3 isn't; 4 is deleted.
+class LineSearchTest : public LedgerTest {
+ protected:
+  LineSearchTest() {
+    const auto customer = [] {
+      auto details = Make<Vector>();
+      details->Append(Variant(Row({{"FItemClassNumber", "CUSTOMER"}, {"FItemNumber", "C001"}})));
+      return details;
+    };
+    auto customers = Make<Vector>();
+    customers->Append(Variant(Row({{"FItemClassID", Long{3}}})));
+    Call("QDSVGLAccount.AccountUpdate", "Create", props,
+         Row({{"FNumber", "1130"}, {"FName", "Receivables"}, {"_Items", Variant(customers)}}));
+    Call("QDSVGLItem.ItemUpdate", "Create", props, Long{3},
+         Row({{"FItemClassID", Long{3}}, {"FNumber", "C001"}, {"FName", "Änne"}}));
+    Save(Voucher("2024-02-05", {Line("4000.01", Currency(119), 0, {{"FExplanation", "Green TEA"}}),
+                                Line("1000", 0, Currency(119), {{"FTransNo", "R-17"}})}));
+    Save(Voucher("2024-01-05",
+                 {Line("4000.02", Currency(7), 0, {{"FExplanation", "tea for staff"}}),
+                  Line("1000", 0, Currency(7))},
+                 {{"FGroupID", Long{2}}, {"FReference", "TEA-119"}}));
+    Save(Voucher("2024-03-05", {Line("1130", Currency(5), 0, {{"_Details", Variant(customer())}}),
+                                Line("3000", 0, Currency(5))}));
+    Long deleted = Save(Sale(Currency(119), "2024-02-06"));
+    Call("QDSVGLVoucher.VoucherUpdate", "Delete", props, ByRef(deleted));
+    Step("Post", 1);
+    Step("Post", 2);
+  }
+
+  // "VOUCHER/LINE" of what is found.
+  template <class... More>
+  std::string Found(std::string_view words, More... more) {
+    const auto lines =
+        Call("QDSVGLLine.LineInfo", "Find", props, words, more...).template As<Recordset>();
+    std::string text;
+    for (; !lines->Eof(); lines->MoveNext()) {
+      text +=
+          (text.empty() ? "" : " ") + CStr(lines->FieldValue(0)) + "/" + CStr(lines->FieldValue(1));
+    }
+    return text;
+  }
+};
+
+TEST_P(LineSearchTest, EachWordStandsSomewhereInALine) {
+  EXPECT_EQ(Found("tea"), "2/1 2/2 1/1") << "in the voucher's reference too, by day";
+  EXPECT_EQ(Found("tea green"), "1/1");
+  EXPECT_EQ(Found("r-17"), "1/2");
+  EXPECT_EQ(Found("rent"), "1/1") << "the account's name";
+  EXPECT_EQ(Found("4000.0"), "2/1 1/1") << "its number";
+  EXPECT_EQ(Found("\"for staff\""), "2/1");
+  EXPECT_EQ(Found("änne"), "3/1");
+  EXPECT_EQ(Found("ÄNNE c001"), "3/1");
+  EXPECT_EQ(Found("coffee"), "");
+  EXPECT_EQ(Found(""), "2/1 2/2 1/1 1/2 3/1 3/2");
+}
+
+TEST_P(LineSearchTest, ANumberIsAnAmountToTheLastDigitOrAPartOfAText) {
+  EXPECT_EQ(Found("119"), "2/1 2/2 1/1 1/2");
+  EXPECT_EQ(Found("119.00"), "1/1 1/2");
+  EXPECT_EQ(Found("tea 119.0000"), "1/1");
+  EXPECT_EQ(Found("119.0001"), "");
+  EXPECT_EQ(Found("-119"), "2/1 2/2") << "TEA-119";
+  EXPECT_EQ(Found("11"), "2/1 2/2 3/1") << "no part of an amount; TEA-119 and 1130";
+}
+
+TEST_P(LineSearchTest, ADayIsThatOfTheVoucher) {
+  EXPECT_EQ(Found("2024-02-05"), "1/1 1/2");
+  EXPECT_EQ(Found("2024-02-05 cash"), "1/2");
+}
+
+TEST_P(LineSearchTest, OptionsNarrowWhatIsFound) {
+  const auto day = [](const char* text) { return CDate(Variant(text)); };
+  EXPECT_EQ(Found("", "", "1000"), "2/2 1/2");
+  EXPECT_EQ(Found("tea", "", "4000"), "2/1 1/1");
+  EXPECT_EQ(Found("", "", "1130"), "3/1") << "not posted, by account";
+  EXPECT_EQ(Found("", "", "", day("2024-02-01"), day("2024-02-29")), "1/1 1/2");
+  EXPECT_EQ(Found("", "", "1000", day("2024-02-05")), "1/2");
+  EXPECT_EQ(Found("", "", "", DateTime(), DateTime(), LineInfo::kPosted), "2/1 2/2 1/1 1/2");
+  EXPECT_EQ(Found("", "", "", DateTime(), DateTime(), LineInfo::kNotPosted), "3/1 3/2");
+  EXPECT_EQ(Found("", "", "1130", DateTime(), DateTime(), LineInfo::kPosted), "");
+  EXPECT_EQ(Found("", "", "", DateTime(), DateTime(), Long{0}, "CUSTOMER", "c001"), "3/1");
+  EXPECT_EQ(Found("", "FGroup = 'Payments' AND FAmount <= 7"), "2/1 2/2");
+  EXPECT_EQ(Found("", "FPreparer = 'nobody'"), "");
+}
+
+TEST_P(LineSearchTest, PagesGoOnWhereTheOthersEnd) {
+  const auto page = [&](Long first, Long count) {
+    return Found("", "", "", DateTime(), DateTime(), Long{0}, "", "", first, count);
+  };
+  EXPECT_EQ(page(1, 2), "2/1 2/2");
+  EXPECT_EQ(page(3, 3), "1/1 1/2 3/1");
+  EXPECT_EQ(page(6, 3), "3/2");
+  EXPECT_EQ(page(5, 0), "3/1 3/2");
+}
+
+TEST_P(LineSearchTest, WhatIsNotThereIsRefused) {
+  EXPECT_EQ(RefusalOf([&] { Found("", "", "9"); }), "NotFound");
+  EXPECT_EQ(RefusalOf([&] { Found("", "FNothing = 1"); }), "BadFilter");
+  EXPECT_EQ(
+      RefusalOf([&] { Found("", "", "", DateTime(), DateTime(), Long{0}, "CUSTOMER", "C009"); }),
+      "BadReference");
+  EXPECT_EQ(RefusalOf([&] { Found("", "", "", DateTime(), DateTime(), Long{3}); }), "BadValue");
+  EXPECT_EQ(
+      RefusalOf([&] { Found("", "", "", DateTime(), DateTime(), Long{0}, "", "", Long{-1}); }),
+      "BadValue");
+}
+
+QDCLGL_BOOKS_TEST(LineSearchTest);
+
+}  // namespace
+}  // namespace qdclgl::server::testing
