@@ -1,5 +1,7 @@
 #include "qdclgl/cli/ledger_page.h"
 
+#include <utility>
+
 #include "qdclgl/cli/table.h"
 #include "qdclgl/server/ledgers/ledger_sheet.h"
 
@@ -13,6 +15,7 @@ using namespace server;
 struct Heading {
   std::string text;
   std::string field;
+  Long currency = kBaseCurrencyID;  // of amounts
 };
 
 String Text(const Dictionary& row, std::string_view key) { return row.Value(key).As<String>(); }
@@ -26,13 +29,15 @@ String NameOf(const Dictionary& row, std::string_view given, std::string_view ot
 // The figures of a sheet, in the order of their fields.
 std::vector<Heading> Figures(const Dictionary& ledger) {
   std::vector<Heading> headings = {{"Debit", "FDebit"}, {"Credit", "FCredit"}};
-  std::vector<String> currencies;
+  std::vector<std::pair<String, Long>> currencies;
   for (const auto& sub : RowsUnder(ledger, "_SubColumns")) {
-    currencies.push_back(NameOf(*sub, "FSubColumnName", "FCurrencyNumber"));
+    const String name = NameOf(*sub, "FSubColumnName", "FCurrencyNumber");
+    const auto currency = sub->Value("FCurrencyID").As<Long>();
+    currencies.emplace_back(name, currency);
     const std::string field = "FSub" + std::to_string(currencies.size());
-    headings.push_back({currencies.back() + " debit", field + "Debit"});
-    headings.push_back({currencies.back() + " credit", field + "Credit"});
-    headings.push_back({currencies.back() + " rate", field + "Rate"});
+    headings.push_back({name + " debit", field + "Debit", currency});
+    headings.push_back({name + " credit", field + "Credit", currency});
+    headings.push_back({name + " rate", field + "Rate"});
   }
   headings.push_back({"Side", ""});
   headings.push_back({"Balance", "FBalance"});
@@ -42,7 +47,8 @@ std::vector<Heading> Figures(const Dictionary& ledger) {
     const std::string field = "FColumn" + std::to_string(++number);
     headings.push_back({name, field});
     for (std::size_t i = 0; i < currencies.size(); ++i) {
-      headings.push_back({name + " " + currencies[i], field + "Sub" + std::to_string(i + 1)});
+      headings.push_back({name + " " + currencies[i].first, field + "Sub" + std::to_string(i + 1),
+                          currencies[i].second});
     }
   }
   return headings;
@@ -65,14 +71,21 @@ std::vector<std::string> LeadOf(const Dictionary& row) {
 }
 
 // A figure as it is printed; what is nothing is left out, but for the balance.
-std::string FigureText(const Dictionary& row, const Heading& heading) {
+Variant FigureOf(const Dictionary& row, const Heading& heading) {
   if (heading.text == "Side" && heading.field.empty()) {
     const auto side = row.Value("FDC").As<Long>();
     return side > 0 ? "debit" : side < 0 ? "credit" : "";
   }
   const Variant value = row.Value(heading.field);
   const bool is_shown = heading.field == "FBalance" || (!value.IsEmpty() && CDbl(value) != 0);
-  return is_shown ? CellText(value) : "";
+  return is_shown ? value : Variant("");
+}
+
+std::string FigureText(const Dictionary& row, const Heading& heading, const Look& look) {
+  const Variant figure = FigureOf(row, heading);
+  return figure.Type() == VariantType::kCurrency
+             ? MoneyText(figure.Held<Currency>(), look.DecimalsOf(heading.currency))
+             : CellText(figure);
 }
 
 constexpr const char* kLead[] = {"Date", "Voucher", "Account", "Explanation"};
@@ -93,23 +106,31 @@ std::string Escaped(std::string_view text) {
 
 }  // namespace
 
-void WriteLedgerTable(std::ostream& out, const Dictionary& ledger, Recordset& sheet) {
+void WriteLedgerTable(const Console& console, const Dictionary& ledger, Recordset& sheet) {
   const std::vector<Heading> figures = Figures(ledger);
   std::vector<std::string> headings(std::begin(kLead), std::end(kLead));
-  for (const Heading& heading : figures) headings.push_back(heading.text);
-  TableWriter table(out, Format::kPlain, headings);
+  for (const Heading& heading : figures) {
+    const bool shows_key = console.look.shows_keys && !heading.field.empty();
+    headings.push_back(shows_key ? heading.field : heading.text);
+  }
+  TableWriter table(console, Format::kPlain, headings);
   table.AlignRight(std::size(kLead));
+  for (std::size_t i = 0; i < figures.size(); ++i) {
+    table.InCurrency(std::size(kLead) + i, figures[i].currency);
+  }
   for (; !sheet.Eof(); sheet.MoveNext()) {
     const Ref<Dictionary> row = sheet.Row();
     std::vector<Variant> cells;
     for (std::string& text : LeadOf(*row)) cells.emplace_back(std::move(text));
-    for (const Heading& heading : figures) cells.emplace_back(FigureText(*row, heading));
-    table.Row(cells);
+    for (const Heading& heading : figures) cells.push_back(FigureOf(*row, heading));
+    if (Text(*row, "FRow") == sheet_row::kLine) table.Row(cells);
+    else table.Total(cells);
   }
   table.Finish();
 }
 
-void WriteLedgerPage(std::ostream& out, const Dictionary& ledger, Recordset& sheet) {
+void WriteLedgerPage(const Console& console, const Dictionary& ledger, Recordset& sheet) {
+  std::ostream& out = console.out;
   const std::string title =
       Escaped(Text(ledger, "FLedgerName") + ": " + Text(ledger, "FAccountNumber") + " " +
               Text(ledger, "FAccountName"));
@@ -132,7 +153,7 @@ void WriteLedgerPage(std::ostream& out, const Dictionary& ledger, Recordset& she
     out << (Text(*row, "FRow") == sheet_row::kLine ? "<tr>" : "<tr class=\"sum\">");
     for (const std::string& text : LeadOf(*row)) out << "<td>" << Escaped(text) << "</td>";
     for (const Heading& heading : figures) {
-      out << "<td class=\"figure\">" << Escaped(FigureText(*row, heading)) << "</td>";
+      out << "<td class=\"figure\">" << Escaped(FigureText(*row, heading, console.look)) << "</td>";
     }
     out << "</tr>\n";
   }

@@ -64,8 +64,14 @@ class Program {
   int RunChosen();
 
  private:
-  const Console& console_;
+  // How the output of a command that prints tables looks.
+  void AddLook(CLI::App& command);
+  void TakeLook();
+
+  Console console_;
   CLI::App app_;
+  std::string colour_ = "auto";
+  bool no_pager_ = false;
   std::function<int()> chosen_;
 };
 
