@@ -93,6 +93,7 @@ Program::Program(const Console& console)
   AddLedgerCommand(*this);
   AddUserCommand(*this);
   AddApiCommand(*this);
+  AddCompleteCommand(*this);
   AddHelpCommand(*this);
   for (CLI::App* command : app_.get_subcommands({})) {
     if (command->get_option_no_throw("--json") != nullptr) AddLook(*command);

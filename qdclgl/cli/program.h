@@ -38,6 +38,7 @@ class Program {
 
   const Console& console() const { return console_; }
   CLI::App& app() { return app_; }
+  const CLI::App& app() const { return app_; }
 
   // A command. `run` gives the exit code; it runs once the whole command line is understood.
   CLI::App* Add(const std::string& name, const std::string& help, std::function<int()> run);
@@ -110,6 +111,7 @@ void AddBalanceCommand(Program& program);   // balance
 void AddLedgerCommand(Program& program);    // ledger
 void AddUserCommand(Program& program);      // user
 void AddApiCommand(Program& program);       // api
+void AddCompleteCommand(Program& program);  // complete
 void AddHelpCommand(Program& program);      // help
 
 }  // namespace qdclgl::cli

@@ -238,25 +238,5 @@ TEST(ManPage, KnowsEveryCommandEveryOptionAndEveryExitCode) {
   }
 }
 
-TEST(Completion, OffersWhatTheProgramKnows) {
-  const auto offered = [](const std::string& words, int place) {
-    const std::string script =
-        "source " QDCLGL_SOURCE_DIR "/qdclgl/cli/qdclgl.bash; COMP_WORDS=(" QDCLGL_PROGRAM " " +
-        words + "); COMP_CWORD=" + std::to_string(place) + "; _qdclgl; echo \"${COMPREPLY[*]}\"";
-    return RunProgram({"-c", script}, "/bin/bash").out;
-  };
-  for (const std::string& name : CommandNames()) {
-    EXPECT_EQ(offered(name, 1).substr(0, name.size()), name);
-  }
-  EXPECT_EQ(offered("bal", 1), "balance\n");
-  EXPECT_EQ(offered("balance --cs", 2), "--csv\n");
-  EXPECT_EQ(offered("api Currencyx", 2), "Currencyx\n");
-  EXPECT_EQ(offered("show acc", 2), "accounts\n");
-  EXPECT_EQ(offered("remove books.db curr", 3), "currencies\n");
-  EXPECT_EQ(offered("set users ann FR", 4), "FRoles=\n");
-  EXPECT_EQ(offered("add books.db users ann FV", 5), "\n") << "nobody sets the version";
-  EXPECT_EQ(offered("show users ann FR", 4), "\n");
-}
-
 }  // namespace
 }  // namespace qdclgl::cli::testing
