@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "qdclgl/cli/html.h"
 #include "qdclgl/cli/table.h"
 #include "qdclgl/server/ledgers/ledger_sheet.h"
 
@@ -90,20 +91,6 @@ std::string FigureText(const Dictionary& row, const Heading& heading, const Look
 
 constexpr const char* kLead[] = {"Date", "Voucher", "Account", "Explanation"};
 
-std::string Escaped(std::string_view text) {
-  std::string escaped;
-  for (const char c : text) {
-    switch (c) {
-      case '&': escaped += "&amp;"; break;
-      case '<': escaped += "&lt;"; break;
-      case '>': escaped += "&gt;"; break;
-      case '"': escaped += "&quot;"; break;
-      default: escaped += c;
-    }
-  }
-  return escaped;
-}
-
 }  // namespace
 
 void WriteLedgerTable(const Console& console, const Dictionary& ledger, Recordset& sheet) {
@@ -130,34 +117,24 @@ void WriteLedgerTable(const Console& console, const Dictionary& ledger, Recordse
 }
 
 void WriteLedgerPage(const Console& console, const Dictionary& ledger, Recordset& sheet) {
-  std::ostream& out = console.out;
-  const std::string title =
-      Escaped(Text(ledger, "FLedgerName") + ": " + Text(ledger, "FAccountNumber") + " " +
-              Text(ledger, "FAccountName"));
-  out << "<!DOCTYPE html>\n<html><head><meta charset=\"utf-8\"><title>" << title
-      << "</title>\n<style>\n"
-         "body { font-family: sans-serif; font-size: 9pt }\n"
-         "table { border-collapse: collapse }\n"
-         "thead { display: table-header-group }\n"
-         "th, td { border: 1px solid #999; padding: 1px 4px }\n"
-         ".figure { text-align: right; white-space: nowrap }\n"
-         "tr.sum td { font-weight: bold }\n"
-         "</style></head>\n<body><h1>"
-      << title << "</h1>\n<table><thead><tr>";
   const std::vector<Heading> figures = Figures(ledger);
-  for (const char* heading : kLead) out << "<th>" << heading << "</th>";
-  for (const Heading& heading : figures) out << "<th>" << Escaped(heading.text) << "</th>";
-  out << "</tr></thead>\n<tbody>\n";
+  std::vector<HtmlColumn> columns;
+  for (const char* heading : kLead) columns.push_back({heading});
+  for (const Heading& heading : figures) columns.push_back({heading.text, true});
+  BeginPage(console.out, {Text(ledger, "FLedgerName") + ": " + Text(ledger, "FAccountNumber") +
+                          " " + Text(ledger, "FAccountName")});
+  HtmlTable table(console.out, "Multi-column ledger", columns);
   for (; !sheet.Eof(); sheet.MoveNext()) {
     const Ref<Dictionary> row = sheet.Row();
-    out << (Text(*row, "FRow") == sheet_row::kLine ? "<tr>" : "<tr class=\"sum\">");
-    for (const std::string& text : LeadOf(*row)) out << "<td>" << Escaped(text) << "</td>";
+    std::vector<HtmlCell> cells;
+    for (std::string& text : LeadOf(*row)) cells.push_back({std::move(text)});
     for (const Heading& heading : figures) {
-      out << "<td class=\"figure\">" << Escaped(FigureText(*row, heading, console.look)) << "</td>";
+      cells.push_back({FigureText(*row, heading, console.look)});
     }
-    out << "</tr>\n";
+    table.Row(cells, Text(*row, "FRow") == sheet_row::kLine ? HtmlRow::kPlain : HtmlRow::kSum);
   }
-  out << "</tbody></table></body></html>\n";
+  table.End();
+  EndPage(console.out);
 }
 
 }  // namespace qdclgl::cli

@@ -91,6 +91,7 @@ Program::Program(const Console& console)
   AddEntryCommands(*this);
   AddBalanceCommand(*this);
   AddLedgerCommand(*this);
+  AddReportCommand(*this);
   AddUserCommand(*this);
   AddApiCommand(*this);
   AddCompleteCommand(*this);

@@ -109,6 +109,7 @@ void AddVoucherCommands(Program& program);  // voucher, and the steps from check
 void AddEntryCommands(Program& program);    // new, copy, reverse
 void AddBalanceCommand(Program& program);   // balance
 void AddLedgerCommand(Program& program);    // ledger
+void AddReportCommand(Program& program);    // report
 void AddUserCommand(Program& program);      // user
 void AddApiCommand(Program& program);       // api
 void AddCompleteCommand(Program& program);  // complete
