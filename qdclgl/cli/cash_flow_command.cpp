@@ -25,8 +25,8 @@ Variant Figure(const Dictionary& row, std::string_view key) {
   return value.As<Currency>() == 0 ? Variant("") : value;
 }
 
-void PrintPlain(Recordset& rows, bool compare, std::ostream& out) {
-  TableWriter table(out, Format::kPlain,
+void PrintPlain(Recordset& rows, bool compare, const Console& console) {
+  TableWriter table(console, Format::kPlain,
                     {"Item", "Account", "Name", "In", "Out", "Net", "Year before"});
   table.LeaveOutEmpty();
   for (; !rows.Eof(); rows.MoveNext()) {
@@ -54,8 +54,8 @@ int PrintCashFlow(const CashFlowOptions& options, const Console& console) {
           ->Call("GetCashFlow", props, DayFrom(props, "--from", options.from, DayEnd::kFirst),
                  DayFrom(props, "--to", options.to, DayEnd::kLast), Boolean{options.compare})
           .As<Recordset>();
-  if (options.format != Format::kPlain) WriteRecordset(console.out, options.format, rows, {});
-  else PrintPlain(*rows, options.compare, console.out);
+  if (options.format != Format::kPlain) WriteRecordset(console, options.format, rows, {});
+  else PrintPlain(*rows, options.compare, console);
   return kDone;
 }
 

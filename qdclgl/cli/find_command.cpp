@@ -87,8 +87,8 @@ Variant Figure(const Dictionary& row, std::string_view key) {
   return value.As<Currency>() == 0 ? Variant("") : value;
 }
 
-void PrintPlain(Recordset& lines, std::ostream& out) {
-  TableWriter table(out, Format::kPlain,
+void PrintPlain(Recordset& lines, const Console& console) {
+  TableWriter table(console, Format::kPlain,
                     {"ID", "Date", "Voucher", "State", "Account", "Name", "Explanation",
                      "Reference", "Debit", "Credit"});
   table.LeaveOutEmpty();
@@ -109,14 +109,14 @@ int FindLines(const FindOptions& options, const Console& console) {
   const std::string props = options.login.Open();
   const Ref<Recordset> lines = LinesFound(options, props);
   if (options.format != Format::kPlain) {
-    WriteRecordset(console.out, options.format, lines, {});
+    WriteRecordset(console, options.format, lines, {});
     return kDone;
   }
   if (lines->RecordCount() == 0) {
     console.out << "No line has all that.\n";
     return kDone;
   }
-  PrintPlain(*lines, console.out);
+  PrintPlain(*lines, console);
   if (lines->RecordCount() == options.count) {
     console.out << "There may be more lines; they go on with --first "
                 << std::max<Long>(options.first, 1) + options.count << "\n";

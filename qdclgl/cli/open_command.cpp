@@ -40,8 +40,10 @@ std::string Text(const Dictionary& row, std::string_view key) {
 // The open items with a sum for each item and one of all.
 class OpenTable {
  public:
-  OpenTable(std::ostream& out, const std::vector<std::string>& ages)
-      : sums_(ages.size() + 1), all_(ages.size() + 1), table_(out, Format::kPlain, Headings(ages)) {
+  OpenTable(const Console& console, const std::vector<std::string>& ages)
+      : sums_(ages.size() + 1),
+        all_(ages.size() + 1),
+        table_(console, Format::kPlain, Headings(ages)) {
     table_.LeaveOutEmpty();
   }
 
@@ -84,7 +86,7 @@ class OpenTable {
   void PutSums(const std::string& what, const std::vector<Currency>& sums) {
     std::vector<Variant> cells = {what, "", "", "", ""};
     cells.insert(cells.end(), sums.begin(), sums.end());
-    table_.Row(cells);
+    table_.Total(cells);
   }
 
   std::vector<Currency> sums_, all_;
@@ -103,11 +105,11 @@ int PrintOpenItems(const OpenOptions& options, const Console& console) {
           ->Call("GetOpenItems", props, item_class, date, options.account, options.ageing)
           .As<Recordset>();
   if (options.format != Format::kPlain) {
-    WriteRecordset(console.out, options.format, rows, {});
+    WriteRecordset(console, options.format, rows, {});
   } else if (rows->RecordCount() == 0) {
     console.out << "Nothing is open on " << date.ToText() << ".\n";
   } else {
-    OpenTable table(console.out, AgeHeadings(options.ageing));
+    OpenTable table(console, AgeHeadings(options.ageing));
     for (; !rows->Eof(); rows->MoveNext()) table.Add(*rows->Row());
     table.Finish();
   }

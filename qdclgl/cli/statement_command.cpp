@@ -102,11 +102,12 @@ String BaseCurrency(const std::string& props) {
       .As<String>();
 }
 
-void PrintLines(Recordset& rows, const String& account, const String& base, std::ostream& out) {
-  TableWriter table(
-      out, Format::kPlain,
-      {"Item", "Date", "Voucher", "State", "Account", "Contra", "Explanation", "Reference",
-       "Currency", "Rate", "Debit for", "Credit for", "Balance for", "Debit", "Credit", "Balance"});
+void PrintLines(Recordset& rows, const String& account, const String& base,
+                const Console& console) {
+  TableWriter table(console, Format::kPlain,
+                    {"Item", "Date", "Voucher", "State", "Account", "Contra", "Explanation",
+                     "Reference", "Currency", "Rate", "Debit for", "Credit for", "Balance for",
+                     "FDebit", "FCredit", "FBalance"});
   table.LeaveOutEmpty();
   std::string next;
   for (; !rows.Eof(); rows.MoveNext()) {
@@ -129,11 +130,12 @@ void PrintLines(Recordset& rows, const String& account, const String& base, std:
       next = Text(*row, "FVoucherID") + "/" + Text(*row, "FEntryID");
   }
   table.Finish();
-  if (!next.empty()) out << "There are more lines; they go on with --after " << next << "\n";
+  if (!next.empty())
+    console.out << "There are more lines; they go on with --after " << next << "\n";
 }
 
-void PrintPeriods(Recordset& rows, std::ostream& out) {
-  TableWriter table(out, Format::kPlain,
+void PrintPeriods(Recordset& rows, const Console& console) {
+  TableWriter table(console, Format::kPlain,
                     {"Item", "Period", "Opening", "Debit", "Credit", "Closing"});
   table.LeaveOutEmpty();
   for (; !rows.Eof(); rows.MoveNext()) {
@@ -150,7 +152,7 @@ void PrintPeriods(Recordset& rows, std::ostream& out) {
 }
 
 // Whether something moved; otherwise a sentence tells so.
-bool HasMovements(const Ref<Recordset>& rows, const String& account, std::ostream& out) {
+bool HasMovements(const Ref<Recordset>& rows, const String& account, const Console& console) {
   Ref<Dictionary> first, last;
   bool has_any = false;
   const Ref<Recordset> all = rows->Clone();
@@ -161,9 +163,11 @@ bool HasMovements(const Ref<Recordset>& rows, const String& account, std::ostrea
     has_any = has_any || kind == sheet_row::kLine || kind == sheet_row::kPeriod;
   }
   if (has_any) return true;
-  out << "Nothing moves on " << account << " from " << CellText(first->Value("FDate")) << " to "
-      << CellText(last->Value("FDate")) << "; the balance is " << CellText(last->Value("FBalance"))
-      << ".\n";
+  console.out << "Nothing moves on " << account << " from " << CellText(first->Value("FDate"))
+              << " to " << CellText(last->Value("FDate")) << "; the balance is "
+              << MoneyText(last->Value("FBalance").As<Currency>(),
+                           console.look.DecimalsOf(kBaseCurrencyID), console.look.negatives)
+              << ".\n";
   return false;
 }
 
@@ -172,10 +176,10 @@ int PrintStatement(const StatementOptions& options, const Console& console) {
   const std::string props = options.login.Open();
   const Ref<Recordset> rows = StatementOf(options, props);
   const String& account = options.words.front();
-  if (options.format != Format::kPlain) WriteRecordset(console.out, options.format, rows, {});
-  else if (!HasMovements(rows, account, console.out)) return kDone;
-  else if (options.monthly) PrintPeriods(*rows, console.out);
-  else PrintLines(*rows, account, BaseCurrency(props), console.out);
+  if (options.format != Format::kPlain) WriteRecordset(console, options.format, rows, {});
+  else if (!HasMovements(rows, account, console)) return kDone;
+  else if (options.monthly) PrintPeriods(*rows, console);
+  else PrintLines(*rows, account, BaseCurrency(props), console);
   return kDone;
 }
 

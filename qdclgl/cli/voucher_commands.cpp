@@ -48,7 +48,8 @@ std::string DetailsOf(VoucherEntry& line) {
   return text;
 }
 
-void PrintPlain(Voucher& voucher, std::ostream& out) {
+void PrintPlain(Voucher& voucher, const Console& console) {
+  std::ostream& out = console.out;
   const auto field = [&](const char* name, const std::string& value) {
     if (!value.empty()) out << name << OneLine(value) << '\n';
   };
@@ -61,9 +62,10 @@ void PrintPlain(Voucher& voucher, std::ostream& out) {
   field("State      ", StateOf(voucher));
   out << '\n';
 
-  TableWriter table(out, Format::kPlain,
-                    {"Line", "Account", "Name", "Explanation", "Debit", "Credit", "Currency",
-                     "Amount", "Rate", "Quantity", "Unit", "Price", "Reference", "Details"});
+  TableWriter table(console, Format::kPlain,
+                    {"Line", "FAccountNumber", "FAccountName", "FExplanation", "FDebit", "FCredit",
+                     "FCurrencyNumber", "FAmountFor", "FExchangeRate", "FQuantity", "FMeasureUnit",
+                     "FUnitPrice", "FTransNo", "Details"});
   table.LeaveOutEmpty();
   const Variant none("");
   const auto number = [&](double value) { return value != 0 ? Variant(value) : none; };
@@ -77,7 +79,8 @@ void PrintPlain(Voucher& voucher, std::ostream& out) {
                is_foreign ? Variant(line.AmountFor()) : none,
                is_foreign ? Variant(line.ExchangeRate()) : none, number(line.Quantity()),
                Stored(line.Properties(), "FMeasureUnit"), number(line.UnitPrice()), line.TransNo(),
-               DetailsOf(line)});
+               DetailsOf(line)},
+              line.CurrencyID());
   }
   table.Finish();
 }
@@ -97,7 +100,7 @@ int PrintVoucher(const VoucherOptions& options, const Console& console) {
   if (options.json) {
     console.out << JsonText(Variant(voucher->Properties()->Dictionary()), 2) << '\n';
   } else {
-    PrintPlain(*voucher, console.out);
+    PrintPlain(*voucher, console);
   }
   return kDone;
 }

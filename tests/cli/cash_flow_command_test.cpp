@@ -20,11 +20,11 @@ class CashFlows : public CliTest {
 
 TEST_P(CashFlows, TellWhereCashComesFromAndGoesTo) {
   InitWithCash();
-  EXPECT_EQ(Run({"cashflow"}).out, "Account  Name                       In     Out      Net\n"
-                                   "         Cash at the beginning                   0.0000\n"
-                                   "1002     Goods                          3.0000  -3.0000\n"
-                                   "2000.01  Capital                10.5000          10.5000\n"
-                                   "         Cash at the end                          7.5000\n");
+  EXPECT_EQ(Run({"cashflow"}).out, "Account  Name                      In   Out    Net\n"
+                                   "         Cash at the beginning                0.00\n"
+                                   "1002     Goods                         3.00  -3.00\n"
+                                   "2000.01  Capital                10.50        10.50\n"
+                                   "         Cash at the end                      7.50\n");
   EXPECT_EQ(Run({"cashflow", "--csv", "--from", "2024-02", "--to", "2024-02"}).out,
             "FRow,FCashFlowItem,FAccountNumber,FAccountName,FInflow,FOutflow,FNet,FNetBefore\n"
             "Opening,0,,,10.5000,0.0000,10.5000,0.0000\n"
@@ -35,10 +35,10 @@ TEST_P(CashFlows, TellWhereCashComesFromAndGoesTo) {
 TEST_P(CashFlows, StandBesideThoseOfTheYearBefore) {
   InitWithCash();
   EXPECT_EQ(Run({"cashflow", "--from", "2025/2", "--to", "2025/2", "--compare"}).out,
-            "Account  Name                      Net  Year before\n"
-            "         Cash at the beginning  7.5000      10.5000\n"
-            "1002     Goods                  0.0000      -3.0000\n"
-            "         Cash at the end        7.5000       7.5000\n");
+            "Account  Name                    Net  Year before\n"
+            "         Cash at the beginning  7.50        10.50\n"
+            "1002     Goods                  0.00        -3.00\n"
+            "         Cash at the end        7.50         7.50\n");
 }
 
 QDCLGL_CLI_TEST(CashFlows);

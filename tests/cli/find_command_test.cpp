@@ -24,15 +24,15 @@ class Find : public CliTest {
 TEST_P(Find, ShowsTheLinesThatHaveAllWords) {
   InitWithLines();
   EXPECT_EQ(Run({"find", "tea", "119", "capital"}).out,
-            "ID  Date        Voucher    Account  Name     Explanation  Reference     Debit\n"
-            " 1  2024-01-05  General 1  2000.01  Capital  Green Tea    R-1        119.0000\n");
+            "ID  Date        Voucher    Account  Name     Explanation  Reference   Debit\n"
+            " 1  2024-01-05  General 1  2000.01  Capital  Green Tea    R-1        119.00\n");
   EXPECT_EQ(Run({"find", "--from", "2024-02", "käse"}).out,
-            "ID  Date        Voucher    State       Account  Name     Explanation  Reference    "
-            "Debit   Credit\n"
+            "ID  Date        Voucher    State       Account  Name     Explanation  Reference  "
+            "Debit  Credit\n"
             " 2  2024-02-05  General 1  not posted  2000.01  Capital  KÄSE         b          "
-            "12.0000\n"
-            " 2  2024-02-05  General 1  not posted  1001     Bank     KÄSE         b            "
-            "        12.0000\n")
+            "12.00\n"
+            " 2  2024-02-05  General 1  not posted  1001     Bank     KÄSE         b          "
+            "        12.00\n")
       << "a line without a text has its voucher's";
   EXPECT_EQ(Run({"find", "green tea", "r-1", "--amount", "100..", "--csv"}).out,
             "FVoucherID,FEntryID,FDate,FYear,FPeriod,FGroup,FNumber,FPosted,FPreparer,FReference,"

@@ -31,16 +31,16 @@ class OpenItems : public CliTest {
 TEST_P(OpenItems, StandUnderTheirAgeWithSums) {
   InitWithInvoices();
   EXPECT_EQ(Run({"open", "--by", "customers", "--date", "2024-03-10", "--ageing", "30,60"}).out,
-            "Item                Account  Reference  Date        Days     Open    to 30    31-60  "
-            "over 60\n"
-            "C001 Anna           1100     A-1        2024-01-05    65  40.0000                    "
-            "40.0000\n"
-            "C001 Anna           1100     A-2        2024-02-05    34  50.0000           50.0000\n"
-            "C001 Anna together                                       90.0000   0.0000  50.0000  "
-            "40.0000\n"
-            "C002 Bert           1100     A-1        2024-02-20    19   7.0000   7.0000\n"
-            "Total                                                    97.0000   7.0000  50.0000  "
-            "40.0000\n");
+            "Item                Account  Reference  Date        Days   Open  to 30  31-60  over "
+            "60\n"
+            "C001 Anna           1100     A-1        2024-01-05    65  40.00                  "
+            "40.00\n"
+            "C001 Anna           1100     A-2        2024-02-05    34  50.00         50.00\n"
+            "C001 Anna together                                       90.00   0.00  50.00    "
+            "40.00\n"
+            "C002 Bert           1100     A-1        2024-02-20    19   7.00   7.00\n"
+            "Total                                                    97.00   7.00  50.00    "
+            "40.00\n");
   EXPECT_EQ(Run({"open", "--date", "2024-01-04", "--by", "customer"}).out,
             "Nothing is open on 2024-01-04.\n");
 }

@@ -24,11 +24,11 @@ class Statements : public CliTest {
 TEST_P(Statements, AreLinesWithTheirOtherSideAndTheBalance) {
   InitWithPostings();
   const std::string february =
-      "Date        Voucher    Account  Contra     Explanation       Debit  Credit  Balance\n"
-      "2024-02-01                                 Brought forward                  10.5000\n"
-      "2024-02-05  General 1  2000.01  1000,1001                   3.0000          13.5000\n"
-      "2024-02-07  General 2  2000.01  1000                                4.0000   9.5000\n"
-      "2024-02-29                                 Carried forward  3.0000  4.0000   9.5000\n";
+      "Date        Voucher    Account  Contra     Explanation      Debit  Credit  Balance\n"
+      "2024-02-01                                 Brought forward                   10.50\n"
+      "2024-02-05  General 1  2000.01  1000,1001                    3.00            13.50\n"
+      "2024-02-07  General 2  2000.01  1000                                 4.00     9.50\n"
+      "2024-02-29                                 Carried forward   3.00    4.00     9.50\n";
   for (const auto& [from, to] :
        {std::pair("2024-02", "2024-02"), std::pair("2024/2", "2024/2"),
         std::pair("2024-02-01", "2024-02-29"), std::pair("2024-2", "2024/02")}) {
@@ -36,9 +36,9 @@ TEST_P(Statements, AreLinesWithTheirOtherSideAndTheBalance) {
   }
   EXPECT_EQ(Run({"statement", "--to", "2024/2", "2000.01", "--from", "2024-02-06"}).out,
             "Date        Voucher    Contra  Explanation      Credit  Balance\n"
-            "2024-02-06                     Brought forward          13.5000\n"
-            "2024-02-07  General 2  1000                     4.0000   9.5000\n"
-            "2024-02-29                     Carried forward  4.0000   9.5000\n");
+            "2024-02-06                     Brought forward            13.50\n"
+            "2024-02-07  General 2  1000                       4.00     9.50\n"
+            "2024-02-29                     Carried forward    4.00     9.50\n");
   EXPECT_EQ(Run({"statement", "2000", "--from", "2024", "--to", "2024", "--csv"}).out,
             Run({"statement", "2000", "--csv"}).out);
 }
@@ -46,22 +46,22 @@ TEST_P(Statements, AreLinesWithTheirOtherSideAndTheBalance) {
 TEST_P(Statements, AreALineForEachPeriodWhereThatIsAskedFor) {
   InitWithPostings();
   EXPECT_EQ(Run({"statement", "2000", "--monthly"}).out,
-            "Period  Opening    Debit  Credit  Closing\n"
-            "2024/1   0.0000  10.5000  0.0000  10.5000\n"
-            "2024/2  10.5000   3.0000  4.0000   9.5000\n"
-            "Total    0.0000  13.5000  4.0000   9.5000\n");
+            "Period  Opening  Debit  Credit  Closing\n"
+            "2024/1     0.00  10.50    0.00    10.50\n"
+            "2024/2    10.50   3.00    4.00     9.50\n"
+            "Total      0.00  13.50    4.00     9.50\n");
 }
 
 TEST_P(Statements, WhatIsNotPostedIsMarked) {
   Init();
   ImportRows("v1,2024-01-05,1000,10.5,\nv1,2024-01-05,1001,,10.5\n");
   EXPECT_EQ(Run({"statement", "1000"}).out,
-            "Nothing moves on 1000 from 2024-01-01 to 2024-12-31; the balance is 0.0000.\n");
+            "Nothing moves on 1000 from 2024-01-01 to 2024-12-31; the balance is 0.00.\n");
   EXPECT_EQ(Run({"statement", "1000", "--unposted"}).out,
-            "Date        Voucher    State       Contra  Explanation        Debit  Balance\n"
-            "2024-01-01                                 Brought forward            0.0000\n"
-            "2024-01-05  General 1  not posted  1001                     10.5000  10.5000\n"
-            "2024-12-31                                 Carried forward  10.5000  10.5000\n");
+            "Date        Voucher    State       Contra  Explanation      Debit  Balance\n"
+            "2024-01-01                                 Brought forward            0.00\n"
+            "2024-01-05  General 1  not posted  1001                     10.50    10.50\n"
+            "2024-12-31                                 Carried forward  10.50    10.50\n");
 }
 
 TEST_P(Statements, GoOnWhereTheirPageEnds) {
@@ -70,9 +70,9 @@ TEST_P(Statements, GoOnWhereTheirPageEnds) {
   EXPECT_TRUE(page.ends_with("There are more lines; they go on with --after 2/1\n")) << page;
   EXPECT_EQ(Run({"statement", "2000", "--count", "2", "--after", "2/1"}).out,
             "Date        Voucher    Account  Contra  Explanation      Credit  Balance\n"
-            "2024-01-01                              Brought forward          13.5000\n"
-            "2024-02-07  General 2  2000.01  1000                     4.0000   9.5000\n"
-            "2024-12-31                              Carried forward  4.0000   9.5000\n");
+            "2024-01-01                              Brought forward            13.50\n"
+            "2024-02-07  General 2  2000.01  1000                       4.00     9.50\n"
+            "2024-12-31                              Carried forward    4.00     9.50\n");
 }
 
 TEST_P(Statements, GoItemByItemOrAreOfOneItem) {
@@ -90,18 +90,18 @@ TEST_P(Statements, GoItemByItemOrAreOfOneItem) {
   ASSERT_EQ(Run({"import", "--journal", path, "--check-all", "--post-all"}).err, "");
   EXPECT_EQ(
       Run({"statement", "1100", "--by", "customers", "--from", "2024/1", "--to", "2024/1"}).out,
-      "Item       Date        Voucher    Contra  Explanation        Debit  Balance\n"
-      "C001 Anna  2024-01-01                     Brought forward            0.0000\n"
-      "C001 Anna  2024-01-05  General 1  1000                      5.0000   5.0000\n"
-      "C001 Anna  2024-01-31                     Carried forward   5.0000   5.0000\n"
-      "C002 Bert  2024-01-01                     Brought forward            0.0000\n"
-      "C002 Bert  2024-01-05  General 1  1000                     10.0000  10.0000\n"
-      "C002 Bert  2024-01-31                     Carried forward  10.0000  10.0000\n"
-      "           2024-01-31                     Total            15.0000  15.0000\n");
+      "Item       Date        Voucher    Contra  Explanation      Debit  Balance\n"
+      "C001 Anna  2024-01-01                     Brought forward            0.00\n"
+      "C001 Anna  2024-01-05  General 1  1000                      5.00     5.00\n"
+      "C001 Anna  2024-01-31                     Carried forward   5.00     5.00\n"
+      "C002 Bert  2024-01-01                     Brought forward            0.00\n"
+      "C002 Bert  2024-01-05  General 1  1000                     10.00    10.00\n"
+      "C002 Bert  2024-01-31                     Carried forward  10.00    10.00\n"
+      "           2024-01-31                     Total            15.00    15.00\n");
   EXPECT_EQ(Run({"statement", "1100", "--item", "customer=c001", "--monthly"}).out,
-            "Item       Period  Opening   Debit  Credit  Closing\n"
-            "C001 Anna  2024/1   0.0000  5.0000  0.0000   5.0000\n"
-            "C001 Anna  Total    0.0000  5.0000  0.0000   5.0000\n");
+            "Item       Period  Opening  Debit  Credit  Closing\n"
+            "C001 Anna  2024/1     0.00   5.00    0.00     5.00\n"
+            "C001 Anna  Total      0.00   5.00    0.00     5.00\n");
 }
 
 TEST_P(Statements, CsvAndJsonHaveAllThatTheServerTells) {
