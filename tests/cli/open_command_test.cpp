@@ -36,10 +36,10 @@ TEST_P(OpenItems, StandUnderTheirAgeWithSums) {
             "C001 Anna           1100     A-1        2024-01-05    65  40.00                  "
             "40.00\n"
             "C001 Anna           1100     A-2        2024-02-05    34  50.00         50.00\n"
-            "C001 Anna together                                       90.00   0.00  50.00    "
+            "C001 Anna together                                        90.00   0.00  50.00    "
             "40.00\n"
             "C002 Bert           1100     A-1        2024-02-20    19   7.00   7.00\n"
-            "Total                                                    97.00   7.00  50.00    "
+            "Total                                                     97.00   7.00  50.00    "
             "40.00\n");
   EXPECT_EQ(Run({"open", "--date", "2024-01-04", "--by", "customer"}).out,
             "Nothing is open on 2024-01-04.\n");

@@ -47,7 +47,7 @@ TEST_P(Statements, AreALineForEachPeriodWhereThatIsAskedFor) {
   InitWithPostings();
   EXPECT_EQ(Run({"statement", "2000", "--monthly"}).out,
             "Period  Opening  Debit  Credit  Closing\n"
-            "2024/1     0.00  10.50    0.00    10.50\n"
+            "2024/1     0.00  10.50            10.50\n"
             "2024/2    10.50   3.00    4.00     9.50\n"
             "Total      0.00  13.50    4.00     9.50\n");
 }
@@ -99,9 +99,9 @@ TEST_P(Statements, GoItemByItemOrAreOfOneItem) {
       "C002 Bert  2024-01-31                     Carried forward  10.00    10.00\n"
       "           2024-01-31                     Total            15.00    15.00\n");
   EXPECT_EQ(Run({"statement", "1100", "--item", "customer=c001", "--monthly"}).out,
-            "Item       Period  Opening  Debit  Credit  Closing\n"
-            "C001 Anna  2024/1     0.00   5.00    0.00     5.00\n"
-            "C001 Anna  Total      0.00   5.00    0.00     5.00\n");
+            "Item       Period  Opening  Debit  Closing\n"
+            "C001 Anna  2024/1     0.00   5.00     5.00\n"
+            "C001 Anna  Total      0.00   5.00     5.00\n");
 }
 
 TEST_P(Statements, CsvAndJsonHaveAllThatTheServerTells) {

@@ -18,7 +18,7 @@ using Units = std::int64_t;  // ten-thousandths
 struct AccountLines {
   Long account = 0;
   Long item_class = 0;  // 0: whatever items
-  std::optional<Long> item;
+  std::optional<Long> item = {};
 };
 
 // Whether one of the accounts asks for items of the class.

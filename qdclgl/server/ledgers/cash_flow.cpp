@@ -30,7 +30,7 @@ constexpr std::string_view kCash =
 // Where money comes from or goes to: a cash flow item, or else accounts by their numbers.
 struct Purpose {
   Long item = 0;
-  std::string number, name;
+  std::string number = {}, name = {};
 
   friend bool operator<(const Purpose& left, const Purpose& right) {
     // Items come first.
@@ -50,7 +50,7 @@ using Flows = std::map<Purpose, Flow>;
 struct CashLine {
   bool is_cash;
   Long item;
-  std::string number, name;
+  std::string number = {}, name = {};
   Units amount;  // debit minus credit
 };
 
