@@ -81,6 +81,7 @@ Program::Program(const Console& console)
   AddRecordCommands(*this);
   AddVoucherCommands(*this);
   AddEntryCommands(*this);
+  AddEditCommand(*this);
   AddBalanceCommand(*this);
   AddLedgerCommand(*this);
   AddUserCommand(*this);

@@ -104,6 +104,7 @@ void AddListCommands(Program& program);     // list, and one for each list of th
 void AddRecordCommands(Program& program);   // kinds, show, add, set, remove
 void AddVoucherCommands(Program& program);  // voucher, and the steps from check to unpost
 void AddEntryCommands(Program& program);    // new, copy, reverse
+void AddEditCommand(Program& program);      // edit
 void AddBalanceCommand(Program& program);   // balance
 void AddLedgerCommand(Program& program);    // ledger
 void AddUserCommand(Program& program);      // user
