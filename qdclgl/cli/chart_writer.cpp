@@ -73,7 +73,8 @@ long WriteChart(const std::vector<Ref<Dictionary>>& accounts, std::ostream& out)
     headings.emplace_back(ChartColumns()[i].heading);
   }
   for (const WrittenColumn& column : further) headings.emplace_back(column.name);
-  TableWriter table(out, Format::kCsv, std::move(headings));
+  const Console console{out, out};
+  TableWriter table(console, Format::kCsv, std::move(headings));
   const std::vector<NamedItemClass> classes = ItemClassesOfBooks();
   long count = 0;
   for (const Ref<Dictionary>& account : accounts) {

@@ -78,7 +78,8 @@ JournalWriter::JournalWriter(std::ostream& out, JournalWidth width, const std::s
         }
         return classes;
       }()),
-      table_(out, Format::kCsv, Headings()) {}
+      console_{out, out},
+      table_(console_, Format::kCsv, Headings()) {}
 
 std::vector<std::string> JournalWriter::Headings() const {
   std::vector<std::string> headings;

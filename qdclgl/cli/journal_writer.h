@@ -47,6 +47,7 @@ class JournalWriter {
   JournalWidth width_;
   std::vector<Class> classes_;
   std::map<std::string, long> left_out_;
+  const Console console_;
   TableWriter table_;
 };
 

@@ -42,7 +42,8 @@ std::string WithoutEmptyColumns(const std::string& csv) {
   std::vector<std::string> headings;
   for (const std::size_t place : places) headings.push_back(rows.front()[place]);
   std::ostringstream out;
-  TableWriter table(out, Format::kCsv, headings);
+  const Console console{out, out};
+  TableWriter table(console, Format::kCsv, headings);
   for (std::size_t row = 1; row < rows.size(); ++row) {
     std::vector<Variant> cells;
     for (const std::size_t place : places) cells.emplace_back(rows[row][place]);
@@ -94,7 +95,8 @@ std::string EditableText(const Dictionary& voucher) {
 
 std::string EmptyText(DateTime day, const std::string& group) {
   std::ostringstream csv;
-  TableWriter table(csv, Format::kCsv,
+  const Console console{csv, csv};
+  TableWriter table(console, Format::kCsv,
                     {"voucher", "date", "account", "debit", "credit", "group", "explanation",
                      "voucher_reference"});
   for (int line = 0; line < 2; ++line) table.Row({"new", day, "", "", "", group, "", ""});

@@ -162,7 +162,7 @@ TEST_P(ItemFaults, SavesOfItemsAndTheirClassesAreWholeOrRefused) {
 TEST_P(ItemFaults, ChangesOfUnitsAreWholeOrRefused) {
   Sweep("Unit", [&] {
     Call("QDSVGLUnit.MeasureUnitUpdate", "CreateUnit", props, Long{1},
-         Row({{"FNumber", "t"}, {"FName", "t"}, {"FCoefficient", 1e6}}));
+         Row({{"FNumber", "oz"}, {"FName", "oz"}, {"FCoefficient", 28.35}}));
   });
   Sweep("Adjust", [&] {
     Call("QDSVGLUnit.MeasureUnitUpdate", "AdjustCoefficient", props, Long{1}, 1000.0, true);

@@ -69,15 +69,17 @@ inline Ref<Dictionary> Project(std::string_view size) {
   return ::qdclgl::testing::Row({{"FNumber", "P1"}, {"FName", "Bridge"}, {"F1000_101", size}});
 }
 
-// Unit group 1 with the units 1, g, its default, and 2, kg. Account 5000 counts in kg.
+// Unit group 1 with the units 1, g, its default, 2, kg, and 3, t. Account 5000 counts in kg.
 inline void MakeWeights(const std::string& props) {
   using ::qdclgl::testing::Row;
   const auto call = [&](std::string_view method, const auto&... arguments) {
     return CreateObject("QDSVGLUnit.MeasureUnitUpdate")->Call(method, props, arguments...);
   };
   const Long group = call("CreateUnitGroup", "Weights").template As<Long>();
-  call("CreateUnit", group, Row({{"FNumber", "g"}, {"FName", "g"}, {"FCoefficient", 1.0}}));
-  call("CreateUnit", group, Row({{"FNumber", "kg"}, {"FName", "kg"}, {"FCoefficient", 1000.0}}));
+  for (const auto& [name, coefficient] : {std::pair{"g", 1.0}, {"kg", 1e3}, {"t", 1e6}}) {
+    call("CreateUnit", group,
+         Row({{"FNumber", name}, {"FName", name}, {"FCoefficient", coefficient}}));
+  }
   CreateObject("QDSVGLAccount.AccountUpdate")
       ->Call("Create", props,
              Row({{"FNumber", "5000"},
