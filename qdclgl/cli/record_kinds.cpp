@@ -8,6 +8,7 @@
 #include "qdclgl/cli/cell_values.h"
 #include "qdclgl/cli/console.h"
 #include "qdclgl/cli/nearest.h"
+#include "qdclgl/cli/table.h"
 #include "qdclgl/frame/containers/vector.h"
 #include "qdclgl/frame/vocabulary/text.h"
 #include "qdclgl/server/records/kinds.h"
@@ -74,6 +75,13 @@ std::string_view WordFor(ColumnType type) {
   return "";
 }
 
+bool IsFilled(const Dictionary& row, const Column& column) {
+  const auto text = [&](const Variant& value) {
+    return CellText(server::Normalized(column, value));
+  };
+  return text(row.Value(column.name)) != text(Variant());
+}
+
 std::vector<WrittenColumn> WrittenColumns(const MasterData& kind) {
   std::vector<WrittenColumn> columns;
   for (const server::RecordColumn& column : kind.description().columns) {
@@ -112,6 +120,8 @@ Whole ReadWithin(std::string_view text) {
       ReadInteger(text, std::numeric_limits<Whole>::min(), std::numeric_limits<Whole>::max()));
 }
 
+}  // namespace
+
 Variant ReadTyped(ColumnType type, const std::string& text) {
   switch (type) {
     case ColumnType::kLong: return ReadWithin<Long>(text);
@@ -126,6 +136,8 @@ Variant ReadTyped(ColumnType type, const std::string& text) {
   }
   return {};
 }
+
+namespace {
 
 Variant ReadValue(const Column& column, const std::string& text) {
   if (text.empty()) return {};

@@ -23,6 +23,11 @@ const server::MasterData& KindNamed(std::string_view name);
 
 // What a value of a column is in words, "whole number".
 std::string_view WordFor(server::ColumnType type);
+// The value of a column as a text tells it. BadCell.
+Variant ReadTyped(server::ColumnType type, const std::string& text);
+
+// Whether a row has more in a column than the zero of its type.
+bool IsFilled(const Dictionary& row, const server::Column& column);
 
 // A column that callers write, or a list of rows that they do.
 struct WrittenColumn {

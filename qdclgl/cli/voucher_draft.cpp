@@ -71,6 +71,10 @@ void Balance(Voucher& voucher) {
 
 void SaveDraft(Voucher& voucher, const Console& console) {
   voucher.SaveChanges();
+  TellDraft(voucher, console);
+}
+
+void TellDraft(Voucher& voucher, const Console& console) {
   console.out << "Voucher " << voucher.VoucherID() << " is made: " << voucher.Year() << '/'
               << voucher.Period() << ' ' << OneLine(voucher.Group()) << ' ' << voucher.Number()
               << ", " << voucher.VoucherDate().ToText() << ", " << AmountText(voucher.DebitTotal())

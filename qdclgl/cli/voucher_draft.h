@@ -25,7 +25,9 @@ void PutAmount(VoucherEntry& line, Currency amount);
 // are more of them.
 void Balance(Voucher& voucher);
 
-// Saves a new voucher and tells what it has become.
+// Tells what a new voucher has become.
+void TellDraft(Voucher& voucher, const Console& console);
+// Saves it first.
 void SaveDraft(Voucher& voucher, const Console& console);
 
 }  // namespace qdclgl::cli

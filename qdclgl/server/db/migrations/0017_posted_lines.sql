@@ -13,9 +13,6 @@ INSERT INTO t_PostedLine (FAccountID, FDate, FVoucherID, FEntryID)
   FROM t_Voucher v JOIN t_VoucherEntry e ON e.FVoucherID = v.FVoucherID
   WHERE v.FPosted = 1;
 
--- Lines are looked for in the order of their days.
-CREATE INDEX t_Voucher_Date ON t_Voucher (FDate, FVoucherID);
-
 -- What is not posted is found by its day.
 CREATE INDEX t_Voucher_NotPosted ON t_Voucher (FDate) WHERE FPosted = 0;
 
