@@ -327,12 +327,16 @@ TEST_P(PlainText, TellsStatesCurrenciesQuantitiesAndTexts) {
   const std::string journal = folder.Write(
       "j.csv", "voucher,date,account,debit,credit,explanation,currency,amount_for,quantity,unit\n"
                "a,2024-01-02,1003,50,,Bought: today; [2024-99-99] | ours,,,2.5,kg\n"
-               "a,2024-01-02,1000,,50,date:never,USD1,100,,\n");
+               "a,2024-01-02,1000,,50,date:never,USD1,100,,\n"
+               "b,2024-01-03,1000,20,,Sold,,,,\nb,2024-01-03,1003,,20,Sold,,,1,kg\n");
   ASSERT_EQ(Run({"import", "--journal", journal}).err, "");
   const std::string head = "\n2024-01-02 ! (2024/1 General 1) Bought, today, (2024-99-99), ours\n";
   EXPECT_EQ(Run({"export", "--format", "hledger", "-"}).out,
             head + "  1003 Tea, green [fine]  2.5 kg @@ 50.0000 EUR\n"
-                   "  1000 Cash  -100.0000 \"USD1\" @@ 50.0000 EUR  ; date,never\n");
+                   "  1000 Cash  -100.0000 \"USD1\" @@ 50.0000 EUR  ; date,never\n"
+                   "\n2024-01-03 ! (2024/1 General 2) Sold\n"
+                   "  1000 Cash  20.0000 EUR\n"
+                   "  1003 Tea, green [fine]  -1 kg @@ 20.0000 EUR\n");
   const std::string beancount = Run({"export", "--format", "beancount", "-"}).out;
   EXPECT_NE(beancount.find("\n2024-01-02 ! \"Bought: today; [2024-99-99] | ours\"\n"
                            "  code: \"2024/1 General 1\"\n"
