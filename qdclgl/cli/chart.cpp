@@ -12,6 +12,8 @@
 #include "qdclgl/cli/sheet.h"
 #include "qdclgl/frame/vocabulary/strings.h"
 #include "qdclgl/frame/vocabulary/text.h"
+#include "qdclgl/server/records/account_kind.h"
+#include "qdclgl/server/records/master_data.h"
 #include "qdclgl/vouchers/voucher_group.h"
 
 namespace qdclgl::cli {
@@ -46,11 +48,12 @@ std::string NumberAbove(const std::string& number) {
 
 // ---- The chart ----
 
-enum Column : std::size_t { kNumber, kName, kSide, kCurrency, kUnit, kQuantities };
+enum Column : std::size_t { kNumber, kName, kSide, kCurrency, kUnit, kQuantities, kKind };
 
 constexpr std::array kColumns = {
     SheetColumn{"number", true}, SheetColumn{"name", true}, SheetColumn{"dc", true},
     SheetColumn{"currency"},     SheetColumn{"unit"},       SheetColumn{"quantities"},
+    SheetColumn{"kind"},
 };
 
 struct ChartRow {
@@ -61,6 +64,7 @@ struct ChartRow {
   CsvCell currency;
   std::string unit;
   bool has_quantities = false;
+  std::string kind;
 };
 
 Long ReadSide(std::string_view text) {
@@ -68,6 +72,13 @@ Long ReadSide(std::string_view text) {
   if (text == "-1") return -1;
   if (text == "0") return 0;
   throw BadCell(Quoted(text) + " is no side; 1 is debit, -1 credit, 0 either");
+}
+
+std::string ReadKind(const std::string& text) {
+  const std::string word = FoldAsciiCase(text);
+  if (word.empty() || std::ranges::count(server::account_kind::kAll, word) != 0) return word;
+  throw BadCell(Quoted(text) + " is no kind of account; they are " +
+                server::WordsText(server::account_kind::kAll));
 }
 
 // BadCell for the first thing that is wrong, told with its place by `at`.
@@ -93,6 +104,7 @@ ChartRow ReadRow(const Sheet& sheet, const CsvRow& row, Position& at) {
   result.unit = cell(kUnit).text;
   const std::string& quantities = cell(kQuantities).text;
   result.has_quantities = !quantities.empty() && ReadTruth(quantities);
+  result.kind = ReadKind(cell(kKind).text);
   return result;
 }
 
@@ -105,6 +117,7 @@ void Store(const ChartRow& row, Names& names) {
     account->MeasureUnitID(names.Unit(row.unit));
   }
   if (row.has_quantities) account->Quantities(true);
+  if (!row.kind.empty()) account->SetProps("FKind", row.kind);
   account->SaveChanges();
   names.AddAccount(row.number, account->AccountID());
 }

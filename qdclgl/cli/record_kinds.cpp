@@ -74,6 +74,15 @@ std::string_view WordFor(ColumnType type) {
   return "";
 }
 
+std::string ValueOf(const MasterData& kind, const Column& column) {
+  for (const server::RecordColumn& described : kind.description().columns) {
+    if (described.column.name == column.name && !described.words.empty()) {
+      return server::WordsText(described.words);
+    }
+  }
+  return std::string(WordFor(column.type));
+}
+
 std::vector<WrittenColumn> WrittenColumns(const MasterData& kind) {
   std::vector<WrittenColumn> columns;
   for (const server::RecordColumn& column : kind.description().columns) {

@@ -352,8 +352,8 @@ TEST_P(SchemaTest, RecordsThatAnUpgradeMakesAreOnTheTrail) {
     former = TablesIn(*std::make_unique<Database>(ConnectionText::Parse(old)));
     RemoveBooks(old);
   }
-  for (const char* index :
-       {"t_VoucherEntry_SettleType", "t_VoucherDetail_Item", "t_Voucher_Year"}) {
+  for (const char* index : {"t_VoucherEntry_SettleType", "t_VoucherDetail_Item", "t_Voucher_Year",
+                            "t_Voucher_Carried"}) {
     Break(std::string("DROP INDEX ") + index);
   }
   for (const auto& [table, columns] : TablesIn(Books())) {
