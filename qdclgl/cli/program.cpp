@@ -81,6 +81,7 @@ Program::Program(const Console& console)
   AddEntryCommands(*this);
   AddBalanceCommand(*this);
   AddLedgerCommand(*this);
+  AddStatementCommands(*this);
   AddUserCommand(*this);
   AddApiCommand(*this);
   AddHelpCommand(*this);

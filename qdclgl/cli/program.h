@@ -94,16 +94,17 @@ CLI::Option* AddWhole(CLI::App& command, const std::string& name, Long& value,
                       const std::string& help);
 
 // The families of commands, each in the file of that name.
-void AddBooksCommands(Program& program);    // init, upgrade, close, reopen, doctor
-void AddImportCommand(Program& program);    // import
-void AddListCommands(Program& program);     // list, and one for each list of the books
-void AddRecordCommands(Program& program);   // kinds, show, add, set, remove
-void AddVoucherCommands(Program& program);  // voucher, and the steps from check to unpost
-void AddEntryCommands(Program& program);    // new, copy, reverse
-void AddBalanceCommand(Program& program);   // balance
-void AddLedgerCommand(Program& program);    // ledger
-void AddUserCommand(Program& program);      // user
-void AddApiCommand(Program& program);       // api
-void AddHelpCommand(Program& program);      // help
+void AddBooksCommands(Program& program);      // init, upgrade, close, reopen, doctor
+void AddImportCommand(Program& program);      // import
+void AddListCommands(Program& program);       // list, and one for each list of the books
+void AddRecordCommands(Program& program);     // kinds, show, add, set, remove
+void AddVoucherCommands(Program& program);    // voucher, and the steps from check to unpost
+void AddEntryCommands(Program& program);      // new, copy, reverse
+void AddBalanceCommand(Program& program);     // balance
+void AddLedgerCommand(Program& program);      // ledger
+void AddStatementCommands(Program& program);  // income, position
+void AddUserCommand(Program& program);        // user
+void AddApiCommand(Program& program);         // api
+void AddHelpCommand(Program& program);        // help
 
 }  // namespace qdclgl::cli

@@ -12,6 +12,7 @@
 #include "qdclgl/server/periods/period_date.h"
 #include "qdclgl/server/periods/settings.h"
 #include "qdclgl/server/records/kinds.h"
+#include "qdclgl/server/reports/report.h"
 #include "qdclgl/server/vouchers/balance.h"
 #include "qdclgl/server/vouchers/voucher.h"
 
@@ -24,7 +25,7 @@ std::span<const ServerComponent> ServerComponents() {
         ComponentOf<AuditInfo>(),     ComponentOf<PeriodDate>(),   ComponentOf<ServerProfile>(),
         ComponentOf<BaseInfo>(),      ComponentOf<PeriodUpdate>(), ComponentOf<VoucherInfo>(),
         ComponentOf<VoucherUpdate>(), ComponentOf<BalanceInfo>(),  ComponentOf<BooksInfo>(),
-        ComponentOf<BooksUpdate>(),   ComponentOf<BatchUpdate>(),
+        ComponentOf<BooksUpdate>(),   ComponentOf<BatchUpdate>(),  ComponentOf<ReportInfo>(),
     };
     for (const MasterData* kind : MasterDataKinds()) {
       std::ranges::move(kind->Components(), std::back_inserter(components));
