@@ -3280,15 +3280,15 @@ class BadItem(Refusal):
     NUMBER: ClassVar[int]
 
 class NoParent(Refusal):
-    """The account above is missing."""
+    """The record above is missing."""
     NUMBER: ClassVar[int]
 
 class ParentInUse(Refusal):
-    """The account above has lines of its own."""
+    """Vouchers use the record above itself."""
     NUMBER: ClassVar[int]
 
 class HasChildren(Refusal):
-    """The account has sub-accounts."""
+    """There are records below this one."""
     NUMBER: ClassVar[int]
 
 class BadNumber(Refusal):

@@ -100,3 +100,20 @@ def test_the_component_serves_the_library() -> None:
         0,
         ["1 Receipts", "2 Payments by bank", "error 1001 (GroupStore): A group needs a name."],
     )
+
+
+def test_receivables_are_kept_by_customer_and_contract(source: str) -> None:
+    program = (str(EXAMPLES / "receivables.py"), source)
+    assert run(*program) == (
+        0,
+        [
+            "Managers: Carla",
+            "By CUSTOMER:",
+            "  Anna  620",
+            "  Bert  300",
+            "By CUSTOMER,CONTRACT:",
+            "  Anna  Roof  500",
+            "  Anna  Wall  120",
+            "  Bert  Wall  300",
+        ],
+    )

@@ -66,6 +66,8 @@ Database::Database(const ConnectionText& text)
   } else {
     // In one message; numbers come with all of their digits.
     std::string script = "SET client_min_messages = warning; SET extra_float_digits = 3; ";
+    // Compiling a query takes longer than any query here.
+    script += "SET jit = off; ";
     script += "SET lock_timeout = '" + std::to_string(text.Number(connection_key::kLockTimeout)) +
               "s'; SET application_name = " + Quoted(OwnName(), '\'') + "; ";
     const std::string_view schema = text[connection_key::kSchema];

@@ -54,9 +54,9 @@
   REFUSAL(0x2D, TooLarge, "Amounts, totals or data are beyond what the books hold.")            \
   REFUSAL(0x2E, VoucherCashed, "The voucher is cashed.")                                        \
   REFUSAL(0x2F, BadItem, "A line names an item of each class that its account asks for.")       \
-  REFUSAL(0x30, NoParent, "The account above is missing.")                                      \
-  REFUSAL(0x31, ParentInUse, "The account above has lines of its own.")                         \
-  REFUSAL(0x32, HasChildren, "The account has sub-accounts.")                                   \
+  REFUSAL(0x30, NoParent, "The record above is missing.")                                       \
+  REFUSAL(0x31, ParentInUse, "Vouchers use the record above itself.")                           \
+  REFUSAL(0x32, HasChildren, "There are records below this one.")                               \
   REFUSAL(0x33, BadNumber, "The number can't stand as the number of such a record.")            \
   REFUSAL(0x40, UnknownCategory, "There is no such category of settings.")                      \
   REFUSAL(0x41, SettingFixed, "The setting can't be changed this way.")                         \
