@@ -25,6 +25,9 @@ void PutAmount(VoucherEntry& line, Currency amount);
 // are more of them.
 void Balance(Voucher& voucher);
 
+// Tells what a new voucher has become.
+void TellMade(Voucher& voucher, const Console& console);
+
 // Saves a new voucher and tells what it has become.
 void SaveDraft(Voucher& voucher, const Console& console);
 

@@ -13,6 +13,7 @@
 #include "qdclgl/server/periods/settings.h"
 #include "qdclgl/server/records/kinds.h"
 #include "qdclgl/server/reports/report.h"
+#include "qdclgl/server/reports/year_end.h"
 #include "qdclgl/server/vouchers/balance.h"
 #include "qdclgl/server/vouchers/voucher.h"
 
@@ -26,6 +27,7 @@ std::span<const ServerComponent> ServerComponents() {
         ComponentOf<BaseInfo>(),      ComponentOf<PeriodUpdate>(), ComponentOf<VoucherInfo>(),
         ComponentOf<VoucherUpdate>(), ComponentOf<BalanceInfo>(),  ComponentOf<BooksInfo>(),
         ComponentOf<BooksUpdate>(),   ComponentOf<BatchUpdate>(),  ComponentOf<ReportInfo>(),
+        ComponentOf<YearEndInfo>(),
     };
     for (const MasterData* kind : MasterDataKinds()) {
       std::ranges::move(kind->Components(), std::back_inserter(components));
