@@ -82,6 +82,7 @@ Program::Program(const Console& console)
   AddBalanceCommand(*this);
   AddLedgerCommand(*this);
   AddStatementCommands(*this);
+  AddBudgetCommand(*this);
   AddUserCommand(*this);
   AddApiCommand(*this);
   AddHelpCommand(*this);

@@ -103,6 +103,7 @@ void AddEntryCommands(Program& program);      // new, copy, reverse
 void AddBalanceCommand(Program& program);     // balance
 void AddLedgerCommand(Program& program);      // ledger
 void AddStatementCommands(Program& program);  // income, position
+void AddBudgetCommand(Program& program);      // budget
 void AddUserCommand(Program& program);        // user
 void AddApiCommand(Program& program);         // api
 void AddHelpCommand(Program& program);        // help

@@ -16,6 +16,7 @@ struct StatementOptions {
   DateTime date;
   Long depth = 0;
   bool percent = false;
+  bool budget = false;
 };
 
 // The first and the last day of a period.
@@ -65,13 +66,15 @@ int PrintIncome(const StatementOptions& options, const Console& console) {
   const std::string props = options.login.Open();
   std::vector<StatementSpan> spans = SpansOf(options.spans);
   if (options.format == Format::kPlain) spans = WithTotal(std::move(spans), options.spans);
-  const Ref<Recordset> rows = Fetch("GetIncome", props, spans);
+  const Ref<Recordset> rows =
+      Fetch(options.budget ? "GetIncomeWithBudget" : "GetIncome", props, spans);
   if (options.format != Format::kPlain) {
     WriteRecordset(console.out, options.format, rows, {});
     return kDone;
   }
   StatementLayout layout = LayoutOf(options);
   for (const StatementSpan& span : spans) layout.columns.push_back(span.Heading());
+  layout.has_budget = options.budget;
   layout.nothing = "Nothing is posted on accounts of income or expense in these periods.";
   layout.has_change = options.spans.compare && spans.size() == 2;
   WriteStatement(console.out, *rows, layout);
@@ -115,6 +118,11 @@ void AddIncome(Program& program) {
       program.AddForBooks("income", "Prints the income statement of what is posted", options->login,
                           [options, &program] { return PrintIncome(*options, program.console()); });
   AddStatementOptions(*command, *options, "income");
+  command
+      ->add_flag("--budget", options->budget,
+                 "What is budgeted beside what is posted, with difference and percent")
+      ->excludes("--compare")
+      ->excludes("--percent");
 }
 
 void AddPosition(Program& program) {

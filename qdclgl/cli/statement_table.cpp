@@ -29,9 +29,11 @@ struct StatementRow {
   Long level = 0;
   std::vector<Currency> amounts;
   std::vector<double> percents;
+  std::vector<Currency> budgets = {};
+  std::vector<double> of_budgets = {};
 };
 
-bool TakeRow(Recordset& rows, std::size_t columns, StatementRow& taken) {
+bool TakeRow(Recordset& rows, const StatementLayout& layout, StatementRow& taken) {
   if (rows.Eof()) return false;
   const Ref<Dictionary> first = rows.Row();
   const auto text = [&](const char* column) { return first->Value(column).As<String>(); };
@@ -42,10 +44,13 @@ bool TakeRow(Recordset& rows, std::size_t columns, StatementRow& taken) {
            first->Value("FLevel").As<Long>(),
            {},
            {}};
-  for (std::size_t i = 0; i < columns; ++i, rows.MoveNext()) {
+  for (std::size_t i = 0; i < layout.columns.size(); ++i, rows.MoveNext()) {
     const Ref<Dictionary> row = rows.Row();
     taken.amounts.push_back(row->Value("FAmount").As<Currency>());
     taken.percents.push_back(row->Value("FPercent").As<Double>());
+    if (!layout.has_budget) continue;
+    taken.budgets.push_back(row->Value("FBudget").As<Currency>());
+    taken.of_budgets.push_back(row->Value("FBudgetPercent").As<Double>());
   }
   return true;
 }
@@ -102,6 +107,7 @@ class StatementTable {
     for (const std::string& column : layout.columns) {
       headings.push_back(column);
       if (layout.has_percent) headings.emplace_back("%");
+      if (layout.has_budget) headings.insert(headings.end(), {"Budget", "Difference", "%"});
     }
     if (layout.has_change) headings.emplace_back("Change");
     return headings;
@@ -122,9 +128,18 @@ class StatementTable {
     for (std::size_t i = 0; i < row.amounts.size(); ++i) {
       cells.emplace_back(row.amounts[i]);
       if (layout_.has_percent) cells.emplace_back(PercentText(row.percents[i]));
+      if (layout_.has_budget) PutBudget(row, i, cells);
     }
     if (layout_.has_change) cells.emplace_back(row.amounts[0] - row.amounts[1]);
     table_.Row(cells);
+  }
+
+  // Of nothing there is no share.
+  static void PutBudget(const StatementRow& row, std::size_t column, std::vector<Variant>& cells) {
+    const Currency budget = row.budgets[column];
+    cells.emplace_back(budget);
+    cells.emplace_back(row.amounts[column] - budget);
+    cells.emplace_back(budget == Currency() ? "" : PercentText(row.of_budgets[column]));
   }
 
   const StatementLayout& layout_;
@@ -165,7 +180,7 @@ void WriteAccountsWithoutKind(std::ostream& out, const std::vector<StatementRow>
 
 void WriteStatement(std::ostream& out, Recordset& rows, const StatementLayout& layout) {
   std::vector<StatementRow> statement;
-  for (StatementRow row; TakeRow(rows, layout.columns.size(), row);) statement.push_back(row);
+  for (StatementRow row; TakeRow(rows, layout, row);) statement.push_back(row);
   if (std::ranges::count(statement, report_row::kAccount, &StatementRow::row) == 0) {
     out << layout.nothing << '\n';
     return;

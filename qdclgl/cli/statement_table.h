@@ -14,7 +14,8 @@ struct StatementLayout {
   std::string nothing = {};               // the sentence for a statement without any account
   bool has_change = false;                // by how much the first column differs from the second
   bool has_percent = false;
-  Long depth = 0;  // of the tree of accounts that is shown; 0: all of it
+  bool has_budget = false;  // with the difference, and the amount in percent of it
+  Long depth = 0;           // of the tree of accounts that is shown; 0: all of it
 };
 
 // Prints a statement of QDSVGLReport.ReportInfo, and behind it which accounts have no kind.

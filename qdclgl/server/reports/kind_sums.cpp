@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "qdclgl/server/records/account_kind.h"
+
 namespace qdclgl::server {
 
 namespace {
@@ -13,6 +15,11 @@ std::string TreeOrder(std::string number) {
 }
 
 }  // namespace
+
+bool IsDebitKind(std::string_view kind) {
+  using namespace account_kind;
+  return kind == kAsset || kind == kExpense || kind.empty();
+}
 
 KindChart::KindChart(Database& db) {
   std::map<Long, Long> parents;

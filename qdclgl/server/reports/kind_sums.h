@@ -13,6 +13,9 @@ namespace qdclgl::server {
 
 using Units = std::int64_t;  // debit minus credit in ten-thousandths, unless it is told otherwise
 
+// Whether what a kind has is told as a debit: assets and expense, and what has no kind.
+bool IsDebitKind(std::string_view kind);
+
 // The accounts with their kinds, each behind the one above it.
 class KindChart {
  public:

@@ -6,6 +6,7 @@
 #include "qdclgl/server/access/session.h"
 #include "qdclgl/server/periods/settings.h"
 #include "qdclgl/server/records/account_kind.h"
+#include "qdclgl/server/reports/budget.h"
 #include "qdclgl/server/reports/kind_sums.h"
 #include "qdclgl/server/reports/spans.h"
 #include "qdclgl/server/reports/voucher_marks.h"
@@ -20,11 +21,6 @@ using namespace account_kind;
 using Figures = std::vector<Units>;
 
 constexpr std::string_view kWithoutKind = "";
-
-// Whether the balances of a kind are debits.
-bool IsDebitKind(std::string_view kind) {
-  return kind == kAsset || kind == kExpense || kind == kWithoutKind;
-}
 
 Figures Less(Figures left, const Figures& right) {
   for (std::size_t i = 0; i < left.size(); ++i) left[i] -= right[i];
@@ -68,11 +64,29 @@ void EachCarried(Database& db, const KindChart& chart, AccountingPeriod first,
   }
 }
 
+// What a statement has beside the amount of each span.
+enum class Beside { kNothing, kBudget };
+
 class Statement {
  public:
-  Statement(const KindChart& chart, const std::vector<PeriodSpan>& spans)
-      : spans_(spans), sums_(chart, spans.size()) {}
+  Statement(const KindChart& chart, const std::vector<PeriodSpan>& spans,
+            Beside beside = Beside::kNothing)
+      : spans_(spans),
+        has_budget_(beside == Beside::kBudget),
+        sums_(chart, spans.size() * (has_budget_ ? 2 : 1)) {
+    for (const char* name : {"FRow", "FKind", "FAccountID", "FAccountNumber", "FAccountName",
+                             "FLevel", "FDetail", "FFrom", "FTo", "FAmount", "FPercent"}) {
+      rows_->AppendField(name);
+    }
+    if (has_budget_) {
+      for (const char* name : {"FBudget", "FDifference", "FBudgetPercent"}) {
+        rows_->AppendField(name);
+      }
+    }
+    rows_->Open();
+  }
 
+  // The amounts of all spans and, where there are budgets, behind them those.
   KindSums& sums() { return sums_; }
   // What shares are parts of; one of zero has none.
   void ShareOf(Figures whole) { whole_ = std::move(whole); }
@@ -103,6 +117,12 @@ class Statement {
       row.emplace_back(spans_[i].last.ToText());
       row.emplace_back(Currency::FromUnits(figures[i]));
       row.emplace_back(Percent(figures[i], whole_[i]));
+      if (has_budget_) {
+        const Units budget = figures[spans_.size() + i];
+        row.emplace_back(Currency::FromUnits(budget));
+        row.emplace_back(Currency::FromUnits(figures[i] - budget));
+        row.emplace_back(Percent(figures[i], budget));
+      }
       rows_->AddRow(std::move(row));
     }
   }
@@ -115,11 +135,10 @@ class Statement {
   }
 
   const std::vector<PeriodSpan>& spans_;
+  bool has_budget_;
   KindSums sums_;
   Figures whole_;
-  Ref<Recordset> rows_ =
-      Recordset::Create({"FRow", "FKind", "FAccountID", "FAccountNumber", "FAccountName", "FLevel",
-                         "FDetail", "FFrom", "FTo", "FAmount", "FPercent"});
+  Ref<Recordset> rows_ = Make<Recordset>();
 };
 
 // From the first to the last period that any of the spans has.
@@ -132,9 +151,10 @@ PeriodSpan Whole(const std::vector<PeriodSpan>& spans) {
   return whole;
 }
 
-Ref<Recordset> Income(Database& db, const std::vector<PeriodSpan>& spans) {
+Ref<Recordset> Income(Database& db, const Calendar& calendar, const std::vector<PeriodSpan>& spans,
+                      Beside beside) {
   const KindChart chart(db);
-  Statement statement(chart, spans);
+  Statement statement(chart, spans, beside);
   const auto add = [&](std::size_t account, AccountingPeriod at, Units units) {
     for (std::size_t i = 0; i < spans.size(); ++i) {
       if (spans[i].first <= at && at <= spans[i].last) statement.sums().Add(account, i, units);
@@ -145,6 +165,9 @@ Ref<Recordset> Income(Database& db, const std::vector<PeriodSpan>& spans) {
   EachCarried(db, chart, first, last, [&](std::size_t account, AccountingPeriod at, Units units) {
     add(account, at, -units);
   });
+  if (beside == Beside::kBudget) {
+    AddBudgets(db, chart, calendar, spans, statement.sums(), spans.size());
+  }
   const Figures income = statement.TotalOf(kIncome), expense = statement.TotalOf(kExpense);
   statement.ShareOf(income);
   statement.PutAccounts(kIncome);
@@ -188,11 +211,13 @@ Ref<Recordset> Position(Database& db, const std::vector<PeriodSpan>& spans) {
   return statement.rows();
 }
 
-Ref<Recordset> Made(std::string_view props, const String& spans,
-                    Ref<Recordset> (*make)(Database&, const std::vector<PeriodSpan>&)) {
+// `make(database, calendar, spans)` makes the statement.
+template <class MakeStatement>
+Ref<Recordset> Made(std::string_view props, const String& spans, MakeStatement make) {
   const Caller caller = Enter(props, ReportInfo::kRead);
   Transaction transaction(caller.db, Transaction::Kind::kRead);
-  Ref<Recordset> rows = make(caller.db, SpansFrom(spans, LedgerRules::Of(caller.db).calendar));
+  const Calendar calendar = LedgerRules::Of(caller.db).calendar;
+  Ref<Recordset> rows = make(caller.db, calendar, SpansFrom(spans, calendar));
   transaction.Commit();
   return rows;
 }
@@ -200,11 +225,20 @@ Ref<Recordset> Made(std::string_view props, const String& spans,
 }  // namespace
 
 Ref<Recordset> ReportInfo::GetIncome(std::string_view PropsString, const String& Spans) {
-  return Made(PropsString, Spans, Income);
+  return Made(PropsString, Spans, [](Database& db, const Calendar& calendar, const auto& spans) {
+    return Income(db, calendar, spans, Beside::kNothing);
+  });
+}
+
+Ref<Recordset> ReportInfo::GetIncomeWithBudget(std::string_view PropsString, const String& Spans) {
+  return Made(PropsString, Spans, [](Database& db, const Calendar& calendar, const auto& spans) {
+    return Income(db, calendar, spans, Beside::kBudget);
+  });
 }
 
 Ref<Recordset> ReportInfo::GetPosition(std::string_view PropsString, const String& Spans) {
-  return Made(PropsString, Spans, Position);
+  return Made(PropsString, Spans,
+              [](Database& db, const Calendar&, const auto& spans) { return Position(db, spans); });
 }
 
 }  // namespace qdclgl::server

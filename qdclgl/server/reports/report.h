@@ -28,13 +28,19 @@ class ReportInfo final : public Object {
  public:
   static constexpr std::string_view kProgID = "QDSVGLReport.ReportInfo";
   static constexpr Right kRead{Role::kReader, "read statements"};
-  static constexpr MethodRight kRights[] = {{"GetIncome", kRead}, {"GetPosition", kRead}};
+  static constexpr MethodRight kRights[] = {
+      {"GetIncome", kRead}, {"GetIncomeWithBudget", kRead}, {"GetPosition", kRead}};
 
   QD_METHOD(Ref<Recordset>, GetIncome, (std::string_view PropsString, const String& Spans),
             "The income statement over spans of periods, each a year, a period or from one to "
             "another (2024, 2024/3, 2024/1-2024/3), commas between them: income positive, expense "
             "positive, the result. Vouchers that carry a year's result are left out. Accounts "
             "without a kind follow, debit positive. BadValue for spans that there are not.")
+  QD_METHOD(Ref<Recordset>, GetIncomeWithBudget,
+            (std::string_view PropsString, const String& Spans),
+            "The same with what is budgeted: FBudget, the amount less it (FDifference), and the "
+            "amount in percent of it (FBudgetPercent). Budgets add up; one of period 0 is spread "
+            "evenly over the year's periods, one of year 0 is that of each year.")
   QD_METHOD(Ref<Recordset>, GetPosition, (std::string_view PropsString, const String& Spans),
             "The balance sheet at the ends of such spans: assets, liabilities, equity with the "
             "result that is not carried yet (of that year, and of earlier ones), liabilities and "
