@@ -37,6 +37,9 @@ Ref<Voucher> NewVoucher(VoucherSet& vouchers, int number, DateTime date) {
 
 Ref<Object> Batch() { return CreateObject("QDSVGLBatch.BatchUpdate"); }
 
+// How many changes go into one transaction.
+constexpr int kBatch = 1000;
+
 }  // namespace
 
 void LogInTo(const std::string& connection) {
@@ -69,7 +72,6 @@ void SaveVouchers(int count) {
 }
 
 void SaveVouchersInBatches(int count, int year) {
-  constexpr int kBatch = 1000;
   auto vouchers = Make<VoucherSet>();
   for (int i = 0; i < count; i += kBatch) {
     Batch()->Call("Begin", GetPropsString());
@@ -83,8 +85,14 @@ void SaveVouchersInBatches(int count, int year) {
 void PostAll(int year) {
   auto vouchers = Make<VoucherSet>();
   vouchers->Filter("FYear = " + std::to_string(year));
+  int posted = 0;
   Batch()->Call("Begin", GetPropsString());
-  for (auto& voucher : vouchers) vouchers->Post(voucher.VoucherID());
+  for (auto& voucher : vouchers) {
+    vouchers->Post(voucher.VoucherID());
+    if (++posted % kBatch != 0) continue;
+    Batch()->Call("Commit", GetPropsString());
+    Batch()->Call("Begin", GetPropsString());
+  }
   Batch()->Call("Commit", GetPropsString());
 }
 

@@ -261,7 +261,6 @@ void CompareReading(const std::filesystem::path& folder, int vouchers) {
   MeasureLedgers("SQLite", vouchers);
 }
 
-// As many vouchers take minutes on PostgreSQL.
 void MeasurePostgreSQLLedgers(const char* text, int vouchers) {
   if (!IsWanted(std::string("PostgreSQL: ") + kLedger)) return;
   bench::MakeBooks(

@@ -1,6 +1,7 @@
 #include "python/core/incoming_call.h"
 
 #include <cstring>
+#include <memory_resource>
 
 #include "python/core/crossing.h"
 #include "python/core/errors.h"
@@ -14,10 +15,14 @@ namespace {
 
 class Arguments {
  public:
-  explicit Arguments(const ClassMember& member) : member_(member) {}
+  // With room for so many, which stay where they are.
+  Arguments(const ClassMember& member, std::size_t count) : member_(member), count_(count) {
+    arguments_.reserve(count);
+  }
 
   void Add(PyObject* value) { arguments_.push_back(Taken(value, TypeAt(arguments_.size()))); }
   void Add(std::string_view name, PyObject* value) {
+    names_.reserve(count_);
     const std::string& kept = names_.emplace_back(name);
     arguments_.push_back(Argument(Named(std::string_view(kept), Taken(value, TypeOf(name)))));
   }
@@ -59,20 +64,45 @@ class Arguments {
     const bool wants_object = IsObjectWord(type);
     if (!IsOf(value, TheKnown().ref)) return FromPython(value, wants_object);
     const Variant given = FromPython(Attribute(value, "value").get(), wants_object);
+    variables_.reserve(count_);
     variables_.push_back({PyRef::Share(value), given, given});
     return Argument(Reference(&variables_.back().now));
   }
 
   const ClassMember& member_;
-  std::deque<Variable> variables_;  // which stay where they are
-  std::deque<std::string> names_;
-  std::vector<Argument> arguments_;
+  const std::size_t count_;
+  std::vector<Variable> variables_;
+  std::vector<std::string> names_;
+  // Few arguments take no memory of the heap.
+  alignas(Argument) std::byte room_[4 * sizeof(Argument)];
+  std::pmr::monotonic_buffer_resource memory_{room_, sizeof room_};
+  std::pmr::vector<Argument> arguments_{&memory_};
 };
 
 bool IsOfArguments(const Error& error) {
   using namespace error_number;
   return error.number() == kNamedArgumentNotFound || error.number() == kArgumentNotOptional ||
          error.number() == kWrongArgumentCount;
+}
+
+// Calls a member that is known, without looking for its name. What has no members of its own here
+// stands before what does, and is asked by name.
+Variant Invoked(Object& self, const ClassMember& member, CallKind kind,
+                std::span<Argument> arguments) {
+  const ClassTable* table = self.Members();
+  if (table == nullptr) return self.Invoke(member.row.name, kind, arguments);
+  self.CheckThread();
+  return table->Invoke(self, member, kind, arguments);
+}
+
+// Whether a member of an object can be called as it stands in the row.
+bool IsPlain(const Object& self, const ClassMember& member, Invoker invoker) {
+  return invoker != nullptr && member.parameters.empty() && self.Members() != nullptr;
+}
+Variant Plain(Object& self, Invoker invoker, Argument* put) {
+  self.CheckThread();
+  const Ref<Object> held(&self);
+  return invoker(self, put);
 }
 
 CallKind PutKind(const Argument& value) {
@@ -86,7 +116,7 @@ std::size_t Given::named() const {
 }
 
 PyRef CallMember(Object& self, const ClassMember& member, const Given& given) {
-  Arguments arguments(member);
+  Arguments arguments(member, given.positional + given.named());
   // The value of a put is the last argument, or the one of that name.
   PyObject* put = nullptr;
   std::size_t positional = given.positional;
@@ -112,7 +142,7 @@ PyRef CallMember(Object& self, const ClassMember& member, const Given& given) {
 
   Variant result;
   try {
-    result = self.Invoke(member.row.name, kind, arguments.get());
+    result = Invoked(self, member, kind, arguments.get());
   } catch (const Error& error) {
     if (!IsOfArguments(error) || !error.description().empty()) throw;
     throw Error(error.number(), std::string(self.ClassName()),
@@ -123,17 +153,32 @@ PyRef CallMember(Object& self, const ClassMember& member, const Given& given) {
 }
 
 PyRef GetMember(Object& self, const ClassMember& member, std::span<PyObject* const> keys) {
-  Arguments arguments(member);
+  if (keys.empty()) {
+    return ToPython(IsPlain(self, member, member.row.get)
+                        ? Plain(self, member.row.get, nullptr)
+                        : Invoked(self, member, CallKind::kGet, {}));
+  }
+  Arguments arguments(member, keys.size());
   for (PyObject* key : keys) arguments.Add(key);
-  return ToPython(self.Invoke(member.row.name, CallKind::kGet, arguments.get()));
+  return ToPython(Invoked(self, member, CallKind::kGet, arguments.get()));
 }
 
 void PutMember(Object& self, const ClassMember& member, std::span<PyObject* const> keys,
                PyObject* value) {
-  Arguments arguments(member);
+  if (keys.empty()) {
+    Argument put(FromPython(value, IsObjectWord(member.row.PutType())));
+    const CallKind kind = PutKind(put);
+    if (kind == CallKind::kLet && IsPlain(self, member, member.row.let)) {
+      Plain(self, member.row.let, &put);
+    } else {
+      Invoked(self, member, kind, {&put, 1});
+    }
+    return;
+  }
+  Arguments arguments(member, keys.size() + 1);
   for (PyObject* key : keys) arguments.Add(key);
   arguments.AddPut(value);
-  self.Invoke(member.row.name, PutKind(arguments.get().back()), arguments.get());
+  Invoked(self, member, PutKind(arguments.get().back()), arguments.get());
 }
 
 }  // namespace qdclgl::python

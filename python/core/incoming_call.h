@@ -2,7 +2,6 @@
 // reference.
 #pragma once
 
-#include <deque>
 #include <span>
 #include <vector>
 

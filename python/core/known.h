@@ -24,7 +24,7 @@ void LoadKnown();
 
 // Whether an object is of a class, or of one derived from it.
 inline bool IsOf(PyObject* object, const PyRef& type) {
-  return Checked(PyObject_IsInstance(object, type.get())) != 0;
+  return PyObject_TypeCheck(object, reinterpret_cast<PyTypeObject*>(type.get())) != 0;
 }
 
 }  // namespace qdclgl::python

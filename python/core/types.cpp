@@ -178,6 +178,10 @@ PyObject* NewObject(PyTypeObject* type, PyObject* arguments, PyObject* names);
 
 // ---- Making a class ----
 
+allocfunc AllocatorOf(PyTypeObject* type) {
+  return reinterpret_cast<allocfunc>(PyType_GetSlot(type, Py_tp_alloc));
+}
+
 class TypeMaker {
  public:
   explicit TypeMaker(TypeOfClass& type) : type_(type) {}
@@ -249,6 +253,7 @@ class TypeMaker {
     const PyRef bases = PyRef::Take(PyTuple_Pack(1, BaseType()));
     type_.type = reinterpret_cast<PyTypeObject*>(
         PyRef::Take(PyType_FromSpecWithBases(&spec, bases.get())).Detach());
+    type_.allocate = AllocatorOf(type_.type);
   }
 
   TypeOfClass& type_;
@@ -265,7 +270,8 @@ const TypeOfClass& EnumeratorType() {
 }
 
 const TypeOfClass& OtherType() {
-  static const TypeOfClass& type = *new TypeOfClass{.type = BaseType()};
+  static const TypeOfClass& type =
+      *new TypeOfClass{.type = BaseType(), .allocate = AllocatorOf(BaseType())};
   return type;
 }
 
@@ -299,6 +305,7 @@ PyObject* NewObject(PyTypeObject* type, PyObject* arguments, PyObject* names) {
 }  // namespace
 
 const TypeOfClass& TypeOf(Object& object) {
+  if (const ClassTable* table = object.Members()) return TypeOf(*table);
   if (dynamic_cast<Enumerator*>(&object) != nullptr) return EnumeratorType();
   const ClassTable* table = Behind(object).Members();
   return table != nullptr ? TypeOf(*table) : OtherType();

@@ -9,6 +9,7 @@ namespace qdclgl::python {
 
 struct TypeOfClass {
   PyTypeObject* type = nullptr;
+  allocfunc allocate = nullptr;       // of the type
   const ClassTable* table = nullptr;  // null for a class without member rows
   const ClassMember* count = nullptr;
   const ClassMember* item = nullptr;  // what x[...] reads and writes

@@ -1,3 +1,7 @@
+#include <array>
+#include <bit>
+#include <optional>
+
 #include "python/core/crossing.h"
 #include "python/core/errors.h"
 #include "python/core/foreign.h"
@@ -13,6 +17,24 @@ PyRef DecimalOf(const std::string& text) {
       PyObject_CallFunctionObjArgs(TheKnown().decimal.get(), ToText(text).get(), nullptr));
 }
 
+// Amounts come again and again, the 0 on the other side of each line above all, and a Decimal takes
+// longer to make than all else of a read. They are values, so one may stand at many places.
+PyRef AmountOf(Currency amount) {
+  struct Made {
+    std::int64_t units = 0;
+    PyRef decimal;
+  };
+  constexpr std::size_t kKept = 1024;
+  static auto& made = *new std::array<Made, kKept>;
+  auto& [units, decimal] = made[static_cast<std::uint64_t>(amount.units()) * 0x9E3779B97F4A7C15u >>
+                                (64 - std::bit_width(kKept - 1))];
+  if (!decimal || units != amount.units()) {
+    decimal = DecimalOf(amount.ToText());
+    units = amount.units();
+  }
+  return decimal;
+}
+
 PyRef DateOf(DateTime date) {
   const DateTime::Parts parts = date.ToParts();
   return PyRef::Take(PyObject_CallFunction(TheKnown().datetime.get(), "iiiiii", parts.year,
@@ -24,6 +46,22 @@ PyRef BytesOf(const Variant& value) {
   const std::span<const std::uint8_t> bytes = value.BytesView();
   return PyRef::Take(PyBytes_FromStringAndSize(reinterpret_cast<const char*>(bytes.data()),
                                                static_cast<Py_ssize_t>(bytes.size())));
+}
+
+// A text that the interpreter has as UTF-8, which it keeps with it; nothing for one with half a
+// character.
+std::optional<std::string_view> WholeCharacters(PyObject* text) {
+  Py_ssize_t length = 0;
+  if (const char* bytes = PyUnicode_AsUTF8AndSize(text, &length)) {
+    return std::string_view(bytes, static_cast<std::size_t>(length));
+  }
+  PyErr_Clear();
+  return std::nullopt;
+}
+
+Variant TextFrom(PyObject* text) {
+  const auto whole = WholeCharacters(text);
+  return whole ? Variant(*whole) : Variant(FromText(text));
 }
 
 // A whole number in 32 bits where it fits, otherwise a Decimal.
@@ -39,9 +77,11 @@ Variant WholeFrom(PyObject* number) {
 }
 
 Variant DecimalFrom(PyObject* number) {
-  const PyRef finite = PyRef::Take(PyObject_CallMethod(number, "is_finite", nullptr));
-  if (finite.get() != Py_True) RaiseValueError("a decimal that is no finite number");
-  return Variant(Decimal::FromText(FromText(PyRef::Take(PyObject_Str(number)).get())));
+  const std::string text = FromText(PyRef::Take(PyObject_Str(number)).get());
+  // Others read as "NaN", "sNaN" or "Infinity".
+  const char first = text[text.starts_with('-') ? 1 : 0];
+  if (first < '0' || first > '9') RaiseValueError("a decimal that is no finite number");
+  return Variant(Decimal::FromText(text));
 }
 
 int Part(PyObject* date, const char* name) {
@@ -94,6 +134,7 @@ PyRef ToText(std::string_view text) {
 }
 
 std::string FromText(PyObject* text) {
+  if (const auto whole = WholeCharacters(text)) return std::string(*whole);
   const PyRef bytes = PyRef::Take(PyUnicode_AsEncodedString(text, "utf-8", "surrogatepass"));
   char* data = nullptr;
   Py_ssize_t size = 0;
@@ -112,7 +153,7 @@ PyRef ToPython(const Variant& value) {
     case VariantType::kLong: return PyRef::Take(PyLong_FromLong(CLng(value)));
     case VariantType::kSingle:
     case VariantType::kDouble: return PyRef::Take(PyFloat_FromDouble(CDbl(value)));
-    case VariantType::kCurrency: return DecimalOf(value.Held<Currency>().ToText());
+    case VariantType::kCurrency: return AmountOf(value.Held<Currency>());
     case VariantType::kDecimal: return DecimalOf(value.Held<Decimal>().ToText());
     case VariantType::kDate: return DateOf(value.Held<DateTime>());
     case VariantType::kString: return ToText(value.TextView());
@@ -126,10 +167,14 @@ PyRef ToPython(const Variant& value) {
 }
 
 Variant FromPython(PyObject* value, bool wants_object) {
+  // What comes most is of these very types.
+  const PyTypeObject* type = Py_TYPE(value);
+  if (type == &PyUnicode_Type) return TextFrom(value);
+  if (type == &PyLong_Type) return WholeFrom(value);
   if (value == Py_None) return wants_object ? Variant(Nothing) : Variant();
   if (value == Py_Ellipsis) return Missing;
   if (value == TheKnown().null.get()) return Null;
-  if (PyUnicode_Check(value)) return Variant(FromText(value));
+  if (PyUnicode_Check(value)) return TextFrom(value);
   if (PyBool_Check(value)) return Variant(value == Py_True);
   if (Object* object = Unwrap(value)) return Variant(object);
   if (PyLong_Check(value)) {

@@ -83,15 +83,16 @@ PyObject* Represent(PyObject* self) {
 
 PyRef Wrap(Object* object) {
   ReleaseWaiting();
-  if (const auto* foreign = dynamic_cast<const ForeignObject*>(object)) {
-    return PyRef::Share(foreign->object());
+  if (object->Members() == nullptr) {
+    if (const auto* foreign = dynamic_cast<const ForeignObject*>(object)) {
+      return PyRef::Share(foreign->object());
+    }
   }
   if (const auto found = Wrappers().find(object); found != Wrappers().end()) {
     return PyRef::Share(found->second);
   }
   const TypeOfClass& type = TypeOf(*object);
-  const auto allocate = reinterpret_cast<allocfunc>(PyType_GetSlot(type.type, Py_tp_alloc));
-  PyRef made = PyRef::Take(allocate(type.type, 0));
+  PyRef made = PyRef::Take(type.allocate(type.type, 0));
   Wrapper* wrapper = Of(made.get());
   std::construct_at(&wrapper->owner, ThisOwner());
   wrapper->type = &type;

@@ -23,7 +23,7 @@ def make_contracts() -> int:
 
 
 def make_item(item_class: int, number: str, name: str, **fields: str) -> int:
-    item = qdclgl.ItemSet().CreateNew(item_class, 0)
+    item: qdclgl.Item = qdclgl.ItemSet().CreateNew(item_class, 0)
     item.Number = number
     item.Name = name
     for column, value in fields.items():

@@ -69,6 +69,8 @@ def test_a_value_of_another_class_comes_back_as_the_nearest(value: Any, back: An
         (qdclgl.Ref(1), TypeError, "for an argument only"),
         (2**96, OverflowError, "error 6"),
         (Decimal("NaN"), ValueError, "no finite number"),
+        (Decimal("-sNaN12"), ValueError, "no finite number"),
+        (Decimal("-Infinity"), ValueError, "no finite number"),
         (Decimal("1E+29"), OverflowError, "error 6"),
         (datetime(99, 12, 31), ValueError, "error 5"),
         (datetime(2024, 1, 1, tzinfo=timezone.utc), ValueError, "time zone"),

@@ -72,7 +72,7 @@ std::string ItemCell(const Dictionary& row, std::string_view column, std::size_t
 
 // One row for each account with movement, and each of its items, in the form that other programs
 // read. To them the own lines of an account with others below it are the account's.
-void PrintCsv(Recordset& rows, const WantedItems& items, std::ostream& out) {
+void PrintCsv(Recordset& rows, const WantedItems& items, const Console& console) {
   std::vector<std::string> headings = {"account"};
   for (const NamedItemClass& item_class : items.classes) {
     headings.emplace_back(FoldAsciiCase(item_class.number));
@@ -89,18 +89,23 @@ void PrintCsv(Recordset& rows, const WantedItems& items, std::ostream& out) {
     cells.assign(place.begin(), place.end());
     for (const char* sum : {"FDebit", "FCredit", "FEndBalance"}) cells.push_back(row->Value(sum));
   }
-  TableWriter table(out, Format::kCsv, std::move(headings));
+  TableWriter table(console, Format::kCsv, std::move(headings));
   for (const auto& [place, cells] : lines) table.Row(cells);
   table.Finish();
 }
 
 // All accounts as a tree, each with its items, and the sums below it.
-void PrintPlain(Recordset& rows, const WantedItems& items, std::ostream& out) {
-  std::vector<std::string> headings = {"Account", "Name"};
-  for (const NamedItemClass& item_class : items.classes) headings.push_back(item_class.name);
-  headings.insert(headings.end(), {"Begin", "Debit", "Credit", "End"});
-  TableWriter table(out, Format::kPlain, std::move(headings));
+void PrintPlain(Recordset& rows, const WantedItems& items, const Console& console) {
   constexpr std::string_view kSums[] = {"FBeginBalance", "FDebit", "FCredit", "FEndBalance"};
+  if (rows.Eof()) {
+    console.out << "No account has balances of this kind.\n";
+    return;
+  }
+  std::vector<std::string> keys = {"FAccountNumber", "FAccountName"};
+  for (const NamedItemClass& item_class : items.classes) keys.push_back(item_class.name);
+  keys.insert(keys.end(), std::begin(kSums), std::end(kSums));
+  TableWriter table(console, Format::kPlain, std::move(keys));
+  table.Bars("FEndBalance");
   std::vector<Currency> totals(std::size(kSums));
   for (; !rows.Eof(); rows.MoveNext()) {
     const Ref<Dictionary> row = rows.Row();
@@ -121,7 +126,7 @@ void PrintPlain(Recordset& rows, const WantedItems& items, std::ostream& out) {
   std::vector<Variant> last = {"", "Total"};
   last.resize(last.size() + items.classes.size(), "");
   last.insert(last.end(), totals.begin(), totals.end());
-  table.Row(last);
+  table.Total(last);
   table.Finish();
 }
 
@@ -152,9 +157,9 @@ int PrintBalance(const BalanceOptions& options, const Console& console) {
   }
   const Ref<Recordset> rows = BalancesOf(options, props, items, filter);
   switch (options.format) {
-    case Format::kPlain: PrintPlain(*rows, items, console.out); break;
-    case Format::kCsv: PrintCsv(*rows, items, console.out); break;
-    case Format::kJson: WriteRecordset(console.out, Format::kJson, rows, {}); break;
+    case Format::kPlain: PrintPlain(*rows, items, console); break;
+    case Format::kCsv: PrintCsv(*rows, items, console); break;
+    case Format::kJson: WriteRecordset(console, Format::kJson, rows, {}); break;
   }
   return kDone;
 }

@@ -230,7 +230,7 @@ int Examine(const DoctorOptions& options, const Console& console) {
   static constexpr std::string_view kColumns[] = {"FRule", "FSubject", "FRecordID", "FRecord",
                                                   "FProblem"};
   const Long count = problems->RecordCount();
-  WriteRecordset(console.out, options.format, problems, kColumns);
+  WriteRecordset(console, options.format, problems, kColumns);
   return count == 0 ? kDone : kDamaged;
 }
 

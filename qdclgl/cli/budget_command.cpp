@@ -106,14 +106,12 @@ int ListBudgets(const BudgetOptions& options, const Console& console) {
                  "FAccountNumber, FPeriod")
           .As<Recordset>();
   if (options.format != Format::kPlain) {
-    WriteRecordset(console.out, options.format, rows, {});
+    WriteRecordset(console, options.format, rows, {});
     return kDone;
   }
-  if (rows->Eof()) {
-    console.out << "Nothing is budgeted for " << year << ".\n";
-    return kDone;
-  }
-  TableWriter table(console.out, Format::kPlain, {"Account", "Name", "Period", "Budget"});
+  TableWriter table(console, Format::kPlain,
+                    {"FAccountNumber", "FAccountName", "FPeriod", "FBudget"});
+  table.IfEmpty("Nothing is budgeted for " + std::to_string(year) + ".");
   for (; !rows->Eof(); rows->MoveNext()) {
     const Ref<Dictionary> row = rows->Row();
     table.Row({row->Value("FAccountNumber"), row->Value("FAccountName"),

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <optional>
 
-#include "qdclgl/cli/console.h"
+#include "qdclgl/cli/one_line.h"
 #include "qdclgl/frame/vocabulary/errors.h"
 #include "qdclgl/frame/vocabulary/text.h"
 

@@ -7,15 +7,21 @@
 #include <string>
 #include <string_view>
 
+#include "qdclgl/cli/look.h"
+#include "qdclgl/cli/one_line.h"
 #include "qdclgl/frame/vocabulary/errors.h"
 
 namespace qdclgl::cli {
+
+class Output;
 
 struct Console {
   std::ostream& out;
   std::ostream& err;
   bool shows_progress = false;      // somebody watches err
   std::istream* answers = nullptr;  // somebody answers questions here; null: nobody
+  Look look = {};
+  Output* screen = nullptr;  // what `out` writes to, where it can be read by the page
 };
 
 enum ExitCode : int {
@@ -51,8 +57,5 @@ bool IsAboutRecord(const Error& error);
 // "80044221: The debits ..." for a number of ours or a server's, "429: ..." for automation's own.
 // One line, whatever the error holds.
 std::string ErrorText(const Error& error);
-
-// `text` for one line of a terminal: control characters become blanks.
-std::string OneLine(std::string_view text);
 
 }  // namespace qdclgl::cli

@@ -63,9 +63,9 @@ int PrintLedger(const LedgerOptions& options, const Console& console) {
   if (!ledger) RefuseMissing("ledger " + Quoted(options.name));
   const auto sheet =
       info->Call("GetLedger", props, ledger->Value("FLedgerID"), from, to).As<Recordset>();
-  if (options.html) WriteLedgerPage(console.out, *ledger, *sheet);
-  else if (options.format == Format::kPlain) WriteLedgerTable(console.out, *ledger, *sheet);
-  else WriteRecordset(console.out, options.format, sheet, {});
+  if (options.html) WriteLedgerPage(console, *ledger, *sheet);
+  else if (options.format == Format::kPlain) WriteLedgerTable(console, *ledger, *sheet);
+  else WriteRecordset(console, options.format, sheet, {});
   return kDone;
 }
 

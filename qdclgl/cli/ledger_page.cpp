@@ -1,5 +1,8 @@
 #include "qdclgl/cli/ledger_page.h"
 
+#include <utility>
+
+#include "qdclgl/cli/html.h"
 #include "qdclgl/cli/table.h"
 #include "qdclgl/server/ledgers/ledger_sheet.h"
 
@@ -13,6 +16,7 @@ using namespace server;
 struct Heading {
   std::string text;
   std::string field;
+  Long currency = kBaseCurrencyID;  // of amounts
 };
 
 String Text(const Dictionary& row, std::string_view key) { return row.Value(key).As<String>(); }
@@ -26,13 +30,15 @@ String NameOf(const Dictionary& row, std::string_view given, std::string_view ot
 // The figures of a sheet, in the order of their fields.
 std::vector<Heading> Figures(const Dictionary& ledger) {
   std::vector<Heading> headings = {{"Debit", "FDebit"}, {"Credit", "FCredit"}};
-  std::vector<String> currencies;
+  std::vector<std::pair<String, Long>> currencies;
   for (const auto& sub : RowsUnder(ledger, "_SubColumns")) {
-    currencies.push_back(NameOf(*sub, "FSubColumnName", "FCurrencyNumber"));
+    const String name = NameOf(*sub, "FSubColumnName", "FCurrencyNumber");
+    const auto currency = sub->Value("FCurrencyID").As<Long>();
+    currencies.emplace_back(name, currency);
     const std::string field = "FSub" + std::to_string(currencies.size());
-    headings.push_back({currencies.back() + " debit", field + "Debit"});
-    headings.push_back({currencies.back() + " credit", field + "Credit"});
-    headings.push_back({currencies.back() + " rate", field + "Rate"});
+    headings.push_back({name + " debit", field + "Debit", currency});
+    headings.push_back({name + " credit", field + "Credit", currency});
+    headings.push_back({name + " rate", field + "Rate"});
   }
   headings.push_back({"Side", ""});
   headings.push_back({"Balance", "FBalance"});
@@ -42,7 +48,8 @@ std::vector<Heading> Figures(const Dictionary& ledger) {
     const std::string field = "FColumn" + std::to_string(++number);
     headings.push_back({name, field});
     for (std::size_t i = 0; i < currencies.size(); ++i) {
-      headings.push_back({name + " " + currencies[i], field + "Sub" + std::to_string(i + 1)});
+      headings.push_back({name + " " + currencies[i].first, field + "Sub" + std::to_string(i + 1),
+                          currencies[i].second});
     }
   }
   return headings;
@@ -65,78 +72,69 @@ std::vector<std::string> LeadOf(const Dictionary& row) {
 }
 
 // A figure as it is printed; what is nothing is left out, but for the balance.
-std::string FigureText(const Dictionary& row, const Heading& heading) {
+Variant FigureOf(const Dictionary& row, const Heading& heading) {
   if (heading.text == "Side" && heading.field.empty()) {
     const auto side = row.Value("FDC").As<Long>();
     return side > 0 ? "debit" : side < 0 ? "credit" : "";
   }
   const Variant value = row.Value(heading.field);
   const bool is_shown = heading.field == "FBalance" || (!value.IsEmpty() && CDbl(value) != 0);
-  return is_shown ? CellText(value) : "";
+  return is_shown ? value : Variant("");
+}
+
+std::string FigureText(const Dictionary& row, const Heading& heading, const Look& look) {
+  const Variant figure = FigureOf(row, heading);
+  return figure.Type() == VariantType::kCurrency
+             ? MoneyText(figure.Held<Currency>(), look.DecimalsOf(heading.currency))
+             : CellText(figure);
 }
 
 constexpr const char* kLead[] = {"Date", "Voucher", "Account", "Explanation"};
 
-std::string Escaped(std::string_view text) {
-  std::string escaped;
-  for (const char c : text) {
-    switch (c) {
-      case '&': escaped += "&amp;"; break;
-      case '<': escaped += "&lt;"; break;
-      case '>': escaped += "&gt;"; break;
-      case '"': escaped += "&quot;"; break;
-      default: escaped += c;
-    }
-  }
-  return escaped;
-}
-
 }  // namespace
 
-void WriteLedgerTable(std::ostream& out, const Dictionary& ledger, Recordset& sheet) {
+void WriteLedgerTable(const Console& console, const Dictionary& ledger, Recordset& sheet) {
   const std::vector<Heading> figures = Figures(ledger);
   std::vector<std::string> headings(std::begin(kLead), std::end(kLead));
-  for (const Heading& heading : figures) headings.push_back(heading.text);
-  TableWriter table(out, Format::kPlain, headings);
+  for (const Heading& heading : figures) {
+    const bool shows_key = console.look.shows_keys && !heading.field.empty();
+    headings.push_back(shows_key ? heading.field : heading.text);
+  }
+  TableWriter table(console, Format::kPlain, headings);
   table.AlignRight(std::size(kLead));
+  for (std::size_t i = 0; i < figures.size(); ++i) {
+    table.InCurrency(std::size(kLead) + i, figures[i].currency);
+  }
   for (; !sheet.Eof(); sheet.MoveNext()) {
     const Ref<Dictionary> row = sheet.Row();
     std::vector<Variant> cells;
     for (std::string& text : LeadOf(*row)) cells.emplace_back(std::move(text));
-    for (const Heading& heading : figures) cells.emplace_back(FigureText(*row, heading));
-    table.Row(cells);
+    for (const Heading& heading : figures) cells.push_back(FigureOf(*row, heading));
+    if (Text(*row, "FRow") == sheet_row::kLine) table.Row(cells);
+    else table.Total(cells);
   }
   table.Finish();
 }
 
-void WriteLedgerPage(std::ostream& out, const Dictionary& ledger, Recordset& sheet) {
-  const std::string title =
-      Escaped(Text(ledger, "FLedgerName") + ": " + Text(ledger, "FAccountNumber") + " " +
-              Text(ledger, "FAccountName"));
-  out << "<!DOCTYPE html>\n<html><head><meta charset=\"utf-8\"><title>" << title
-      << "</title>\n<style>\n"
-         "body { font-family: sans-serif; font-size: 9pt }\n"
-         "table { border-collapse: collapse }\n"
-         "thead { display: table-header-group }\n"
-         "th, td { border: 1px solid #999; padding: 1px 4px }\n"
-         ".figure { text-align: right; white-space: nowrap }\n"
-         "tr.sum td { font-weight: bold }\n"
-         "</style></head>\n<body><h1>"
-      << title << "</h1>\n<table><thead><tr>";
+void WriteLedgerPage(const Console& console, const Dictionary& ledger, Recordset& sheet) {
   const std::vector<Heading> figures = Figures(ledger);
-  for (const char* heading : kLead) out << "<th>" << heading << "</th>";
-  for (const Heading& heading : figures) out << "<th>" << Escaped(heading.text) << "</th>";
-  out << "</tr></thead>\n<tbody>\n";
+  std::vector<HtmlColumn> columns;
+  for (const char* heading : kLead) columns.push_back({heading});
+  for (const Heading& heading : figures) columns.push_back({heading.text, true});
+  BeginPage(console.out, {Text(ledger, "FLedgerName") + ": " + Text(ledger, "FAccountNumber") +
+                          " " + Text(ledger, "FAccountName")});
+  HtmlTable table(console.out, "Multi-column ledger", columns);
   for (; !sheet.Eof(); sheet.MoveNext()) {
     const Ref<Dictionary> row = sheet.Row();
-    out << (Text(*row, "FRow") == sheet_row::kLine ? "<tr>" : "<tr class=\"sum\">");
-    for (const std::string& text : LeadOf(*row)) out << "<td>" << Escaped(text) << "</td>";
+    std::vector<HtmlCell> cells;
+    for (std::string& text : LeadOf(*row)) cells.push_back({std::move(text)});
     for (const Heading& heading : figures) {
-      out << "<td class=\"figure\">" << Escaped(FigureText(*row, heading)) << "</td>";
+      cells.push_back({FigureText(*row, heading, console.look)});
     }
-    out << "</tr>\n";
+    table.Row(cells, Text(*row, "FRow") == sheet_row::kLine ? HtmlRow::kPlain : HtmlRow::kSum);
   }
-  out << "</tbody></table></body></html>\n";
+  table.End();
+  EndPage(console.out);
 }
 
 }  // namespace qdclgl::cli

@@ -56,6 +56,17 @@ std::vector<std::string> ShownColumns(const server::ServerComponent& component,
   return columns;
 }
 
+// "There are no voucher groups."
+std::string NoneOf(const server::ServerComponent& component, const ListQuery& query) {
+  const server::MasterData* kind = FindKind(component.list->name);
+  const std::string_view what = kind != nullptr ? kind->description().nouns
+                                : component.prog_id == server::AuditInfo::kProgID
+                                    ? "deeds"
+                                    : component.list->name;
+  return "There are no " + std::string(what) +
+         (query.filter.empty() ? "." : " for which the filter is true.");
+}
+
 int Print(const server::ServerComponent& component, const ListOptions& options,
           const Console& console) {
   const std::string props = options.login.Open();
@@ -78,8 +89,9 @@ int Print(const server::ServerComponent& component, const ListOptions& options,
   const Ref<Recordset> rows = FetchList(component, props, query);
   const std::vector<std::string> columns = ShownColumns(component, *rows);
   if (is_trail && options.format == Format::kPlain && !options.whole) ShortenChanges(rows);
-  WriteRecordset(console.out, options.format, rows,
-                 std::vector<std::string_view>(columns.begin(), columns.end()));
+  WriteRecordset(console, options.format, rows,
+                 std::vector<std::string_view>(columns.begin(), columns.end()),
+                 NoneOf(component, query));
   return kDone;
 }
 

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "qdclgl/cli/cell_values.h"
+#include "qdclgl/cli/output.h"
 #include "qdclgl/cli/usage.h"
 #include "qdclgl/frame/session/server_gateway.h"
 #include "qdclgl/frame/session/startup.h"
@@ -18,6 +19,7 @@ namespace {
 constexpr const char* kBookVariable = "QDCLGL_BOOK";
 constexpr const char* kUserVariable = "QDCLGL_USER";
 constexpr const char* kPasswordVariable = "QDCLGL_PASSWORD";
+constexpr const char* kNegativeVariable = "QDCLGL_NEGATIVE";
 constexpr const char* kUsualUser = "administrator";
 
 constexpr const char* kFooter =
@@ -49,6 +51,14 @@ void TakeUnmarkedWords(CLI::App& command) {
 std::string FromEnvironment(const char* variable) {
   const char* value = std::getenv(variable);
   return value == nullptr ? "" : value;
+}
+
+Negatives NegativesFromEnvironment() {
+  const std::string wanted = FromEnvironment(kNegativeVariable);
+  if (wanted == "parentheses") return Negatives::kParentheses;
+  if (wanted.empty() || wanted == "minus") return Negatives::kMinus;
+  throw UsageError(std::string(kNegativeVariable) + " is minus or parentheses, not " +
+                   Quoted(wanted));
 }
 
 }  // namespace
@@ -83,10 +93,36 @@ Program::Program(const Console& console)
   AddLedgerCommand(*this);
   AddStatementCommands(*this);
   AddBudgetCommand(*this);
+  AddReportCommand(*this);
   AddUserCommand(*this);
   AddApiCommand(*this);
+  AddCompleteCommand(*this);
   AddHelpCommand(*this);
-  for (CLI::App* command : app_.get_subcommands({})) TakeUnmarkedWords(*command);
+  for (CLI::App* command : app_.get_subcommands({})) {
+    if (command->get_option_no_throw("--json") != nullptr) AddLook(*command);
+    TakeUnmarkedWords(*command);
+  }
+}
+
+void Program::AddLook(CLI::App& command) {
+  command.add_flag("--keys", console_.look.shows_keys,
+                   "The columns' keys, which --filter and --sort take, above a table");
+  command.add_option("--color", colour_, "Colours: never, always, or auto, on a terminal")
+      ->check(CLI::IsMember({"never", "auto", "always"}))
+      ->type_name("WHEN");
+  command.add_flag("--no-pager", no_pager_, "Shows long output without a pager");
+}
+
+void Program::TakeLook() {
+  Look& look = console_.look;
+  look.negatives = NegativesFromEnvironment();
+  look.has_colour = colour_ == "always" ||
+                    (colour_ == "auto" && look.IsTerminal() &&
+                     FromEnvironment("NO_COLOR").empty() && FromEnvironment("TERM") != "dumb");
+  look.scales = std::make_shared<CurrencyScales>();
+  if (console_.screen != nullptr && look.IsTerminal() && !no_pager_) {
+    console_.screen->PageBeyond(look.height - 1);
+  }
 }
 
 CLI::App* Program::Add(const std::string& name, const std::string& help, std::function<int()> run) {
@@ -173,7 +209,10 @@ std::vector<Long> IDsOf(const std::vector<std::string>& words) {
   return ids;
 }
 
-int Program::RunChosen() { return chosen_(); }
+int Program::RunChosen() {
+  TakeLook();
+  return chosen_();
+}
 
 void AddFormat(CLI::App& command, Format& format) {
   auto* csv = command.add_flag_callback(

@@ -38,6 +38,7 @@ class Program {
 
   const Console& console() const { return console_; }
   CLI::App& app() { return app_; }
+  const CLI::App& app() const { return app_; }
 
   // A command. `run` gives the exit code; it runs once the whole command line is understood.
   CLI::App* Add(const std::string& name, const std::string& help, std::function<int()> run);
@@ -64,8 +65,14 @@ class Program {
   int RunChosen();
 
  private:
-  const Console& console_;
+  // How the output of a command that prints tables looks.
+  void AddLook(CLI::App& command);
+  void TakeLook();
+
+  Console console_;
   CLI::App app_;
+  std::string colour_ = "auto";
+  bool no_pager_ = false;
   std::function<int()> chosen_;
 };
 
@@ -104,8 +111,10 @@ void AddBalanceCommand(Program& program);     // balance
 void AddLedgerCommand(Program& program);      // ledger
 void AddStatementCommands(Program& program);  // income, position
 void AddBudgetCommand(Program& program);      // budget
+void AddReportCommand(Program& program);      // report
 void AddUserCommand(Program& program);        // user
 void AddApiCommand(Program& program);         // api
+void AddCompleteCommand(Program& program);    // complete
 void AddHelpCommand(Program& program);        // help
 
 }  // namespace qdclgl::cli

@@ -56,11 +56,12 @@ bool TakeStepWithAll(const char* name, const std::vector<Long>& ids, const Conso
 
 }  // namespace
 
-void WriteProposedVouchers(std::ostream& out, Recordset& vouchers) {
+void WriteProposedVouchers(const Console& console, Recordset& vouchers) {
   const auto accounts = Make<AccountSet>();
   const auto currencies = Make<CurrencySet>();
-  TableWriter table(out, Format::kPlain,
-                    {"Account", "Name", "Items", "Currency", "Amount", "Debit", "Credit"});
+  TableWriter table(console, Format::kPlain,
+                    {"FAccountNumber", "FAccountName", "Items", "FCurrencyNumber", "FAmountFor",
+                     "FDebit", "FCredit"});
   table.AlignRight(4);
   for (; !vouchers.Eof(); vouchers.MoveNext()) {
     const Ref<Vector> lines = LinesOf(*vouchers.Row());
@@ -74,7 +75,8 @@ void WriteProposedVouchers(std::ostream& out, Recordset& vouchers) {
       table.Row({WithoutOwnLines(account->Number()), account->Name(), ItemsOf(*line),
                  is_foreign ? Variant(currencies->Item(currency)->Number()) : none,
                  is_foreign ? line->Value("FAmountFor") : none, is_debit ? amount : none,
-                 is_debit ? none : amount});
+                 is_debit ? none : amount},
+                currency);
     }
   }
   table.Finish();

@@ -13,7 +13,7 @@ namespace qdclgl::cli {
 using Propose = std::function<Ref<Recordset>()>;
 
 // A table of their lines.
-void WriteProposedVouchers(std::ostream& out, Recordset& vouchers);
+void WriteProposedVouchers(const Console& console, Recordset& vouchers);
 
 // Saves them in one batch, in which they are asked for anew, and takes them through check and
 // posting where the rules of the books let this user do so. Tells what is made.

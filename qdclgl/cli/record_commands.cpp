@@ -121,7 +121,7 @@ int Show(const RecordOptions& options, const Console& console) {
   const Records records(kind, options.login.Open());
   const std::vector<Ref<Dictionary>> found = FindAll(records, options.words, console);
   for (const Ref<Dictionary>& record : found) records.AddLists(*record);
-  if (!found.empty()) WriteRecords(console.out, options.format, found);
+  if (!found.empty()) WriteRecords(console, options.format, found);
   return OutcomeOf(found.size(), options.words.size() - 1);
 }
 
@@ -188,10 +188,10 @@ void WriteColumns(const MasterData& kind, TableWriter table) {
 
 int PrintKinds(const KindsOptions& options, const Console& console) {
   if (options.kind.empty()) {
-    WriteKinds({console.out, options.format, {"Kind", "Key", "Records"}});
+    WriteKinds({console, options.format, {"Kind", "Key", "Records"}});
   } else {
     WriteColumns(KindNamed(options.kind),
-                 {console.out, options.format, {"Column", "Value", "Written by"}});
+                 {console, options.format, {"Column", "Value", "Written by"}});
   }
   return kDone;
 }

@@ -111,9 +111,9 @@ Variant CellOf(const Variant& value, Format format) {
   return format == Format::kCsv && ListIn(value) != nullptr ? Variant(JsonText(value)) : value;
 }
 
-void WriteTable(std::ostream& out, Format format, const std::vector<Ref<Dictionary>>& rows) {
+void WriteTable(const Console& console, Format format, const std::vector<Ref<Dictionary>>& rows) {
   const std::vector<std::string> keys = KeysOf(rows);
-  TableWriter table(out, format, keys);
+  TableWriter table(console, format, keys);
   for (const Ref<Dictionary>& row : rows) {
     std::vector<Variant> cells;
     for (const std::string& key : keys) cells.push_back(CellOf(row->Value(key), format));
@@ -122,7 +122,8 @@ void WriteTable(std::ostream& out, Format format, const std::vector<Ref<Dictiona
   table.Finish();
 }
 
-void WritePlain(std::ostream& out, const Dictionary& record) {
+void WritePlain(Console console, const Dictionary& record) {
+  console.look.shows_keys = true;
   std::size_t width = 0;
   for (std::uint32_t i = 0; i < record.size(); ++i) {
     if (ListIn(record.value_at(i)) == nullptr) width = std::max(width, record.key_at(i).size());
@@ -132,7 +133,7 @@ void WritePlain(std::ostream& out, const Dictionary& record) {
     std::string line = record.key_at(i);
     line.append(width + 2 - line.size(), ' ').append(OneLine(CellText(record.value_at(i))));
     line.erase(line.find_last_not_of(' ') + 1);
-    out << line << '\n';
+    console.out << line << '\n';
   }
   for (std::uint32_t i = 0; i < record.size(); ++i) {
     const Vector* list = ListIn(record.value_at(i));
@@ -141,18 +142,19 @@ void WritePlain(std::ostream& out, const Dictionary& record) {
     for (std::size_t row = 0; row < list->size(); ++row) {
       rows.push_back(list->at(row).As<Dictionary>());
     }
-    out << '\n' << record.key_at(i) << '\n';
-    WriteTable(out, Format::kPlain, rows);
+    console.out << '\n' << record.key_at(i) << '\n';
+    WriteTable(console, Format::kPlain, rows);
   }
 }
 
 }  // namespace
 
-void WriteRecords(std::ostream& out, Format format, const std::vector<Ref<Dictionary>>& records) {
-  if (format != Format::kPlain) return WriteTable(out, format, records);
+void WriteRecords(const Console& console, Format format,
+                  const std::vector<Ref<Dictionary>>& records) {
+  if (format != Format::kPlain) return WriteTable(console, format, records);
   for (const Ref<Dictionary>& record : records) {
-    if (record != records.front()) out << '\n';
-    WritePlain(out, *record);
+    if (record != records.front()) console.out << '\n';
+    WritePlain(console, *record);
   }
 }
 

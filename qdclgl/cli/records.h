@@ -39,7 +39,9 @@ class Records {
   std::string props_;
 };
 
-// Prints records with all that they hold: a plain one column by column, with its lists behind.
-void WriteRecords(std::ostream& out, Format format, const std::vector<Ref<Dictionary>>& records);
+// Prints records with all that they hold: a plain one column by column, with its lists behind, by
+// the keys that `set` takes.
+void WriteRecords(const Console& console, Format format,
+                  const std::vector<Ref<Dictionary>>& records);
 
 }  // namespace qdclgl::cli

@@ -46,7 +46,7 @@ struct StateOfBooks {
   Long to_post = 0;
 };
 
-StateOfBooks Look(const std::string& props) {
+StateOfBooks StateIn(const std::string& props) {
   StateOfBooks state;
   const auto profile = Make<SystemProfile>();
   state.year = profile->GLGetCurrentYear();
@@ -110,7 +110,7 @@ int PrintStartPage(const Console& console) {
   login.book = BookFromEnvironment();
   if (login.book.empty()) return PrintFirstSteps(console.out);
   login.user = UserFromEnvironment();
-  const StateOfBooks state = Look(login.Open());
+  const StateOfBooks state = StateIn(login.Open());
   console.out << "Period " << state.year << '/' << state.period << ", " << state.start.ToText()
               << " to " << state.end.ToText() << ": " << Vouchers(state.to_check) << " to check, "
               << state.to_post << " to post. What one would do next:\n\n";

@@ -69,7 +69,7 @@ int PrintIncome(const StatementOptions& options, const Console& console) {
   const Ref<Recordset> rows =
       Fetch(options.budget ? "GetIncomeWithBudget" : "GetIncome", props, spans);
   if (options.format != Format::kPlain) {
-    WriteRecordset(console.out, options.format, rows, {});
+    WriteRecordset(console, options.format, rows, {});
     return kDone;
   }
   StatementLayout layout = LayoutOf(options);
@@ -77,7 +77,7 @@ int PrintIncome(const StatementOptions& options, const Console& console) {
   layout.has_budget = options.budget;
   layout.nothing = "Nothing is posted on accounts of income or expense in these periods.";
   layout.has_change = options.spans.compare && spans.size() == 2;
-  WriteStatement(console.out, *rows, layout);
+  WriteStatement(console, *rows, layout);
   return kDone;
 }
 
@@ -91,7 +91,7 @@ int PrintPosition(const StatementOptions& options, const Console& console) {
   const std::vector<StatementSpan> spans = SpansOf(wanted);
   const Ref<Recordset> rows = Fetch("GetPosition", props, spans);
   if (options.format != Format::kPlain) {
-    WriteRecordset(console.out, options.format, rows, {});
+    WriteRecordset(console, options.format, rows, {});
     return kDone;
   }
   StatementLayout layout = LayoutOf(options);
@@ -100,7 +100,7 @@ int PrintPosition(const StatementOptions& options, const Console& console) {
   }
   layout.nothing = "Nothing is posted yet in these periods or before them.";
   layout.has_change = wanted.compare && spans.size() == 2;
-  WriteStatement(console.out, *rows, layout);
+  WriteStatement(console, *rows, layout);
   return kDone;
 }
 

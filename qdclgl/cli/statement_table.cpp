@@ -79,8 +79,8 @@ std::string PercentText(double percent) {
 
 class StatementTable {
  public:
-  StatementTable(std::ostream& out, const StatementLayout& layout)
-      : layout_(layout), table_(out, Format::kPlain, HeadingsOf(layout)) {
+  StatementTable(const Console& console, const StatementLayout& layout)
+      : layout_(layout), table_(console, Format::kPlain, HeadingsOf(layout)) {
     table_.AlignRight(2);
   }
 
@@ -103,7 +103,7 @@ class StatementTable {
 
  private:
   static std::vector<std::string> HeadingsOf(const StatementLayout& layout) {
-    std::vector<std::string> headings = {"Account", "Name"};
+    std::vector<std::string> headings = {"FAccountNumber", "FAccountName"};
     for (const std::string& column : layout.columns) {
       headings.push_back(column);
       if (layout.has_percent) headings.emplace_back("%");
@@ -131,7 +131,8 @@ class StatementTable {
       if (layout_.has_budget) PutBudget(row, i, cells);
     }
     if (layout_.has_change) cells.emplace_back(row.amounts[0] - row.amounts[1]);
-    table_.Row(cells);
+    if (row.row == report_row::kAccount) table_.Row(cells);
+    else table_.Total(cells);
   }
 
   // Of nothing there is no share.
@@ -178,22 +179,22 @@ void WriteAccountsWithoutKind(std::ostream& out, const std::vector<StatementRow>
 
 }  // namespace
 
-void WriteStatement(std::ostream& out, Recordset& rows, const StatementLayout& layout) {
+void WriteStatement(const Console& console, Recordset& rows, const StatementLayout& layout) {
   std::vector<StatementRow> statement;
   for (StatementRow row; TakeRow(rows, layout, row);) statement.push_back(row);
   if (std::ranges::count(statement, report_row::kAccount, &StatementRow::row) == 0) {
-    out << layout.nothing << '\n';
+    console.out << layout.nothing << '\n';
     return;
   }
-  StatementTable table(out, layout);
+  StatementTable table(console, layout);
   for (const StatementRow& row : statement) table.Put(row);
   table.Finish();
   const StatementRow& last = statement.back();
-  if (last.row == report_row::kDifference) WriteOutcome(out, last, layout.columns);
+  if (last.row == report_row::kDifference) WriteOutcome(console.out, last, layout.columns);
   std::erase_if(statement, [](const StatementRow& row) {
     return row.row != report_row::kAccount || !row.kind.empty() || row.level != 1;
   });
-  WriteAccountsWithoutKind(out, statement);
+  WriteAccountsWithoutKind(console.out, statement);
 }
 
 }  // namespace qdclgl::cli

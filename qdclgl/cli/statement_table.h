@@ -1,10 +1,10 @@
 // A statement of a year as people read it: its sections and sums, its columns beside each other.
 #pragma once
 
-#include <ostream>
 #include <string>
 #include <vector>
 
+#include "qdclgl/cli/console.h"
 #include "qdclgl/frame/containers/recordset.h"
 
 namespace qdclgl::cli {
@@ -19,6 +19,6 @@ struct StatementLayout {
 };
 
 // Prints a statement of QDSVGLReport.ReportInfo, and behind it which accounts have no kind.
-void WriteStatement(std::ostream& out, Recordset& rows, const StatementLayout& layout);
+void WriteStatement(const Console& console, Recordset& rows, const StatementLayout& layout);
 
 }  // namespace qdclgl::cli

@@ -1,10 +1,15 @@
 #include "qdclgl/cli/table.h"
 
 #include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <limits>
 #include <nlohmann/json.hpp>
+#include <utility>
 
 #include "qdclgl/cli/cell_values.h"
-#include "qdclgl/cli/console.h"
+#include "qdclgl/cli/headings.h"
+#include "qdclgl/cli/text_width.h"
 #include "qdclgl/frame/containers/vector.h"
 #include "qdclgl/frame/objects/conversions.h"
 
@@ -25,38 +30,29 @@ bool IsNumber(const Variant& value) {
   }
 }
 
-// The character that begins at `i`, which moves behind it.
-char32_t TakeCharacter(std::string_view text, std::size_t& i) {
-  const auto first = static_cast<unsigned char>(text[i++]);
-  char32_t character = first < 0x80 ? first
-                                    : first & (first < 0xE0   ? 0x1F
-                                               : first < 0xF0 ? 0x0F
-                                                              : 7);
-  while (i < text.size() && (static_cast<unsigned char>(text[i]) & 0xC0) == 0x80) {
-    character = character << 6 | (static_cast<unsigned char>(text[i++]) & 0x3F);
-  }
-  return character;
+constexpr std::size_t kGap = 2;  // blanks between columns
+
+// An amount without its sign; the least one has none, and gets the one beside it.
+Currency SizeOf(Currency amount) {
+  constexpr std::int64_t kLeast = std::numeric_limits<std::int64_t>::min();
+  return Currency::FromUnits(std::abs(std::max(amount.units(), kLeast + 1)));
 }
 
-// The columns of a terminal that a text takes: East Asian characters take two.
-std::size_t WidthOf(std::string_view text) {
-  struct Range {
-    char32_t first, last;
-    std::size_t width;
-  };
-  static constexpr Range kRanges[] = {
-      {0x0300, 0x036F, 0},   {0x1100, 0x115F, 2},  {0x2E80, 0xA4CF, 2}, {0xAC00, 0xD7A3, 2},
-      {0xF900, 0xFAFF, 2},   {0xFE30, 0xFE6F, 2},  {0xFF00, 0xFF60, 2}, {0xFFE0, 0xFFE6, 2},
-      {0x1F300, 0x1FAFF, 2}, {0x20000, 0x3FFFD, 2}};
-  std::size_t width = 0;
-  for (std::size_t i = 0; i < text.size();) {
-    const char32_t character = TakeCharacter(text, i);
-    const auto range = std::find_if(std::begin(kRanges), std::end(kRanges), [&](const Range& r) {
-      return r.first <= character && character <= r.last;
-    });
-    width += range == std::end(kRanges) ? 1 : range->width;
-  }
-  return width;
+// A bar of at most `width` columns, in eighths of one. A negative amount is hatched, so that it is
+// told without colours too.
+std::string BarText(Currency amount, Currency longest, std::size_t width) {
+  if (longest == Currency()) return "";
+  const double share =
+      static_cast<double>(SizeOf(amount).units()) / static_cast<double>(longest.units());
+  const auto eighths =
+      static_cast<std::size_t>(std::lround(share * 8 * static_cast<double>(width)));
+  static constexpr const char* kParts[] = {"", "▏", "▎", "▍", "▌", "▋", "▊", "▉"};
+  const bool is_negative = amount < Currency();
+  std::string bar;
+  for (std::size_t i = 0; i < eighths / 8; ++i) bar += is_negative ? "▒" : "█";
+  return bar + (is_negative && eighths > 0 && eighths < 8 ? "▒"
+                : is_negative                             ? ""
+                                                          : kParts[eighths % 8]);
 }
 
 }  // namespace
@@ -121,59 +117,63 @@ std::string Dump(const nlohmann::ordered_json& json, int indent = -1) {
 
 std::string JsonText(const Variant& value, int indent) { return Dump(ToJson(value), indent); }
 
-TableWriter::TableWriter(std::ostream& out, Format format, std::vector<std::string> headings)
-    : out_(out), format_(format), headings_(std::move(headings)), is_number_(headings_.size()) {
-  if (format_ == Format::kCsv) WriteCsv(headings_);
+TableWriter::TableWriter(const Console& console, Format format, std::vector<std::string> keys)
+    : console_(console), format_(format), columns_(keys.size()), bars_(keys.size()) {
+  const std::vector<std::string> headings =
+      console.look.shows_keys || format != Format::kPlain ? keys : HeadingsOf(keys);
+  for (std::size_t i = 0; i < keys.size(); ++i) {
+    columns_[i].heading = OneLine(headings[i]);
+    columns_[i].currency = IsInRowsCurrency(keys[i]) ? 0 : kBaseCurrencyID;
+    columns_[i].key = keys[i];
+  }
+  if (format_ == Format::kCsv) WriteCsv(keys);
 }
 
 void TableWriter::AlignRight(std::size_t from) {
-  std::fill(is_number_.begin() + static_cast<std::ptrdiff_t>(from), is_number_.end(), true);
+  for (std::size_t i = from; i < columns_.size(); ++i) columns_[i].is_number = true;
 }
 
-void TableWriter::Row(const std::vector<Variant>& cells) {
-  if (format_ == Format::kJson) {
-    nlohmann::ordered_json row;
-    for (std::size_t i = 0; i < cells.size(); ++i) row[headings_[i]] = ToJson(cells[i]);
-    out_ << (is_first_ ? "[\n " : ",\n ") << Dump(row);
-    is_first_ = false;
-    return;
-  }
-  Line line;
-  for (const Variant& cell : cells) line.push_back(CellText(cell));
-  if (format_ == Format::kCsv) return WriteCsv(line);
-  for (std::size_t i = 0; i < cells.size(); ++i) {
-    line[i] = OneLine(line[i]);
-    if (IsNumber(cells[i])) is_number_[i] = true;
-  }
-  lines_.push_back(std::move(line));
+void TableWriter::InCurrency(std::size_t column, Long currency) {
+  columns_[column].currency = currency;
+}
+
+void TableWriter::Bars(std::string_view key) {
+  bars_ =
+      static_cast<std::size_t>(std::ranges::find(columns_, key, &Column::key) - columns_.begin());
+}
+
+void TableWriter::IfEmpty(std::string sentence) { if_empty_ = std::move(sentence); }
+
+void TableWriter::Row(const std::vector<Variant>& cells, Long currency) {
+  if (format_ == Format::kJson) return WriteJson(cells);
+  if (format_ == Format::kPlain) return AddPlain(cells, currency, false);
+  std::vector<std::string> texts;
+  std::ranges::transform(cells, std::back_inserter(texts), CellText);
+  WriteCsv(texts);
+}
+
+void TableWriter::Total(const std::vector<Variant>& cells, Long currency) {
+  if (format_ == Format::kPlain) AddPlain(cells, currency, true);
+  else Row(cells, currency);
 }
 
 void TableWriter::Finish() {
-  if (format_ == Format::kJson) out_ << (is_first_ ? "[]\n" : "\n]\n");
+  if (format_ == Format::kJson) console_.out << (is_first_ ? "[]\n" : "\n]\n");
   if (format_ != Format::kPlain) return;
-  std::vector<std::size_t> widths;
-  for (const std::string& heading : headings_) widths.push_back(WidthOf(heading));
-  for (const Line& line : lines_) {
-    for (std::size_t i = 0; i < widths.size(); ++i) {
-      widths[i] = std::max(widths[i], WidthOf(line[i]));
-    }
-  }
-  WritePlain(headings_, widths);
-  for (const Line& line : lines_) WritePlain(line, widths);
+  if (lines_.empty() && !if_empty_.empty()) console_.out << if_empty_ << '\n';
+  else WritePlain();
 }
 
-void TableWriter::WritePlain(const Line& line, const std::vector<std::size_t>& widths) {
-  std::string text;
-  for (std::size_t i = 0; i < line.size(); ++i) {
-    const std::string blanks(widths[i] - WidthOf(line[i]), ' ');
-    if (i > 0) text += "  ";
-    text += is_number_[i] ? blanks + line[i] : line[i] + blanks;
-  }
-  text.erase(text.find_last_not_of(' ') + 1);
-  out_ << text << '\n';
+// ---- JSON and CSV ----
+
+void TableWriter::WriteJson(const std::vector<Variant>& cells) {
+  nlohmann::ordered_json row;
+  for (std::size_t i = 0; i < cells.size(); ++i) row[columns_[i].key] = ToJson(cells[i]);
+  console_.out << (is_first_ ? "[\n " : ",\n ") << Dump(row);
+  is_first_ = false;
 }
 
-void TableWriter::WriteCsv(const Line& cells) {
+void TableWriter::WriteCsv(const std::vector<std::string>& cells) {
   std::string text;
   for (const std::string& cell : cells) {
     if (&cell != &cells.front()) text += ',';
@@ -186,28 +186,139 @@ void TableWriter::WriteCsv(const Line& cells) {
     for (const char c : cell) text.append(c == '"' ? 2 : 1, c);
     text += '"';
   }
-  out_ << text << '\n';
+  console_.out << text << '\n';
 }
 
-void WriteRecordset(std::ostream& out, Format format, const Ref<Recordset>& rows,
-                    std::span<const std::string_view> plain_columns) {
-  std::vector<std::string> headings;
+// ---- Plain tables ----
+
+namespace {
+
+// The side of an account's balance.
+const char* SideText(Long side) { return side > 0 ? "debit" : side < 0 ? "credit" : "either"; }
+
+}  // namespace
+
+TableWriter::Cell TableWriter::PlainCell(const Variant& value, const Column& column,
+                                         Long currency) const {
+  if (value.Type() == VariantType::kBoolean) return {value.Held<Boolean>() ? "yes" : "no"};
+  if (column.key == "FDC" && IsNumber(value)) return {SideText(CLng(value))};
+  if (value.Type() != VariantType::kCurrency) return {OneLine(CellText(value))};
+  const auto amount = value.Held<Currency>();
+  if (amount == Currency() && IsSideOfAccount(column.key)) return {};
+  const Look& look = console_.look;
+  const int decimals = look.DecimalsOf(column.currency != 0 ? column.currency : currency);
+  return {MoneyText(amount, decimals, look.negatives), amount < Currency()};
+}
+
+void TableWriter::AddPlain(const std::vector<Variant>& cells, Long currency, bool is_total) {
+  Line line{{}, is_total, {}};
+  for (std::size_t i = 0; i < cells.size(); ++i) {
+    if (IsNumber(cells[i]) && columns_[i].key != "FDC") columns_[i].is_number = true;
+    line.cells.push_back(PlainCell(cells[i], columns_[i], currency));
+  }
+  if (bars_ < cells.size() && !is_total) line.bar = cells[bars_].As<Currency>();
+  lines_.push_back(std::move(line));
+}
+
+std::size_t TableWriter::WidthOfTable() const {
+  std::size_t width = kGap * (columns_.size() - 1);
+  for (const Column& column : columns_) width += column.width;
+  return width;
+}
+
+void TableWriter::Fit() {
+  constexpr std::size_t kNarrowest = 6;
+  const auto cuttable = [](const Column& column) {
+    return column.is_number || column.width <= kNarrowest ? 0 : column.width;
+  };
+  for (std::size_t width = WidthOfTable(); width > console_.look.width; --width) {
+    const auto widest = std::ranges::max_element(columns_, {}, cuttable);
+    if (cuttable(*widest) == 0) return;
+    --widest->width;
+  }
+}
+
+std::size_t TableWriter::WidthForBars() const {
+  constexpr std::size_t kLeast = 8, kMost = 30;
+  const Look& look = console_.look;
+  if (!look.has_unicode || bars_ == columns_.size()) return 0;
+  const std::size_t taken = WidthOfTable() + kGap;
+  return look.width < taken + kLeast ? 0 : std::min(look.width - taken, kMost);
+}
+
+void TableWriter::WritePlain() {
+  Line headings;
+  for (Column& column : columns_) {
+    headings.cells.push_back({column.heading});
+    column.width = WidthOf(column.heading);
+  }
+  headings.is_total = true;  // they are as bold
+  Currency longest;
+  for (const Line& line : lines_) {
+    for (std::size_t i = 0; i < columns_.size(); ++i) {
+      columns_[i].width = std::max(columns_[i].width, WidthOf(line.cells[i].text));
+    }
+    longest = std::max(longest, SizeOf(line.bar));
+  }
+  if (console_.look.IsTerminal()) Fit();
+  const std::size_t bars = WidthForBars();
+  WriteLine(headings, bars, longest);
+  for (const Line& line : lines_) WriteLine(line, bars, longest);
+}
+
+void TableWriter::WriteLine(const Line& line, std::size_t bars, Currency longest) {
+  const Look& look = console_.look;
+  std::string text;
+  std::size_t blanks = 0;  // that stand before the next text, if there is one
+  const auto put = [&](const std::string& cell, bool is_bold, bool is_red) {
+    if (cell.empty()) return;
+    text.append(std::exchange(blanks, 0), ' ');
+    const bool is_marked = look.has_colour && (is_bold || is_red);
+    if (is_marked) text += is_bold ? (is_red ? "\033[1;31m" : "\033[1m") : "\033[31m";
+    text += cell;
+    if (is_marked) text += "\033[0m";
+  };
+  for (std::size_t i = 0; i < columns_.size(); ++i) {
+    const Column& column = columns_[i];
+    const Cell& cell = line.cells[i];
+    const std::string shown = CutTo(cell.text, column.width, look.has_unicode ? "…" : "...");
+    const std::size_t left = column.width - WidthOf(shown);
+    if (i > 0) blanks += kGap;
+    if (column.is_number) blanks += left;
+    put(shown, line.is_total, cell.is_negative);
+    if (!column.is_number) blanks += left;
+  }
+  blanks += kGap;
+  if (bars > 0) put(BarText(line.bar, longest, bars), false, line.bar < Currency());
+  text.erase(text.find_last_not_of(' ') + 1);
+  console_.out << text << '\n';
+}
+
+void WriteRecordset(const Console& console, Format format, const Ref<Recordset>& rows,
+                    std::span<const std::string_view> plain_columns, const std::string& if_empty) {
+  std::vector<std::string> keys;
   std::vector<Long> positions;
+  Long currency_at = -1;
+  for (Long i = 0; i < rows->FieldCount(); ++i) {
+    if (format != Format::kPlain) positions.push_back(i);
+    if (rows->FieldName(i) == "FCurrencyID") currency_at = i;
+  }
   if (format == Format::kPlain) {
     for (const std::string_view column : plain_columns) {
       positions.push_back(rows->FieldPosition(column));
     }
-  } else {
-    for (Long i = 0; i < rows->FieldCount(); ++i) positions.push_back(i);
   }
-  for (const Long position : positions) headings.push_back(rows->FieldName(position));
+  for (const Long position : positions) keys.push_back(rows->FieldName(position));
 
-  TableWriter table(out, format, headings);
+  TableWriter table(console, format, keys);
+  table.IfEmpty(if_empty);
   std::vector<Variant> cells(positions.size());
   for (; !rows->Eof(); rows->MoveNext()) {
     std::transform(positions.begin(), positions.end(), cells.begin(),
                    [&](Long position) { return rows->FieldValue(position); });
-    table.Row(cells);
+    const Long currency =
+        currency_at < 0 ? kBaseCurrencyID : rows->FieldValue(currency_at).As<Long>();
+    table.Row(cells, currency);
   }
   table.Finish();
 }

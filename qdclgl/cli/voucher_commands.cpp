@@ -48,7 +48,8 @@ std::string DetailsOf(VoucherEntry& line) {
   return text;
 }
 
-void PrintPlain(Voucher& voucher, std::ostream& out) {
+void PrintPlain(Voucher& voucher, const Console& console) {
+  std::ostream& out = console.out;
   const auto field = [&](const char* name, const std::string& value) {
     if (!value.empty()) out << name << OneLine(value) << '\n';
   };
@@ -62,15 +63,18 @@ void PrintPlain(Voucher& voucher, std::ostream& out) {
   out << '\n';
 
   // Columns that no line fills are left out.
-  std::vector<std::string> headings = {"Line",   "Account",  "Name",      "Explanation", "Debit",
-                                       "Credit", "Currency", "Amount",    "Rate",        "Quantity",
-                                       "Unit",   "Price",    "Reference", "Details"};
+  std::vector<std::string> keys = {
+      "Line",         "FAccountNumber",  "FAccountName", "FExplanation",  "FDebit",
+      "FCredit",      "FCurrencyNumber", "FAmountFor",   "FExchangeRate", "FQuantity",
+      "FMeasureUnit", "FUnitPrice",      "FTransNo",     "Details"};
+  std::vector<Long> currencies;
   std::vector<std::vector<Variant>> lines;
   const Variant none("");
   const auto number = [&](double value) { return value != 0 ? Variant(value) : none; };
   Long index = 0;
   for (auto& line : voucher.Entries()) {
     const bool is_foreign = line.CurrencyID() > 1;
+    currencies.push_back(line.CurrencyID());
     lines.push_back({++index, line.AccountNumber(), line.AccountName(), line.Explanation(),
                      line.DC() == 1 ? Variant(line.Debit()) : none,
                      line.DC() == 1 ? none : Variant(line.Credit()),
@@ -80,17 +84,17 @@ void PrintPlain(Voucher& voucher, std::ostream& out) {
                      Stored(line.Properties(), "FMeasureUnit"), number(line.UnitPrice()),
                      line.TransNo(), DetailsOf(line)});
   }
-  for (std::size_t column = headings.size(); column-- > 0;) {
+  for (std::size_t column = keys.size(); column-- > 0;) {
     const auto is_empty = [&](const std::vector<Variant>& cells) {
       return CellText(cells[column]).empty();
     };
     if (!std::ranges::all_of(lines, is_empty)) continue;
     const auto place = static_cast<std::ptrdiff_t>(column);
-    headings.erase(headings.begin() + place);
+    keys.erase(keys.begin() + place);
     for (auto& cells : lines) cells.erase(cells.begin() + place);
   }
-  TableWriter table(out, Format::kPlain, headings);
-  for (const auto& cells : lines) table.Row(cells);
+  TableWriter table(console, Format::kPlain, keys);
+  for (std::size_t i = 0; i < lines.size(); ++i) table.Row(lines[i], currencies[i]);
   table.Finish();
 }
 
@@ -109,7 +113,7 @@ int PrintVoucher(const VoucherOptions& options, const Console& console) {
   if (options.json) {
     console.out << JsonText(Variant(voucher->Properties()->Dictionary()), 2) << '\n';
   } else {
-    PrintPlain(*voucher, console.out);
+    PrintPlain(*voucher, console);
   }
   return kDone;
 }

@@ -113,7 +113,7 @@ int CarryResult(const YearEnd& wanted, const std::string& props, const Console& 
   }
   console.out << "This carries the result of " << year << " to " << account->Number() << " "
               << OneLine(account->Name()) << ":\n\n";
-  WriteProposedVouchers(console.out, *vouchers);
+  WriteProposedVouchers(console, *vouchers);
   console.out << '\n';
   AnnounceOpenVouchers(year, console);
   if (wanted.dry_run) return kDone;

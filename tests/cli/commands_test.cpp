@@ -73,11 +73,11 @@ TEST_P(Commands, AUserIsChangedAsAWholeOrNotAtAll) {
 
 TEST_P(Commands, ListsAreTablesCsvOrJson) {
   InitWithVouchers();
-  EXPECT_EQ(Run({"groups"}).out, "FGroupID  FName\n       1  General\n");
+  EXPECT_EQ(Run({"groups"}).out, "Group ID  Name\n       1  General\n");
   EXPECT_EQ(Run({"accounts", "--filter", "FNumber < '1002'", "--sort", "FNumber DESC"}).out,
-            "FAccountID  FNumber  FName  FDC  FDetail\n"
-            "         2  1001     Bank     1  true\n"
-            "         1  1000     Cash     1  true\n");
+            "Account ID  Number  Name  Side   Detail\n"
+            "         2  1001    Bank  debit  yes\n"
+            "         1  1000    Cash  debit  yes\n");
   const std::string csv = Run({"currencies", "--csv"}).out;
   EXPECT_TRUE(csv.starts_with("FCurrencyID,FVersion,")) << csv;
   const auto vouchers = nlohmann::json::parse(Run({"vouchers", "--json"}).out);
@@ -103,9 +103,9 @@ TEST_P(Commands, AVoucherShowsItsLines) {
                                        "Prepared   administrator\n"
                                        "State      open\n"
                                        "\n"
-                                       "Line  Account  Name       Debit   Credit\n"
-                                       "   1  1000     Cash     10.5000\n"
-                                       "   2  2000.01  Capital           10.5000\n");
+                                       "Line  Account  Name     Debit  Credit\n"
+                                       "   1  1000     Cash     10.50\n"
+                                       "   2  2000.01  Capital          10.50\n");
   const RunResult none = Run({"voucher", "99"});
   EXPECT_EQ(none.code, 1);
   EXPECT_EQ(none.err, "qdclgl: 80044213: There is no voucher with the id 99.\n");
@@ -190,12 +190,12 @@ TEST_P(Commands, BalancesCoverWhatIsAskedFor) {
             "1000,0.0000,3.0000,7.5000\n"
             "1001,3.0000,0.0000,3.0000\n");
   EXPECT_EQ(Run({"balance", "--year", "2024", "--from", "2"}).out,
-            "Account  Name          Begin   Debit  Credit       End\n"
-            "1000     Cash        10.5000  0.0000  3.0000    7.5000\n"
-            "1001     Bank         0.0000  3.0000  0.0000    3.0000\n"
-            "2000     Equity     -10.5000  0.0000  0.0000  -10.5000\n"
-            "2000.01    Capital  -10.5000  0.0000  0.0000  -10.5000\n"
-            "         Total        0.0000  3.0000  3.0000    0.0000\n");
+            "Account  Name        Begin  Debit  Credit     End\n"
+            "1000     Cash        10.50           3.00    7.50\n"
+            "1001     Bank         0.00   3.00            3.00\n"
+            "2000     Equity     -10.50                 -10.50\n"
+            "2000.01    Capital  -10.50                 -10.50\n"
+            "         Total        0.00   3.00    3.00    0.00\n");
   const auto rows = nlohmann::json::parse(Run({"balance", "--json"}).out);
   EXPECT_EQ(rows.at(0)["FEndBalance"], "7.5000");
   EXPECT_EQ(Run({"balance", "--from", "2"}).code, 2);

@@ -25,18 +25,17 @@ TEST_P(Entries, AVoucherIsEnteredByTheWordsOfItsLines) {
            "2000.01 credit", "--date", "2024-01-07", "--reference", "R 7"});
   EXPECT_EQ(made.err, "");
   EXPECT_EQ(made.out, "Voucher 2 is made: 2024/1 General 2, 2024-01-07, 119.5000.\n");
-  EXPECT_EQ(Run({"voucher", "2"}).out,
-            "Voucher    2\n"
-            "Number     2024/1 General 2\n"
-            "Date       2024-01-07\n"
-            "Reference  R 7\n"
-            "Prepared   administrator\n"
-            "State      open\n"
-            "\n"
-            "Line  Account  Name     Explanation      Debit    Credit\n"
-            "   1  1000     Cash     Tea for  two  119.5000\n"
-            "   2  1001     Bank                             100.0000\n"
-            "   3  2000.01  Capital                           19.5000\n");
+  EXPECT_EQ(Run({"voucher", "2"}).out, "Voucher    2\n"
+                                       "Number     2024/1 General 2\n"
+                                       "Date       2024-01-07\n"
+                                       "Reference  R 7\n"
+                                       "Prepared   administrator\n"
+                                       "State      open\n"
+                                       "\n"
+                                       "Line  Account  Name     Explanation    Debit  Credit\n"
+                                       "   1  1000     Cash     Tea for  two  119.50\n"
+                                       "   2  1001     Bank                           100.00\n"
+                                       "   3  2000.01  Capital                         19.50\n");
   EXPECT_EQ(Run({"doctor"}).code, 0);
 }
 
@@ -46,13 +45,26 @@ TEST_P(Entries, AnAmountMayHaveACurrencyAndItsRate) {
                  "--line", "2000.01 credit", "--date", "2024-01-07"})
                 .err,
             "");
-  EXPECT_EQ(Lines("2"), "Line  Account  Name     Explanation    Debit   Credit  Currency"
-                        "    Amount  Rate\n"
-                        "   1  1000     Cash     Tea          90.0000           USD"
-                        "       100.0000   0.9\n"
-                        "   2  1001     Bank                           40.0000  USD"
-                        "        50.0000   0.8\n"
-                        "   3  2000.01  Capital                        50.0000\n");
+  EXPECT_EQ(Lines("2"),
+            "Line  Account  Name     Explanation  Debit  Credit  Currency  Amount  Rate\n"
+            "   1  1000     Cash     Tea          90.00          USD       100.00   0.9\n"
+            "   2  1001     Bank                          40.00  USD        50.00   0.8\n"
+            "   3  2000.01  Capital                       50.00\n");
+}
+
+TEST_P(Entries, AmountsAreShownWithTheDecimalsOfTheirCurrency) {
+  Init();
+  ASSERT_EQ(Run({"add", "groups", "General"}).code, 0);
+  ASSERT_EQ(Run({"add", "currencies", "JPY", "FExchangeRate=0.5", "FScale=0"}).code, 0);
+  ASSERT_EQ(Run({"add", "currencies", "KWD", "FExchangeRate=3", "FScale=3"}).code, 0);
+  ASSERT_EQ(Run({"new", "--line", "1000 debit 12000JPY", "--line", "1001 debit 1.5KWD", "--line",
+                 "2000.01 credit", "--date", "2024-01-07"})
+                .err,
+            "");
+  EXPECT_EQ(Lines("1"), "Line  Account  Name        Debit    Credit  Currency  Amount  Rate\n"
+                        "   1  1000     Cash     6,000.00            JPY       12,000   0.5\n"
+                        "   2  1001     Bank         4.50            KWD        1.500     3\n"
+                        "   3  2000.01  Capital            6,004.50\n");
 }
 
 TEST_P(Entries, ACopyHasTheLinesAndNothingOfTheWorkflow) {
@@ -86,11 +98,9 @@ TEST_P(Entries, AReversalTakesEveryBalanceBack) {
   ASSERT_EQ(Run({"post", "--all"}).code, 0);
   ASSERT_EQ(Run({"reverse", "2", "--date", "2024-01-20"}).out,
             "Voucher 3 is made: 2024/1 General 3, 2024-01-20, 80.0000.\n");
-  EXPECT_EQ(Lines("3"), "Line  Account  Name  Explanation    Debit   Credit  Currency    Amount"
-                        "  Rate\n"
-                        "   1  1000     Cash  Tea                   80.0000  USD       100.0000"
-                        "   0.8\n"
-                        "   2  1001     Bank               80.0000\n");
+  EXPECT_EQ(Lines("3"), "Line  Account  Name  Explanation  Debit  Credit  Currency  Amount  Rate\n"
+                        "   1  1000     Cash  Tea                  80.00  USD       100.00   0.8\n"
+                        "   2  1001     Bank               80.00\n");
   EXPECT_NE(Run({"voucher", "3"}).out.find("\nReference  Reversal of 2024/1 General 2\n"),
             std::string::npos);
   ASSERT_EQ(Run({"post", "3"}).code, 0);
@@ -103,9 +113,9 @@ TEST_P(Entries, AReversalTakesEveryBalanceBack) {
 TEST_P(Entries, ARedReversalKeepsTheSides) {
   InitWithDollars();
   ASSERT_EQ(Run({"reverse", "1", "--red", "--date", "2024-01-20"}).err, "");
-  EXPECT_EQ(Lines("2"), "Line  Account  Name        Debit    Credit\n"
-                        "   1  1000     Cash     -10.0000\n"
-                        "   2  2000.01  Capital            -10.0000\n");
+  EXPECT_EQ(Lines("2"), "Line  Account  Name      Debit  Credit\n"
+                        "   1  1000     Cash     -10.00\n"
+                        "   2  2000.01  Capital          -10.00\n");
   ASSERT_EQ(Run({"post", "--all"}).code, 0);
   EXPECT_EQ(Run({"balance", "--csv"}).out, "account,debit,credit,balance\n") << "nothing has moved";
 }

@@ -66,11 +66,11 @@ TEST_P(ItemBalances, AreSplitByClassesUnderAnyOfTheirNames) {
   EXPECT_EQ(Run({"balance", "--by", "customers,departments", "--csv"}).out,
             "account,customer,dep,debit,credit,balance\n1200,C001,SHOP,7.0000,0.0000,7.0000\n");
   EXPECT_EQ(Run({"balance", "--by", "customers", "--year", "2024", "--from", "2"}).out,
-            "Account  Name         Customer     Begin    Debit  Credit      End\n"
-            "1100     Receivables  C001 Anna  10.0000   0.0000  2.0000   8.0000\n"
-            "1100     Receivables  C002 Bert   0.0000   5.0000  0.0000   5.0000\n"
-            "1200     Projects     C001 Anna   0.0000   7.0000  0.0000   7.0000\n"
-            "         Total                   10.0000  12.0000  2.0000  20.0000\n");
+            "Account  Name         Customer   Begin  Debit  Credit    End\n"
+            "1100     Receivables  C001 Anna  10.00           2.00   8.00\n"
+            "1100     Receivables  C002 Bert   0.00   5.00           5.00\n"
+            "1200     Projects     C001 Anna   0.00   7.00           7.00\n"
+            "         Total                   10.00  12.00    2.00  20.00\n");
 }
 
 TEST_P(ItemBalances, AreThoseOfOneItem) {

@@ -27,20 +27,16 @@ TEST_P(Ledgers, ALedgerIsAddedListedAndPrinted) {
                  "debit"})
                 .out,
             "Ledger Costs has 1 column.\n");
-  EXPECT_EQ(Run({"ledgers"}).out, "FLedgerID  FLedgerName  FAccountNumber  FAccountName\n"
-                                  "        1  Costs        2000            Equity\n");
+  EXPECT_EQ(Run({"ledgers"}).out, "Ledger ID  Ledger  Account  Name\n"
+                                  "        1  Costs   2000     Equity\n");
   const std::string table =
-      "Date        Voucher    Account  Explanation          Debit  Credit   Side  Balance  "
+      "Date        Voucher    Account  Explanation        Debit  Credit   Side  Balance  "
       "Capital\n"
-      "2024-02-01                      Brought forward                     debit  10.5000\n"
-      "2024-02-05  General 1  2000.01                      3.0000          debit  13.5000   "
-      "3.0000\n"
-      "2024-02-29                      Period 2024/2       3.0000          debit  13.5000   "
-      "3.0000\n"
-      "2024-02-29                      Year 2024 to date  13.5000          debit  13.5000  "
-      "13.5000\n"
-      "2024-02-29                      Carried forward     3.0000          debit  13.5000   "
-      "3.0000\n";
+      "2024-02-01                      Brought forward                   debit    10.50\n"
+      "2024-02-05  General 1  2000.01                      3.00          debit    13.50     3.00\n"
+      "2024-02-29                      Period 2024/2       3.00          debit    13.50     3.00\n"
+      "2024-02-29                      Year 2024 to date  13.50          debit    13.50    13.50\n"
+      "2024-02-29                      Carried forward     3.00          debit    13.50     3.00\n";
   EXPECT_EQ(Run({"ledger", "Costs", "--from", "2024/2", "--to", "2024-02-29"}).out, table);
   EXPECT_EQ(Run({"ledger", "Costs", "--from", "2024-02-01", "--to", "2024/2"}).out, table);
 }
@@ -69,9 +65,9 @@ TEST_P(Ledgers, ThePageHoldsWhatTheTableHoldsAndIsSafeWhateverNamesAre) {
   EXPECT_TRUE(page.starts_with("<!DOCTYPE html>")) << page;
   EXPECT_NE(page.find("<h1>&lt;b&gt;&quot;Costs&quot; &amp; co: 2000 "), page.npos) << page;
   EXPECT_NE(page.find("<td>2024-01-05</td><td>General 1</td><td>2000.01</td><td></td>"
-                      "<td class=\"figure\">10.5000</td><td class=\"figure\"></td>"
-                      "<td class=\"figure\">debit</td><td class=\"figure\">10.5000</td>"
-                      "<td class=\"figure\">10.5000</td>"),
+                      "<td class=\"figure\">10.50</td><td class=\"figure\"></td>"
+                      "<td class=\"figure\">debit</td><td class=\"figure\">10.50</td>"
+                      "<td class=\"figure\">10.50</td>"),
             page.npos)
       << page;
   EXPECT_EQ(page.find("<b>"), page.npos);
@@ -98,7 +94,7 @@ TEST_P(Ledgers, WhatIsNotThereOrWronglyAskedIsOneLine) {
             "2");
   EXPECT_EQ(outcome({"Costs", "--from", "January"}).substr(0, 1), "2");
   EXPECT_EQ(outcome({"Costs", "--html", "--csv"}).substr(0, 1), "2");
-  EXPECT_EQ(Run({"ledgers"}).out, "FLedgerID  FLedgerName  FAccountNumber  FAccountName\n");
+  EXPECT_EQ(Run({"ledgers"}).out, "There are no multi-column ledgers.\n");
 }
 
 TEST_P(Ledgers, TheCommandsOfAllRecordsKnowLedgersAndTheirColumns) {

@@ -342,9 +342,9 @@ TEST_P(Records, ItemsOfAClassAreListedAndWrittenWithItsFields) {
   ExpectDone(Run({"set", "items", "2", "F1000_101=Rome"}));
   EXPECT_EQ(Shown({.kind = "items"}, "2")["F1000_101"], "Rome");
   EXPECT_EQ(Run({"list", "items", "--class", "client", "--sort", "F1000_101 DESC"}).out,
-            "FItemID  FItemClassID  FNumber  FName  FFullName  F1000_101\n"
-            "      2          1000  2        Bob    Bob        Rome\n"
-            "      1          1000  1        Ann    Ann        Oslo\n");
+            "Item ID  Item class ID  Number  Name  Full name  F1000_101\n"
+            "      2           1000  2       Bob   Bob        Rome\n"
+            "      1           1000  1       Ann   Ann        Oslo\n");
   const RunResult found =
       Run({"items", "--class", "#1000", "--filter", "F1000_101 = 'Oslo'", "--csv"});
   EXPECT_EQ(std::ranges::count(found.out, '\n'), 2) << found.out << found.err;

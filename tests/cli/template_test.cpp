@@ -52,17 +52,16 @@ TEST_P(Templates, AVoucherIsMadeOfATemplateWithTheAmountsThatAreGiven) {
                               "--amount", "2=850.5", "--date", "2024-01-20"});
   EXPECT_EQ(made.err, "");
   EXPECT_EQ(made.out, "Voucher 2 is made: 2024/1 General 2, 2024-01-20, 850.5000.\n");
-  EXPECT_EQ(Run({"voucher", "2"}).out,
-            "Voucher    2\n"
-            "Number     2024/1 General 2\n"
-            "Date       2024-01-20\n"
-            "Reference  T-1\n"
-            "Prepared   administrator\n"
-            "State      open\n"
-            "\n"
-            "Line  Account  Name  Explanation          Debit    Credit\n"
-            "   1  1001     Bank  Rent of the shop  850.5000\n"
-            "   2  1000     Cash                              850.5000\n");
+  EXPECT_EQ(Run({"voucher", "2"}).out, "Voucher    2\n"
+                                       "Number     2024/1 General 2\n"
+                                       "Date       2024-01-20\n"
+                                       "Reference  T-1\n"
+                                       "Prepared   administrator\n"
+                                       "State      open\n"
+                                       "\n"
+                                       "Line  Account  Name  Explanation        Debit  Credit\n"
+                                       "   1  1001     Bank  Rent of the shop  850.50\n"
+                                       "   2  1000     Cash                            850.50\n");
   // The template is as it was.
   EXPECT_EQ(Run({"voucher", "--from-template", "1", "--date", "2024-01-21"}).out,
             "Voucher 3 is made: 2024/1 General 3, 2024-01-21, 7.0000.\n");
@@ -100,9 +99,9 @@ TEST_P(Templates, AnAmountOfALineInAnotherCurrencyIsTakenAtTheCurrencysRate) {
       Run({"voucher", "--from-template", "Abroad", "--amount", "1=100", "--date", "2024-01-20"})
           .out,
       "Voucher 2 is made: 2024/1 General 2, 2024-01-20, 33.3300.\n");
-  EXPECT_EQ(Lines("2"), "Line  Account  Name    Debit   Credit  Currency    Amount  Rate\n"
-                        "   1  1001     Bank  33.3300           USD       100.0000     3\n"
-                        "   2  1000     Cash           33.3300\n");
+  EXPECT_EQ(Lines("2"), "Line  Account  Name  Debit  Credit  Currency  Amount  Rate\n"
+                        "   1  1001     Bank  33.33          USD       100.00     3\n"
+                        "   2  1000     Cash          33.33\n");
 }
 
 TEST_P(Templates, WithoutADateTheVoucherIsOfTheCurrentPeriod) {

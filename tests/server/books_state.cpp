@@ -68,6 +68,11 @@ std::vector<std::string> RecordBooks::ColumnsOf(std::string_view table) const {
   return columns;
 }
 
+std::string RecordBooks::Trail(const std::string& filter,
+                               std::initializer_list<std::string_view> columns) const {
+  return TextOf(Call("QDSVGLAudit.AuditInfo", "GetList", props, filter).As<Recordset>(), columns);
+}
+
 std::string RecordBooks::State() const {
   Database& db = Books();
   const auto row_text = [&](const std::string& table) {

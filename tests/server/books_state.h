@@ -34,6 +34,11 @@ class RecordBooks : public TestBooks {
   // What the books' own check finds: "FRule FSubject FRecordID FRecord", a line for each row.
   std::string Breaches() const;
 
+  // What the audit trail tells where the filter says, these columns, a line for each row.
+  std::string Trail(const std::string& filter,
+                    std::initializer_list<std::string_view> columns = {
+                        "FSubject", "FRecord", "FAction", "FChanges"}) const;
+
   // Breaks the books behind the server's back; the database's own guards are off meanwhile.
   void Break(std::string_view sql) const;
 

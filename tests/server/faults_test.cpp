@@ -8,6 +8,7 @@
 #include "qdclgl/server/db/schema.h"
 #include "tests/server/faults/cutting_proxy.h"
 #include "tests/server/faults/fault_sweep.h"
+#include "tests/server/item_records.h"
 #include "tests/server/ledger_fixture.h"
 
 namespace qdclgl::server::testing {
@@ -16,13 +17,14 @@ namespace {
 class Faults : public LedgerTest {
  protected:
   // Vouchers 1 and 2 are of the current period, January, and posted. Of those in February 3 is new,
-  // 4 is checked, and 5 is posted.
-  Faults() {
+  // 4 is checked, and 5 is posted. `prepare` adds what else is there.
+  explicit Faults(const std::function<void(const std::string& props)>& prepare = nullptr) {
     const auto sale = [&](const char* date) { return Save(Sale(10, date)); };
     for (const Long id : {sale("2024-01-10"), sale("2024-01-20")}) Step("Post", id);
     for (int i = 0; i < 3; ++i) sale("2024-02-01");
     Step("Check", 4);
     Step("Post", 5);
+    if (prepare) prepare(props);
     place_ = NewConnectionText(GetParam());
     const ConnectionText text = ConnectionText::Parse(place_);
     model_ = connection;
@@ -59,6 +61,18 @@ class Faults : public LedgerTest {
   void Sweep(const SweptOperation& operation) {
     const int places = proxy_ ? SweepConnection(*proxy_, operation) : SweepDisk(operation);
     RecordProperty(operation.name, places);
+  }
+
+  // Does something in a batch, which is taken back when it fails.
+  void InBatch(const std::function<void()>& work) {
+    Call("QDSVGLBatch.BatchUpdate", "Begin", props);
+    try {
+      work();
+      Call("QDSVGLBatch.BatchUpdate", "Commit", props);
+    } catch (const Error&) {
+      Call("QDSVGLBatch.BatchUpdate", "RollBack", props);
+      throw;
+    }
   }
 
   // A state without what differs from one run to the next: of the trail only how long it is, and
@@ -125,34 +139,65 @@ TEST_P(Faults, SavesOfMasterDataAreWholeOrRefused) {
   });
 }
 
+// With item classes, items and units.
+class ItemFaults : public Faults {
+ protected:
+  ItemFaults()
+      : Faults([](const std::string& props) {
+          MakeReceivables(props);
+          MakeProjects(props);
+          MakeWeights(props);
+        }) {}
+};
+QDCLGL_BOOKS_TEST(ItemFaults);
+
+TEST_P(ItemFaults, SavesOfItemsAndTheirClassesAreWholeOrRefused) {
+  Sweep("Item",
+        [&] { Call("QDSVGLItem.ItemUpdate", "Create", props, kProjects, Project("large")); });
+  Sweep("Rename", [&] { RenameProjectField(props); });
+  Sweep("Remove class",
+        [&] { Call("QDSVGLItemClass.ItemClassUpdate", "Delete", props, kProjects); });
+}
+
+TEST_P(ItemFaults, ChangesOfUnitsAreWholeOrRefused) {
+  Sweep("Unit", [&] {
+    Call("QDSVGLUnit.MeasureUnitUpdate", "CreateUnit", props, Long{1},
+         Row({{"FNumber", "oz"}, {"FName", "oz"}, {"FCoefficient", 28.35}}));
+  });
+  Sweep("Adjust", [&] {
+    Call("QDSVGLUnit.MeasureUnitUpdate", "AdjustCoefficient", props, Long{1}, 1000.0, true);
+  });
+}
+
+TEST_P(ItemFaults, SavesAndPostingsOfLinesWithItemsAndUnitsAreWholeOrRefused) {
+  Sweep("Save and post", [&] {
+    InBatch([&] {
+      Step("Post",
+           Save(Voucher("2024-02-01",
+                        {Line("1130", 5, 0, {{"_Details", Variant(DetailOfAnna())}}),
+                         Line("5000", 0, 5, {{"FQuantity", 2.0}, {"FMeasureUnitID", Long{1}}})})));
+    });
+  });
+}
+
 TEST_P(Faults, BatchesAreWholeOrRefused) {
   Sweep("Batch", [&] {
-    Call("QDSVGLBatch.BatchUpdate", "Begin", props);
-    try {
+    InBatch([&] {
       Save(Sale(5));
       Step("Post", 4);
       Save(Sale(6));
-      Call("QDSVGLBatch.BatchUpdate", "Commit", props);
-    } catch (const Error&) {
-      Call("QDSVGLBatch.BatchUpdate", "RollBack", props);
-      throw;
-    }
+    });
   });
 }
 
 TEST_P(Faults, BatchesThatDoNotFitIntoMemoryAreWholeOrRefused) {
   if (proxy_) return;  // where a server keeps what is saved, the client's memory does not count
   Sweep("Large batch", [&] {
-    Call("QDSVGLBatch.BatchUpdate", "Begin", props);
-    try {
+    InBatch([&] {
       // So statements write too, and fail, and not the commit alone.
       Books().QueryValue<Long>("PRAGMA cache_size = 1");
       for (int i = 0; i < 3; ++i) Save(Sale(5));
-      Call("QDSVGLBatch.BatchUpdate", "Commit", props);
-    } catch (const Error&) {
-      Call("QDSVGLBatch.BatchUpdate", "RollBack", props);
-      throw;
-    }
+    });
   });
 }
 

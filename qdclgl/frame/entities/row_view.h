@@ -52,6 +52,11 @@ class RowView : public Object {
     if constexpr (!detail::IsRef<T>::value && !std::is_same_v<T, String>) {
       if (stored != nullptr && stored->Holds<T>()) return stored->template Held<T>();
     }
+    if constexpr (std::is_same_v<T, String>) {
+      if (stored != nullptr && stored->IsString() && !stored->TextView().empty()) {
+        return String(stored->TextView());
+      }
+    }
     if (stored == nullptr || (!stored->IsObject() && HasEmptyText(*stored))) {
       return options.default_value.To<T>();
     }

@@ -16,11 +16,7 @@ void StartSodium() {
   if (sodium_init() < 0) Refuse(refusal::kDatabaseFailed, "The password library does not start.");
 }
 
-}  // namespace
-
-void SetPasswordCost(PasswordCost cost) { password_cost = cost; }
-
-std::string HashedPassword(std::string_view password) {
+std::string NewHash(std::string_view password) {
   StartSodium();
   char hash[crypto_pwhash_STRBYTES];
   const bool least = password_cost == PasswordCost::kLeast;
@@ -33,9 +29,18 @@ std::string HashedPassword(std::string_view password) {
   return hash;
 }
 
+}  // namespace
+
+void SetPasswordCost(PasswordCost cost) { password_cost = cost; }
+
+std::string HashedPassword(std::string_view password) {
+  return password.empty() ? std::string(kHashOfNone) : NewHash(password);
+}
+
 bool FitsPassword(const std::string& hash, std::string_view password) {
-  if (hash == kNoHash) {
-    HashedPassword(password);
+  if (hash == kHashOfNone && password.empty()) return true;
+  if (hash == kNoHash || hash == kHashOfNone) {
+    NewHash(password);
     return false;
   }
   StartSodium();

@@ -8,9 +8,11 @@ namespace qdclgl::server {
 
 // Whoever has this in place of a hash has no password yet, and nobody logs in as them.
 inline constexpr std::string_view kNoHash;
+// Whoever has this logs in without a password, and nothing is hashed for them.
+inline constexpr std::string_view kHashOfNone = "none";
 
 std::string HashedPassword(std::string_view password);
-// Whether the hash is one of this password. Costs as much time for kNoHash as for any other.
+// Whether the hash is one of this password. A wrong one costs as much time whatever the hash is.
 bool FitsPassword(const std::string& hash, std::string_view password);
 
 // Required for an empty password, unless somebody has said that there shall be none.

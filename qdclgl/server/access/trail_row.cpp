@@ -11,12 +11,12 @@ namespace qdclgl::server {
 void TrailRow::Add(std::span<const Column> columns, std::span<const Variant> values) {
   cells.reserve(cells.size() + columns.size());
   for (std::size_t i = 0; i < columns.size(); ++i) {
-    cells.push_back({columns[i].name, columns[i].type, values[i]});
+    cells.push_back({std::string(columns[i].name), columns[i].type, values[i]});
   }
 }
 
 void TrailRow::AddText(std::string_view key, std::string_view text) {
-  cells.push_back({key, ColumnType::kText, Variant(text)});
+  cells.push_back({std::string(key), ColumnType::kText, Variant(text)});
 }
 
 namespace {

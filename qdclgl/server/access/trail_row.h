@@ -20,7 +20,7 @@
 namespace qdclgl::server {
 
 struct TrailCell {
-  std::string_view key;
+  std::string key;
   ColumnType type;
   Variant value;  // of that type
 };

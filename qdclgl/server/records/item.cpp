@@ -232,6 +232,7 @@ const MasterData& Items() {
       .check = Check,
       .follow = Follow,
       .remove = Remove,
+      .name_on_trail = NameFieldsOnTrail,
       .info = RecordClassOf<ItemRecordInfo>(),
       .errors = "Required, BadReference, NumberTaken, NoParent, ParentInUse, HasChildren, BadValue",
       .helps = {{"Delete", "Removes an item. NotFound, InUse, HasChildren."}},

@@ -219,4 +219,23 @@ void ShowFields(Database& db, Dictionary& record) {
   for (std::size_t i = 0; i < values.size(); ++i) record.Put(fields.all()[i].column, values[i]);
 }
 
+void NameFieldsOnTrail(Database& db, std::map<Long, TrailedRecord>& items) {
+  std::map<Long, std::map<std::string, std::string>> columns;  // by class and slot
+  for (auto& [id, item] : items) {
+    const auto item_class = std::ranges::find(item.state.cells, "FItemClassID", &TrailCell::key);
+    auto [found, is_new] = columns.try_emplace(item_class->value.As<Long>());
+    if (is_new) {
+      const ItemFields fields(db, found->first);
+      for (const ItemField& field : fields.all()) {
+        found->second.emplace(field.slot, field.column);
+      }
+    }
+    for (TrailCell& cell : item.state.cells) {
+      if (const auto column = found->second.find(cell.key); column != found->second.end()) {
+        cell.key = column->second;
+      }
+    }
+  }
+}
+
 }  // namespace qdclgl::server

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -67,5 +68,8 @@ void TakeFields(RecordSave& save);
 
 // Puts the fields of its class into a record that was read, in place of its slots.
 void ShowFields(Database& db, Dictionary& record);
+
+// Calls the fields of items on the trail by their columns, and not by the slots of today.
+void NameFieldsOnTrail(Database& db, std::map<Long, TrailedRecord>& items);
 
 }  // namespace qdclgl::server

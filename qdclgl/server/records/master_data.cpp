@@ -328,12 +328,13 @@ std::map<Long, TrailedRecord> MasterData::Trailed(Database& db, Long first, Long
               if (const auto text = trail_texts_[i]; text != nullptr) {
                 row.AddText(key, text(values[i]));
               } else {
-                row.cells.push_back({key, type, values[i]});
+                row.cells.push_back({std::string(key), type, values[i]});
               }
             }
             if (name != nullptr) called = NameFrom(name->TextView(), number);
             for (const RecordList& list : description_.lists) row.lists.push_back({list.key, {}});
           });
+  if (description_.name_on_trail != nullptr) description_.name_on_trail(db, records);
   for (std::size_t i = 0; i < description_.lists.size(); ++i) {
     const RecordList& list = description_.lists[i];
     const std::span<const Column> columns(list.table.columns);

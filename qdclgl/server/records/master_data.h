@@ -220,6 +220,9 @@ class MasterData {
     void (*check)(RecordSave& save) = CheckKey;
     void (*follow)(RecordSave& save) = nullptr;
     void (*remove)(RecordRemoval& removal) = RemoveRecord;
+    // Gives the cells of records on the trail the keys that callers know them by, where those are
+    // not the names of columns.
+    void (*name_on_trail)(Database& db, std::map<Long, TrailedRecord>& records) = nullptr;
 
     // Where the interface departs: classes with rows of their own, what these ask of callers, help
     // texts in place of the shared ones, and components besides.

@@ -430,6 +430,19 @@ TEST_P(ItemTest, DefinedFieldsOfAnItemChangeWithoutTheRestOfIt) {
   EXPECT_EQ(Breaches(), "");
 }
 
+TEST_P(ItemTest, TheTrailTellsFieldsByTheirColumnsInEveryClass) {
+  const Long id = NewClassWith({Field("Size", 200), Field("Count", 3)});
+  const Ref<Dictionary> row = ItemRow("1");
+  row->Put("F1000_101", "large");
+  const Long item = CreateIn(id, row);
+  Change(item, "F1000_102", Long{7});
+  EXPECT_EQ(Trail("FSubject = 'Item'"),
+            "Item 1 (N1) Create {\"new\":{\"FVersion\":1,\"FItemClassID\":1000,"
+            "\"FNumber\":\"1\",\"FName\":\"N1\",\"F1000_101\":\"large\"}}\n"
+            "Item 1 (N1) Update {\"FVersion\":[1,2],\"F1000_102\":[0,7]}\n");
+  EXPECT_EQ(Breaches(), "");
+}
+
 TEST_P(ItemTest, AnItemThatTheFilterLeavesOutIsReadOnlyWithoutTheCheck) {
   const Long item = New("1");
   const auto read = [&](bool no_check, const std::string& filter) {

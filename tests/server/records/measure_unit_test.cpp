@@ -166,10 +166,6 @@ class MeasureUnitTest : public RecordsTest {
     tonne = AddUnit(*this, group, "t", 1e6);
     return group;
   }
-  std::string Trail(const std::string& filter) {
-    return TextOf(Call("QDSVGLAudit.AuditInfo", "GetList", props, filter).As<Recordset>(),
-                  {"FSubject", "FRecord", "FAction", "FChanges"});
-  }
 
   Long gram = 0, kilogram = 0, tonne = 0;
 };

@@ -41,10 +41,8 @@ class NoteServer : public RecordsTest {
         .As<Recordset>();
   }
   std::string Trail(Long id) {
-    return TextOf(Call("QDSVGLAudit.AuditInfo", "GetList", props,
-                       "FSubject = 'Note' AND FRecordID = " + std::to_string(id))
-                      .As<Recordset>(),
-                  {"FNumber", "FRecord", "FAction", "FChanges"});
+    return RecordsTest::Trail("FSubject = 'Note' AND FRecordID = " + std::to_string(id),
+                              {"FNumber", "FRecord", "FAction", "FChanges"});
   }
   void At(int hour) { platform.now = DateTime::FromParts({2026, 1, 31, hour, 0, 0}); }
 

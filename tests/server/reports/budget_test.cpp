@@ -133,7 +133,9 @@ TEST(BudgetShare, AddsUpToTheAmountInWholeUnitsOfTheCurrency) {
         sum += share;
       }
       EXPECT_EQ(sum, amount) << count;
-      if (count > 1) EXPECT_LE(most - least, kCent) << amount << " " << count;
+      if (count > 1) {
+        EXPECT_LE(most - least, kCent) << amount << " " << count;
+      }
     }
   }
   EXPECT_EQ(ShareOf(1'000'000, 12, 1, kCent), 83'400);  // 100.00: four times 8.34, then 8.33

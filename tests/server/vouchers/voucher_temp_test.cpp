@@ -75,10 +75,8 @@ class VoucherTempServer : public LedgerTest {
     return Call(kInfo, "GetList", props, ByRef(filter), ByRef(sort)).As<Recordset>();
   }
   std::string Trail(Long id) {
-    return TextOf(Call("QDSVGLAudit.AuditInfo", "GetList", props,
-                       "FSubject = 'VoucherTemp' AND FRecordID = " + std::to_string(id))
-                      .As<Recordset>(),
-                  {"FNumber", "FRecord", "FAction", "FChanges"});
+    return RecordsTest::Trail("FSubject = 'VoucherTemp' AND FRecordID = " + std::to_string(id),
+                              {"FNumber", "FRecord", "FAction", "FChanges"});
   }
 };
 QDCLGL_BOOKS_TEST(VoucherTempServer);
