@@ -9,22 +9,43 @@ namespace {
 
 constexpr const char* kBatch = "QDSVGLBatch.BatchUpdate";
 
-}  // namespace
+thread_local bool is_trial = false;
 
-Batch::Batch(std::string props) : props_(std::move(props)) {
-  CreateObject(kBatch)->Call("Begin", props_, true);
-}
+void Begin(const std::string& props) { CreateObject(kBatch)->Call("Begin", props, true); }
 
-Batch::~Batch() {
-  if (!is_open_) return;
+void RollBack(const std::string& props) noexcept {
   try {
-    CreateObject(kBatch)->Call("RollBack", props_);
+    CreateObject(kBatch)->Call("RollBack", props);
   } catch (const Error&) {
-    // The error that brought us here tells more than this one.
+    // An error that brought us here tells more than this one; without one the batch ends with the
+    // program at the latest.
   }
 }
 
+}  // namespace
+
+Batch::Batch(std::string props) : props_(std::move(props)), is_open_(!Trial::IsUnderWay()) {
+  if (is_open_) Begin(props_);
+}
+
+Batch::~Batch() {
+  if (is_open_) RollBack(props_);
+}
+
+Trial::Trial(std::string props) : props_(std::move(props)) {
+  Begin(props_);
+  is_trial = true;
+}
+
+Trial::~Trial() {
+  is_trial = false;
+  RollBack(props_);
+}
+
+bool Trial::IsUnderWay() { return is_trial; }
+
 void Batch::Commit() {
+  if (!is_open_) return;
   CreateObject(kBatch)->Call("Commit", props_);
   is_open_ = false;
 }

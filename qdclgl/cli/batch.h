@@ -21,7 +21,22 @@ class Batch {
 
  private:
   std::string props_;
-  bool is_open_ = true;
+  bool is_open_;
+};
+
+// While there is one, all batches of the thread are parts of it, and at its end everything is taken
+// back: what would happen is tried, and nothing is kept.
+class Trial {
+ public:
+  explicit Trial(std::string props);
+  ~Trial();
+  Trial(const Trial&) = delete;
+  Trial& operator=(const Trial&) = delete;
+
+  static bool IsUnderWay();
+
+ private:
+  std::string props_;
 };
 
 }  // namespace qdclgl::cli

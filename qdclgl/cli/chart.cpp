@@ -1,7 +1,7 @@
 #include "qdclgl/cli/chart.h"
 
 #include <algorithm>
-#include <array>
+#include <sstream>
 #include <unordered_set>
 #include <vector>
 
@@ -9,14 +9,18 @@
 #include "qdclgl/accounts/currency.h"
 #include "qdclgl/cli/batch.h"
 #include "qdclgl/cli/cell_values.h"
+#include "qdclgl/cli/chart_columns.h"
 #include "qdclgl/cli/sheet.h"
 #include "qdclgl/frame/vocabulary/strings.h"
 #include "qdclgl/frame/vocabulary/text.h"
+#include "qdclgl/masterdata/sett_type.h"
 #include "qdclgl/server/records/account_kind.h"
 #include "qdclgl/server/records/master_data.h"
 #include "qdclgl/vouchers/voucher_group.h"
 
 namespace qdclgl::cli {
+
+using namespace chart_column;
 
 namespace {
 
@@ -48,14 +52,6 @@ std::string NumberAbove(const std::string& number) {
 
 // ---- The chart ----
 
-enum Column : std::size_t { kNumber, kName, kSide, kCurrency, kUnit, kQuantities, kKind };
-
-constexpr std::array kColumns = {
-    SheetColumn{"number", true}, SheetColumn{"name", true}, SheetColumn{"dc", true},
-    SheetColumn{"currency"},     SheetColumn{"unit"},       SheetColumn{"quantities"},
-    SheetColumn{"kind"},
-};
-
 struct ChartRow {
   Position at;
   std::string number;
@@ -64,7 +60,8 @@ struct ChartRow {
   CsvCell currency;
   std::string unit;
   bool has_quantities = false;
-  std::string kind;
+  CsvCell items;  // numbers of item classes with blanks between them
+  std::vector<std::pair<std::string_view, Variant>> further;
 };
 
 Long ReadSide(std::string_view text) {
@@ -76,14 +73,14 @@ Long ReadSide(std::string_view text) {
 
 std::string ReadKind(const std::string& text) {
   const std::string word = FoldAsciiCase(text);
-  if (word.empty() || std::ranges::count(server::account_kind::kAll, word) != 0) return word;
+  if (std::ranges::count(server::account_kind::kAll, word) != 0) return word;
   throw BadCell(Quoted(text) + " is no kind of account; they are " +
                 server::WordsText(server::account_kind::kAll));
 }
 
 // BadCell for the first thing that is wrong, told with its place by `at`.
 ChartRow ReadRow(const Sheet& sheet, const CsvRow& row, Position& at) {
-  const auto cell = [&](Column column) -> const CsvCell& {
+  const auto cell = [&](std::size_t column) -> const CsvCell& {
     static const CsvCell kNone;
     const CsvCell* found = sheet.Cell(row, column);
     if (found != nullptr) at = found->at;
@@ -104,20 +101,50 @@ ChartRow ReadRow(const Sheet& sheet, const CsvRow& row, Position& at) {
   result.unit = cell(kUnit).text;
   const std::string& quantities = cell(kQuantities).text;
   result.has_quantities = !quantities.empty() && ReadTruth(quantities);
-  result.kind = ReadKind(cell(kKind).text);
+  result.items = cell(kItems);
+  for (std::size_t i = 0; i < FurtherChartColumns().size(); ++i) {
+    const std::string& text = cell(kFirstFurther + i).text;
+    if (text.empty()) continue;
+    const WrittenColumn& column = FurtherChartColumns()[i];
+    result.further.emplace_back(column.name, column.name == kKindKey
+                                                 ? Variant(ReadKind(text))
+                                                 : ReadTyped(column.type, text));
+  }
   return result;
 }
 
-void Store(const ChartRow& row, Names& names) {
+// The item classes that an account asks for, as its row has them. BadCell.
+Ref<Vector> AskedClasses(const std::string& numbers, const std::vector<NamedItemClass>& classes) {
+  auto asked = Make<Vector>();
+  std::istringstream words(numbers);
+  for (std::string word; words >> word;) {
+    const NamedItemClass* item_class = FindItemClass(classes, word);
+    if (item_class == nullptr) throw BadCell("there is no item class " + Quoted(word));
+    auto row = Make<Dictionary>();
+    row->Put("FItemClassID", item_class->id);
+    asked->Append(Variant(row));
+  }
+  return asked;
+}
+
+// BadCell with the cell in `at`.
+void Store(const ChartRow& row, const std::vector<NamedItemClass>& classes, Names& names,
+           Position& at) {
   const auto account = Make<AccountSet>()->CreateNew(row.number, row.name);
   account->DC(row.side);
+  at = row.currency.at;
   account->CurrencyID(names.Currency(row.currency.text, 1));
+  at = row.items.at;
+  if (!row.items.text.empty()) {
+    account->SetProps(String(strings::lists::Items),
+                      Variant(AskedClasses(row.items.text, classes)));
+  }
+  for (const auto& [key, value] : row.further) account->SetProps(String(key), value);
   if (!row.unit.empty()) {
     account->MeasureUnit(row.unit);
     account->MeasureUnitID(names.Unit(row.unit));
   }
   if (row.has_quantities) account->Quantities(true);
-  if (!row.kind.empty()) account->SetProps("FKind", row.kind);
   account->SaveChanges();
   names.AddAccount(row.number, account->AccountID());
 }
@@ -146,6 +173,7 @@ void Names::Refresh() {
   accounts_ = IdsBy<AccountSet>("FNumber", "FAccountID");
   currencies_ = IdsBy<CurrencySet>("FNumber", "FCurrencyID");
   groups_ = IdsBy<VoucherGroupSet>("FName", "FGroupID");
+  settlement_types_ = IdsBy<SettTypeSet>("FNumber", "FItemID");
   classes_.clear();
   items_.clear();
   above_.clear();
@@ -224,6 +252,10 @@ Long Names::Group(const std::string& name) {
   return id = group->VoucherGroupID();
 }
 
+Long Names::SettlementType(const std::string& number) const {
+  return IdIn(settlement_types_, number);
+}
+
 const std::set<Long>& Names::ClassesOf(Long account) {
   const auto [place, is_new] = classes_.try_emplace(account);
   if (is_new) {
@@ -257,7 +289,7 @@ ChartResult ImportChart(const std::string& path, const std::string& props, Names
                         const Console& console) {
   Progress progress(console);
   Reports reports(path, console, progress);
-  Sheet sheet(path, kColumns, reports);
+  Sheet sheet(path, ChartColumns(), reports);
   ChartResult result;
   std::vector<ChartRow> rows;
   std::unordered_set<std::string> numbers;
@@ -284,17 +316,19 @@ ChartResult ImportChart(const std::string& path, const std::string& props, Names
 
   Batch batch(props);
   names.Refresh();
+  const std::vector<NamedItemClass> classes = ItemClassesOfBooks();
   for (const ChartRow& row : rows) {
     progress.Show("accounts", result.stored, sheet.Share());
     if (names.Account(row.number) != 0) {
       ++result.passed;
       continue;
     }
+    Position at = row.at;
     try {
-      Store(row, names);
+      Store(row, classes, names, at);
       ++result.stored;
     } catch (const BadCell& bad) {
-      leave_out(row.currency.at, bad.what());
+      leave_out(at, bad.what());
     } catch (const Error& error) {
       if (!IsAboutRecord(error)) throw;
       leave_out(row.at, ErrorText(error));

@@ -46,6 +46,8 @@ class Names {
   // BadCell; so for a text that can't be a currency's number.
   Long Currency(const std::string& number, Double rate);
   Long Group(const std::string& name);
+  // 0 when there is none.
+  Long SettlementType(const std::string& number) const;
 
   // The item classes that an account asks for.
   const std::set<Long>& ClassesOf(Long account);
@@ -69,6 +71,7 @@ class Names {
   std::unordered_map<Long, Long> unit_groups_;  // by the accounts that have one
   std::unordered_map<std::string, Long> currencies_;
   std::unordered_map<std::string, Long> groups_;
+  std::unordered_map<std::string, Long> settlement_types_;
   // As far as anybody has asked.
   std::unordered_map<Long, std::set<Long>> classes_;
   std::map<std::pair<Long, std::string>, Long> items_;

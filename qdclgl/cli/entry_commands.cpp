@@ -3,6 +3,7 @@
 #include "qdclgl/cli/program.h"
 #include "qdclgl/cli/steps.h"
 #include "qdclgl/cli/voucher_draft.h"
+#include "qdclgl/cli/voucher_editor.h"
 
 namespace qdclgl::cli {
 
@@ -27,8 +28,25 @@ Ref<Voucher> Draft(const EntryOptions& options, const std::string& props) {
   return voucher;
 }
 
+// On a terminal a voucher without lines is written in an editor.
+int NewInEditor(const EntryOptions& options, const Console& console) {
+  const std::string props = options.login.Open();
+  const Ref<Voucher> voucher = Draft(options, props);
+  const std::string text = EmptyText(
+      voucher->VoucherDate(), options.group.empty() ? std::string(kUsualGroup) : options.group);
+  switch (EditVoucher(*voucher, text, console)) {
+    case EditOutcome::kSaved: TellDraft(*voucher, console); return kDone;
+    case EditOutcome::kUnchanged: console.out << "No voucher is made.\n"; return kDone;
+    case EditOutcome::kGivenUp: return kRefused;
+  }
+  return kRefused;
+}
+
 int New(const EntryOptions& options, const Console& console) {
-  if (options.lines.empty()) throw UsageError("new needs a --line for each line of the voucher");
+  if (options.lines.empty()) {
+    if (console.answers != nullptr) return NewInEditor(options, console);
+    throw UsageError("new needs a --line for each line of the voucher");
+  }
   const std::string props = options.login.Open();
   const Ref<Voucher> voucher = Draft(options, props);
   if (options.group.empty()) voucher->Group(kUsualGroup);

@@ -1,26 +1,29 @@
 // The main job: a chart of accounts and a journal from files into the books.
+#include <map>
+#include <tuple>
 #include <unordered_set>
 
 #include "qdclgl/cli/batch.h"
 #include "qdclgl/cli/cell_values.h"
 #include "qdclgl/cli/chart.h"
+#include "qdclgl/cli/item_import.h"
 #include "qdclgl/cli/journal.h"
+#include "qdclgl/cli/journal_columns.h"
 #include "qdclgl/cli/program.h"
 #include "qdclgl/cli/steps.h"
-#include "qdclgl/cli/voucher_draft.h"
+#include "qdclgl/cli/voucher_filler.h"
 
 namespace qdclgl::cli {
 
 namespace {
 
-// The heading of this class of items, whatever it is called in the books.
-constexpr Long kDepartments = 1;
-constexpr std::string_view kDepartmentHeading = "department";
-
 struct ImportOptions {
   Login login;
   std::string accounts;
   std::string journal;
+  std::string items, item_class;
+  bool update = false;
+  bool dry_run = false;
   bool check_all = false;
   bool post_all = false;
   bool resume = false;
@@ -34,23 +37,6 @@ struct JournalResult {
   bool is_whole = true;  // nothing was reported
 };
 
-// The classes by which a journal can have columns, and these columns.
-struct ItemSheet {
-  std::vector<NamedItemClass> classes;
-  std::vector<SheetColumn> columns;
-
-  ItemSheet() : classes(ItemClassesOfBooks()) {
-    for (NamedItemClass& item_class : classes) {
-      item_class.others.push_back(item_class.number);
-      const bool is_usual = item_class.id == kDepartments;
-      columns.push_back(
-          {is_usual ? kDepartmentHeading : item_class.number, false, item_class.others});
-    }
-  }
-  ItemSheet(const ItemSheet&) = delete;
-  ItemSheet& operator=(const ItemSheet&) = delete;
-};
-
 class JournalImport {
  public:
   JournalImport(const ImportOptions& options, std::string props, Names& names,
@@ -60,7 +46,7 @@ class JournalImport {
         names_(names),
         progress_(console),
         reports_(options.journal, console, progress_),
-        reader_(options.journal, items_.columns, reports_) {}
+        reader_(options.journal, items_.columns(), reports_) {}
 
   // The vouchers of the journal, as many in a transaction as a batch has: books that a killed
   // import leaves hold each voucher wholly or not at all.
@@ -98,22 +84,51 @@ class JournalImport {
     vouchers.clear();
   }
 
-  // Those of the vouchers that the books have already.
+  // The keys of those vouchers that the books have already. A voucher is known by its reference;
+  // where the file tells that apart from the key, by date, group and number.
   std::unordered_set<std::string> KnownOf(const std::vector<JournalVoucher>& vouchers) {
+    return vouchers.front().reference ? KnownByNumber(vouchers) : KnownByReference(vouchers);
+  }
+
+  std::unordered_set<std::string> KnownByReference(const std::vector<JournalVoucher>& vouchers) {
     std::string filter;
     for (const JournalVoucher& voucher : vouchers) {
       filter += (filter.empty() ? "FReference IN (" : ", ") + FilterText(voucher.key);
     }
-    const auto set = Make<VoucherSet>();
-    set->Filter(filter + ")");
-    set->Refresh();
-    const Ref<Recordset> rows = set->RecordSet();
+    const Ref<Recordset> rows = Headers(filter + ")");
     const Long reference_at = rows->FieldPosition("FReference");
     std::unordered_set<std::string> known;
     for (; !rows->Eof(); rows->MoveNext()) {
       known.insert(rows->FieldValue(reference_at).As<String>());
     }
     return known;
+  }
+
+  std::unordered_set<std::string> KnownByNumber(const std::vector<JournalVoucher>& vouchers) {
+    std::map<std::tuple<DateTime, std::string, Long>, std::string> keys;
+    for (const JournalVoucher& voucher : vouchers) {
+      keys[{voucher.date, VoucherFiller::GroupOf(voucher), voucher.number}] = voucher.key;
+    }
+    const Ref<Recordset> rows =
+        Headers("FDate >= " + FilterDay(std::get<0>(keys.begin()->first)) +
+                " AND FDate <= " + FilterDay(std::get<0>(keys.rbegin()->first)));
+    const Long date_at = rows->FieldPosition("FDate"), group_at = rows->FieldPosition("FGroup"),
+               number_at = rows->FieldPosition("FNumber");
+    std::unordered_set<std::string> known;
+    for (; !rows->Eof(); rows->MoveNext()) {
+      const auto found = keys.find({rows->FieldValue(date_at).As<DateTime>(),
+                                    rows->FieldValue(group_at).As<String>(),
+                                    rows->FieldValue(number_at).As<Long>()});
+      if (found != keys.end()) known.insert(found->second);
+    }
+    return known;
+  }
+
+  static Ref<Recordset> Headers(const std::string& filter) {
+    const auto set = Make<VoucherSet>();
+    set->Filter(filter);
+    set->Refresh();
+    return set->RecordSet();
   }
 
   void PassOver(const JournalVoucher& voucher) {
@@ -138,8 +153,8 @@ class JournalImport {
   // False when the voucher can't be stored; then why is reported.
   bool Store(const JournalVoucher& journal) {
     try {
-      const Ref<Voucher> voucher = Build(journal);
-      if (!voucher) return false;
+      const Ref<Voucher> voucher = Make<VoucherSet>()->CreateNew();
+      if (!filler_.Fill(*voucher, journal)) return false;
       voucher->SaveChanges1();
       return true;
     } catch (const Error& error) {
@@ -149,140 +164,50 @@ class JournalImport {
     }
   }
 
-  // The voucher as the library has it, Nothing when a cell names what can't be had.
-  Ref<Voucher> Build(const JournalVoucher& journal) {
-    const Ref<Voucher> voucher = Make<VoucherSet>()->CreateNew();
-    voucher->VoucherDate(journal.date);
-    voucher->GroupID(names_.Group(journal.group.empty() ? kUsualGroup : journal.group));
-    voucher->Number(journal.number);
-    voucher->Reference(journal.key);
-    voucher->Explanation(journal.lines.front().explanation);
-    const Ref<VoucherEntrySet> entries = voucher->Entries();
-    bool is_complete = true;
-    for (const JournalLine& line : journal.lines) {
-      entries->Add();
-      if (!Fill(*entries->Item(entries->Count()), line)) is_complete = false;
-    }
-    return is_complete ? voucher : nullptr;
-  }
-
-  bool Fill(VoucherEntry& entry, const JournalLine& line) {
-    const Long account = names_.AccountForLines(line.account.text);
-    if (account == 0) {
-      reports_.Add(line.account.at, "there is no account " + Quoted(line.account.text));
-    }
-    entry.AccountID(account);
-    entry.DC(line.is_debit ? 1 : 0);
-    entry.Amount(line.amount);
-    entry.Explanation(line.explanation);
-    entry.Quantity(line.quantity);
-    entry.MeasureUnit(line.unit);
-    entry.MeasureUnitID(names_.UnitForLines(line.unit, account));
-    entry.UnitPrice(line.unit_price);
-    entry.TransNo(line.reference);
-    const bool has_items = account != 0 && FillItems(entry, account, line);
-    return FillCurrency(entry, line) && has_items;
-  }
-
-  bool FillItems(VoucherEntry& entry, Long account, const JournalLine& line) {
-    bool is_complete = true;
-    for (std::size_t i = 0; i < line.items.size(); ++i) {
-      const CsvCell& cell = line.items[i];
-      if (cell.text.empty()) continue;
-      try {
-        AddItem(entry, account, items_.classes[i], cell.text);
-      } catch (const BadCell& bad) {
-        reports_.Add(cell.at, bad.what());
-        is_complete = false;
-      }
-    }
-    return is_complete;
-  }
-
-  // An account that asks for items gets those that there are; any other one keeps what the file
-  // says. BadCell.
-  void AddItem(VoucherEntry& entry, Long account, const NamedItemClass& item_class,
-               const std::string& number) {
-    const std::set<Long>& asked = names_.ClassesOf(account);
-    const Ref<VoucherDetailSet> details = entry.Details();
-    if (asked.empty()) {
-      details->Add();
-      const Ref<VoucherDetail> detail = details->Item(details->Count());
-      detail->ItemClassNumber(item_class.number);
-      detail->ItemClassName(item_class.name);
-      detail->ItemNumber(number);
-      detail->ItemName(number);
-      return;
-    }
-    if (!asked.contains(item_class.id)) {
-      throw BadCell("the account asks for no item of item class " + item_class.number);
-    }
-    const Long item = names_.Item(item_class, number);
-    if (item == 0) throw BadCell(NoSuchItem(item_class, number));
-    details->Add();
-    const Ref<VoucherDetail> detail = details->Item(details->Count());
-    detail->ItemClassID(item_class.id);
-    detail->ItemID(item);
-  }
-
-  bool FillCurrency(VoucherEntry& entry, const JournalLine& line) {
-    const bool has_amount_for = !line.amount_for_cell.text.empty();
-    // Without an amount of its own a line counts one to one in its currency.
-    const Currency amount_for = has_amount_for ? line.amount_for : line.amount;
-    Double rate = line.rate;
-    if (rate == 0) {
-      rate = amount_for == Currency() ? 1 : line.amount.ToDouble() / amount_for.ToDouble();
-    }
-    Long currency = 0;
-    try {
-      // A currency is worth something, whatever sides and signs its first line has.
-      currency = names_.Currency(line.currency.text, rate > 0 ? rate : 1);
-    } catch (const BadCell& bad) {
-      reports_.Add(line.currency.at, bad.what());
-      return false;
-    }
-    entry.CurrencyID(currency);
-    if (currency == Names::kBaseCurrency) {
-      entry.AmountFor(line.amount);
-      entry.ExchangeRate(1);
-      if (amount_for == line.amount) return true;
-      reports_.Add(line.amount_for_cell.at,
-                   "a line in the base currency has the same amount in both");
-      return false;
-    }
-    entry.AmountFor(amount_for);
-    entry.ExchangeRate(rate);
-    if (has_amount_for || rate == 1) return true;
-    reports_.Add(line.currency.at, "a line in another currency at a rate needs its amount_for");
-    return false;
-  }
-
   const ImportOptions& options_;
   std::string props_;
   Names& names_;
   Progress progress_;
   Reports reports_;
-  const ItemSheet items_;
+  const ItemColumns items_;
   JournalReader reader_;
+  VoucherFiller filler_{names_, items_, reports_};
   JournalResult result_;
   long known_ = 0;  // vouchers that are in the books already
   JournalVoucher first_known_;
 };
 
-int Import(const ImportOptions& options, const Console& console) {
-  if (options.accounts.empty() && options.journal.empty() && !options.check_all &&
-      !options.post_all) {
-    throw UsageError("import needs --accounts or --journal");
+void RequireSense(const ImportOptions& options) {
+  if (options.accounts.empty() && options.journal.empty() && options.items.empty() &&
+      !options.check_all && !options.post_all) {
+    throw UsageError("import needs --accounts, --items or --journal");
   }
-  const std::string props = options.login.Open();
-  Names names(options.new_currencies ? NewCurrencies::kMake : NewCurrencies::kReport);
+  if (options.items.empty() != options.item_class.empty()) {
+    throw UsageError("--items and --class go together");
+  }
+  if (options.update && options.items.empty()) throw UsageError("--update goes with --items");
+}
+
+// The files one after the other, what others stand on first. False when anything was reported.
+bool ImportFiles(const ImportOptions& options, const std::string& props, const Console& console) {
   bool is_whole = true;
+  if (!options.items.empty()) {
+    const ItemImportResult items =
+        ImportItems(options.items, options.item_class,
+                    options.update ? KnownItems::kUpdated : KnownItems::kLeft, props, console);
+    console.out << "items: " << items.stored << " stored, ";
+    if (options.update) console.out << items.changed << " changed, ";
+    console.out << items.passed << " there already, " << items.left_out << " left out\n"
+                << std::flush;
+    is_whole = items.is_whole;
+  }
+  Names names(options.new_currencies ? NewCurrencies::kMake : NewCurrencies::kReport);
   if (!options.accounts.empty()) {
     const ChartResult chart = ImportChart(options.accounts, props, names, console);
     console.out << "accounts: " << chart.stored << " stored, " << chart.passed << " there already, "
                 << chart.left_out << " left out\n"
                 << std::flush;
-    is_whole = chart.is_whole;
+    is_whole = is_whole && chart.is_whole;
   }
   if (!options.journal.empty()) {
     const JournalResult journal = JournalImport(options, props, names, console).Run();
@@ -295,6 +220,16 @@ int Import(const ImportOptions& options, const Console& console) {
        {std::pair(options.check_all, "check"), std::pair(options.post_all, "post")}) {
     if (wanted && TakeStepOnAll(StepNamed(name), props, console) != kDone) is_whole = false;
   }
+  return is_whole;
+}
+
+int Import(const ImportOptions& options, const Console& console) {
+  RequireSense(options);
+  const std::string props = options.login.Open();
+  std::optional<Trial> trial;
+  if (options.dry_run) trial.emplace(props);
+  const bool is_whole = ImportFiles(options, props, console);
+  if (options.dry_run) console.out << "That is what an import would do; nothing is stored.\n";
   return is_whole ? kDone : kLeftOut;
 }
 
@@ -302,11 +237,16 @@ int Import(const ImportOptions& options, const Console& console) {
 
 void AddImportCommand(Program& program) {
   const auto options = std::make_shared<ImportOptions>();
-  CLI::App* command =
-      program.AddForBooks("import", "Stores accounts and vouchers from CSV files", options->login,
-                          [options, &program] { return Import(*options, program.console()); });
+  CLI::App* command = program.AddForBooks(
+      "import", "Stores accounts, items and vouchers from CSV files", options->login,
+      [options, &program] { return Import(*options, program.console()); });
   command->add_option("--accounts", options->accounts, "The chart of accounts")->type_name("FILE");
   command->add_option("--journal", options->journal, "The vouchers")->type_name("FILE");
+  command->add_option("--items", options->items, "Items, with --class")->type_name("FILE");
+  command->add_option("--class", options->item_class, "The class of the items")->type_name("CLASS");
+  command->add_flag("--update", options->update, "Changes items that are in the books already");
+  command->add_flag("--dry-run", options->dry_run,
+                    "Tries everything, tells what would be stored, and stores nothing");
   command->add_flag("--check-all", options->check_all, "Checks all vouchers behind the import");
   command->add_flag("--post-all", options->post_all, "Posts all vouchers behind the import");
   command->add_flag("--new-currencies", options->new_currencies,

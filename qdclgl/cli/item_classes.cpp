@@ -36,16 +36,26 @@ std::vector<NamedItemClass> ItemClassesOfBooks() {
   return classes;
 }
 
-const NamedItemClass& ItemClassNamed(const std::vector<NamedItemClass>& classes,
-                                     std::string_view word) {
-  std::vector<std::string_view> words;
+const NamedItemClass* FindItemClass(const std::vector<NamedItemClass>& classes,
+                                    std::string_view word) {
   for (const NamedItemClass& item_class : classes) {
-    words.push_back(item_class.number);
-    if (IsCalled(item_class.number, word)) return item_class;
+    if (IsCalled(item_class.number, word)) return &item_class;
   }
   for (const NamedItemClass& item_class : classes) {
     for (const std::string& name : item_class.others) {
-      if (IsCalled(name, word)) return item_class;
+      if (IsCalled(name, word)) return &item_class;
+    }
+  }
+  return nullptr;
+}
+
+const NamedItemClass& ItemClassNamed(const std::vector<NamedItemClass>& classes,
+                                     std::string_view word) {
+  if (const NamedItemClass* item_class = FindItemClass(classes, word)) return *item_class;
+  std::vector<std::string_view> words;
+  for (const NamedItemClass& item_class : classes) words.push_back(item_class.number);
+  for (const NamedItemClass& item_class : classes) {
+    for (const std::string& name : item_class.others) {
       if (!EqualsIgnoringAsciiCase(name, item_class.number)) words.push_back(name);
     }
   }

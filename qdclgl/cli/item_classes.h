@@ -19,6 +19,10 @@ struct NamedItemClass {
 // Those of the books, by number. The library's session must be there.
 std::vector<NamedItemClass> ItemClassesOfBooks();
 
+// The class with this number or one of these names, as ItemClassNamed knows them; null when there
+// is none.
+const NamedItemClass* FindItemClass(const std::vector<NamedItemClass>& classes,
+                                    std::string_view word);
 // The class with this number or one of these names, or the plural of one in English; case is
 // ignored. UsageError, with the nearest one, when there is none.
 const NamedItemClass& ItemClassNamed(const std::vector<NamedItemClass>& classes,

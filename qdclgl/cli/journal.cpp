@@ -1,45 +1,22 @@
 #include "qdclgl/cli/journal.h"
 
-#include <array>
-
 #include "qdclgl/cli/cell_values.h"
+#include "qdclgl/cli/journal_columns.h"
+#include "qdclgl/cli/record_kinds.h"
 
 namespace qdclgl::cli {
 
+using namespace journal_column;
+
 namespace {
 
-enum Column : std::size_t {
-  kVoucher,
-  kDate,
-  kAccount,
-  kDebit,
-  kCredit,
-  kGroup,
-  kNumber,
-  kExplanation,
-  kCurrency,
-  kAmountFor,
-  kRate,
-  kQuantity,
-  kUnit,
-  kUnitPrice,
-  kReference,
-  kFirstItem,
-};
-
-constexpr std::array kColumns = {
-    SheetColumn{"voucher", true}, SheetColumn{"date", true},   SheetColumn{"account", true},
-    SheetColumn{"debit", true},   SheetColumn{"credit", true}, SheetColumn{"group"},
-    SheetColumn{"number"},        SheetColumn{"explanation"},  SheetColumn{"currency"},
-    SheetColumn{"amount_for"},    SheetColumn{"rate"},         SheetColumn{"quantity"},
-    SheetColumn{"unit"},          SheetColumn{"unit_price"},   SheetColumn{"reference"},
-};
-
 // What the rows of a voucher agree in.
-constexpr Column kShared[] = {kDate, kGroup, kNumber};
+constexpr std::size_t kShared[] = {kDate, kGroup, kNumber, kVoucherReference, kVoucherExplanation};
 
 std::vector<SheetColumn> ColumnsWith(std::span<const SheetColumn> item_columns) {
-  std::vector<SheetColumn> columns(kColumns.begin(), kColumns.end());
+  std::vector<SheetColumn> columns(kJournalColumns.begin(), kJournalColumns.end());
+  for (const FurtherColumn& further : kFurtherColumns)
+    columns.push_back({.heading = further.column.name, .is_rare = true});
   columns.insert(columns.end(), item_columns.begin(), item_columns.end());
   return columns;
 }
@@ -99,11 +76,14 @@ void JournalReader::BeginVoucher(JournalVoucher& voucher, const CsvCell& key) {
                " stands further up already; the rows of a voucher stand together");
   }
   if (row_.problem) return;
-  for (const Column column : kShared) shared_.push_back(TextOf(column));
+  for (const std::size_t column : kShared) shared_.push_back(TextOf(column));
   voucher.date = Value(voucher, kDate, ReadDate, DateTime());
   if (TextOf(kDate).empty()) Report(voucher, CellOf(kDate).at, "the row has no date");
   voucher.group = TextOf(kGroup);
   voucher.number = Value(voucher, kNumber, ReadWhole, Long{0});
+  voucher.reference = TextIfThere(kVoucherReference);
+  voucher.explanation = TextIfThere(kVoucherExplanation);
+  voucher.further = FurtherOf(voucher, false);
 }
 
 void JournalReader::AddRow(JournalVoucher& voucher) {
@@ -144,14 +124,37 @@ void JournalReader::AddLine(JournalVoucher& voucher) {
   line.currency = CellOf(kCurrency);
   line.amount_for_cell = CellOf(kAmountFor);
   line.amount_for = Value(voucher, kAmountFor, ReadAmount, Currency());
-  line.rate = Value(voucher, kRate, ReadRate, Double{0});
+  if (TextOf(kRate) == kNoRate) line.rate = 0;
+  else if (!TextOf(kRate).empty()) line.rate = Value(voucher, kRate, ReadRate, Double{0});
   line.quantity = Value(voucher, kQuantity, ReadQuantity, Double{0});
   line.unit = TextOf(kUnit);
   line.unit_price = Value(voucher, kUnitPrice, ReadPrice, Double{0});
   line.explanation = TextOf(kExplanation);
   line.reference = TextOf(kReference);
-  for (std::size_t i = 0; i < class_count_; ++i) line.items.push_back(CellOf(kFirstItem + i));
+  line.settlement = CellOf(kSettlement);
+  line.further = FurtherOf(voucher, true);
+  for (std::size_t i = 0; i < class_count_; ++i) line.items.push_back(CellOf(kFirstItemColumn + i));
   voucher.lines.push_back(std::move(line));
+}
+
+std::optional<std::string> JournalReader::TextIfThere(std::size_t column) const {
+  const CsvCell* cell = sheet_.Cell(row_, column);
+  return cell != nullptr ? std::optional(cell->text) : std::nullopt;
+}
+
+Further JournalReader::FurtherOf(JournalVoucher& voucher, bool is_of_line) {
+  Further further;
+  for (std::size_t i = 0; i < std::size(kFurtherColumns); ++i) {
+    const auto& [column, is_lines] = kFurtherColumns[i];
+    const CsvCell& cell = CellOf(kFirstFurther + i);
+    if (is_lines != is_of_line || cell.text.empty()) continue;
+    try {
+      further.emplace_back(column.name, ReadTyped(column.type, cell.text));
+    } catch (const BadCell& bad) {
+      Report(voucher, cell.at, bad.what());
+    }
+  }
+  return further;
 }
 
 void JournalReader::Report(JournalVoucher& voucher, Position at, const std::string& reason) {

@@ -1,14 +1,19 @@
 // The journal file: rows that name a voucher each, read as vouchers one after the other.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "qdclgl/cli/sheet.h"
-#include "qdclgl/frame/values/values.h"
+#include "qdclgl/frame/objects/variant.h"
 
 namespace qdclgl::cli {
+
+// Values of kFurtherColumns, by their keys.
+using Further = std::vector<std::pair<std::string_view, Variant>>;
 
 struct JournalLine {
   CsvCell account;
@@ -17,12 +22,14 @@ struct JournalLine {
   CsvCell currency;  // an empty text: the base currency
   CsvCell amount_for_cell;
   Currency amount_for;
-  Double rate = 0;  // 0: what the two amounts give
+  std::optional<Double> rate;  // nothing: what the two amounts give; 0: the line has none
   Double quantity = 0;
   std::string unit;
   Double unit_price = 0;
   std::string explanation;
   std::string reference;
+  CsvCell settlement;  // number of a settlement type
+  Further further;
   std::vector<CsvCell> items;  // of the classes that the file is read with
 };
 
@@ -32,6 +39,9 @@ struct JournalVoucher {
   DateTime date;
   std::string group;
   Long number = 0;  // 0: the next one
+  // Where they are told apart from the key and the first line.
+  std::optional<std::string> reference, explanation;
+  Further further;
   std::vector<JournalLine> lines;
   bool is_whole = true;  // false once something of it was reported
 };
@@ -60,6 +70,10 @@ class JournalReader {
   // The value of a cell, reported when it is none; `fallback` for an empty cell.
   template <class T>
   T Value(JournalVoucher& voucher, std::size_t column, T (*read)(std::string_view), T fallback);
+  // The text of a column that the file has.
+  std::optional<std::string> TextIfThere(std::size_t column) const;
+  // What the row tells in further columns, of the line or of the voucher.
+  Further FurtherOf(JournalVoucher& voucher, bool is_of_line);
   const CsvCell& CellOf(std::size_t column) const;
   const std::string& TextOf(std::size_t column) const { return CellOf(column).text; }
 

@@ -84,11 +84,14 @@ Program::Program(const Console& console)
   app_.set_version_flag("--version", "qdclgl " + std::string(Version()));
   app_.footer(kFooter);
   AddBooksCommands(*this);
+  AddBackupCommands(*this);
   AddImportCommand(*this);
+  AddExportCommand(*this);
   AddListCommands(*this);
   AddRecordCommands(*this);
   AddVoucherCommands(*this);
   AddEntryCommands(*this);
+  AddEditCommand(*this);
   AddBalanceCommand(*this);
   AddLedgerCommand(*this);
   AddStatementCommands(*this);
@@ -182,6 +185,8 @@ std::string FilterText(std::string_view text) {
   for (const char c : text) quoted.append(c == '\'' ? 2 : 1, c);
   return quoted + "'";
 }
+
+std::string FilterDay(DateTime day) { return "#" + day.ToText() + "#"; }
 
 Long WholeOption(const std::string& name, const std::string& text) {
   try {

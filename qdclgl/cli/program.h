@@ -85,6 +85,8 @@ int PrintStartPage(const Console& console);
 
 // A text as a filter holds it: in quotes, a quote inside doubled.
 std::string FilterText(std::string_view text);
+// A day likewise.
+std::string FilterDay(DateTime day);
 
 // Whether a word is an id of a voucher, and words as ids.
 bool IsID(std::string_view word);
@@ -102,11 +104,14 @@ CLI::Option* AddWhole(CLI::App& command, const std::string& name, Long& value,
 
 // The families of commands, each in the file of that name.
 void AddBooksCommands(Program& program);      // init, upgrade, close, reopen, doctor
+void AddBackupCommands(Program& program);     // backup, restore
 void AddImportCommand(Program& program);      // import
+void AddExportCommand(Program& program);      // export
 void AddListCommands(Program& program);       // list, and one for each list of the books
 void AddRecordCommands(Program& program);     // kinds, show, add, set, remove
 void AddVoucherCommands(Program& program);    // voucher, and the steps from check to unpost
 void AddEntryCommands(Program& program);      // new, copy, reverse
+void AddEditCommand(Program& program);        // edit
 void AddBalanceCommand(Program& program);     // balance
 void AddLedgerCommand(Program& program);      // ledger
 void AddStatementCommands(Program& program);  // income, position

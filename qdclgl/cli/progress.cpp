@@ -25,9 +25,13 @@ void Progress::Clear() {
 
 void Reports::Add(Position at, const std::string& reason) {
   is_empty_ = false;
+  Tell({at, reason});
+}
+
+void Reports::Tell(const Report& report) {
   progress_.Clear();
-  console_.err << OneLine(file_) << ':' << at.line << ':' << at.column << ": " << OneLine(reason)
-               << '\n';
+  console_.err << OneLine(file_) << ':' << report.at.line << ':' << report.at.column << ": "
+               << OneLine(report.reason) << '\n';
 }
 
 }  // namespace qdclgl::cli

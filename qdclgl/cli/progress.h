@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <string>
+#include <vector>
 
 #include "qdclgl/cli/console.h"
 #include "qdclgl/cli/csv_reader.h"
@@ -28,20 +29,42 @@ class Progress {
   bool is_shown_ = false;
 };
 
+struct Report {
+  Position at;
+  std::string reason;
+};
+
 // What is wrong in a file: "journal.csv:12:7: reason", one line each.
 class Reports {
  public:
   Reports(std::string file, const Console& console, Progress& progress)
       : file_(std::move(file)), console_(console), progress_(progress) {}
 
+  virtual ~Reports() = default;
+
   void Add(Position at, const std::string& reason);
   bool IsEmpty() const { return is_empty_; }
 
  private:
+  virtual void Tell(const Report& report);
+
   std::string file_;
   const Console& console_;
   Progress& progress_;
   bool is_empty_ = true;
+};
+
+// Reports that are kept, for who shows them in another way.
+class CollectedReports final : public Reports {
+ public:
+  using Reports::Reports;
+
+  const std::vector<Report>& all() const { return all_; }
+
+ private:
+  void Tell(const Report& report) override { all_.push_back(report); }
+
+  std::vector<Report> all_;
 };
 
 }  // namespace qdclgl::cli

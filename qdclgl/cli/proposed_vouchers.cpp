@@ -99,7 +99,7 @@ void SaveProposedVouchers(const std::string& props, const Propose& propose,
   batch.Commit();
   for (const Long id : ids) {
     const Ref<Voucher> voucher = OpenVoucher(*Make<VoucherSet>(), id);
-    TellMade(*voucher, console);
+    TellDraft(*voucher, console);
   }
   if (is_posted) return;
   console.out << "Somebody else has to take " << (ids.size() == 1 ? "it" : "them") << " through "

@@ -8,6 +8,7 @@
 #include "qdclgl/cli/cell_values.h"
 #include "qdclgl/cli/console.h"
 #include "qdclgl/cli/nearest.h"
+#include "qdclgl/cli/table.h"
 #include "qdclgl/frame/containers/vector.h"
 #include "qdclgl/frame/vocabulary/text.h"
 #include "qdclgl/server/records/kinds.h"
@@ -83,6 +84,13 @@ std::string ValueOf(const MasterData& kind, const Column& column) {
   return std::string(WordFor(column.type));
 }
 
+bool IsFilled(const Dictionary& row, const Column& column) {
+  const auto text = [&](const Variant& value) {
+    return CellText(server::Normalized(column, value));
+  };
+  return text(row.Value(column.name)) != text(Variant());
+}
+
 std::vector<WrittenColumn> WrittenColumns(const MasterData& kind) {
   std::vector<WrittenColumn> columns;
   for (const server::RecordColumn& column : kind.description().columns) {
@@ -121,6 +129,8 @@ Whole ReadWithin(std::string_view text) {
       ReadInteger(text, std::numeric_limits<Whole>::min(), std::numeric_limits<Whole>::max()));
 }
 
+}  // namespace
+
 Variant ReadTyped(ColumnType type, const std::string& text) {
   switch (type) {
     case ColumnType::kLong: return ReadWithin<Long>(text);
@@ -135,6 +145,8 @@ Variant ReadTyped(ColumnType type, const std::string& text) {
   }
   return {};
 }
+
+namespace {
 
 Variant ReadValue(const Column& column, const std::string& text) {
   if (text.empty()) return {};

@@ -25,6 +25,11 @@ const server::MasterData& KindNamed(std::string_view name);
 std::string_view WordFor(server::ColumnType type);
 // The same for a column of a kind, or the words that it takes.
 std::string ValueOf(const server::MasterData& kind, const server::Column& column);
+// The value of a column as a text tells it. BadCell.
+Variant ReadTyped(server::ColumnType type, const std::string& text);
+
+// Whether a row has more in a column than the zero of its type.
+bool IsFilled(const Dictionary& row, const server::Column& column);
 
 // A column that callers write, or a list of rows that they do.
 struct WrittenColumn {

@@ -56,7 +56,9 @@ void Sheet::ReadHeadings(std::span<const SheetColumn> columns, Reports& reports)
                         ", where commas are expected");
   }
   std::vector<std::string_view> headings;
-  for (const SheetColumn& column : columns) headings.push_back(column.heading);
+  for (const SheetColumn& column : columns) {
+    if (!column.is_rare) headings.push_back(column.heading);
+  }
   for (std::size_t i = 0; i < width_; ++i) {
     const CsvCell& cell = row.cells[i];
     const auto known = std::find_if(columns.begin(), columns.end(), [&](const SheetColumn& column) {

@@ -16,6 +16,7 @@ struct SheetColumn {
   std::string_view heading;
   bool is_needed = false;
   std::span<const std::string> others = {};  // headings that mean the same
+  bool is_rare = false;                      // not told to who looks for another one
 };
 
 class Sheet {

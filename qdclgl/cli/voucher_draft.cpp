@@ -69,16 +69,16 @@ void Balance(Voucher& voucher) {
   open->Amount(open->DC() == 1 ? -lacking : lacking);
 }
 
-void TellMade(Voucher& voucher, const Console& console) {
+void SaveDraft(Voucher& voucher, const Console& console) {
+  voucher.SaveChanges();
+  TellDraft(voucher, console);
+}
+
+void TellDraft(Voucher& voucher, const Console& console) {
   console.out << "Voucher " << voucher.VoucherID() << " is made: " << voucher.Year() << '/'
               << voucher.Period() << ' ' << OneLine(voucher.Group()) << ' ' << voucher.Number()
               << ", " << voucher.VoucherDate().ToText() << ", " << AmountText(voucher.DebitTotal())
               << ".\n";
-}
-
-void SaveDraft(Voucher& voucher, const Console& console) {
-  voucher.SaveChanges();
-  TellMade(voucher, console);
 }
 
 }  // namespace qdclgl::cli

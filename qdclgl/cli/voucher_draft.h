@@ -26,9 +26,8 @@ void PutAmount(VoucherEntry& line, Currency amount);
 void Balance(Voucher& voucher);
 
 // Tells what a new voucher has become.
-void TellMade(Voucher& voucher, const Console& console);
-
-// Saves a new voucher and tells what it has become.
+void TellDraft(Voucher& voucher, const Console& console);
+// Saves it first.
 void SaveDraft(Voucher& voucher, const Console& console);
 
 }  // namespace qdclgl::cli

@@ -371,7 +371,8 @@ TEST_P(Import, HeadingsThatCanNotBeUsedLeaveTheFileOut) {
                             ":1:9: there is no column \"day\"; there are voucher, "
                             "date, account, debit, credit, group, number, explanation, "
                             "currency, amount_for, rate, quantity, unit, unit_price, "
-                            "reference, CUSTOMER, department, GOODS, STAFF, SUPPLIER\n" +
+                            "reference, voucher_reference, voucher_explanation, settlement, "
+                            "CUSTOMER, department, GOODS, STAFF, SUPPLIER\n" +
                             journal + ":1:27: the column \"debit\" stands here a second time\n" +
                             journal + ":1:1: the column \"date\" is missing\n" + journal +
                             ":1:1: the column \"credit\" is missing\n");

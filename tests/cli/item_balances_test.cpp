@@ -116,7 +116,8 @@ TEST_P(ItemBalances, ImportsReportItemsAtTheirCells) {
   EXPECT_EQ(ImportWithItems("", "custmer").err,
             "journal.csv:1:35: there is no column \"custmer\"; did you mean CUSTOMER? There are "
             "voucher, date, account, debit, credit, group, number, explanation, currency, "
-            "amount_for, rate, quantity, unit, unit_price, reference, CUSTOMER, department, GOODS, "
+            "amount_for, rate, quantity, unit, unit_price, reference, voucher_reference, "
+            "voucher_explanation, settlement, CUSTOMER, department, GOODS, "
             "STAFF, SUPPLIER\n");
   EXPECT_EQ(ImportWithItems("", "dep,department").err,
             "journal.csv:1:39: the column \"department\" stands here a second time\n");

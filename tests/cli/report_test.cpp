@@ -12,6 +12,7 @@
 #include <thread>
 
 #include "qdclgl/cli/cell_values.h"
+#include "qdclgl/server/db/database.h"
 #include "tests/cli/cli_fixture.h"
 
 namespace qdclgl::cli::testing {
@@ -277,6 +278,20 @@ TEST_P(Report, ThatIsKilledLeavesTheFormerOne) {
   waitpid(child, &status, 0);
   EXPECT_TRUE(WIFSIGNALED(status)) << "it was done before";
   EXPECT_TRUE(Pages() == before);
+}
+
+TEST_P(Report, IsRefusedWhereLinesDoNotAddUpToTheBalances) {
+  InitWithPostings();
+  {
+    server::Database db(server::ConnectionText::Parse(book));
+    db.ExecuteScript("UPDATE t_Balance SET FDebit = FDebit + 10000 WHERE FAccountID = 1 AND"
+                     " FYear = 2024 AND FPeriod = 1;");
+  }
+  const RunResult refused = Run({"report", Place()});
+  EXPECT_EQ(refused.code, 1);
+  EXPECT_EQ(refused.err, "qdclgl: 80044214: The books were changed while the report was written; "
+                         "please write it again.\n");
+  EXPECT_FALSE(fs::exists(Place()));
 }
 
 TEST_P(Report, TakesOneFolder) {

@@ -141,7 +141,7 @@ TEST_F(WrongCommands, WhatIsMissingOrTooMuchIsNamed) {
       {{"user", "BOOK"}, 2, "qdclgl: user takes one NAME; see qdclgl help user\n"},
       {{"import", "BOOK"},
        2,
-       "qdclgl: import needs --accounts or --journal; see qdclgl help import\n"},
+       "qdclgl: import needs --accounts, --items or --journal; see qdclgl help import\n"},
       {{"list", "BOOK"}, 2, "qdclgl: list takes one LIST; see qdclgl help list\n"},
       {{"set", "BOOK", "accounts", "1000", "FName"},
        2,
@@ -233,8 +233,8 @@ TEST_F(WrongCommands, FilesSayWhereAndWhatToDo) {
        3,
        "heading.csv:1:9: there is no column \"dat\"; did you mean date? There are voucher, date, "
        "account, debit, credit, group, number, explanation, currency, amount_for, rate, quantity, "
-       "unit, unit_price, reference, CUSTOMER, department, GOODS, STAFF, "
-       "SUPPLIER\nheading.csv:1:1: the column \"date\" is "
+       "unit, unit_price, reference, voucher_reference, voucher_explanation, settlement, "
+       "CUSTOMER, department, GOODS, STAFF, SUPPLIER\nheading.csv:1:1: the column \"date\" is "
        "missing\n"},
       {{"import", "BOOK", "--journal", "dates.csv"},
        3,

@@ -8,6 +8,7 @@
 
 #include "qdclgl/server/vouchers/voucher.h"
 #include "tests/server/interleavings/player.h"
+#include "tests/server/item_records.h"
 #include "tests/server/ledger_fixture.h"
 
 namespace qdclgl::server::testing {
@@ -50,6 +51,7 @@ class Stage : public LedgerTest {
  public:
   explicit Stage(const Scene& scene) {
     for (const char* name : {"Ann", "Bob"}) AddUser(name, "preparer, checker, cashier, poster");
+    AddUser("Cleo", "administrator");
     Save(Sale(100));
     if (scene.setting) scene.setting(*this);
   }
@@ -222,26 +224,79 @@ void DemoteBob(Hands& hands) {
       ->Call("Update", hands.props, hands.row->Value("FUserID"), hands.row);
 }
 
-constexpr Long kCustomers = 3;
-
-Ref<Vector> ListOf(const Ref<Dictionary>& row) {
-  auto list = Make<Vector>();
-  list->Append(Variant(row));
-  return list;
+// Someone's work of one call of a component. The rows among the arguments are made by who calls, on
+// whose thread they live.
+template <class... Arguments>
+std::function<void(Hands&)> Calls(const char* component, const char* method,
+                                  Arguments... arguments) {
+  const auto made = []<class Argument_>(const Argument_& argument) {
+    if constexpr (std::is_invocable_v<Argument_>) return argument();
+    else return argument;
+  };
+  return
+      [=](Hands& hands) { CreateObject(component)->Call(method, hands.props, made(arguments)...); };
+}
+Work Changes(const char* step, std::function<void(Hands&)> call) {
+  return {step, "administrator", {{step, std::move(call)}}};
 }
 
-Ref<Vector> CustomersAsked() {
-  return ListOf(::qdclgl::testing::Row({{"FItemClassID", kCustomers}}));
+Work CleoDoes(const char* step, std::function<void(Hands&)> call) {
+  return {step, "Cleo", {{step, std::move(call)}}};
 }
 
-// Account 1130 asks for customers, of which item 1 is one.
-void AskForCustomers(Stage& stage) {
-  stage.Call(
-      "QDSVGLAccount.AccountUpdate", "Create", stage.props,
-      ::qdclgl::testing::Row(
-          {{"FNumber", "1130"}, {"FName", "Receivables"}, {"_Items", Variant(CustomersAsked())}}));
-  stage.Call("QDSVGLItem.ItemUpdate", "Create", stage.props, kCustomers,
-             ::qdclgl::testing::Row({{"FNumber", "C001"}, {"FName", "Anna"}}));
+// Bob's save of a voucher with that line and its counterpart on Sales.
+Work SavesLine(std::function<Ref<Dictionary>()> line) {
+  return {"save", "Bob", {{"saves", [line](Hands& hands) {
+                             CallUpdate(
+                                 "Create", hands.props,
+                                 Stage::Voucher("2024-01-15", {line(), Stage::Line("3000", 0, 5)}));
+                           }}}};
+}
+Ref<Dictionary> LineOfAnna() {
+  return Stage::Line("1130", 5, 0, {{"_Details", Variant(DetailOfAnna())}});
+}
+Ref<Dictionary> LineInTonnes() {
+  return Stage::Line("5000", 5, 0, {{"FQuantity", 2.0}, {"FMeasureUnitID", Long{3}}});
+}
+Ref<Dictionary> NewRow(std::string_view number) {
+  return ::qdclgl::testing::Row({{"FNumber", number}, {"FName", number}});
+}
+
+Work SavesProject() {
+  return CleoDoes("saves", Calls("QDSVGLItem.ItemUpdate", "Create", kProjects,
+                                 [] { return Project("large"); }));
+}
+
+template <auto make>
+void Makes(Stage& stage) {
+  make(stage.props);
+}
+
+std::string LinesInText(Stage& stage) {
+  std::string text = VouchersText(stage);
+  for (const auto& [quantity, base] : stage.Books().Query<double, double>(
+           "SELECT FQuantity, FBaseQuantity FROM t_VoucherEntry WHERE FMeasureUnitID = 3")) {
+    text += ", " + std::to_string(std::lround(quantity)) + " counts as " +
+            std::to_string(std::lround(base));
+  }
+  for (const auto& [number, coefficient] : stage.Books().Query<std::string, double>(
+           "SELECT FNumber, FCoefficient FROM t_MeasureUnit ORDER BY FMeasureUnitID")) {
+    text += ", " + number + " " + ConcatenatedText(Variant(coefficient));
+  }
+  return text;
+}
+
+// The items of the class of projects as the list has them, and what became of its field.
+std::string ProjectsText(Stage& stage) {
+  std::string text;
+  for (const auto& [name] : stage.Books().Query<std::string>(
+           "SELECT FName FROM t_ItemClassField WHERE FItemClassID = 1000 AND FPropID > 100")) {
+    text += "field " + name;
+  }
+  if (text.empty()) text = "no field";
+  const auto items =
+      stage.Books().QueryValue<Long>("SELECT COUNT(*) FROM t_Item WHERE FItemClassID = 1000");
+  return text + ", items: " + std::to_string(*items);
 }
 
 std::vector<Scene> Scenes() {
@@ -267,114 +322,74 @@ std::vector<Scene> Scenes() {
        VoucherText},
       {"two import one voucher", Imports("Ann"), Imports("Bob"), nullptr, VouchersText},
       {"one wants checks before posting, one posts",
-       {"set",
-        "administrator",
-        {{"sets",
-          [](Hands& hands) {
-            CreateObject("QDSVBase.SystemProfile")
-                ->Call("SetProfile", hands.props, "GL", "CheckBeforePost", "1");
-          }}}},
-       Takes("Bob", "Post", "posts"),
-       nullptr,
-       VoucherText},
+       Changes("sets", Calls("QDSVBase.SystemProfile", "SetProfile", "GL", "CheckBeforePost", "1")),
+       Takes("Bob", "Post", "posts"), nullptr, VoucherText},
       {"one puts an account below another, one saves a line on that",
-       {"account",
-        "administrator",
-        {{"opens",
-          [](Hands& hands) {
-            CreateObject("QDSVGLAccount.AccountUpdate")
-                ->Call("Create", hands.props,
-                       ::qdclgl::testing::Row({{"FNumber", "2000.01"}, {"FName", "Giro"}}));
-          }}}},
-       {"save",
-        "Bob",
-        {{"saves",
-          [](Hands& hands) {
-            CallUpdate("Create", hands.props,
-                       Stage::Voucher("2024-01-15",
-                                      {Stage::Line("2000", 5, 0), Stage::Line("3000", 0, 5)}));
-          }}}},
-       nullptr,
-       VouchersText},
+       Changes("opens",
+               Calls("QDSVGLAccount.AccountUpdate", "Create", [] { return NewRow("2000.01"); })),
+       SavesLine([] { return Stage::Line("2000", 5, 0); }), nullptr, VouchersText},
       {"one removes a settlement type, one saves a line that names it",
-       {"type",
-        "administrator",
-        {{"removes",
-          [](Hands& hands) {
-            CreateObject("QDSVGLSettType.SettTypeUpdate")->Call("Delete", hands.props, Long{1});
-          }}}},
-       {"save",
-        "Bob",
-        {{"saves",
-          [](Hands& hands) {
-            CallUpdate("Create", hands.props,
-                       Stage::Voucher("2024-01-15",
-                                      {Stage::Line("1000", 5, 0, {{"FSettleTypeID", Long{1}}}),
-                                       Stage::Line("3000", 0, 5)}));
-          }}}},
+       Changes("removes", Calls("QDSVGLSettType.SettTypeUpdate", "Delete", Long{1})), SavesLine([] {
+         return Stage::Line("1000", 5, 0, {{"FSettleTypeID", Long{1}}});
+       }),
        [](Stage& stage) {
          stage.Call("QDSVGLSettType.SettTypeUpdate", "Create", stage.props,
                     ::qdclgl::testing::Row({{"FNumber", "CHQ"}}));
        },
        VouchersText},
       {"one removes an item, one saves a line that names it",
-       {"item",
-        "administrator",
-        {{"removes",
-          [](Hands& hands) {
-            CreateObject("QDSVGLItem.ItemUpdate")->Call("Delete", hands.props, Long{1});
-          }}}},
-       {"save",
-        "Bob",
-        {{"saves",
-          [](Hands& hands) {
-            const Ref<Dictionary> line = Stage::Line("1130", 5, 0);
-            line->Put(RowKey("_Details"),
-                      Variant(ListOf(::qdclgl::testing::Row(
-                          {{"FItemClassID", kCustomers}, {"FItemID", Long{1}}}))));
-            CallUpdate("Create", hands.props,
-                       Stage::Voucher("2024-01-15", {line, Stage::Line("3000", 0, 5)}));
-          }}}},
-       AskForCustomers,
-       VouchersText},
+       Changes("removes", Calls("QDSVGLItem.ItemUpdate", "Delete", Long{1})), SavesLine(LineOfAnna),
+       Makes<MakeReceivables>, VouchersText},
+      {"one puts an item below another, one saves a line that names that",
+       Changes("puts", Calls("QDSVGLItem.ItemUpdate", "Create", kCustomers,
+                             [] {
+                               const auto row = NewRow("C001.1");
+                               row->Put("FParentID", Long{1});
+                               return row;
+                             })),
+       SavesLine(LineOfAnna), Makes<MakeReceivables>, VouchersText},
+      {"one removes a unit, one saves a line that names it",
+       Changes("removes", Calls("QDSVGLUnit.MeasureUnitUpdate", "DeleteUnit", Long{3})),
+       SavesLine(LineInTonnes), Makes<MakeWeights>, LinesInText},
+      {"one changes coefficients, one saves a line in such a unit",
+       Changes("adjusts",
+               Calls("QDSVGLUnit.MeasureUnitUpdate", "AdjustCoefficient", Long{1}, 1000.0, true)),
+       SavesLine(LineInTonnes), Makes<MakeWeights>, LinesInText},
+      {"two change coefficients",
+       Changes("adjusts",
+               Calls("QDSVGLUnit.MeasureUnitUpdate", "AdjustCoefficient", Long{1}, 1000.0, true)),
+       CleoDoes("sets the default",
+                Calls("QDSVGLUnit.MeasureUnitUpdate", "SetDefaultMeasureUnit", Long{1}, Long{1})),
+       Makes<MakeWeights>, LinesInText},
+      {"one renames a field of a class, one saves an item with it",
+       Changes("renames", [](Hands& hands) { RenameProjectField(hands.props); }), SavesProject(),
+       Makes<MakeProjects>, ProjectsText},
+      {"one removes a field of a class, one saves an item with it",
+       Changes("removes", [](Hands& hands) { RemoveProjectField(hands.props); }), SavesProject(),
+       Makes<MakeProjects>, ProjectsText},
+      {"one removes a class, one saves an item of it",
+       Changes("removes", Calls("QDSVGLItemClass.ItemClassUpdate", "Delete", kProjects)),
+       SavesProject(), Makes<MakeProjects>, ProjectsText},
       {"one has an account ask for items, one saves a line on it without",
-       {"account",
-        "administrator",
-        {{"asks",
-          [](Hands& hands) {
-            const auto row = CreateObject("QDSVGLAccount.AccountInfo")
-                                 ->Call("GetDetailByNumber", hands.props, "2000")
-                                 .As<Dictionary>();
-            row->Put(RowKey("_Items"), Variant(CustomersAsked()));
-            CreateObject("QDSVGLAccount.AccountUpdate")
-                ->Call("Update", hands.props, row->Value("FAccountID"), row);
-          }}}},
-       {"save",
-        "Bob",
-        {{"saves",
-          [](Hands& hands) {
-            CallUpdate("Create", hands.props,
-                       Stage::Voucher("2024-01-15",
-                                      {Stage::Line("2000", 5, 0), Stage::Line("3000", 0, 5)}));
-          }}}},
-       nullptr,
-       VouchersText},
+       Changes("asks",
+               [](Hands& hands) {
+                 const auto row = CreateObject("QDSVGLAccount.AccountInfo")
+                                      ->Call("GetDetailByNumber", hands.props, "2000")
+                                      .As<Dictionary>();
+                 row->Put(RowKey("_Items"), Variant(CustomersAsked()));
+                 CreateObject("QDSVGLAccount.AccountUpdate")
+                     ->Call("Update", hands.props, row->Value("FAccountID"), row);
+               }),
+       SavesLine([] { return Stage::Line("2000", 5, 0); }), nullptr, VouchersText},
       {"one removes an account, one saves a settlement account on it",
-       {"account",
-        "administrator",
-        {{"removes",
-          [](Hands& hands) {
-            CreateObject("QDSVGLAccount.AccountUpdate")->Call("Delete", hands.props, Long{2});
-          }}}},
-       {"save",
-        "Cleo",
-        {{"saves",
-          [](Hands& hands) {
-            CreateObject("QDSVGLSettAcct.SettAcctUpdate")
-                ->Call("Create", hands.props,
-                       ::qdclgl::testing::Row({{"FNumber", "BANK"}, {"FAcctID", Long{2}}}));
-          }}}},
-       [](Stage& stage) { stage.AddUser("Cleo", "administrator"); },
+       Changes("removes", Calls("QDSVGLAccount.AccountUpdate", "Delete", Long{2})),
+       CleoDoes("saves", Calls("QDSVGLSettAcct.SettAcctUpdate", "Create",
+                               [] {
+                                 const auto row = NewRow("BANK");
+                                 row->Put("FAcctID", Long{2});
+                                 return row;
+                               })),
+       nullptr,
        [](Stage& stage) {
          const auto rows = stage.Books().Query<Long>("SELECT FAcctID FROM t_SettAcct");
          return std::to_string(rows.size()) + " settlement accounts";

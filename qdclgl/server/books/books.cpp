@@ -8,6 +8,7 @@
 #include "qdclgl/server/access/password.h"
 #include "qdclgl/server/access/session.h"
 #include "qdclgl/server/books/books_check.h"
+#include "qdclgl/server/books/books_copy.h"
 #include "qdclgl/server/books/trail_beginning.h"
 #include "qdclgl/server/db/connections.h"
 #include "qdclgl/server/db/new_books.h"
@@ -98,6 +99,14 @@ Long BooksUpdate::Upgrade(std::string_view connection) {
   return version;
 }
 
+Ref<Dictionary> BooksUpdate::Restore(std::string_view BackupText, std::string_view connection,
+                                     std::string_view ProgramRole) {
+  const ConnectionText to = ConnectionText::Parse(connection);
+  Connections& connections = Connections::OfThisThread();
+  CopyBooks(*connections.Apart(ConnectionText::Parse(BackupText)), to, ProgramRole);
+  return AccountOfBooks(*connections.Apart(to));
+}
+
 Long BooksInfo::Version(std::string_view connection) {
   Database db(ConnectionText::Parse(connection));
   return SchemaVersion(db);
@@ -106,6 +115,13 @@ Long BooksInfo::Version(std::string_view connection) {
 Ref<Recordset> BooksInfo::Check(std::string_view PropsString, std::string_view KeptHead) {
   const Caller caller = Enter(PropsString, RightTo<BooksInfo>("Check"));
   return CheckBooks(caller.db, KeptHead);
+}
+
+Ref<Dictionary> BooksInfo::BackUp(std::string_view PropsString, std::string_view BackupText) {
+  const Caller caller = Enter(PropsString, RightTo<BooksInfo>("BackUp"));
+  const ConnectionText to = ConnectionText::Parse(BackupText);
+  CopyBooks(caller.db, to, "");
+  return AccountOfBooks(*Connections::OfThisThread().Apart(to));
 }
 
 }  // namespace qdclgl::server

@@ -1,6 +1,7 @@
 // The books as a whole: making them, upgrading them, and checking that everything in them agrees.
 #pragma once
 
+#include "qdclgl/frame/containers/dictionary.h"
 #include "qdclgl/frame/containers/recordset.h"
 #include "qdclgl/frame/objects/members.h"
 #include "qdclgl/server/access/component.h"
@@ -30,6 +31,14 @@ class BooksUpdate final : public Object {
       "Brings books of an older version to this program's version, all or nothing, and "
       "returns the version they had. WrongSchema for books of a newer one, DatabaseBusy beside a "
       "batch of the same thread. On PostgreSQL the owner of the tables does it.")
+  QD_METHOD(
+      Ref<Dictionary>, Restore,
+      (std::string_view BackupText, std::string_view ConnectionText,
+       std::string_view ProgramRole = ""),
+      "Makes new books that are those of a backup, all or nothing, and tells which: FVersion, "
+      "FVouchers (how many), FVoucher and FDate of the last one, FHead of the audit trail. "
+      "ProgramRole as in Create. Errors: NoBooks, BooksExist, WrongSchema, Damaged when they do "
+      "not pass the check.")
 };
 
 class BooksInfo final : public Object {
@@ -37,7 +46,9 @@ class BooksInfo final : public Object {
 
  public:
   static constexpr std::string_view kProgID = "QDSVGLBooks.BooksInfo";
-  static constexpr MethodRight kRights[] = {{"Check", {Role::kReader, "check the books"}}};
+  static constexpr MethodRight kRights[] = {
+      {"Check", {Role::kReader, "check the books"}},
+      {"BackUp", {Role::kAdministrator, "back up the books"}}};
 
   QD_METHOD(Long, Version, (std::string_view ConnectionText),
             "The version of the books' schema, 0 when there are none in the database.")
@@ -45,6 +56,11 @@ class BooksInfo final : public Object {
             "Tests every rule that the books must keep, and lists what breaks one: FRule, "
             "FSubject, FRecordID, FRecord, FProblem. No row: all is well. With KeptHead, which "
             "GetHead of AuditInfo gave some time, the audit trail must lead to it too.")
+  QD_METHOD(Ref<Dictionary>, BackUp, (std::string_view PropsString, std::string_view BackupText),
+            "Makes new books, a SQLite file say, that are these books as they are at one moment, "
+            "passwords and sessions included, and tells which they are as Restore does; others "
+            "work on meanwhile. All or nothing: the copy has passed the check. BooksExist, "
+            "Damaged.")
 };
 
 }  // namespace qdclgl::server

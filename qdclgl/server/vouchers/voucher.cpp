@@ -222,6 +222,22 @@ Ref<Recordset> VoucherInfo::GetList(std::string_view PropsString, Long& ListOpti
                    Filter, Sort);
 }
 
+Ref<Vector> VoucherInfo::GetJournal(std::string_view PropsString, DateTime DateFrom, Long AfterID,
+                                    DateTime DateTo, Long Count) {
+  const Caller caller = Enter(PropsString, kRead);
+  Transaction transaction(caller.db, Transaction::Kind::kRead);
+  const std::string last = DateTo == DateTime() ? "9999-12-31" : DateTo.ToText();
+  auto vouchers = Make<Vector>();
+  for (const auto& [id] :
+       caller.db.Query<Long>("SELECT FVoucherID FROM t_Voucher WHERE FDeleted = 0 AND FDate <= ?"
+                             " AND (FDate, FVoucherID) > (?, ?) ORDER BY FDate, FVoucherID LIMIT ?",
+                             last, DateFrom.ToText(), AfterID, Count)) {
+    vouchers->Append(Variant(DetailOf(caller, id, false)));
+  }
+  transaction.Commit();
+  return vouchers;
+}
+
 Long VoucherInfo::ExistenceCheck(std::string_view PropsString, const Variant& VoucherID,
                                  const Variant& nYear, const Variant& Period, const Variant& Group,
                                  const Variant& Number) {

@@ -4,6 +4,7 @@
 
 #include "qdclgl/frame/containers/dictionary.h"
 #include "qdclgl/frame/containers/recordset.h"
+#include "qdclgl/frame/containers/vector.h"
 #include "qdclgl/server/access/component.h"
 
 namespace qdclgl::server {
@@ -17,6 +18,7 @@ class VoucherInfo final : public Object {
   static constexpr MethodRight kRights[] = {{"GetDetail", kRead},
                                             {"GetDetailByNumber", kRead},
                                             {"GetList", {Role::kReader, "list vouchers"}},
+                                            {"GetJournal", kRead},
                                             {"ExistenceCheck", kRead},
                                             {"CheckExistCashProfit", kRead}};
   static constexpr NamedList kList{"vouchers", "Lists the vouchers",
@@ -35,6 +37,12 @@ class VoucherInfo final : public Object {
             (std::string_view PropsString, Long& ListOptions, String& Filter, String& Sort),
             "The headers of the vouchers that meet the filter, by date and number unless Sort says "
             "otherwise; with bit 1 of ListOptions the deleted ones too. BadFilter, BadSort.")
+  QD_METHOD(Ref<Vector>, GetJournal,
+            (std::string_view PropsString, DateTime DateFrom, Long AfterID, DateTime DateTo,
+             Long Count),
+            "At most Count vouchers as GetDetail gives them, in the order of date and id: those "
+            "behind the one with DateFrom and AfterID (0: from that day on) up to DateTo (day 0: "
+            "all), without deleted ones. Its cost goes with the vouchers that it gives.")
   QD_METHOD(Long, ExistenceCheck,
             (std::string_view PropsString, const Variant& VoucherID = Missing,
              const Variant& nYear = Missing, const Variant& Period = Missing,

@@ -1082,5 +1082,34 @@ TEST_P(VoucherServer, EveryStatementMayFailAndNothingIsHalfDone) {
   EXPECT_EQ(Breaches(), "");
 }
 
+// ---- The journal ----
+
+TEST_P(VoucherServer, TheJournalComesInPagesByDateAndId) {
+  const Long late = Save(Sale(1, "2024-03-01"));
+  const Long first = Save(Sale(2, "2024-01-10"));
+  const Long second = Save(Sale(3, "2024-01-10"));
+  Long gone = Save(Sale(4, "2024-01-11"));
+  const Long third = Save(Sale(5, "2024-02-01"));
+  Call(kUpdate, "Delete", props, ByRef(gone));
+  const auto page = [&](DateTime from, Long after, DateTime to, Long count) {
+    const auto vouchers = Call(kInfo, "GetJournal", props, from, after, to, count).As<Vector>();
+    std::vector<Long> ids;
+    for (std::size_t i = 0; i < vouchers->size(); ++i) {
+      const auto voucher = vouchers->at(i).As<Dictionary>();
+      ids.push_back(voucher->Value("FVoucherID").As<Long>());
+      EXPECT_EQ(StateText(Variant(voucher)), StateText(Variant(Read(ids.back()))));
+    }
+    return ids;
+  };
+  using Ids = std::vector<Long>;
+  const DateTime none, day = DateTime::FromYmd(2024, 1, 10);
+  EXPECT_EQ(page(none, 0, none, 9), (Ids{first, second, third, late}));
+  EXPECT_EQ(page(none, 0, none, 2), (Ids{first, second}));
+  EXPECT_EQ(page(day, first, none, 2), (Ids{second, third}));
+  EXPECT_EQ(page(day, second, DateTime::FromYmd(2024, 2, 1), 9), Ids{third});
+  EXPECT_EQ(page(DateTime::FromYmd(2024, 1, 11), 0, none, 9), (Ids{third, late}));
+  EXPECT_EQ(page(DateTime::FromYmd(2024, 3, 2), 0, none, 9), Ids{});
+}
+
 }  // namespace
 }  // namespace qdclgl::server::testing
