@@ -37,11 +37,11 @@ TEST_P(BudgetCommand, BudgetsAreSetReplacedListedAndTakenAway) {
             "0 The budget of 4000 for 2024 is 1000.0000.\n");
   EXPECT_EQ(Said({"budget", "5000.01", "12.5", "--period", "2"}),
             "0 The budget of 5000.01 for 2024/2 is 12.5000.\n");
-  const std::string sales = "4000     Sales  2024    1000.0000\n";
-  EXPECT_EQ(Said({"budget"}), "0 Account  Name   Period     Budget\n" + sales +
-                                  "5000.01  Rent   2024/2    12.5000\n");
+  const std::string sales = "4000     Sales  2024    1,000.00\n";
+  EXPECT_EQ(Said({"budget"}),
+            "0 Account  Name   Period    Budget\n" + sales + "5000.01  Rent   2024/2     12.50\n");
   EXPECT_EQ(Said({"budget", "5000.01", "0", "--period", "2"}).substr(0, 2), "0 ");
-  EXPECT_EQ(Said({"budget"}), "0 Account  Name   Period     Budget\n" + sales);
+  EXPECT_EQ(Said({"budget"}), "0 Account  Name   Period    Budget\n" + sales);
 }
 
 TEST_P(BudgetCommand, TheIncomeStatementHasThemBesideWhatIsPosted) {
@@ -49,15 +49,15 @@ TEST_P(BudgetCommand, TheIncomeStatementHasThemBesideWhatIsPosted) {
   ASSERT_EQ(Run({"budget", "4000", "1000"}).code, 0);
   ASSERT_EQ(Run({"budget", "5000", "20", "--period", "2"}).code, 0);
   EXPECT_EQ(Run({"income", "--budget", "--from", "2", "--to", "2"}).out,
-            "Account  Name            2024/2   Budget  Difference       %\n"
+            "Account  Name           2024/2  Budget  Difference       %\n"
             "         Income\n"
-            "4000       Sales        80.0000  83.3400     -3.3400   96.0%\n"
-            "         Total income   80.0000  83.3400     -3.3400   96.0%\n"
+            "4000       Sales         80.00   83.34       -3.34   96.0%\n"
+            "         Total income    80.00   83.34       -3.34   96.0%\n"
             "         Expense\n"
-            "5000       Costs        30.0000  20.0000     10.0000  150.0%\n"
-            "5000.01      Rent       30.0000   0.0000     30.0000\n"
-            "         Total expense  30.0000  20.0000     10.0000  150.0%\n"
-            "         Result         50.0000  63.3400    -13.3400   78.9%\n");
+            "5000       Costs         30.00   20.00       10.00  150.0%\n"
+            "5000.01      Rent        30.00    0.00       30.00\n"
+            "         Total expense   30.00   20.00       10.00  150.0%\n"
+            "         Result          50.00   63.34      -13.34   78.9%\n");
   const auto rows = nlohmann::json::parse(Run({"income", "--budget", "--json"}).out);
   EXPECT_EQ(rows[0]["FBudget"], "1000.0000");
   EXPECT_EQ(rows[0]["FDifference"], "-920.0000");

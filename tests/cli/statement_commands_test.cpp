@@ -37,29 +37,29 @@ TEST_P(StatementCommands, TheIncomeStatementHasItsSectionsAndTheYearBefore) {
   Keep();
   const RunResult result = Run({"income", "--year", "2024", "--compare", "--percent"});
   EXPECT_EQ(result.err, "");
-  EXPECT_EQ(result.out, "Account  Name              2024       %     2023       %   Change\n"
+  EXPECT_EQ(result.out, "Account  Name            2024       %   2023       %  Change\n"
                         "         Income\n"
-                        "4000       Sales        80.0000  100.0%  40.0000  100.0%  40.0000\n"
-                        "         Total income   80.0000  100.0%  40.0000  100.0%  40.0000\n"
+                        "4000       Sales        80.00  100.0%  40.00  100.0%   40.00\n"
+                        "         Total income   80.00  100.0%  40.00  100.0%   40.00\n"
                         "         Expense\n"
-                        "5000       Costs        30.0000   37.5%   0.0000    0.0%  30.0000\n"
-                        "5000.01      Rent       30.0000   37.5%   0.0000    0.0%  30.0000\n"
-                        "         Total expense  30.0000   37.5%   0.0000    0.0%  30.0000\n"
-                        "         Result         50.0000   62.5%  40.0000  100.0%  10.0000\n");
+                        "5000       Costs        30.00   37.5%   0.00    0.0%   30.00\n"
+                        "5000.01      Rent       30.00   37.5%   0.00    0.0%   30.00\n"
+                        "         Total expense  30.00   37.5%   0.00    0.0%   30.00\n"
+                        "         Result         50.00   62.5%  40.00  100.0%   10.00\n");
 }
 
 TEST_P(StatementCommands, QuartersStandBesideTheYearAndDepthLeavesOutWhatIsBelow) {
   Keep();
   const RunResult result = Run({"income", "--year", "2024", "--quarterly", "--depth", "1"});
   EXPECT_EQ(result.out,
-            "Account  Name           2024/1-3  2024/4-6  2024/7-9  2024/10-12     2024\n"
+            "Account  Name           2024/1-3  2024/4-6  2024/7-9  2024/10-12   2024\n"
             "         Income\n"
-            "4000       Sales         80.0000    0.0000    0.0000      0.0000  80.0000\n"
-            "         Total income    80.0000    0.0000    0.0000      0.0000  80.0000\n"
+            "4000       Sales           80.00      0.00      0.00        0.00  80.00\n"
+            "         Total income      80.00      0.00      0.00        0.00  80.00\n"
             "         Expense\n"
-            "5000       Costs          0.0000   30.0000    0.0000      0.0000  30.0000\n"
-            "         Total expense    0.0000   30.0000    0.0000      0.0000  30.0000\n"
-            "         Result          80.0000  -30.0000    0.0000      0.0000  50.0000\n");
+            "5000       Costs            0.00     30.00      0.00        0.00  30.00\n"
+            "         Total expense      0.00     30.00      0.00        0.00  30.00\n"
+            "         Result            80.00    -30.00      0.00        0.00  50.00\n");
   const auto rows = nlohmann::json::parse(
       Run({"income", "--year", "2024", "--monthly", "--from", "2", "--to", "5", "--json"}).out);
   ASSERT_EQ(rows.size(), 6u * 4u) << "a row for each account or sum and each month, no total";
@@ -71,22 +71,22 @@ TEST_P(StatementCommands, TheBalanceSheetAgreesAndShowsOwnLinesUnderTheirAccount
   Keep();
   const RunResult result = Run({"position", "--date", "2024-06-30", "--compare"});
   EXPECT_EQ(result.err, "");
-  EXPECT_EQ(result.out, "Account  Name                        2024-06-30  2023-06-30   Change\n"
+  EXPECT_EQ(result.out, "Account  Name                        2024-06-30  2023-06-30  Change\n"
                         "         Assets\n"
-                        "1000       Cash                        202.0000    140.0000  62.0000\n"
-                        "         Total assets                  202.0000    140.0000  62.0000\n"
+                        "1000       Cash                          202.00      140.00   62.00\n"
+                        "         Total assets                    202.00      140.00   62.00\n"
                         "         Liabilities\n"
-                        "2000       Loans                        12.0000      0.0000  12.0000\n"
-                        "2000.01      Bank loan                   5.0000      0.0000   5.0000\n"
-                        "2000         Loans (own lines)           7.0000      0.0000   7.0000\n"
-                        "         Total liabilities              12.0000      0.0000  12.0000\n"
+                        "2000       Loans                          12.00        0.00   12.00\n"
+                        "2000.01      Bank loan                     5.00        0.00    5.00\n"
+                        "2000         Loans (own lines)             7.00        0.00    7.00\n"
+                        "         Total liabilities                12.00        0.00   12.00\n"
                         "         Equity\n"
-                        "3000       Capital                     100.0000    100.0000   0.0000\n"
-                        "           Results of earlier years     40.0000      0.0000  40.0000\n"
-                        "           Result of the year           50.0000     40.0000  10.0000\n"
-                        "         Total equity                  190.0000    140.0000  50.0000\n"
-                        "         Liabilities and equity        202.0000    140.0000  62.0000\n"
-                        "         Difference                      0.0000      0.0000   0.0000\n"
+                        "3000       Capital                       100.00      100.00    0.00\n"
+                        "           Results of earlier years       40.00        0.00   40.00\n"
+                        "           Result of the year             50.00       40.00   10.00\n"
+                        "         Total equity                    190.00      140.00   50.00\n"
+                        "         Liabilities and equity          202.00      140.00   62.00\n"
+                        "         Difference                        0.00        0.00    0.00\n"
                         "Assets are equal to liabilities and equity.\n");
 }
 
@@ -102,9 +102,9 @@ TEST_P(StatementCommands, AccountsWithoutAKindAreToldWithWhatToDo) {
   const std::string position = Run({"position", "--year", "2024"}).out;
   EXPECT_EQ(position.substr(position.find("         Accounts without")),
             "         Accounts without a kind\n"
-            "5000       Costs                        30.0000\n"
-            "5000.01      Rent                       30.0000\n"
-            "         Difference                    -30.0000\n"
+            "5000       Costs                          30.00\n"
+            "5000.01      Rent                         30.00\n"
+            "         Difference                      -30.00\n"
             "2024-12-31: assets differ from liabilities and equity by -30.0000, as accounts "
             "without a kind have balances.\n" +
                 told);

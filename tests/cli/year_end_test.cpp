@@ -31,10 +31,10 @@ class YearEndCommand : public CliTest {
   }
 };
 
-constexpr const char* kLines = "Account  Name      Items  Currency  Amount    Debit   Credit\n"
-                               "4000     Sales                              80.0000\n"
-                               "5000     Costs                                       30.0000\n"
-                               "3000     Earnings                                    50.0000\n";
+constexpr const char* kLines = "Account  Name      Items  Currency  Amount  Debit  Credit\n"
+                               "4000     Sales                              80.00\n"
+                               "5000     Costs                                      30.00\n"
+                               "3000     Earnings                                   50.00\n";
 
 TEST_P(YearEndCommand, TheResultIsShownCarriedAndTakenBack) {
   Keep();
