@@ -1,7 +1,9 @@
 // The books as a whole: making and upgrading them, their periods, their health.
+#include <optional>
 #include <utility>
 
 #include "qdclgl/cli/program.h"
+#include "qdclgl/cli/year_end.h"
 #include "qdclgl/frame/containers/recordset.h"
 #include "qdclgl/frame/objects/late_bound.h"
 #include "qdclgl/frame/platform/platform.h"
@@ -118,13 +120,24 @@ void AnnounceClosing(const std::string& props, const Console& console) {
 
 struct CloseOptions {
   Login login;
-  bool yes = false;
+  std::optional<std::string> year;  // "" for the current one
+  YearEnd year_end;
+  bool undo = false;
 };
 
-int Close(const CloseOptions& options, const Console& console) {
+// What `close --year` does.
+int CloseYear(CloseOptions& options, const Console& console) {
+  if (!options.year->empty()) options.year_end.year = WholeOption("--year", *options.year);
+  const std::string props = options.login.Open();
+  return options.undo ? TakeResultBack(options.year_end, props, console)
+                      : CarryResult(options.year_end, props, console);
+}
+
+int Close(CloseOptions& options, const Console& console) {
+  if (options.year) return CloseYear(options, console);
   const std::string props = options.login.Open();
   AnnounceClosing(props, console);
-  if (!options.yes && !IsAgreed(console, "Close it?")) {
+  if (!options.year_end.yes && !IsAgreed(console, "Close it?")) {
     console.out << "Nothing is closed.\n";
     return kRefused;
   }
@@ -135,10 +148,32 @@ int Close(const CloseOptions& options, const Console& console) {
 
 void AddClose(Program& program) {
   const auto options = std::make_shared<CloseOptions>();
-  CLI::App* command =
-      program.AddForBooks("close", "Closes the current period", options->login,
-                          [options, &program] { return Close(*options, program.console()); });
-  command->add_flag("--yes", options->yes, "Closes without a question");
+  YearEnd& year_end = options->year_end;
+  CLI::App* command = program.AddForBooks(
+      "close", "Closes the current period, or carries a year's result to the equity",
+      options->login, [options, &program] { return Close(*options, program.console()); });
+  command->add_flag("--yes", year_end.yes, "Closes without a question");
+  auto* year = command
+                   ->add_option_function<std::string>(
+                       "--year", [options](const std::string& text) { options->year = text; },
+                       "Carries the result of this year [the books' current one]")
+                   ->type_name("NUMBER")
+                   ->expected(0, 1);
+  // What follows --year may be BOOK instead.
+  command->parse_complete_callback([options] {
+    if (!options->year || IsID(*options->year)) return;
+    options->login.book = std::exchange(*options->year, "");
+  });
+  auto* to = command
+                 ->add_option("--to", year_end.account,
+                              "The account of equity that it is carried to [the one of last time]")
+                 ->type_name("ACCOUNT")
+                 ->needs(year);
+  command->add_flag("--dry-run", year_end.dry_run, "Shows the vouchers and makes none")
+      ->needs(year);
+  command->add_flag("--undo", options->undo, "Takes the vouchers of that year back")
+      ->needs(year)
+      ->excludes(to);
 }
 
 struct ReopenOptions {

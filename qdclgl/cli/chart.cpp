@@ -14,6 +14,8 @@
 #include "qdclgl/frame/vocabulary/strings.h"
 #include "qdclgl/frame/vocabulary/text.h"
 #include "qdclgl/masterdata/sett_type.h"
+#include "qdclgl/server/records/account_kind.h"
+#include "qdclgl/server/records/master_data.h"
 #include "qdclgl/vouchers/voucher_group.h"
 
 namespace qdclgl::cli {
@@ -69,6 +71,13 @@ Long ReadSide(std::string_view text) {
   throw BadCell(Quoted(text) + " is no side; 1 is debit, -1 credit, 0 either");
 }
 
+std::string ReadKind(const std::string& text) {
+  const std::string word = FoldAsciiCase(text);
+  if (std::ranges::count(server::account_kind::kAll, word) != 0) return word;
+  throw BadCell(Quoted(text) + " is no kind of account; they are " +
+                server::WordsText(server::account_kind::kAll));
+}
+
 // BadCell for the first thing that is wrong, told with its place by `at`.
 ChartRow ReadRow(const Sheet& sheet, const CsvRow& row, Position& at) {
   const auto cell = [&](std::size_t column) -> const CsvCell& {
@@ -97,7 +106,9 @@ ChartRow ReadRow(const Sheet& sheet, const CsvRow& row, Position& at) {
     const std::string& text = cell(kFirstFurther + i).text;
     if (text.empty()) continue;
     const WrittenColumn& column = FurtherChartColumns()[i];
-    result.further.emplace_back(column.name, ReadTyped(column.type, text));
+    result.further.emplace_back(column.name, column.name == kKindKey
+                                                 ? Variant(ReadKind(text))
+                                                 : ReadTyped(column.type, text));
   }
   return result;
 }

@@ -35,11 +35,15 @@ const std::vector<WrittenColumn>& FurtherChartColumns() {
   return kFurther;
 }
 
+std::string_view ChartHeadingOf(const WrittenColumn& further) {
+  return further.name == kKindKey ? "kind" : further.name;
+}
+
 const std::vector<SheetColumn>& ChartColumns() {
   static const std::vector<SheetColumn> kAll = [] {
     std::vector<SheetColumn> columns(kColumns.begin(), kColumns.end());
     for (const WrittenColumn& further : FurtherChartColumns())
-      columns.push_back({.heading = further.name, .is_rare = true});
+      columns.push_back({.heading = ChartHeadingOf(further), .is_rare = true});
     return columns;
   }();
   return kAll;

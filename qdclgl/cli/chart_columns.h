@@ -27,6 +27,10 @@ enum Place : std::size_t {
 // it: they are others in other books.
 const std::vector<WrittenColumn>& FurtherChartColumns();
 
+inline constexpr std::string_view kKindKey = "FKind";
+// What a file calls such a column: its key, but for the kind, which people write by hand.
+std::string_view ChartHeadingOf(const WrittenColumn& further);
+
 // All columns, those of FurtherChartColumns behind the others.
 const std::vector<SheetColumn>& ChartColumns();
 

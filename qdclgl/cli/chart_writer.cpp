@@ -72,7 +72,7 @@ long WriteChart(const std::vector<Ref<Dictionary>>& accounts, std::ostream& out)
   for (std::size_t i = 0; i < chart_column::kFirstFurther; ++i) {
     headings.emplace_back(ChartColumns()[i].heading);
   }
-  for (const WrittenColumn& column : further) headings.emplace_back(column.name);
+  for (const WrittenColumn& column : further) headings.emplace_back(ChartHeadingOf(column));
   const Console console{out, out};
   TableWriter table(console, Format::kCsv, std::move(headings));
   const std::vector<NamedItemClass> classes = ItemClassesOfBooks();

@@ -98,6 +98,8 @@ Program::Program(const Console& console)
   AddFindCommand(*this);
   AddOpenCommand(*this);
   AddCashFlowCommand(*this);
+  AddResultCommands(*this);
+  AddBudgetCommand(*this);
   AddReportCommand(*this);
   AddUserCommand(*this);
   AddApiCommand(*this);

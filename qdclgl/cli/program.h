@@ -118,6 +118,8 @@ void AddStatementCommand(Program& program);  // statement
 void AddFindCommand(Program& program);       // find
 void AddOpenCommand(Program& program);       // open
 void AddCashFlowCommand(Program& program);   // cashflow
+void AddResultCommands(Program& program);    // income, position
+void AddBudgetCommand(Program& program);     // budget
 void AddReportCommand(Program& program);     // report
 void AddUserCommand(Program& program);       // user
 void AddApiCommand(Program& program);        // api

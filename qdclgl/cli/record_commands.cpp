@@ -180,7 +180,8 @@ void WriteColumns(const MasterData& kind, TableWriter table) {
     const bool is_written = std::ranges::find(written, name, &WrittenColumn::name) != written.end();
     table.Row({Variant(name), Variant(value), Variant(is_written ? "add, set" : "")});
   };
-  for (const server::Column& column : kind.CallersColumns()) row(column.name, WordFor(column.type));
+  for (const server::Column& column : kind.CallersColumns())
+    row(column.name, ValueOf(kind, column));
   for (const server::RecordList& list : kind.description().lists) row(list.key, "rows");
   table.Finish();
 }

@@ -75,6 +75,15 @@ std::string_view WordFor(ColumnType type) {
   return "";
 }
 
+std::string ValueOf(const MasterData& kind, const Column& column) {
+  for (const server::RecordColumn& described : kind.description().columns) {
+    if (described.column.name == column.name && !described.words.empty()) {
+      return server::WordsText(described.words);
+    }
+  }
+  return std::string(WordFor(column.type));
+}
+
 bool IsFilled(const Dictionary& row, const Column& column) {
   const auto text = [&](const Variant& value) {
     return CellText(server::Normalized(column, value));

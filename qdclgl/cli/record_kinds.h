@@ -23,6 +23,8 @@ const server::MasterData& KindNamed(std::string_view name);
 
 // What a value of a column is in words, "whole number".
 std::string_view WordFor(server::ColumnType type);
+// The same for a column of a kind, or the words that it takes.
+std::string ValueOf(const server::MasterData& kind, const server::Column& column);
 // The value of a column as a text tells it. BadCell.
 Variant ReadTyped(server::ColumnType type, const std::string& text);
 

@@ -133,6 +133,51 @@ class Household : public CliTest {
       }
     }
   }
+
+  // The amounts of a balance list by account, credits positive where that is how the kind is read.
+  std::map<std::string, std::string> SumsOf(const std::vector<std::string>& command,
+                                            const std::string& numbers, bool ends) const {
+    std::map<std::string, std::string> sums;
+    for (const nlohmann::json& row : nlohmann::json::parse(Run(command).out)) {
+      const std::string number = row["FAccountNumber"];
+      if (row["FCurrencyID"] != 0 || numbers.find(number[0]) == numbers.npos) continue;
+      const auto amount = [&](const char* key) { return ReadAmount(row[key].get<std::string>()); };
+      const Currency debit = ends ? amount("FEndBalance") : amount("FDebit") - amount("FCredit");
+      const bool is_debit = number[0] == '1' || number[0] == '5';
+      if (debit != Currency()) sums[number] = AmountText(is_debit ? debit : -debit);
+    }
+    return sums;
+  }
+  std::map<std::string, std::string> AccountsOf(const std::vector<std::string>& command) const {
+    std::map<std::string, std::string> accounts;
+    for (const nlohmann::json& row : nlohmann::json::parse(Run(command).out)) {
+      if (row["FRow"] == "Account") accounts[row["FAccountNumber"]] = row["FAmount"];
+      if (row["FRow"] == "Difference") EXPECT_EQ(row["FAmount"], "0.0000");
+    }
+    return accounts;
+  }
+  // Year by year, of each account at whatever level.
+  void ExpectResultsAgreeWithTheBalances() const {
+    std::size_t accounts = 0;
+    for (const auto& [number, kind] : std::map<std::string, std::string>{{"1000", "asset"},
+                                                                         {"2000", "liability"},
+                                                                         {"3000", "equity"},
+                                                                         {"4000", "income"},
+                                                                         {"5000", "expense"}}) {
+      ASSERT_EQ(Run({"set", "accounts", number, "FKind=" + kind}).err, "");
+    }
+    for (const std::string year : {"2021", "2022", "2023"}) {
+      SCOPED_TRACE(year);
+      const auto of_year = [&](const char* command) {
+        return std::vector<std::string>{command, "--year", year, "--json"};
+      };
+      const auto income = AccountsOf(of_year("income")), position = AccountsOf(of_year("position"));
+      EXPECT_EQ(income, SumsOf(of_year("balance"), "45", false));
+      EXPECT_EQ(position, SumsOf(of_year("balance"), "123", true));
+      accounts += income.size() + position.size();
+    }
+    EXPECT_GT(accounts, 200u);
+  }
 };
 
 TEST_P(Household, TheImportReproducesTheBalances) {
@@ -155,6 +200,7 @@ TEST_P(Household, TheImportReproducesTheBalances) {
   ExpectLedgersAgreeWithTheBalances();
   ExpectStatementsAgreeWithTheBalances();
   ExpectCashFlowsAddUp();
+  ExpectResultsAgreeWithTheBalances();
 }
 
 QDCLGL_CLI_TEST(Household);

@@ -416,6 +416,22 @@ TEST_P(Import, AccountsThatCanNotBeAreReportedAndTheOthersStored) {
             2u);
 }
 
+TEST_P(Import, AnAccountIsOfTheKindThatTheChartTells) {
+  Init();
+  const std::string chart = folder.Write("chart.csv", "number,name,dc,kind\n3000,Sales,-1,Income\n"
+                                                      "3000.01,At home,-1,\n4000,Rent,1,cost\n");
+  const RunResult result = Run({"import", "--accounts", chart});
+  EXPECT_EQ(result.code, 3);
+  EXPECT_EQ(result.out, "accounts: 2 stored, 0 there already, 1 left out\n");
+  EXPECT_EQ(result.err, chart + ":4:13: \"cost\" is no kind of account; they are asset, liability, "
+                                "equity, income or expense\n");
+  const std::string accounts = Run({"accounts", "--json", "--filter", "FKind <> ''"}).out;
+  const auto rows = nlohmann::json::parse(accounts);
+  ASSERT_EQ(rows.size(), 1u);
+  EXPECT_EQ(rows[0]["FNumber"], "3000");
+  EXPECT_EQ(rows[0]["FKind"], "income");
+}
+
 TEST_P(Import, NothingToImportIsWrongUsage) {
   Init();
   EXPECT_EQ(Run({"import"}).code, 2);

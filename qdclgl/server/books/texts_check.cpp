@@ -28,12 +28,28 @@ void CheckTable(Database& db, const StoredTable& table, Findings& findings) {
                        std::string(table.name) + " WHERE " + too_long + " ORDER BY 1");
 }
 
+// The records with a text that is none of its column's words.
+void CheckWords(Database& db, const MasterData& kind, Findings& findings) {
+  const MasterData::Description& description = kind.description();
+  for (const RecordColumn& column : description.columns) {
+    if (column.words.empty()) continue;
+    const std::string name(column.column.name), id(description.id);
+    std::string words = "''";
+    for (const std::string_view word : column.words) words += ", '" + std::string(word) + "'";
+    findings.AddRows(db, "Word", kind.subject(), name + " is not " + WordsText(column.words) + ".",
+                     "SELECT " + id + ", " + std::string(description.key.column) + " FROM " +
+                         std::string(description.table) + " WHERE " + name + " NOT IN (" + words +
+                         ") ORDER BY 1");
+  }
+}
+
 }  // namespace
 
 void CheckTexts(Database& db, Findings& findings) {
   for (const StoredTable& table : VoucherTables()) CheckTable(db, table, findings);
   for (const MasterData* kind : MasterDataKinds()) {
     for (const StoredTable& table : kind->Tables()) CheckTable(db, table, findings);
+    CheckWords(db, *kind, findings);
   }
 }
 

@@ -7,6 +7,7 @@
 #include "qdclgl/frame/vocabulary/text.h"
 #include "qdclgl/server/db/list.h"
 #include "qdclgl/server/db/refusals.h"
+#include "qdclgl/server/records/account_kind.h"
 #include "qdclgl/server/records/currency.h"
 #include "qdclgl/server/records/record_save.h"
 #include "qdclgl/server/records/record_tree.h"
@@ -414,7 +415,8 @@ const MasterData& Accounts() {
            {{"FMessage", kText}},
            {{"FViewMsg", kBoolean}},
            {{"FDelete", kBoolean}},
-           {{"UUID", kText}}},
+           {{"UUID", kText}},
+           {.column = {"FKind", kText}, .words = account_kind::kAll}},
       .query = "SELECT a.*, c.FNumber AS FCurrencyNumber, c.FName AS FCurrencyName"
                " FROM t_Account a JOIN t_Currency c ON c.FCurrencyID = a.FCurrencyID",
       .order = "FNumber",

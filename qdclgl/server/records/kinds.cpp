@@ -23,6 +23,7 @@ const MasterData& SubMessageTypes();
 const MasterData& UnitGroups();
 const MasterData& Users();
 const MasterData& VoucherGroups();
+const MasterData& Budgets();
 const MasterData& VoucherTemps();
 
 std::span<const MasterData* const> MasterDataKinds() {
@@ -43,6 +44,7 @@ std::span<const MasterData* const> MasterDataKinds() {
       &UnitGroups(),
       &Users(),
       &VoucherGroups(),
+      &Budgets(),
       &VoucherTemps(),
   };
   return kKinds;

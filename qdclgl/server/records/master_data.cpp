@@ -103,6 +103,15 @@ MasterData::MasterData(Description description)
   for (const auto& [method, help] : description_.helps) require_method(method);
 }
 
+std::string WordsText(std::span<const std::string_view> words) {
+  std::string text;
+  for (std::size_t i = 0; i < words.size(); ++i) {
+    if (i > 0) text += i + 1 == words.size() ? " or " : ", ";
+    text += words[i];
+  }
+  return text;
+}
+
 std::string_view MasterData::subject() const { return ClassIn(description_.component); }
 
 std::vector<std::string_view> MasterData::NestedLists() const {

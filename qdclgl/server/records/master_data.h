@@ -14,6 +14,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -131,7 +132,12 @@ struct RecordColumn {
   std::string (*shown)(const Variant&) = nullptr;  // as the trail tells a value, if otherwise
   Referred refers = {};
   std::optional<ColumnType> sent = {};  // in callers' rows, if otherwise
+  // What a text may be besides "", case ignored; any where there are none.
+  std::span<const std::string_view> words = {};
 };
+
+// "asset, liability, equity, income or expense"
+std::string WordsText(std::span<const std::string_view> words);
 
 // A list of rows that belongs to a record.
 struct RecordList {

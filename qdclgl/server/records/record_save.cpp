@@ -84,6 +84,7 @@ RecordSave::RecordSave(const Caller& caller, const MasterData& kind, const Ref<D
 
 void RecordSave::Run() {
   kind_.description().check(*this);
+  SettleWords();
   RequireReferences();
   Write();
   if (kind_.description().follow != nullptr) kind_.description().follow(*this);
@@ -128,6 +129,21 @@ std::vector<Ref<Dictionary>> RecordSave::SentRows(std::string_view key,
     rows.emplace_back(row);
   }
   return rows;
+}
+
+void RecordSave::SettleWords() {
+  for (const RecordColumn& column : kind_.description().columns) {
+    if (column.words.empty()) continue;
+    const std::string text = Text(column.column.name);
+    const auto word = std::ranges::find_if(
+        column.words, [&](std::string_view one) { return EqualsIgnoringAsciiCase(one, text); });
+    if (word != column.words.end()) {
+      record_->Put(column.column.name, *word);
+    } else if (!text.empty()) {
+      Refuse(refusal::kBadValue, std::string(column.column.name) + " is " +
+                                     WordsText(column.words) + ", not \"" + text + "\".");
+    }
+  }
 }
 
 void RecordSave::RequireText(std::string_view column) const {

@@ -59,7 +59,10 @@ class RecordSave {
   RecordSave(const Caller& caller, const MasterData& kind, Long id, const Ref<Dictionary>& sent,
              Stored);
 
-  // The same for what belongs to the record elsewhere, behind all that follows from the save.
+  // Puts texts that are one of a column's words into the case that these have; BadValue for others.
+  void SettleWords();
+  // The same as RequireReferences for what belongs to the record elsewhere, behind all that follows
+  // from the save.
   void RequireListReferences() const;
   // Inserts or overwrites the record.
   void Write();

@@ -243,6 +243,11 @@ TEST_P(BooksCheckTest, TextsAreNotTooLong) {
             "TextLength Database 3 t_Account\n");
 }
 
+TEST_P(BooksCheckTest, AKindOfAnAccountIsOneOfItsWords) {
+  EXPECT_EQ(AfterBreaking("UPDATE t_Account SET FKind = 'cash' WHERE FAccountID = 3"),
+            "Word Account 3 3000\n");
+}
+
 TEST_P(BooksCheckTest, NothingElseIsInTheBalances) {
   EXPECT_EQ(AfterBreaking("INSERT INTO t_Balance (FAccountID, FCurrencyID, FYear, FPeriod, FDebit,"
                           " FCredit, FDebitFor, FCreditFor, FDebitQty, FCreditQty)"

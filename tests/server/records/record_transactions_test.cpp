@@ -178,7 +178,7 @@ using Json = nlohmann::ordered_json;
 Json OnTrail(const Variant& value) {
   if (value.Is(VariantType::kBoolean)) return CBool(value);
   if (value.Is(VariantType::kDate)) return DateText(CDate(value));
-  if (value.IsString()) return CStr(value);
+  if (value.IsString() || value.Is(VariantType::kCurrency)) return CStr(value);
   if (value.Is(VariantType::kDouble) || value.Is(VariantType::kSingle)) {
     return Json::parse(CStr(value));
   }

@@ -1,0 +1,24 @@
+// A statement of a year as people read it: its sections and sums, its columns beside each other.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "qdclgl/cli/console.h"
+#include "qdclgl/frame/containers/recordset.h"
+
+namespace qdclgl::cli {
+
+struct StatementLayout {
+  std::vector<std::string> columns = {};  // headings, one for each span of periods
+  std::string nothing = {};               // the sentence for a statement without any account
+  bool has_change = false;                // by how much the first column differs from the second
+  bool has_percent = false;
+  bool has_budget = false;  // with the difference, and the amount in percent of it
+  Long depth = 0;           // of the tree of accounts that is shown; 0: all of it
+};
+
+// Prints a statement of QDSVGLReport.ReportInfo, and behind it which accounts have no kind.
+void WriteStatement(const Console& console, Recordset& rows, const StatementLayout& layout);
+
+}  // namespace qdclgl::cli

@@ -1,0 +1,12 @@
+-- Budgets
+CREATE TABLE t_Budget (
+  FBudgetID IDENTITY,
+  FVersion INTEGER NOT NULL,
+  FNumber TEXT NOT NULL UNIQUE,
+  FName TEXT NOT NULL,
+  FAccountID INTEGER NOT NULL REFERENCES t_Account (FAccountID),
+  FYear INTEGER NOT NULL,
+  FPeriod INTEGER NOT NULL,
+  FAmount INTEGER NOT NULL
+);
+CREATE INDEX t_Budget_Account ON t_Budget (FAccountID);

@@ -1,0 +1,12 @@
+// By what a voucher's FInternalInd tells that the server has proposed it.
+#pragma once
+
+#include <string_view>
+
+namespace qdclgl::server {
+
+// It carries a year's result. An index of the same condition finds such vouchers.
+inline constexpr std::string_view kCarriesResult = "TransferPL";
+inline constexpr std::string_view kWhereCarriesResult = "FInternalInd = 'TransferPL'";
+
+}  // namespace qdclgl::server
