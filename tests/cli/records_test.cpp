@@ -37,7 +37,7 @@ struct Sample {
 const std::vector<Sample>& Samples() {
   static const std::vector<Sample> kSamples = {
       {"accounts", "7000", {"FName=Cash", "FDC=1"}, "7001", "FHelperCode=C"},
-      {"budgets", "RENT", {"FAccountID=1", "FYear=2024"}, "WAGES", "FAmount=12"},
+      {"budgets", "RENT", {"FAccountID=1", "FYear=2024"}, "WAGES", "FAmount=12.0000"},
       {"check-types", "CHQ", {"FName=Cheques"}, "BILLS", "FName=Bills"},
       {"currencies", "USD", {"FName=Dollar", "FExchangeRate=0.9"}, "USN", "FFixRate=1"},
       {"groups", "Receipts", {}, "Payments", "FDRange=1001"},

@@ -99,7 +99,7 @@ TEST_F(WrongCommands, MisspeltOnesAreToldWithTheNearest) {
        "qdclgl: post has no option --date; see qdclgl help post\n"},
       {{"close", "BOOK", "--yes", "--to", "2024/1"},
        2,
-       "qdclgl: close has no option --to; see qdclgl help close\n"},
+       "qdclgl: --to requires --year; see qdclgl help close\n"},
       {{"api", "Vuocher"},
        2,
        "qdclgl: there is no class \"Vuocher\"; did you mean Voucher? See qdclgl help api\n"},
