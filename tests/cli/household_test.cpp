@@ -152,7 +152,9 @@ class Household : public CliTest {
     std::map<std::string, std::string> accounts;
     for (const nlohmann::json& row : nlohmann::json::parse(Run(command).out)) {
       if (row["FRow"] == "Account") accounts[row["FAccountNumber"]] = row["FAmount"];
-      if (row["FRow"] == "Difference") EXPECT_EQ(row["FAmount"], "0.0000");
+      if (row["FRow"] == "Difference") {
+        EXPECT_EQ(row["FAmount"], "0.0000");
+      }
     }
     return accounts;
   }

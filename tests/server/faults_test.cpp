@@ -18,7 +18,7 @@ class Faults : public LedgerTest {
  protected:
   // Vouchers 1 and 2 are of the current period, January, and posted. Of those in February 3 is new,
   // 4 is checked, and 5 is posted. `prepare` adds what else is there.
-  explicit Faults(const std::function<void(const std::string& props)>& prepare = nullptr) {
+  explicit Faults(const std::function<void(const std::string&)>& prepare = nullptr) {
     const auto sale = [&](const char* date) { return Save(Sale(10, date)); };
     for (const Long id : {sale("2024-01-10"), sale("2024-01-20")}) Step("Post", id);
     for (int i = 0; i < 3; ++i) sale("2024-02-01");
@@ -143,10 +143,10 @@ TEST_P(Faults, SavesOfMasterDataAreWholeOrRefused) {
 class ItemFaults : public Faults {
  protected:
   ItemFaults()
-      : Faults([](const std::string& props) {
-          MakeReceivables(props);
-          MakeProjects(props);
-          MakeWeights(props);
+      : Faults([](const std::string& administrator) {
+          MakeReceivables(administrator);
+          MakeProjects(administrator);
+          MakeWeights(administrator);
         }) {}
 };
 QDCLGL_BOOKS_TEST(ItemFaults);

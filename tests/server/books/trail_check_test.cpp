@@ -61,6 +61,7 @@ class TrailCheckTest : public LedgerTest {
                Row({{"FTypeID", Long{1}}, {"FNumber", "R"}, {"FName", "Red"}}));
     MakeRecord("Items.ItemUpdate",
                Row({{"FItemClassID", Long{1}}, {"FNumber", "SALES"}, {"FName", "Sales"}}));
+    MakeRecord("Budget.BudgetUpdate", Row({{"FNumber", "RENT"}, {"FAccountID", Long{1}}}));
     MakeRecord("Note.NoteUpdate", Row({{"FName", "Receipt"}, {"FData", "form"}}));
     const Ref<Dictionary> line = Line("1000", 0, 8);
     line->Put("_Details", ListOf({Row({{"FItemClassID", Long{4}}, {"FValue", "Shop"}})}));
