@@ -6,16 +6,13 @@
 #include "qdclgl/server/db/refusals.h"
 #include "qdclgl/server/ledgers/accounts_below.h"
 #include "qdclgl/server/records/currency.h"
+#include "qdclgl/server/vouchers/line_size.h"
 
 namespace qdclgl::server {
 
 namespace {
 
-void AddUnits(Units& sum, Units more) {
-  if (__builtin_add_overflow(sum, more, &sum)) {
-    Refuse(refusal::kTooLarge, "The lines that are not posted are too large to add up.");
-  }
-}
+void AddUnits(Units& sum, Units more) { AddChecked(sum, more, "lines that are not posted"); }
 
 // That the account of a row asks for items of the class, where one is meant.
 std::string AsksFor(const AccountLines& which, std::string_view row) {

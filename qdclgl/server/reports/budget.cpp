@@ -5,12 +5,24 @@
 #include "qdclgl/server/periods/settings.h"
 #include "qdclgl/server/records/account_kind.h"
 #include "qdclgl/server/records/record_save.h"
+#include "qdclgl/server/vouchers/line_size.h"
 
 namespace qdclgl::server {
 
 const MasterData& Accounts();
 
 namespace {
+
+// All budgets together add up, so that those of whatever accounts and periods of a year do.
+void RequireSum(RecordSave& save) {
+  constexpr Units kMost = INT64_MAX / 2;
+  const Units amount = save.record().Value("FAmount").As<Currency>().units();
+  const auto others = save.db().QueryValue<Units>(
+      "SELECT COALESCE(SUM(ABS(FAmount)), 0) FROM t_Budget WHERE FBudgetID <> ?", save.id());
+  if (amount > kMost || amount < -kMost || (amount < 0 ? -amount : amount) > kMost - *others) {
+    save.Refuse(refusal::kTooLarge, "with it, all budgets would be too large to add up.");
+  }
+}
 
 void Check(RecordSave& save) {
   CheckKey(save);
@@ -21,6 +33,7 @@ void Check(RecordSave& save) {
                 "FYear is 0 (each year) or a year, FPeriod 0 (all periods) to " +
                     std::to_string(calendar.period_count()) + ".");
   }
+  RequireSum(save);
 }
 
 // Ten-thousandths in a unit of the base currency's last decimal.
@@ -63,7 +76,7 @@ void AddBudgets(Database& db, const KindChart& chart, const Calendar& calendar,
     for (std::size_t i = 0; i < spans.size(); ++i) {
       Units units = 0;
       for (AccountingPeriod at = spans[i].first; at <= spans[i].last; at = calendar.After(at)) {
-        units += budget.In(at, calendar.period_count(), unit);
+        AddChecked(units, budget.In(at, calendar.period_count(), unit), "budgets");
       }
       if (units != 0) sums.Add(place, first + i, is_credit ? -units : units);
     }
@@ -94,7 +107,7 @@ const MasterData& Budgets() {
                " FROM t_Budget b JOIN t_Account a ON a.FAccountID = b.FAccountID",
       .order = "FNumber",
       .check = Check,
-      .errors = "Required, NumberTaken, BadReference, BadValue",
+      .errors = "Required, NumberTaken, BadReference, BadValue, TooLarge",
   });
   return kKind;
 }

@@ -3,10 +3,14 @@
 #include <algorithm>
 
 #include "qdclgl/server/records/account_kind.h"
+#include "qdclgl/server/vouchers/line_size.h"
 
 namespace qdclgl::server {
 
 namespace {
+
+// Those of budgets: what is posted always adds up.
+constexpr std::string_view kAmounts = "amounts of these periods";
 
 // So that "1000.01" follows "1000" before "1000-A" does.
 std::string TreeOrder(std::string number) {
@@ -48,11 +52,11 @@ std::size_t KindChart::PlaceOf(Long id) const {
 
 void KindSums::Add(std::size_t account, std::size_t column, Units units) {
   Kind& kind = Of(chart_.accounts()[account].kind);
-  kind.total[column] += units;
+  AddChecked(kind.total[column], units, kAmounts);
   for (; account != KindChart::kNone; account = chart_.accounts()[account].above) {
     const auto [place, is_new] = kind.accounts.try_emplace(account);
     if (is_new) place->second.resize(columns_);
-    place->second[column] += units;
+    AddChecked(place->second[column], units, kAmounts);
   }
 }
 

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "qdclgl/server/db/refusals.h"
+
 namespace qdclgl::server {
 
 namespace {
@@ -37,6 +39,12 @@ bool AddLine(std::int64_t& total, std::int64_t amount, std::int64_t amount_for, 
   if (size > INT64_MAX - total) return false;
   total += size;
   return true;
+}
+
+void AddChecked(std::int64_t& sum, std::int64_t more, std::string_view nouns) {
+  if (__builtin_add_overflow(sum, more, &sum)) {
+    Refuse(refusal::kTooLarge, "The " + std::string(nouns) + " are too large to add up.");
+  }
 }
 
 }  // namespace qdclgl::server

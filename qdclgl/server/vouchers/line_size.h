@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "qdclgl/server/db/database.h"
 
@@ -35,5 +36,8 @@ bool IsQuantityInRange(double quantity);
 // balance, over whatever accounts, currencies and periods, has a number. False, and nothing is
 // added, for values out of range and where the total would not fit.
 bool AddLine(std::int64_t& total, std::int64_t amount, std::int64_t amount_for, double quantity);
+
+// Adds to a sum. TooLarge where that does not fit: "The budgets are too large to add up."
+void AddChecked(std::int64_t& sum, std::int64_t more, std::string_view nouns);
 
 }  // namespace qdclgl::server

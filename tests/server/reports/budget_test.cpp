@@ -117,6 +117,17 @@ TEST_P(BudgetTest, PeriodsAreThoseOfTheCalendar) {
   }
 }
 
+TEST_P(BudgetTest, AllOfThemAddUpOrAreRefused) {
+  const Currency most = Currency::FromUnits(INT64_MAX / 2);
+  Add("3000", 0, 0, Currency::FromUnits(INT64_MAX / 2 - 10'000));
+  EXPECT_EQ(RefusalOf([&] { Add("3000", 2024, 0, Currency(-2)); }), "TooLarge");
+  EXPECT_EQ(RefusalOf([&] { Add("4000.01", 2024, 0, most); }), "TooLarge");
+  EXPECT_EQ(RefusalOf([&] { Add("3000", 2024, 0, Currency::FromUnits(INT64_MIN)); }), "TooLarge");
+  Add("3000", 2024, 0, Currency(1));
+  EXPECT_NE(Text("2024"), "");
+  EXPECT_EQ(RefusalOf([&] { Text("2024/1-2028/12"); }), "TooLarge") << "each year has it again";
+}
+
 TEST(BudgetShare, AddsUpToTheAmountInWholeUnitsOfTheCurrency) {
   constexpr Units kCent = 100;
   for (const Units amount : {Units{100'000'000}, Units{1'000'000}, Units{-1'000'000}, Units{12'345},
