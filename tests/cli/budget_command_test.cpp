@@ -9,23 +9,13 @@ namespace {
 class BudgetCommand : public CliTest {
  protected:
   void Keep() const {
-    ASSERT_EQ(Run({"init", "--no-password", "--year", "2024"}).code, 0);
-    const std::string chart = folder.Write("accounts.csv", "number,name,dc,kind\n"
-                                                           "1000,Cash,1,asset\n"
-                                                           "4000,Sales,-1,income\n"
-                                                           "5000,Costs,1,expense\n"
-                                                           "5000.01,Rent,1,\n");
-    ASSERT_EQ(Run({"import", "--accounts", chart, "--journal",
-                   folder.Write("journal.csv", "voucher,date,account,debit,credit\n"
-                                               "a,2024-02-05,1000,80,\na,2024-02-05,4000,,80\n"
-                                               "b,2024-02-05,5000.01,30,\nb,2024-02-05,1000,,30\n"),
-                   "--post-all"})
-                  .err,
-              "");
-  }
-  std::string Said(std::vector<std::string> words) const {
-    const RunResult result = Run(std::move(words));
-    return std::to_string(result.code) + " " + result.out + result.err;
+    CliTest::Keep("2024",
+                  "1000,Cash,1,asset\n"
+                  "4000,Sales,-1,income\n"
+                  "5000,Costs,1,expense\n"
+                  "5000.01,Rent,1,\n",
+                  "a,2024-02-05,1000,80,\na,2024-02-05,4000,,80\n"
+                  "b,2024-02-05,5000.01,30,\nb,2024-02-05,1000,,30\n");
   }
 };
 

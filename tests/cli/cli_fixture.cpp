@@ -97,6 +97,20 @@ void CliTest::Init(const std::string& year) const {
   ASSERT_EQ(Run({"import", "--accounts", chart}).code, 0);
 }
 
+void CliTest::Keep(const std::string& year, const std::string& accounts,
+                   const std::string& journal) const {
+  ASSERT_EQ(Run({"init", "--no-password", "--year", year}).code, 0);
+  const std::string chart = folder.Write("accounts.csv", "number,name,dc,kind\n" + accounts);
+  const std::string lines =
+      folder.Write("journal.csv", "voucher,date,account,debit,credit\n" + journal);
+  ASSERT_EQ(Run({"import", "--accounts", chart, "--journal", lines, "--post-all"}).err, "");
+}
+
+std::string CliTest::Said(std::vector<std::string> arguments) const {
+  const RunResult result = Run(std::move(arguments));
+  return std::to_string(result.code) + " " + result.out + result.err;
+}
+
 std::string CliTest::Lines(const std::string& id) const {
   const std::string text = Run({"voucher", id}).out;
   return text.substr(text.find("\n\n") + 2);

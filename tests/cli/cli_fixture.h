@@ -52,6 +52,11 @@ class CliTest : public ::testing::TestWithParam<DatabaseKind> {
   RunResult Run(std::vector<std::string> arguments) const;
   // Books of 2024 in EUR with the accounts 1000 to 1002 and 2000, 2000.01.
   void Init(const std::string& year = "2024") const;
+  // Books of that first year with an administrator who has no password, of the rows of a chart
+  // (number, name, dc, kind) and of a journal, all of it posted.
+  void Keep(const std::string& year, const std::string& accounts, const std::string& journal) const;
+  // A command's exit code and all that it says: "0 Done.\n".
+  std::string Said(std::vector<std::string> arguments) const;
   // What `voucher` prints of its lines.
   std::string Lines(const std::string& id) const;
   // Imports a journal under a heading that has voucher, date, account, debit and credit.

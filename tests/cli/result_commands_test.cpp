@@ -6,34 +6,28 @@
 namespace qdclgl::cli::testing {
 namespace {
 
-class StatementCommands : public CliTest {
+class ResultCommands : public CliTest {
  protected:
   // Two years of a small shop. 2000 has lines of its own beside those of 2000.01.
   void Keep() const {
-    ASSERT_EQ(Run({"init", "--no-password", "--year", "2023"}).code, 0);
-    const std::string chart = folder.Write("accounts.csv", "number,name,dc,kind\n"
-                                                           "1000,Cash,1,asset\n"
-                                                           "2000,Loans,-1,liability\n"
-                                                           "2000.01,Bank loan,-1,\n"
-                                                           "3000,Capital,-1,equity\n"
-                                                           "4000,Sales,-1,income\n"
-                                                           "5000,Costs,1,expense\n"
-                                                           "5000.01,Rent,1,\n");
-    const RunResult imported =
-        Run({"import", "--accounts", chart, "--journal",
-             folder.Write("journal.csv", "voucher,date,account,debit,credit\n"
-                                         "a,2023-01-05,1000,100,\na,2023-01-05,3000,,100\n"
-                                         "b,2023-06-05,1000,40,\nb,2023-06-05,4000,,40\n"
-                                         "c,2024-02-05,1000,80,\nc,2024-02-05,4000,,80\n"
-                                         "d,2024-05-05,5000.01,30,\nd,2024-05-05,1000,,30\n"
-                                         "e,2024-06-05,1000,7,\ne,2024-06-05,2000,,7\n"
-                                         "f,2024-06-06,1000,5,\nf,2024-06-06,2000.01,,5\n"),
-             "--post-all"});
-    ASSERT_EQ(imported.err, "");
+    CliTest::Keep("2023",
+                  "1000,Cash,1,asset\n"
+                  "2000,Loans,-1,liability\n"
+                  "2000.01,Bank loan,-1,\n"
+                  "3000,Capital,-1,equity\n"
+                  "4000,Sales,-1,income\n"
+                  "5000,Costs,1,expense\n"
+                  "5000.01,Rent,1,\n",
+                  "a,2023-01-05,1000,100,\na,2023-01-05,3000,,100\n"
+                  "b,2023-06-05,1000,40,\nb,2023-06-05,4000,,40\n"
+                  "c,2024-02-05,1000,80,\nc,2024-02-05,4000,,80\n"
+                  "d,2024-05-05,5000.01,30,\nd,2024-05-05,1000,,30\n"
+                  "e,2024-06-05,1000,7,\ne,2024-06-05,2000,,7\n"
+                  "f,2024-06-06,1000,5,\nf,2024-06-06,2000.01,,5\n");
   }
 };
 
-TEST_P(StatementCommands, TheIncomeStatementHasItsSectionsAndTheYearBefore) {
+TEST_P(ResultCommands, TheIncomeStatementHasItsSectionsAndTheYearBefore) {
   Keep();
   const RunResult result = Run({"income", "--year", "2024", "--compare", "--percent"});
   EXPECT_EQ(result.err, "");
@@ -48,7 +42,7 @@ TEST_P(StatementCommands, TheIncomeStatementHasItsSectionsAndTheYearBefore) {
                         "         Result         50.00   62.5%  40.00  100.0%   10.00\n");
 }
 
-TEST_P(StatementCommands, QuartersStandBesideTheYearAndDepthLeavesOutWhatIsBelow) {
+TEST_P(ResultCommands, QuartersStandBesideTheYearAndDepthLeavesOutWhatIsBelow) {
   Keep();
   const RunResult result = Run({"income", "--year", "2024", "--quarterly", "--depth", "1"});
   EXPECT_EQ(result.out,
@@ -67,7 +61,7 @@ TEST_P(StatementCommands, QuartersStandBesideTheYearAndDepthLeavesOutWhatIsBelow
   EXPECT_EQ(rows[3]["FTo"], "2024/5");
 }
 
-TEST_P(StatementCommands, TheBalanceSheetAgreesAndShowsOwnLinesUnderTheirAccount) {
+TEST_P(ResultCommands, TheBalanceSheetAgreesAndShowsOwnLinesUnderTheirAccount) {
   Keep();
   const RunResult result = Run({"position", "--date", "2024-06-30", "--compare"});
   EXPECT_EQ(result.err, "");
@@ -90,7 +84,7 @@ TEST_P(StatementCommands, TheBalanceSheetAgreesAndShowsOwnLinesUnderTheirAccount
                         "Assets are equal to liabilities and equity.\n");
 }
 
-TEST_P(StatementCommands, AccountsWithoutAKindAreToldWithWhatToDo) {
+TEST_P(ResultCommands, AccountsWithoutAKindAreToldWithWhatToDo) {
   Keep();
   ASSERT_EQ(Run({"set", "accounts", "5000", "FKind="}).err, "");
   const std::string told = "An account has no kind and is in no sum: 5000 Costs.\n"
@@ -110,7 +104,7 @@ TEST_P(StatementCommands, AccountsWithoutAKindAreToldWithWhatToDo) {
                 told);
 }
 
-TEST_P(StatementCommands, NothingIsToldInASentence) {
+TEST_P(ResultCommands, NothingIsToldInASentence) {
   Keep();
   EXPECT_EQ(Run({"income", "--year", "2022"}).out,
             "Nothing is posted on accounts of income or expense in these periods.\n");
@@ -118,7 +112,7 @@ TEST_P(StatementCommands, NothingIsToldInASentence) {
             "Nothing is posted yet in these periods or before them.\n");
 }
 
-TEST_P(StatementCommands, WhatCanNotBeAskedForIsTold) {
+TEST_P(ResultCommands, WhatCanNotBeAskedForIsTold) {
   Keep();
   const auto said = [&](std::vector<std::string> words) {
     const RunResult result = Run(std::move(words));
@@ -136,7 +130,7 @@ TEST_P(StatementCommands, WhatCanNotBeAskedForIsTold) {
   EXPECT_EQ(said({"position", "--date", "2024-06-30", "--year", "2024"}).substr(0, 2), "2 ");
 }
 
-QDCLGL_CLI_TEST(StatementCommands);
+QDCLGL_CLI_TEST(ResultCommands);
 
 }  // namespace
 }  // namespace qdclgl::cli::testing
