@@ -50,10 +50,11 @@ TEST_P(Kill, AKilledImportContinuesAndEndsInTheSameBooks) {
 
   std::mt19937 random(qdclgl::testing::RandomSeed());
   int killed_on_the_way = 0;
-  // The moments come later and later, so that a slow machine too gets to store something.
+  // The moments come later and later, so that a slow machine too gets to store something, and
+  // never so much later that all of it is stored from one to the next.
   for (unsigned latest = 100; killed_on_the_way < 4 && latest < 20000; latest += latest / 4) {
     const pid_t child = Start(resume, folder.Path("out"), folder.Path("err"));
-    std::this_thread::sleep_for(std::chrono::milliseconds(20 + random() % latest));
+    std::this_thread::sleep_for(std::chrono::milliseconds(latest - random() % (latest / 4)));
     kill(child, SIGKILL);
     int status = 0;
     waitpid(child, &status, 0);
