@@ -3,6 +3,7 @@
 #include <map>
 
 #include "tests/server/ledger_fixture.h"
+#include "tests/server/query_plan.h"
 
 namespace qdclgl::server::testing {
 namespace {
@@ -363,29 +364,6 @@ TEST_P(AccountStatementOfManyLines, PagesAreTheWholeOneBehindTheOther) {
 }
 
 // ---- What is read ----
-
-std::string PlanOf(Database& db, std::string sql) {
-  for (const std::string_view day : {"FDate >= ?", "FDate < ?"}) {
-    for (std::size_t at; (at = sql.find(day)) != sql.npos;) {
-      sql.replace(at + day.size() - 1, 1, "'2024-01-01'");
-    }
-  }
-  for (std::size_t at; (at = sql.find('?')) != sql.npos;) sql.replace(at, 1, "1");
-  std::string plan;
-  if (db.IsSQLite()) {
-    for (const auto& [id, parent, unused, detail] :
-         db.Query<Long, Long, Long, std::string>("EXPLAIN QUERY PLAN " + sql)) {
-      plan += detail + "\n";
-    }
-    return plan;
-  }
-  // Such small tables would be read from end to end.
-  Transaction transaction(db, Transaction::Kind::kRead);
-  db.Execute("SET LOCAL enable_seqscan = off");
-  db.Execute("SET LOCAL enable_bitmapscan = off");
-  for (const auto& [line] : db.Query<std::string>("EXPLAIN " + sql)) plan += line + "\n";
-  return plan;
-}
 
 TEST_P(AccountStatementTest, OnlyTheLinesOfItsDaysAreRead) {
   AddCustomers();

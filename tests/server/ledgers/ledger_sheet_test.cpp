@@ -1,6 +1,7 @@
 #include "qdclgl/server/ledgers/ledger_sheet.h"
 
 #include "tests/server/ledger_fixture.h"
+#include "tests/server/query_plan.h"
 
 namespace qdclgl::server::testing {
 namespace {
@@ -244,32 +245,6 @@ TEST_P(LedgerSheetTest, WhatCanNotBeToldIsRefused) {
   EXPECT_EQ(RefusalOf([&] { Sheet(ledger, "2024-02-01", "2024-01-31"); }), "BadValue");
   EXPECT_EQ(SentenceOf([&] { Sheet(ledger, "2024-02-01", "2024-01-31"); }),
             "Days go forward, not from 2024-02-01 to 2024-01-31.");
-}
-
-// How the database goes about the queries of a sheet, for the ids of many vouchers. PostgreSQL
-// would read such small tables from end to end, or in the order of their pages; it is asked not to.
-std::string PlanOf(Database& db, std::string sql) {
-  constexpr std::string_view kIds = "BETWEEN ? AND ?";
-  for (std::size_t at; (at = sql.find(kIds)) != sql.npos;) {
-    sql.replace(at, kIds.size(), "BETWEEN 1 AND 1000000");
-  }
-  for (std::size_t at; (at = sql.find('?')) != sql.npos;) sql.replace(at, 1, "1");
-  std::string plan;
-  if (db.IsSQLite()) {
-    for (const auto& [id, parent, unused, detail] :
-         db.Query<Long, Long, Long, std::string>("EXPLAIN QUERY PLAN " + sql)) {
-      plan += detail + "\n";
-    }
-    return plan;
-  }
-  for (const std::string_view day : {"FDate >= ", "FDate < "}) {
-    if (const auto at = sql.find(day); at != sql.npos) sql.replace(at + day.size(), 1, "'1'");
-  }
-  Transaction transaction(db, Transaction::Kind::kRead);
-  db.Execute("SET LOCAL enable_seqscan = off");
-  db.Execute("SET LOCAL enable_bitmapscan = off");
-  for (const auto& [line] : db.Query<std::string>("EXPLAIN " + sql)) plan += line + "\n";
-  return plan;
 }
 
 // The lines are found by account and by the ids of the vouchers of those years, and by nothing
