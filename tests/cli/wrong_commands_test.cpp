@@ -307,7 +307,7 @@ TEST_F(WrongCommands, WhatTheBooksRefuseHasANumberAndASentence) {
        "qdclgl: 80044241: Setting CurrentPeriod of GL is kept by closing and reopening.\n"},
       {{"report", "BOOK", "none/report"},
        6,
-       "qdclgl: \"none/report\" can't be made: No such file or directory\n"},
+       "qdclgl: none/report can't be made: No such file or directory\n"},
       {{"voucher", "BOOK", "5"}, 1, "qdclgl: 80044213: There is no voucher with the id 5.\n"},
       {{"show", "BOOK", "accounts", "9"}, 1, "qdclgl: 80044213: Account 9: there is none.\n"},
       {{"open", "BOOK", "--by", "customers"},
