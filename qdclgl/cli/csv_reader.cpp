@@ -18,13 +18,18 @@ constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 }  // namespace
 
-CsvReader::CsvReader(std::istream& in) : in_(in) {
-  if (csv_init(&parser_, kOptions) != 0) throw std::bad_alloc();
+CsvReader::CsvReader(std::istream& in, char separator) : in_(in), separator_(separator) {
+  StartParser();
   ReadMore();
   if (buffer_.starts_with(kByteOrderMark)) Begin(kByteOrderMark.size());
 }
 
 CsvReader::~CsvReader() { csv_free(&parser_); }
+
+void CsvReader::StartParser() {
+  if (csv_init(&parser_, kOptions) != 0) throw std::bad_alloc();
+  csv_set_delim(&parser_, static_cast<unsigned char>(separator_));
+}
 
 bool CsvReader::ReadMore() {
   buffer_.erase(0, cell_offset_);
@@ -82,7 +87,7 @@ void CsvReader::GiveUp(CsvRow& row, bool is_open) {
                              "its closing quote"};
   }
   csv_free(&parser_);
-  if (csv_init(&parser_, kOptions) != 0) throw std::bad_alloc();
+  StartParser();
 
   std::size_t end = buffer_.find_first_of("\r\n", cell_offset_);
   while (end == buffer_.npos) {
@@ -109,6 +114,7 @@ bool CsvReader::Next(CsvRow& row) {
   };
   const auto on_row = [](int, void* self) { static_cast<CsvReader*>(self)->row_ended_ = true; };
 
+  const char cell_ends[] = {separator_, '"', '\r', '\n', '\0'};
   while (!row_ended_) {
     if (next_ == buffer_.size() && !ReadMore()) {
       if (csv_fini(&parser_, on_cell, on_row, this) != 0) {
@@ -119,7 +125,7 @@ bool CsvReader::Next(CsvRow& row) {
     }
     // The parser takes the text up to a character that can end a cell, so that a cell is told when
     // its end is reached and not before.
-    const std::size_t end = buffer_.find_first_of(",\"\r\n", next_);
+    const std::size_t end = buffer_.find_first_of(cell_ends, next_);
     const std::size_t count = (end == buffer_.npos ? buffer_.size() : end + 1) - next_;
     const std::size_t cells = cell_count_;
     const std::size_t taken =

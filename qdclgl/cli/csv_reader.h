@@ -39,7 +39,7 @@ struct CsvRow {
 
 class CsvReader {
  public:
-  explicit CsvReader(std::istream& in);
+  explicit CsvReader(std::istream& in, char separator = ',');
   ~CsvReader();
   CsvReader(const CsvReader&) = delete;
   CsvReader& operator=(const CsvReader&) = delete;
@@ -53,6 +53,7 @@ class CsvReader {
  private:
   // More of the file behind what is in the buffer; false at its end.
   bool ReadMore();
+  void StartParser();
   // The place behind the character at next_ + count - 1.
   void Advance(std::size_t count);
   void Begin(std::size_t offset);
@@ -62,6 +63,7 @@ class CsvReader {
   void GiveUp(CsvRow& row, bool is_open);
 
   std::istream& in_;
+  char separator_;
   csv_parser parser_;
   std::string buffer_;
   std::size_t next_ = 0;  // what the parser takes next

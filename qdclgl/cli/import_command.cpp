@@ -6,9 +6,11 @@
 #include "qdclgl/cli/batch.h"
 #include "qdclgl/cli/cell_values.h"
 #include "qdclgl/cli/chart.h"
+#include "qdclgl/cli/format_sniffer.h"
 #include "qdclgl/cli/item_import.h"
 #include "qdclgl/cli/journal.h"
 #include "qdclgl/cli/journal_columns.h"
+#include "qdclgl/cli/kept_formats.h"
 #include "qdclgl/cli/program.h"
 #include "qdclgl/cli/steps.h"
 #include "qdclgl/cli/voucher_filler.h"
@@ -21,6 +23,7 @@ struct ImportOptions {
   Login login;
   std::string accounts;
   std::string journal;
+  std::string format;
   std::string items, item_class;
   bool update = false;
   bool dry_run = false;
@@ -40,13 +43,13 @@ struct JournalResult {
 class JournalImport {
  public:
   JournalImport(const ImportOptions& options, std::string props, Names& names,
-                const Console& console)
+                const Console& console, const NamedFormat* format)
       : options_(options),
         props_(std::move(props)),
         names_(names),
         progress_(console),
         reports_(options.journal, console, progress_),
-        reader_(options.journal, items_.columns(), reports_) {}
+        reader_(options.journal, items_.columns(), reports_, format) {}
 
   // The vouchers of the journal, as many in a transaction as a batch has: books that a killed
   // import leaves hold each voucher wholly or not at all.
@@ -185,7 +188,21 @@ void RequireSense(const ImportOptions& options) {
   if (options.items.empty() != options.item_class.empty()) {
     throw UsageError("--items and --class go together");
   }
+  if (!options.format.empty() && options.journal.empty()) {
+    throw UsageError("--format goes with --journal");
+  }
   if (options.update && options.items.empty()) throw UsageError("--update goes with --items");
+}
+
+// What a journal of another program is like, as it is named and found; nothing for our own form.
+std::optional<NamedFormat> FormatOf(const ImportOptions& options, const std::string& props,
+                                    const Console& console) {
+  if (options.format.empty()) return {};
+  const bool is_found = options.format == kFoundFormat;
+  const FileFormat kept = is_found ? FileFormat{} : KeptFormat(props, options.format);
+  NamedFormat format{is_found ? "row" : options.format, Completed(options.journal, kept)};
+  console.out << OneLine(options.journal) << ": " << Described(format.format) << '\n';
+  return format;
 }
 
 // The files one after the other, what others stand on first. False when anything was reported.
@@ -210,7 +227,9 @@ bool ImportFiles(const ImportOptions& options, const std::string& props, const C
     is_whole = is_whole && chart.is_whole;
   }
   if (!options.journal.empty()) {
-    const JournalResult journal = JournalImport(options, props, names, console).Run();
+    const std::optional<NamedFormat> format = FormatOf(options, props, console);
+    const JournalResult journal =
+        JournalImport(options, props, names, console, format ? &*format : nullptr).Run();
     console.out << "vouchers: " << journal.stored << " stored, " << journal.passed
                 << " passed over, " << journal.left_out << " left out\n"
                 << std::flush;
@@ -242,6 +261,10 @@ void AddImportCommand(Program& program) {
       [options, &program] { return Import(*options, program.console()); });
   command->add_option("--accounts", options->accounts, "The chart of accounts")->type_name("FILE");
   command->add_option("--journal", options->journal, "The vouchers")->type_name("FILE");
+  command
+      ->add_option("--format", options->format,
+                   "The vouchers are another program's file: a name of qdclgl formats, or auto")
+      ->type_name("NAME");
   command->add_option("--items", options->items, "Items, with --class")->type_name("FILE");
   command->add_option("--class", options->item_class, "The class of the items")->type_name("CLASS");
   command->add_flag("--update", options->update, "Changes items that are in the books already");

@@ -24,10 +24,10 @@ std::vector<SheetColumn> ColumnsWith(std::span<const SheetColumn> item_columns) 
 }  // namespace
 
 JournalReader::JournalReader(const std::string& path, std::span<const SheetColumn> item_columns,
-                             Reports& reports)
+                             Reports& reports, const NamedFormat* format)
     : reports_(reports),
       class_count_(item_columns.size()),
-      sheet_(path, ColumnsWith(item_columns), reports) {}
+      sheet_(path, ColumnsWith(item_columns), reports, format) {}
 
 bool JournalReader::Next(JournalVoucher& voucher) {
   voucher = {};

@@ -48,9 +48,10 @@ struct JournalVoucher {
 
 class JournalReader {
  public:
-  // `item_columns` are those of items, one for each class. FileError as Sheet raises it.
+  // `item_columns` are those of items, one for each class; `format` that of another program's file.
+  // FileError as Sheet raises it.
   JournalReader(const std::string& path, std::span<const SheetColumn> item_columns,
-                Reports& reports);
+                Reports& reports, const NamedFormat* format = nullptr);
 
   bool IsUsable() const { return sheet_.IsUsable(); }
   double Share() const { return sheet_.Share(); }

@@ -86,6 +86,7 @@ Program::Program(const Console& console)
   AddBooksCommands(*this);
   AddBackupCommands(*this);
   AddImportCommand(*this);
+  AddFormatsCommand(*this);
   AddExportCommand(*this);
   AddListCommands(*this);
   AddRecordCommands(*this);

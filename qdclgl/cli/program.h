@@ -106,6 +106,7 @@ CLI::Option* AddWhole(CLI::App& command, const std::string& name, Long& value,
 void AddBooksCommands(Program& program);     // init, upgrade, close, reopen, doctor
 void AddBackupCommands(Program& program);    // backup, restore
 void AddImportCommand(Program& program);     // import
+void AddFormatsCommand(Program& program);    // formats
 void AddExportCommand(Program& program);     // export
 void AddListCommands(Program& program);      // list, and one for each list of the books
 void AddRecordCommands(Program& program);    // kinds, show, add, set, remove

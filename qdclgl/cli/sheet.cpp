@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "qdclgl/cli/cell_values.h"
+#include "qdclgl/cli/foreign_rows.h"
 #include "qdclgl/cli/nearest.h"
 #include "qdclgl/frame/vocabulary/text.h"
 
@@ -33,8 +34,11 @@ std::string_view OtherSeparator(const CsvRow& row) {
 
 }  // namespace
 
-Sheet::Sheet(const std::string& path, std::span<const SheetColumn> columns, Reports& reports)
-    : path_(path), file_(Opened(path)), reader_(file_), places_(columns.size()) {
+Sheet::Sheet(const std::string& path, std::span<const SheetColumn> columns, Reports& reports,
+             const NamedFormat* format)
+    : path_(path), file_(Opened(path)), places_(columns.size()) {
+  if (format == nullptr) rows_ = std::make_unique<PlainRows>(file_);
+  else rows_ = std::make_unique<ForeignRows>(file_, format->name, format->format);
   std::error_code no_size;  // of a pipe, say; then the share stays unknown
   const auto size = std::filesystem::file_size(path, no_size);
   if (!no_size) size_ = static_cast<double>(size);
@@ -47,7 +51,7 @@ void Sheet::ReadHeadings(std::span<const SheetColumn> columns, Reports& reports)
     is_usable_ = false;
   };
   CsvRow row;
-  if (!reader_.Next(row)) row.cells.clear();
+  if (!rows_->Next(row)) row.cells.clear();
   if (file_.bad()) throw FileError(path_ + " can't be read");
   if (row.problem) return fail(row.problem->at, row.problem->reason);
   width_ = row.cells.size();
@@ -80,7 +84,7 @@ void Sheet::ReadHeadings(std::span<const SheetColumn> columns, Reports& reports)
 }
 
 bool Sheet::Next(CsvRow& row) {
-  const bool is_there = reader_.Next(row);
+  const bool is_there = rows_->Next(row);
   if (file_.bad()) throw FileError(path_ + " can't be read to its end");
   if (is_there && !row.problem && row.cells.size() != width_) {
     row.problem = {row.at, "the row has " + std::to_string(row.cells.size()) + " cells under " +
@@ -96,6 +100,6 @@ const CsvCell* Sheet::Cell(const CsvRow& row, std::size_t column) const {
   return place && *place < row.cells.size() ? &row.cells[*place] : nullptr;
 }
 
-double Sheet::Share() const { return size_ > 0 ? static_cast<double>(reader_.bytes()) / size_ : 0; }
+double Sheet::Share() const { return size_ > 0 ? static_cast<double>(rows_->bytes()) / size_ : 0; }
 
 }  // namespace qdclgl::cli

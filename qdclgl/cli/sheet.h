@@ -2,13 +2,15 @@
 #pragma once
 
 #include <fstream>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 
-#include "qdclgl/cli/csv_reader.h"
+#include "qdclgl/cli/file_format.h"
 #include "qdclgl/cli/progress.h"
+#include "qdclgl/cli/row_source.h"
 
 namespace qdclgl::cli {
 
@@ -22,7 +24,9 @@ struct SheetColumn {
 class Sheet {
  public:
   // FileError when the file can't be read. Unknown, missing and repeated headings are reported.
-  Sheet(const std::string& path, std::span<const SheetColumn> columns, Reports& reports);
+  // `format` is that of a file of another program (format_sniffer.h).
+  Sheet(const std::string& path, std::span<const SheetColumn> columns, Reports& reports,
+        const NamedFormat* format = nullptr);
 
   // False when the headings make the file useless.
   bool IsUsable() const { return is_usable_; }
@@ -43,7 +47,7 @@ class Sheet {
   std::string path_;
   std::ifstream file_;
   double size_ = 0;
-  CsvReader reader_;
+  std::unique_ptr<RowSource> rows_;
   std::size_t width_ = 0;
   std::vector<std::optional<std::size_t>> places_;  // by column
   bool is_usable_ = true;
