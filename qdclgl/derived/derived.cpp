@@ -9,6 +9,7 @@
 
 #include "python/core/stub.h"
 #include "qdclgl/api/api_table.h"
+#include "qdclgl/derived/reference.h"
 #include "qdclgl/server/server.h"
 
 namespace qdclgl::derived {
@@ -179,7 +180,7 @@ Span SpanOf(const std::string& text, const Part& part) {
 
 std::vector<Part> DerivedParts(const fs::path& root) {
   const std::vector<ClassHeader> headers = ClassHeaders(root);
-  return {
+  std::vector<Part> parts = {
       {"qdclgl/qdclgl.h", "headers", Includes(headers)},
       {"qdclgl/api/class_list.cpp", "classes", ClassTables(headers)},
       {"qdclgl/server/records/kinds.cpp", "kinds", Kinds(root)},
@@ -189,6 +190,8 @@ std::vector<Part> DerivedParts(const fs::path& root) {
       {"docs/qdclgl.1", "lists", ListCommands()},
       {"python/qdclgl/_core.pyi", "", python::StubText()},
   };
+  std::ranges::move(ReferencePages(root), std::back_inserter(parts));
+  return parts;
 }
 
 std::string CommittedText(const fs::path& root, const Part& part) {
@@ -198,7 +201,7 @@ std::string CommittedText(const fs::path& root, const Part& part) {
 }
 
 void Write(const fs::path& root, const Part& part) {
-  std::string text = ReadText(root / part.file);
+  std::string text = part.name.empty() ? "" : ReadText(root / part.file);
   const Span span = SpanOf(text, part);
   text.replace(span.begin, span.end - span.begin, part.text);
   std::ofstream file(root / part.file, std::ios::binary);
