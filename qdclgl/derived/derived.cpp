@@ -113,6 +113,11 @@ std::string Kinds(const fs::path& root) {
          addresses + "  };\n  return kKinds;\n}\n";
 }
 
+// A program as a guide shows it.
+std::string Program(const fs::path& root, const std::string& file) {
+  return "```cpp\n" + ReadText(root / file) + "```\n";
+}
+
 // ---- From the program ----
 
 // "reader: `GetList`; administrator: `Create`, `Update`", without methods where all are alike.
@@ -188,6 +193,8 @@ std::vector<Part> DerivedParts(const fs::path& root) {
       {"docs/api.tsv", "", ApiTable()},
       {"docs/server.md", "components", ComponentTable()},
       {"docs/qdclgl.1", "lists", ListCommands()},
+      {"docs/guides/first-program.md", "program", Program(root, "examples/keep_books.cpp")},
+      {"docs/guides/own-component.md", "program", Program(root, "examples/own_component.cpp")},
       {"python/qdclgl/_core.pyi", "", python::StubText()},
   };
   std::ranges::move(ReferencePages(root), std::back_inserter(parts));
@@ -204,6 +211,7 @@ void Write(const fs::path& root, const Part& part) {
   std::string text = part.name.empty() ? "" : ReadText(root / part.file);
   const Span span = SpanOf(text, part);
   text.replace(span.begin, span.end - span.begin, part.text);
+  if (part.name.empty()) fs::create_directories((root / part.file).parent_path());
   std::ofstream file(root / part.file, std::ios::binary);
   if (!(file << text).flush()) throw std::runtime_error(part.file + " can't be written");
 }

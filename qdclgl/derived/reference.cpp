@@ -29,13 +29,11 @@ struct Example {
 // The programs that tests build and run.
 std::vector<Example> Examples(const fs::path& root) {
   std::vector<Example> examples;
-  for (const char* folder : {"examples", "tests/consumer"}) {
-    for (const auto& entry : fs::directory_iterator(root / folder)) {
-      if (entry.path().extension() != ".cpp") continue;
-      std::ifstream file(entry.path(), std::ios::binary);
-      examples.push_back({std::string(folder) + "/" + entry.path().filename().string(),
-                          {std::istreambuf_iterator<char>(file), {}}});
-    }
+  for (const auto& entry : fs::directory_iterator(root / "examples")) {
+    if (entry.path().extension() != ".cpp") continue;
+    std::ifstream file(entry.path(), std::ios::binary);
+    examples.push_back({"examples/" + entry.path().filename().string(),
+                        {std::istreambuf_iterator<char>(file), {}}});
   }
   std::ranges::sort(examples, {}, &Example::file);
   return examples;
@@ -48,6 +46,7 @@ std::vector<std::string> Paragraphs(const std::string& text) {
   while (begin < text.size()) {
     const std::size_t end = std::min(text.find("\n\n", begin), text.size());
     paragraphs.push_back(text.substr(begin, end - begin));
+    if (paragraphs.back().ends_with('\n')) paragraphs.back().pop_back();
     begin = text.find_first_not_of('\n', end);
   }
   return paragraphs;
@@ -139,9 +138,16 @@ std::vector<Part> ReferencePages(const fs::path& root) {
     pages.push_back({kFolder + std::string(name) + ".md", "", std::move(text)});
   };
   std::string index =
-      "# Reference\n\nMade from the rows of the classes by `scripts/update-derived`; `qdclgl api "
-      "CLASS` prints the same.\n\n- [errors](errors.md): all numbers, what they mean and what to "
-      "do\n\n## Classes\n\n";
+      "# Reference\n\nMade from the rows of classes and components by `scripts/update-derived`; "
+      "`qdclgl api CLASS --markdown` prints a class's own. A member with a key reads and writes "
+      "the "
+      "value under it in the object's row. Where no default is named, an absent, Null or empty key "
+      "reads as the zero of the member's type: 0, an empty text, Nothing. A value that is written "
+      "and equal to what clears the member removes the key. What a member raises and which methods "
+      "of which components it calls stand in its last column; the components themselves are below. "
+      "Examples are pieces of the programs in [examples/](../../examples), which the tests build "
+      "and "
+      "run.\n\n- [errors](errors.md): all numbers, what they mean and what to do\n\n## Classes\n\n";
   for (const ClassTable* table : PublicClasses()) {
     index += IndexLine(table->name(), table->help());
     add(table->name(), ReferenceText(*table) + ExampleText(examples, UseOf(*table)));

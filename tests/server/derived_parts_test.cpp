@@ -108,8 +108,8 @@ TEST_F(Scratch, APartIsWrittenBetweenItsMarksAlone) {
   EXPECT_THROW(CommittedText(root, one), std::runtime_error) << "the marks are gone";
   EXPECT_THROW(CommittedText(root, {"none.md", "", ""}), std::runtime_error);
   EXPECT_THROW(Write(root, {"none.md", "one", ""}), std::runtime_error);
-  Write(root, {"none.md", "", "new\n"});
-  EXPECT_EQ(CommittedText(root, {"none.md", "", ""}), "new\n");
+  Write(root, {"new/page.md", "", "new\n"});
+  EXPECT_EQ(CommittedText(root, {"new/page.md", "", ""}), "new\n");
 }
 
 // Kinds of master data are found by the derived list; every other component has a class that states
