@@ -3,6 +3,7 @@
 
 #include "qdclgl/api/api_table.h"
 #include "qdclgl/api/class_list.h"
+#include "qdclgl/api/reference.h"
 #include "qdclgl/cli/cell_values.h"
 #include "qdclgl/cli/nearest.h"
 #include "qdclgl/cli/program.h"
@@ -50,26 +51,9 @@ void PrintJson(std::ostream& out, Classes classes) {
   out << reference.dump(2) << '\n';
 }
 
+// The pages of docs/reference/ one below the other, their headings a level deeper.
 void PrintMarkdown(std::ostream& out, Classes classes) {
-  const auto cell = [](std::string_view text) {
-    std::string escaped;
-    for (const char c : text) {
-      if (c == '|') escaped += '\\';
-      escaped += c;
-    }
-    return escaped;
-  };
-  for (const ClassTable* table : classes) {
-    out << "## " << table->name() << "\n\n"
-        << table->help() << "\n\n"
-        << "| Member | Kind | Type | Arguments | What it does |\n"
-        << "| --- | --- | --- | --- | --- |\n";
-    for (const ApiRow& row : RowsOf(*table)) {
-      out << "| " << row.member << (row.is_default ? " (default)" : "") << " | " << row.kind
-          << " | " << row.type << " | " << cell(row.arguments) << " | " << cell(row.help) << " |\n";
-    }
-    out << '\n';
-  }
+  for (const ClassTable* table : classes) out << '#' << ReferenceText(*table) << '\n';
 }
 
 void PrintPlain(std::ostream& out, Classes classes) {

@@ -9,6 +9,7 @@
 
 #include "python/core/stub.h"
 #include "qdclgl/api/api_table.h"
+#include "qdclgl/derived/reference.h"
 #include "qdclgl/server/server.h"
 
 namespace qdclgl::derived {
@@ -112,6 +113,11 @@ std::string Kinds(const fs::path& root) {
          addresses + "  };\n  return kKinds;\n}\n";
 }
 
+// A program as a guide shows it.
+std::string Program(const fs::path& root, const std::string& file) {
+  return "```cpp\n" + ReadText(root / file) + "```\n";
+}
+
 // ---- From the program ----
 
 // "reader: `GetList`; administrator: `Create`, `Update`", without methods where all are alike.
@@ -179,7 +185,7 @@ Span SpanOf(const std::string& text, const Part& part) {
 
 std::vector<Part> DerivedParts(const fs::path& root) {
   const std::vector<ClassHeader> headers = ClassHeaders(root);
-  return {
+  std::vector<Part> parts = {
       {"qdclgl/qdclgl.h", "headers", Includes(headers)},
       {"qdclgl/api/class_list.cpp", "classes", ClassTables(headers)},
       {"qdclgl/server/records/kinds.cpp", "kinds", Kinds(root)},
@@ -187,8 +193,12 @@ std::vector<Part> DerivedParts(const fs::path& root) {
       {"docs/api.tsv", "", ApiTable()},
       {"docs/server.md", "components", ComponentTable()},
       {"docs/qdclgl.1", "lists", ListCommands()},
+      {"docs/guides/first-program.md", "program", Program(root, "examples/keep_books.cpp")},
+      {"docs/guides/own-component.md", "program", Program(root, "examples/own_component.cpp")},
       {"python/qdclgl/_core.pyi", "", python::StubText()},
   };
+  std::ranges::move(ReferencePages(root), std::back_inserter(parts));
+  return parts;
 }
 
 std::string CommittedText(const fs::path& root, const Part& part) {
@@ -198,9 +208,10 @@ std::string CommittedText(const fs::path& root, const Part& part) {
 }
 
 void Write(const fs::path& root, const Part& part) {
-  std::string text = ReadText(root / part.file);
+  std::string text = part.name.empty() ? "" : ReadText(root / part.file);
   const Span span = SpanOf(text, part);
   text.replace(span.begin, span.end - span.begin, part.text);
+  if (part.name.empty()) fs::create_directories((root / part.file).parent_path());
   std::ofstream file(root / part.file, std::ios::binary);
   if (!(file << text).flush()) throw std::runtime_error(part.file + " can't be written");
 }

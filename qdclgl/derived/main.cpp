@@ -11,9 +11,11 @@ int main(int count, char** arguments) {
   }
   try {
     using namespace qdclgl::derived;
-    for (const Part& part : DerivedParts(arguments[1])) {
-      if (CommittedText(arguments[1], part) == part.text) continue;
-      Write(arguments[1], part);
+    const std::filesystem::path root = arguments[1];
+    for (const Part& part : DerivedParts(root)) {
+      const bool is_new = part.name.empty() && !exists(root / part.file);
+      if (!is_new && CommittedText(root, part) == part.text) continue;
+      Write(root, part);
       std::printf("%s\n", part.Called().c_str());
     }
   } catch (const std::exception& error) {

@@ -1,4 +1,5 @@
-// The tutorial: each of its commands is run, and what it prints is what the page shows.
+// The tutorial and the guides of the command line: each of their commands is run, and what it
+// prints is what the page shows.
 #include <sstream>
 
 #include "tests/cli/cli_fixture.h"
@@ -24,18 +25,20 @@ std::vector<Step> Steps(const std::string& page) {
   return steps;
 }
 
-TEST(Tutorial, PrintsWhatItShows) {
-  const std::vector<Step> steps = Steps(ReadFile(QDCLGL_SOURCE_DIR "/docs/tutorial.md"));
-  ASSERT_GT(steps.size(), 25u);
+// Runs the commands of a page in one shell, as somebody has who types along; `settings` are
+// commands that nobody sees.
+void ExpectItPrintsWhatItShows(const std::string& page, std::size_t least,
+                               const std::string& settings = "") {
+  const std::vector<Step> steps = Steps(ReadFile(QDCLGL_SOURCE_DIR "/docs/" + page));
+  ASSERT_GE(steps.size(), least);
   constexpr char kMark = '\x01';  // in front of each command's output
   const Folder folder;
   const std::string program = QDCLGL_PROGRAM;
-  // One shell for all of them, as somebody has who types along.
   std::string script = "cd '" + folder.Path("") +
                        "' && ln -s '" QDCLGL_SOURCE_DIR
                        "/examples' examples && unset QDCLGL_PASSWORD QDCLGL_USER\n"
                        "export LC_ALL=C PATH='" +
-                       program.substr(0, program.rfind('/')) + "':\"$PATH\"\n";
+                       program.substr(0, program.rfind('/')) + "':\"$PATH\"\n" + settings + "\n";
   for (const Step& step : steps) script += "printf '\\001'\n{ " + step.command + "\n} 2>&1\n";
   const RunResult result = RunProgram({"-c", script}, "/bin/bash");
   ASSERT_EQ(result.err, "");
@@ -47,6 +50,17 @@ TEST(Tutorial, PrintsWhatItShows) {
     EXPECT_EQ(printed[i + 1], steps[i].output) << steps[i].command;
   }
 }
+
+TEST(Tutorial, PrintsWhatItShows) { ExpectItPrintsWhatItShows("tutorial.md", 26); }
+
+class MovingBooks : public ::testing::TestWithParam<DatabaseKind> {};
+
+TEST_P(MovingBooks, GoesAsTheGuideShows) {
+  const std::string there = server::testing::NewConnectionText(GetParam());
+  ExpectItPrintsWhatItShows("guides/moving-books.md", 8, "LEDGER='" + there + "'");
+  server::testing::RemoveBooks(there);
+}
+QDCLGL_CLI_TEST(MovingBooks);
 
 }  // namespace
 }  // namespace qdclgl::cli::testing

@@ -6,6 +6,7 @@
 #include <set>
 #include <sstream>
 
+#include "qdclgl/derived/core_errors.h"
 #include "qdclgl/derived/derived.h"
 #include "qdclgl/server/server.h"
 
@@ -45,6 +46,36 @@ TEST(DerivedParts, AreWhatTheyFollowFrom) {
   }
 }
 
+// What nobody makes any more: a class that is gone leaves its page behind.
+TEST(DerivedParts, AreAllThatStandsInTheReference) {
+  std::set<std::string> made, committed;
+  for (const Part& part : DerivedParts(QDCLGL_SOURCE_DIR)) {
+    if (part.file.starts_with("docs/reference/")) made.insert(part.file);
+  }
+  for (const auto& entry : fs::directory_iterator(QDCLGL_SOURCE_DIR "/docs/reference")) {
+    committed.insert("docs/reference/" + entry.path().filename().string());
+  }
+  EXPECT_EQ(committed, made);
+  EXPECT_GT(made.size(), 90u);
+}
+
+TEST(CoreErrors, HoldEveryNumberOfTheLibrary) {
+  std::ifstream file(QDCLGL_SOURCE_DIR "/qdclgl/frame/vocabulary/errors.h");
+  const std::string text{std::istreambuf_iterator<char>(file), {}};
+  static const std::regex kConstant("inline constexpr \\S+ k(\\w+) =");
+  std::vector<std::string> declared, explained;
+  for (std::sregex_iterator match(text.begin(), text.end(), kConstant), end; match != end;
+       ++match) {
+    declared.push_back((*match)[1]);
+  }
+  for (const CoreError& error : CoreErrors()) {
+    explained.emplace_back(error.name);
+    EXPECT_TRUE(error.meaning.ends_with(".") && error.advice.ends_with(".")) << error.name;
+  }
+  EXPECT_EQ(explained, declared);
+  EXPECT_GT(declared.size(), 20u);
+}
+
 class Scratch : public ::testing::Test {
  protected:
   Scratch() { fs::create_directories(root); }
@@ -76,6 +107,9 @@ TEST_F(Scratch, APartIsWrittenBetweenItsMarksAlone) {
   EXPECT_EQ(Text(), "all\n");
   EXPECT_THROW(CommittedText(root, one), std::runtime_error) << "the marks are gone";
   EXPECT_THROW(CommittedText(root, {"none.md", "", ""}), std::runtime_error);
+  EXPECT_THROW(Write(root, {"none.md", "one", ""}), std::runtime_error);
+  Write(root, {"new/page.md", "", "new\n"});
+  EXPECT_EQ(CommittedText(root, {"new/page.md", "", ""}), "new\n");
 }
 
 // Kinds of master data are found by the derived list; every other component has a class that states

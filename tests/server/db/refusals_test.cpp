@@ -20,10 +20,10 @@ TEST(RefusalsTest, NumbersAndNamesAreUsedOnce) {
   }
 }
 
-// docs/server.md has a table of refusals: number, name, meaning, what to do.
+// docs/reference/errors.md has a table of refusals: number, name, meaning, what to do.
 TEST(RefusalsTest, TheManualListsThemAllAndNoOthers) {
-  std::ifstream manual(QDCLGL_SOURCE_DIR "/docs/server.md");
-  ASSERT_TRUE(manual) << "docs/server.md is missing";
+  std::ifstream manual(QDCLGL_SOURCE_DIR "/docs/reference/errors.md");
+  ASSERT_TRUE(manual) << "docs/reference/errors.md is missing";
   std::string listed;
   for (std::string line; std::getline(manual, line);) {
     if (!line.starts_with("| 0x800442")) continue;

@@ -1,5 +1,5 @@
-// Keeps books with the server components: makes them in a file, logs in, saves a voucher, checks
-// it, posts it, and reads the balances: books FILE
+// A first program: makes books in a file, logs in, saves a voucher, checks it, posts it, and reads
+// the balances: keep-books FILE
 #include <cstdio>
 
 #include "qdclgl/qdclgl.h"
@@ -31,7 +31,7 @@ Long SaveSale(Long cash, Long sales, Long group) {
 }  // namespace
 
 int main(int count, char** arguments) {
-  if (count != 2) return std::fputs("usage: books FILE\n", stderr), 2;
+  if (count != 2) return std::fputs("usage: keep-books FILE\n", stderr), 2;
   try {
     server::RegisterServerComponents();
     CreateObject("QDSVGLBooks.BooksUpdate")
