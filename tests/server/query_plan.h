@@ -8,9 +8,9 @@
 
 namespace qdclgl::server::testing {
 
-// The plan for the ids of many vouchers and for a day. PostgreSQL goes about small tables in one way
-// or another as it happens to, so it is made to believe that they are large, and is asked not to
-// read them from end to end or in the order of their pages.
+// The plan for the ids of many vouchers and for a day. PostgreSQL goes about small tables in one
+// way or another as it happens to, so it is made to believe that they are large, and is asked not
+// to read them from end to end or in the order of their pages.
 inline std::string PlanOf(Database& db, std::string sql) {
   const auto put = [&](std::string_view part, std::string_view values) {
     for (std::size_t at; (at = sql.find(part)) != sql.npos;) sql.replace(at, part.size(), values);
