@@ -6,6 +6,8 @@
 #include <random>
 #include <sstream>
 
+#include "qdclgl/cli/system.h"
+
 namespace qdclgl::cli {
 
 namespace fs = std::filesystem;
@@ -19,7 +21,7 @@ std::string Editor() {
     const char* editor = std::getenv(variable);
     if (editor != nullptr && *editor != '\0') return editor;
   }
-  return "vi";
+  return std::string(kUsualEditor);
 }
 
 // A folder that nobody else can look into.
@@ -68,7 +70,7 @@ void EditedText::Write(const std::string& text) {
 }
 
 bool EditedText::Edit() {
-  if (std::system((Editor() + " '" + Path() + "'").c_str()) != 0) {
+  if (!RunEditor(Editor(), Path())) {
     throw std::runtime_error("the editor (" + Editor() + ") failed");
   }
   return Read() != shown_;
