@@ -30,7 +30,7 @@ target_include_directories(sodium SYSTEM
   PUBLIC ${sodium}/src/libsodium/include ${CMAKE_BINARY_DIR}/sodium
   PRIVATE ${sodium}/src/libsodium/include/sodium ${CMAKE_BINARY_DIR}/sodium/sodium)
 target_compile_definitions(sodium PUBLIC SODIUM_STATIC PRIVATE CONFIGURED=1)
-add_library(PkgConfig::sodium ALIAS sodium)
+add_library(PkgConfig::libsodium ALIAS sodium)
 
 add_foreign_library(csv ${sources}/libcsv/libcsv.c)
 target_include_directories(csv SYSTEM PUBLIC ${sources}/libcsv)

@@ -1,6 +1,5 @@
 #include "qdclgl/automation/foreign.h"
 
-#include "qdclgl/automation/creatable_classes.h"
 #include "qdclgl/automation/crossing.h"
 #include "qdclgl/automation/errors.h"
 #include "qdclgl/automation/foreign_containers.h"
@@ -32,8 +31,6 @@ IUnknown* ForeignBehind(Object* object) {
 Ref<Object> CreateForeign(std::string_view prog_id) {
   CLSID class_id;
   if (FAILED(CLSIDFromProgID(ToWide(prog_id).c_str(), &class_id))) return nullptr;
-  // One of our own is made without a detour.
-  if (const CreatableClass* own = FindCreatableById(class_id)) return own->make();
   Com<IUnknown> object;
   const HRESULT code = CallOut([&] {
     return CoCreateInstance(class_id, nullptr, CLSCTX_SERVER, IID_IUnknown, object.PutVoid());

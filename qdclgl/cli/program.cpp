@@ -7,10 +7,10 @@
 #include "qdclgl/cli/cell_values.h"
 #include "qdclgl/cli/output.h"
 #include "qdclgl/cli/usage.h"
+#include "qdclgl/cli/version_text.h"
 #include "qdclgl/frame/session/server_gateway.h"
 #include "qdclgl/frame/session/startup.h"
 #include "qdclgl/server/server.h"
-#include "qdclgl/version.h"
 
 namespace qdclgl::cli {
 
@@ -81,7 +81,7 @@ std::string Login::Password() { return FromEnvironment(kPasswordVariable); }
 Program::Program(const Console& console)
     : console_(console), app_("The command line of a general ledger.", "qdclgl") {
   app_.require_subcommand(1);
-  app_.set_version_flag("--version", "qdclgl " + std::string(Version()));
+  app_.set_version_flag("--version", VersionText());
   app_.footer(kFooter);
   AddBooksCommands(*this);
   AddBackupCommands(*this);

@@ -11,7 +11,9 @@
 #include <set>
 #include <sstream>
 
+#include "qdclgl/cli/version_text.h"
 #include "qdclgl/server/server.h"
+#include "qdclgl/version.h"
 #include "tests/cli/cli_fixture.h"
 
 namespace qdclgl::cli::testing {
@@ -34,7 +36,22 @@ TEST(Program, HelpAndVersionGoToTheOutput) {
     EXPECT_NE(help.out.find("\n  " + name + " "), std::string::npos) << name;
     EXPECT_EQ(RunProgram({name, "--help"}).code, 0) << name;
   }
-  EXPECT_EQ(RunProgram({"--version"}).code, 0);
+}
+
+TEST(Program, TheVersionComesWithItsCommitAndTheDatabasesBuiltIn) {
+  const RunResult version = RunProgram({"--version"});
+  EXPECT_EQ(version.code, 0);
+  EXPECT_EQ(version.err, "");
+  EXPECT_EQ(version.out, VersionText() + "\n");
+
+  const std::string text = VersionText("0123456789ab");
+  const std::string head = "qdclgl " + std::string(qdclgl::Version());
+  static const std::regex kRest(
+      "\ncommit 0123456789ab\ndatabases: SQLite 3\\.\\d+\\.\\d+, PostgreSQL "
+      "\\(libpq \\d+\\.\\d+\\)");
+  EXPECT_TRUE(text.starts_with(head)) << text;
+  EXPECT_TRUE(std::regex_match(text.substr(head.size()), kRest)) << text;
+  EXPECT_EQ(VersionText("").find("commit"), std::string::npos) << "not built from git";
 }
 
 TEST(Program, EachListOfTheServerIsACommand) {

@@ -1,11 +1,18 @@
-# Installs the library, moves the installed tree, and builds and runs a program against it.
+# Installs the library, moves the installed tree, and builds and runs programs against it: with the
+# server and without, by CMake and by pkg-config, and with the sources in a folder of theirs.
 #
-#   cmake -D SOURCE_DIR=... -D BUILD_DIR=... -D GENERATOR=... -D COMPILER=... -P run.cmake
+#   cmake -D SOURCE_DIR=... -D BUILD_DIR=... -D GENERATOR=... -D COMPILER=... -D LAUNCHER=...
+#         -P run.cmake
 #
 # SOURCE_DIR is the library's source tree, BUILD_DIR the build folder that it is installed from.
 
 set(work ${BUILD_DIR}/consumer)
-file(REMOVE_RECURSE ${work})
+set(moved ${work}/moved)
+set(programs ${SOURCE_DIR}/tests/consumer)
+set(ENV{CMAKE_CXX_COMPILER_LAUNCHER} "${LAUNCHER}")
+# As deep as the build folder, so that ccache knows what has been compiled there.
+set(sources ${BUILD_DIR}-consumer)
+file(REMOVE_RECURSE ${work} ${sources})
 file(MAKE_DIRECTORY ${work})
 
 function(run)
@@ -17,15 +24,26 @@ function(run)
   set(output "${output}" PARENT_SCOPE)
 endfunction()
 
+# Makes books with a program and looks at what it tells of them.
+function(keep_books program)
+  file(REMOVE ${work}/books.db)
+  run(${program} ${work}/books.db)
+  set(expected "voucher 1: checked yes, posted yes\n1000 100\n3000 -100\n")
+  if(NOT output STREQUAL expected)
+    message(FATAL_ERROR "${program} printed\n${output}in place of\n${expected}")
+  endif()
+  message("${program}: ${output}")
+endfunction()
+
 run(${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${work}/installed)
-file(RENAME ${work}/installed ${work}/moved)
+file(RENAME ${work}/installed ${moved})
 
 # Every header is below one folder, and no installed file knows where the library was built.
-file(GLOB above RELATIVE ${work}/moved/include ${work}/moved/include/*)
+file(GLOB above RELATIVE ${moved}/include ${moved}/include/*)
 if(NOT above STREQUAL "qdclgl")
   message(FATAL_ERROR "include/ holds more than the folder qdclgl: ${above}")
 endif()
-file(GLOB_RECURSE scripts ${work}/moved/*.cmake)
+file(GLOB_RECURSE scripts ${moved}/*.cmake ${moved}/*.pc)
 if(NOT scripts)
   message(FATAL_ERROR "no package files were installed")
 endif()
@@ -39,6 +57,18 @@ foreach(script IN LISTS scripts)
   endforeach()
 endforeach()
 
+# What people read is there, and the program is the one of this version.
+foreach(file IN ITEMS bin/qdclgl share/man/man1/qdclgl.1 share/doc/qdclgl/README.md
+        share/doc/qdclgl/docs/cli.md share/doc/qdclgl/copyright
+        share/bash-completion/completions/qdclgl share/zsh/site-functions/_qdclgl
+        share/fish/vendor_completions.d/qdclgl.fish)
+  if(NOT EXISTS ${moved}/${file})
+    message(FATAL_ERROR "${file} was not installed")
+  endif()
+endforeach()
+run(${moved}/bin/qdclgl --version)
+message("${output}")
+
 file(READ ${SOURCE_DIR}/README.md readme)
 string(REGEX MATCH "```cpp\n([^`]*)```" found "${readme}")
 if(NOT found)
@@ -46,11 +76,36 @@ if(NOT found)
 endif()
 file(WRITE ${work}/readme_example.cpp "${CMAKE_MATCH_1}")
 
-run(${CMAKE_COMMAND} -S ${SOURCE_DIR}/tests/consumer -B ${work}/build -G ${GENERATOR}
-    -DCMAKE_CXX_COMPILER=${COMPILER} -DCMAKE_PREFIX_PATH=${work}/moved
-    -DREADME_EXAMPLE=${work}/readme_example.cpp)
-run(${CMAKE_COMMAND} --build ${work}/build)
-run(${work}/build/consumer)
+function(build folder)
+  run(${CMAKE_COMMAND} -S ${programs} -B ${folder} -G ${GENERATOR}
+      -DCMAKE_CXX_COMPILER=${COMPILER}
+      -DREADME_EXAMPLE=${work}/readme_example.cpp ${ARGN})
+  run(${CMAKE_COMMAND} --build ${folder})
+  run(${folder}/consumer)
+  set(output "${output}" PARENT_SCOPE)
+endfunction()
+
+build(${work}/core -DWITH_SERVER=OFF -DCMAKE_PREFIX_PATH=${moved})
 message("${output}")
-run(${work}/build/readme-example)
+run(${work}/core/readme-example)
 message("${output}")
+build(${work}/server -DCMAKE_PREFIX_PATH=${moved})
+keep_books(${work}/server/books)
+build(${sources} -DQDCLGL_FOLDER=${SOURCE_DIR} -DCMAKE_BUILD_TYPE=Release
+      -DQDCLGL_WARNINGS_AS_ERRORS=ON)
+keep_books(${sources}/books)
+
+# Without CMake, by pkg-config.
+file(GLOB_RECURSE pkgconfig ${moved}/qdclgl-server.pc)
+cmake_path(GET pkgconfig PARENT_PATH pkgconfig)
+set(pkg ${CMAKE_COMMAND} -E env PKG_CONFIG_PATH=${pkgconfig} pkg-config)
+foreach(program IN ITEMS "qdclgl;main" "qdclgl-server;books")
+  list(POP_FRONT program package)
+  run(${pkg} --cflags ${package})
+  separate_arguments(flags UNIX_COMMAND "${output}")
+  run(${pkg} --libs ${package})
+  separate_arguments(libraries UNIX_COMMAND "${output}")
+  run(${COMPILER} -std=c++20 ${flags} ${programs}/${program}.cpp -o ${work}/${program} ${libraries})
+endforeach()
+run(${work}/main)
+keep_books(${work}/books)

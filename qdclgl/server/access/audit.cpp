@@ -68,11 +68,14 @@ std::string EndSql(bool is_sqlite) {
          " ORDER BY FNumber DESC LIMIT 1) AS former ON 1 = 1";
 }
 
-// Puts the row behind the record's last one.
-void PutBehind(Statement& end, AuditRow& row) {
+// Puts the row behind the record's last one. Two connections may do the same to a record within one
+// second, on a server that dies and on the one in its place; the connection's id tells their rows
+// apart.
+void PutBehind(const Database& db, Statement& end, AuditRow& row) {
   end.Fetch();
   row.time = std::max(end.Text(0), end.Text(1));
   row.connection = end.Text(2);
+  if (!db.IsSQLite()) row.connection.append(1, ' ').append(db.id());
   row.number = static_cast<Long>(end.Whole(3) + 1);
   row.hash = row.HashBehind(end.Text(4));
   end.Reset();
@@ -121,6 +124,7 @@ void WriteAudit(const Caller& caller, const Deed& deed) {
   row.origin = deed.origin;
   row.changes = deed.changes;
   PutBehind(
+      caller.db,
       deed.end != nullptr ? *deed.end : AskForTrailEnd(caller.db, deed.subject, row.record_id),
       row);
   Insert(caller.db, row);

@@ -75,7 +75,8 @@ class AuditInfo final : public Object {
             (std::string_view PropsString, const String& Filter = {}, const String& Sort = {}),
             "The deeds, the oldest first unless Sort says otherwise: FAuditID, FTime (UTC), "
             "FUserID, FUserName, FMachineName, FIPAddress, FSubject, FRecordID, FRecord, FAction, "
-            "FOrigin, FChanges, FConnection (the client's address as the database knows it), "
+            "FOrigin, FChanges, FConnection (the client's address as the database knows it, and "
+            "the connection's id), "
             "FNumber (from 1 for each record), FHash. BadFilter, BadSort.")
   QD_METHOD(String, GetHead, (std::string_view PropsString),
             "Seals the trail as far as it has come, and gives the number and the hash of the last "

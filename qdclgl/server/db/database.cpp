@@ -1,6 +1,9 @@
 #include "qdclgl/server/db/database.h"
 
 #include <chrono>
+#include <iomanip>
+#include <random>
+#include <sstream>
 #include <thread>
 
 #include "qdclgl/frame/platform/machine.h"
@@ -26,6 +29,14 @@ std::string Quoted(std::string_view text, char quote) {
 std::string OwnName() {
   return "QDCLGL on " + GetMachineName() + ", process " +
          std::to_string(CurrentPlatform().ProcessId());
+}
+
+std::string DrawId() {
+  std::random_device device;
+  std::ostringstream digits;
+  digits << std::hex << std::setfill('0');
+  for (int i = 0; i < 2; ++i) digits << std::setw(8) << device();
+  return digits.str();
 }
 
 // What changes when the server of PostgreSQL starts again, or loses its memory in a crash.
@@ -57,6 +68,7 @@ constexpr int kRules = 0, kBatchAlone = 1, kSessions = 3;
 Database::Database(const ConnectionText& text)
     : text_(text),
       is_sqlite_(text.IsSQLite()),
+      id_(DrawId()),
       driver_(DriverFor(text, [text](int backend) { return BusySentence(text, backend); })) {
   if (is_sqlite_) {
     const bool normal = EqualsIgnoringAsciiCase(text[connection_key::kSynchronous], "Normal");

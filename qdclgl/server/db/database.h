@@ -117,9 +117,11 @@ class Database {
   bool IsBatchOrphaned() const { return InBatch() && batch_owner_.expired(); }
   // BatchFailed when the database has failed in the batch under way.
   void RequireSound() const;
+  // Drawn at random when the connection was opened: no two connections have the same.
+  const std::string& id() const { return id_; }
   // Tells of a query that finds a row once the transaction under way is in the books and none
-  // otherwise. It settles a commit whose answer was lost when the server has started again, or
-  // another one is in its place.
+  // otherwise, whatever others write. It settles a commit whose answer was lost when the server has
+  // started again, or another one is in its place.
   void ProveCommitBy(std::string query) { proof_ = std::move(query); }
   // Whether the books can only be read here: their file, or its folder, can't be written to.
   bool IsReadOnly() const;
@@ -188,6 +190,7 @@ class Database {
 
   ConnectionText text_;
   bool is_sqlite_;
+  std::string id_;
   std::unique_ptr<Driver> driver_;
   std::unordered_map<std::string, std::unique_ptr<Statement>, TextHash, std::equal_to<>>
       statements_;

@@ -9,4 +9,6 @@ std::unique_ptr<Driver> ConnectToPostgreSQL(const ConnectionText&, Driver::OnBus
          "alone.");
 }
 
+std::string PostgreSQLBuiltIn() { return ""; }
+
 }  // namespace qdclgl::server

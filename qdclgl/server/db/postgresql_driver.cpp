@@ -247,10 +247,12 @@ void PostgreSQLDriver::Settle() {
   PGconn* const connection = connection_.get();
   RequireSent(PQpipelineSync(connection));
   std::optional<Failure> failure;
+  std::size_t done = 0;
   for (const auto& [statement, is_preparation] : expected) {
     Result result = NextResult();
     const ExecStatusType status = PQresultStatus(result.get());
     const bool is_done = status == PGRES_COMMAND_OK || status == PGRES_TUPLES_OK;
+    if (is_done) ++done;
     if (!is_done && status != PGRES_PIPELINE_ABORTED && !failure) failure = FailureIn(result.get());
     if (PQstatus(connection) != CONNECTION_OK) break;
     if (statement == nullptr) continue;
@@ -260,6 +262,8 @@ void PostgreSQLDriver::Settle() {
       statement->Take(std::move(result));
     }
   }
+  // Nothing counts as done for which no answer came.
+  if (done < expected.size() && !failure) failure = FailureIn(nullptr);
   if (PQstatus(connection) == CONNECTION_OK) Result(PQgetResult(connection));  // the pipeline's end
   if (failure) Raise(*failure);
 }
@@ -324,6 +328,12 @@ void PostgreSQLDriver::Raise(const Failure& failure) {
 
 std::unique_ptr<Driver> ConnectToPostgreSQL(const ConnectionText& text, Driver::OnBusy on_busy) {
   return std::make_unique<PostgreSQLDriver>(text, std::move(on_busy));
+}
+
+std::string PostgreSQLBuiltIn() {
+  const int version = PQlibVersion();  // 150014
+  return "PostgreSQL (libpq " + std::to_string(version / 10000) + "." +
+         std::to_string(version % 10000) + ")";
 }
 
 }  // namespace qdclgl::server

@@ -29,9 +29,9 @@ Function Raised()
   Err.Clear
 End Function
 
-' An amount as other programs read it.
+' An amount as other programs read it, whatever the machine's country.
 Function Amount(value)
-  Amount = Replace(FormatNumber(value, 2, True, False, False), ",", ".")
+  Amount = Replace(FormatNumber(value, 4, True, False, False), ",", ".")
 End Function
 
 TestCase "books are made in a file, whatever its name"

@@ -1,5 +1,7 @@
 #include "qdclgl/server/access/trail_seal.h"
 
+#include <regex>
+
 #include "qdclgl/server/access/audit.h"
 #include "qdclgl/server/db/connections.h"
 #include "tests/server/ledger_fixture.h"
@@ -135,6 +137,11 @@ class SharedTrailTest : public TrailSealTest {
                  {.subject = "Test", .record_id = 1, .record = "", .action = "Create"});
     }
     void Commit() { transaction_.Commit(); }
+    // Time and hash of its row.
+    std::tuple<std::string, std::string> Row() {
+      return *db_.QueryRow<std::string, std::string>(
+          "SELECT FTime, FHash FROM t_Audit WHERE FSubject = 'Test'");
+    }
 
    private:
     Database db_;
@@ -170,14 +177,26 @@ TEST_P(SharedTrailTest, OneProgramSealsAndTheOthersGoOn) {
   EXPECT_EQ(Seals(), FirstSeal());
 }
 
+// A server dies with the first one's commit, and on the one in its place the second does the same:
+// the first must not take the second's row for its own.
+TEST_P(SharedTrailTest, TheSameDeedByTwoConnectionsInOneSecondIsToldApart) {
+  std::tuple<std::string, std::string> lost, kept;
+  do {
+    lost = Other(connection).Row();
+    kept = Other(connection).Row();
+  } while (std::get<0>(lost) != std::get<0>(kept));
+  EXPECT_NE(std::get<1>(lost), std::get<1>(kept));
+}
+
 TEST_P(SharedTrailTest, TheAddressOfTheConnectionIsTheDatabases) {
   Save(Sale(1, "2024-01-15", {{"IPAddress", "203.0.113.9"}}));
   const auto row = Books().QueryRow<std::string, std::string, std::string>(
       "SELECT FIPAddress, FConnection, COALESCE(host(inet_client_addr()), '') FROM t_Audit"
       " ORDER BY FAuditID DESC LIMIT 1");
-  EXPECT_EQ(std::get<0>(*row), "203.0.113.9");
-  EXPECT_EQ(std::get<1>(*row), std::get<2>(*row));
-  EXPECT_NE(std::get<1>(*row), "");
+  const auto& [told, connected, address] = *row;
+  EXPECT_EQ(told, "203.0.113.9");
+  EXPECT_NE(address, "");
+  EXPECT_TRUE(std::regex_match(connected, std::regex(address + " [0-9a-f]{16}"))) << connected;
 }
 
 QDCLGL_BOOKS_TEST_OF(SharedTrailTest, kPostgreSQL);
