@@ -210,7 +210,8 @@ void LeftOutArguments() {
 // A ProgID leads to another class as long as one lives.
 class ClassElsewhere {
  public:
-  ClassElsewhere(const std::wstring& prog_id, const wchar_t* class_id) : key_(prog_id + L"\\CLSID") {
+  ClassElsewhere(const std::wstring& prog_id, const wchar_t* class_id)
+      : key_(prog_id + L"\\CLSID") {
     DWORD size = sizeof former_;
     RegGetValueW(HKEY_CLASSES_ROOT, key_.c_str(), nullptr, RRF_RT_REG_SZ, nullptr, former_, &size);
     Write(class_id);

@@ -133,4 +133,10 @@ answer = Raised()
 On Error GoTo 0
 Check Left(answer, 8), "String 80044200"
 
+' Made by the program of the machine that Wine runs on, which looks at them afterwards.
+TestCase "books of another system are opened and go on"
+props = CreateObject("QDSVGLSession.SessionUpdate").Login(folder & "\from-elsewhere.db", "administrator", "")
+AddAccount "4711", "Caf" & Chr(233)
+Check CreateObject("QDCLGL.AccountSet").Item("4711").Name, "String Caf" & Chr(233)
+
 Finish
