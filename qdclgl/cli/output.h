@@ -2,16 +2,15 @@
 // screen.
 #pragma once
 
-#include <optional>
+#include <sys/types.h>
+
 #include <streambuf>
 #include <string>
-
-#include "qdclgl/cli/system.h"
 
 namespace qdclgl::cli {
 
 // A reader that goes away, as a pager that is left or `head`, is no failure: what is left is
-// dropped. PrepareStandardStreams goes first.
+// dropped. SIGPIPE must be ignored.
 class Output : public std::streambuf {
  public:
   explicit Output(int descriptor) : descriptor_(descriptor) {}
@@ -36,8 +35,8 @@ class Output : public std::streambuf {
   std::string kept_;
   std::size_t lines_ = 0;
   std::size_t most_lines_ = 0;  // 0: nothing is paged
-  std::optional<std::string> pager_command_;
-  Pager pager_;
+  std::string pager_;
+  pid_t pager_process_ = 0;
   bool is_left_ = false;  // nobody reads any more
 };
 

@@ -1,9 +1,10 @@
 #include "qdclgl/cli/report_folder.h"
 
+#include <unistd.h>
+
 #include <system_error>
 
 #include "qdclgl/cli/console.h"
-#include "qdclgl/frame/platform/platform.h"
 
 namespace qdclgl::cli {
 
@@ -15,8 +16,8 @@ namespace fs = std::filesystem;
 constexpr const char* kMark = ".qdclgl-report";
 
 fs::path Beside(const fs::path& place, const std::string& what) {
-  return place.parent_path() / ("." + place.filename().string() + "." + what + "-" +
-                                std::to_string(CurrentPlatform().ProcessId()));
+  return place.parent_path() /
+         ("." + place.filename().string() + "." + what + "-" + std::to_string(getpid()));
 }
 
 bool MayBeReplaced(const fs::path& place) {
