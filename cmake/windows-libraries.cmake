@@ -1,4 +1,4 @@
-# The libraries that the server components and the command line need, for Windows: built here from
+# The libraries that the server components need, for Windows: built here from
 # Debian's sources, under the names that they have elsewhere. Both architectures share the sources.
 enable_language(C)
 
@@ -32,17 +32,9 @@ target_include_directories(sodium SYSTEM
 target_compile_definitions(sodium PUBLIC SODIUM_STATIC PRIVATE CONFIGURED=1)
 add_library(PkgConfig::libsodium ALIAS sodium)
 
-add_foreign_library(csv ${sources}/libcsv/libcsv.c)
-target_include_directories(csv SYSTEM PUBLIC ${sources}/libcsv)
-
-# Nothing but headers, which the machine's own packages have beside others that are not for Windows.
-foreach(library IN ITEMS CLI11:CLI nlohmann_json:nlohmann)
-  string(REPLACE ":" ";" library ${library})
-  list(GET library 0 name)
-  list(GET library 1 folder)
-  file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/headers)
-  file(CREATE_LINK /usr/include/${folder} ${CMAKE_BINARY_DIR}/headers/${folder} SYMBOLIC)
-  add_library(${name} INTERFACE)
-  target_include_directories(${name} SYSTEM INTERFACE ${CMAKE_BINARY_DIR}/headers)
-  add_library(${name}::${name} ALIAS ${name})
-endforeach()
+# Nothing but headers, which the machine's own package has beside others that are not for Windows.
+file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/headers)
+file(CREATE_LINK /usr/include/nlohmann ${CMAKE_BINARY_DIR}/headers/nlohmann SYMBOLIC)
+add_library(nlohmann_json INTERFACE)
+target_include_directories(nlohmann_json SYSTEM INTERFACE ${CMAKE_BINARY_DIR}/headers)
+add_library(nlohmann_json::nlohmann_json ALIAS nlohmann_json)
