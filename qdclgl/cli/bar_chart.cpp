@@ -49,7 +49,7 @@ void Draw(std::ostream& out, const std::string& title, const std::vector<ChartBa
         << "\"><title>" << Escaped(bars[i].label + ": " + bars[i].text) << "</title></rect>\n";
     if (i % labels_apart == 0) {
       out << "<text x=\"" << Number(left + step * 0.1) << "\" y=\"" << Number(kHeight + kFoot - 4)
-          << "\">" << Escaped(bars[i].label) << "</text>\n";
+          << "\">" << Escaped(bars[i].below.empty() ? bars[i].label : bars[i].below) << "</text>\n";
     }
   }
   out << "<line x1=\"0\" x2=\"" << Number(kWidth) << "\" y1=\"" << Number(axis) << "\" y2=\""

@@ -12,7 +12,8 @@ namespace qdclgl::cli {
 struct ChartBar {
   std::string label;
   Currency amount;
-  std::string text;  // the amount as it is read
+  std::string text;        // the amount as it is read
+  std::string below = {};  // what stands below the bar where the label is long
 };
 
 // `noun` heads the labels: "Month".

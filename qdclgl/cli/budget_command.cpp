@@ -90,8 +90,8 @@ int SetBudget(const BudgetOptions& options, const Console& console) {
   budget.year = YearOf(options);
   Put(props, budget);
   console.out << "The budget of " << ToUpper(budget.account) << " for "
-              << PeriodText(budget.year, budget.period) << " is " << AmountText(budget.amount)
-              << ".\n";
+              << PeriodText(budget.year, budget.period) << " is "
+              << MoneyText(budget.amount, console.look.DecimalsOf(kBaseCurrencyID)) << ".\n";
   return kDone;
 }
 

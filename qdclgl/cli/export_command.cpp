@@ -6,6 +6,7 @@
 #include "qdclgl/accounts/currency.h"
 #include "qdclgl/cli/chart.h"
 #include "qdclgl/cli/chart_writer.h"
+#include "qdclgl/cli/company.h"
 #include "qdclgl/cli/day_words.h"
 #include "qdclgl/cli/journal_pages.h"
 #include "qdclgl/cli/journal_writer.h"
@@ -139,6 +140,7 @@ void ExportPlainText(const ExportOptions& options, const std::string& props, Day
   OutputFile file(options.TextFile(), options.overwriting(), console);
   PlainTextJournal journal(file.out(), format,
                            Make<CurrencySet>()->Item(Names::kBaseCurrency)->Number(), accounts);
+  journal.WriteCompany(CompanyOfBooks());
   if (opening) journal.WriteOpening(days.from, *opening);
   const long count = ForEachVoucher(options, props, days, console,
                                     [&](const Dictionary& voucher) { journal.Write(voucher); });

@@ -25,6 +25,7 @@ nav { background: var(--soft); border-bottom: 1px solid var(--line) }
 nav ul { display: flex; flex-wrap: wrap; gap: .25em 1.25em; list-style: none; margin: 0;
   padding: .6em 1.25em }
 nav a[aria-current] { color: inherit; font-weight: 600; text-decoration: none }
+header { padding: .6em 1.25em 0 }
 main { padding: 0 1.25em 3em; max-width: 80em }
 h1, h2, td, th, caption, p, li { overflow-wrap: anywhere }
 h1 { font-size: 1.6em; line-height: 1.25 } h2 { font-size: 1.15em; margin: 1.8em 0 .4em }
@@ -92,6 +93,10 @@ void BeginPage(std::ostream& out, const PageHead& head) {
           << "</a></li>";
     }
     out << "</ul></nav>\n";
+  }
+  if (!head.company.name.empty() || !head.company.address.empty()) {
+    out << "<header><strong>" << Isolated(head.company.name) << "</strong> "
+        << Isolated(head.company.address) << "</header>\n";
   }
   out << "<main id=\"main\"><h1>" << Isolated(head.title) << "</h1>\n";
 }

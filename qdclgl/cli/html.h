@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "qdclgl/cli/company.h"
+
 namespace qdclgl::cli {
 
 // Fit for the text of a page and for its attributes.
@@ -19,6 +21,7 @@ struct PageLink {
 
 struct PageHead {
   std::string title;
+  Company company = {};
   std::vector<PageLink> links = {};  // to the other pages of a report
   std::string file = {};             // which of them this is
 };

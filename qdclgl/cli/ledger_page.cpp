@@ -122,7 +122,8 @@ void WriteLedgerPage(const Console& console, const Dictionary& ledger, Recordset
   for (const char* heading : kLead) columns.push_back({heading});
   for (const Heading& heading : figures) columns.push_back({heading.text, true});
   BeginPage(console.out, {Text(ledger, "FLedgerName") + ": " + Text(ledger, "FAccountNumber") +
-                          " " + Text(ledger, "FAccountName")});
+                              " " + Text(ledger, "FAccountName"),
+                          CompanyOfBooks()});
   HtmlTable table(console.out, "Multi-column ledger", columns);
   for (; !sheet.Eof(); sheet.MoveNext()) {
     const Ref<Dictionary> row = sheet.Row();

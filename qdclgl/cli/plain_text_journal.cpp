@@ -178,6 +178,12 @@ void PlainTextJournal::WritePosting(const Movement& movement, const std::string&
   out_ << " @@ " << AmountText(Size(movement.base)) << ' ' << base_ << note << '\n';
 }
 
+void PlainTextJournal::WriteCompany(const Company& company) {
+  for (const std::string& line : {company.name, company.address}) {
+    if (!line.empty()) out_ << "; " << OneLine(line) << '\n';
+  }
+}
+
 void PlainTextJournal::WriteOpening(DateTime day, Recordset& balances) {
   if (balances.Eof()) return;
   WriteHead(day, true, "", "Opening balances");

@@ -9,6 +9,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "qdclgl/cli/company.h"
 #include "qdclgl/frame/containers/recordset.h"
 
 namespace qdclgl::cli {
@@ -33,6 +34,8 @@ class PlainTextJournal {
   PlainTextJournal(std::ostream& out, PlainText format, const std::string& base_currency,
                    const std::vector<Ref<Dictionary>>& accounts);
 
+  // Whose books these are, as a comment.
+  void WriteCompany(const Company& company);
   // The balances that a day begins with: rows of a balance list by account and currency.
   void WriteOpening(DateTime day, Recordset& balances);
   void Write(const Dictionary& voucher);

@@ -101,6 +101,7 @@ Program::Program(const Console& console)
   AddResultCommands(*this);
   AddBudgetCommand(*this);
   AddReportCommand(*this);
+  AddSettingsCommand(*this);
   AddUserCommand(*this);
   AddApiCommand(*this);
   AddCompleteCommand(*this);

@@ -121,6 +121,7 @@ void AddCashFlowCommand(Program& program);   // cashflow
 void AddResultCommands(Program& program);    // income, position
 void AddBudgetCommand(Program& program);     // budget
 void AddReportCommand(Program& program);     // report
+void AddSettingsCommand(Program& program);   // settings
 void AddUserCommand(Program& program);       // user
 void AddApiCommand(Program& program);        // api
 void AddCompleteCommand(Program& program);   // complete

@@ -26,7 +26,7 @@ Long FirstYear() {
 }  // namespace
 
 ReportBooks::ReportBooks(std::string session, const Look& console_look)
-    : props(std::move(session)), look(console_look) {
+    : props(std::move(session)), look(console_look), company(CompanyOfBooks()) {
   const Ref<Recordset> rows = FetchList(*FindList("accounts"), props, {.with_deleted = true});
   for (; !rows->Eof(); rows->MoveNext()) {
     const Ref<Dictionary> row = rows->Row();
@@ -35,6 +35,18 @@ ReportBooks::ReportBooks(std::string session, const Look& console_look)
                                                      row->Value("FLevel").As<Long>(), is("FDetail"),
                                                      is("FIsCash") || is("FIsBank")};
   }
+}
+
+PageHead ReportBooks::Head(std::string title, std::string file) const {
+  return {std::move(title),
+          company,
+          {{"Overview", "index.html"},
+           {"Income statement", "income.html"},
+           {"Balance sheet", "position.html"},
+           {"Trial balance", "balance.html"},
+           {"Vouchers", "vouchers.html"},
+           {"Audit trail", "trail.html"}},
+          std::move(file)};
 }
 
 std::string ReportBooks::Money(Currency amount) const {
@@ -81,13 +93,6 @@ std::string AccountFile(Long account) { return "account-" + std::to_string(accou
 
 std::string AccountFile(Long account, Long year) {
   return "account-" + std::to_string(account) + "-" + std::to_string(year) + ".html";
-}
-
-std::vector<PageLink> ReportLinks() {
-  return {{"Overview", "index.html"},
-          {"Trial balance", "balance.html"},
-          {"Vouchers", "vouchers.html"},
-          {"Audit trail", "trail.html"}};
 }
 
 std::string PeriodText(YearAndPeriod period) {

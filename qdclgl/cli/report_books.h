@@ -29,12 +29,15 @@ struct ReportBooks {
   std::string props;
   Look look;
   std::map<Long, ReportAccount> accounts;  // by id
+  Company company;
 
   ReportBooks(std::string session, const Look& console_look);
 
   std::string Money(Currency amount) const;
   // Nothing for an amount of nothing.
   std::string SideText(Currency amount) const;
+  // The head of a page of the report.
+  PageHead Head(std::string title, std::string file) const;
   // The trial balance of all that is posted.
   Ref<Recordset> TrialBalance() const;
 };
@@ -49,8 +52,6 @@ std::string VouchersFile(YearAndPeriod period);
 std::string VoucherAnchor(Long voucher);
 std::string AccountFile(Long account);
 std::string AccountFile(Long account, Long year);
-// The links to the chief pages.
-std::vector<PageLink> ReportLinks();
 
 // "2024/3"
 std::string PeriodText(YearAndPeriod period);

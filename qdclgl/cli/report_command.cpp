@@ -7,6 +7,7 @@
 #include "qdclgl/cli/program.h"
 #include "qdclgl/cli/progress.h"
 #include "qdclgl/cli/report_folder.h"
+#include "qdclgl/cli/report_results.h"
 #include "qdclgl/cli/report_statements.h"
 #include "qdclgl/cli/report_vouchers.h"
 #include "qdclgl/frame/platform/platform.h"
@@ -28,9 +29,12 @@ class Report {
 
   void Write() {
     WriteVouchers();
-    WriteBalance();
     WriteTrail();
-    WriteOverview();
+    const ReportResults results = Results();
+    results.WritePages();
+    WriteOverview(results);
+    // The last one, as it finds out whether anything was posted meanwhile.
+    WriteBalance();
     folder_.Finish();
   }
   long vouchers() const { return vouchers_.count(); }
@@ -40,7 +44,7 @@ class Report {
   template <class Content>
   void WritePage(const std::string& file, const std::string& title, Content write) {
     std::ofstream out = folder_.Begin(file);
-    BeginPage(out, {title, ReportLinks(), file});
+    BeginPage(out, books_.Head(title, file));
     write(out);
     EndPage(out);
     folder_.End(out, file);
@@ -50,7 +54,8 @@ class Report {
   void WriteBalance();
   void WriteTrail();
   void WriteTrailPage(Recordset& deeds, Long number);
-  void WriteOverview();
+  ReportResults Results() const;
+  void WriteOverview(const ReportResults& results);
   void WriteMonths(std::ostream& out) const;
   void WriteCash(std::ostream& out) const;
   void WriteCustomers(std::ostream& out) const;
@@ -194,25 +199,30 @@ void Report::WriteCustomers(std::ostream& out) const {
                         ->Call("GetItemList", books_.props, customers->number, Long{0}, Long{0},
                                Long{0}, "FCurrencyID = 0 AND FDetail = TRUE")
                         .As<Recordset>();
-  std::map<std::string, Currency> debits;
+  std::map<std::pair<std::string, std::string>, Currency> debits;
   for (; !rows->Eof(); rows->MoveNext()) {
     const Ref<Dictionary> row = rows->Row();
-    debits[CellText(row->Value("FItemNumber1")) + " " + CellText(row->Value("FItemName1"))] +=
+    debits[{CellText(row->Value("FItemNumber1")), CellText(row->Value("FItemName1"))}] +=
         row->Value("FDebit").As<Currency>();
   }
   std::vector<ChartBar> bars;
-  for (const auto& [name, amount] : debits) bars.push_back({name, amount, books_.Money(amount)});
+  for (const auto& [item, amount] : debits) {
+    bars.push_back({item.first + " " + item.second, amount, books_.Money(amount), item.first});
+  }
   std::ranges::stable_sort(bars, std::greater(), &ChartBar::amount);
   if (bars.empty()) return;
   out << "<h2>Largest customers</h2>\n";
-  HtmlTable table(out, "What they were debited", {{"Customer"}, {"Debit", true}});
-  for (std::size_t i = 0; i < std::min(kMost, bars.size()); ++i) {
-    table.Row({{bars[i].label}, {bars[i].text}});
-  }
-  table.End();
+  bars.resize(std::min(kMost, bars.size()));
+  WriteBarChart(out, "What they were debited", "Customer", bars);
 }
 
-void Report::WriteOverview() {
+ReportResults Report::Results() const {
+  std::vector<YearAndPeriod> periods;
+  for (const auto& [period, sums] : vouchers_.periods()) periods.push_back(period);
+  return {books_, folder_, std::move(periods)};
+}
+
+void Report::WriteOverview(const ReportResults& results) {
   WritePage("index.html", "The books", [&](std::ostream& out) {
     out << "<p>Written on " << CurrentPlatform().Today().ToText() << ". " << vouchers_.count()
         << " vouchers are posted";
@@ -222,6 +232,7 @@ void Report::WriteOverview() {
     }
     out << ". Amounts are in the books' own currency.</p>\n<h2>Movement</h2>\n";
     WriteMonths(out);
+    results.WriteCharts(out);
     WriteCash(out);
     WriteCustomers(out);
   });

@@ -63,7 +63,7 @@ void ReportStatements::WriteYearOf(Long account, const std::vector<Line>& lines)
   const std::string file = AccountFile(account, year_);
   std::ofstream out = folder_.Begin(file);
   const ReportAccount& known = books_.accounts.at(account);
-  BeginPage(out, {TitleOf(known) + ", " + std::to_string(year_), ReportLinks(), file});
+  BeginPage(out, books_.Head(TitleOf(known) + ", " + std::to_string(year_), file));
   out << "<p><a href=\"" << AccountFile(account) << "\">All years of this account</a></p>\n";
   HtmlTable table(out, "Statement of " + std::to_string(year_),
                   {{"Date"},
@@ -102,7 +102,7 @@ void ReportStatements::WriteYearOf(Long account, const std::vector<Line>& lines)
 void ReportStatements::WriteAccount(Long account, const std::map<Long, Year>& years) {
   const std::string file = AccountFile(account);
   std::ofstream out = folder_.Begin(file);
-  BeginPage(out, {TitleOf(books_.accounts.at(account)), ReportLinks(), file});
+  BeginPage(out, books_.Head(TitleOf(books_.accounts.at(account)), file));
   HtmlTable table(out, "Years with movement",
                   {{"Year"}, {"Begin", true}, {"Debit", true}, {"Credit", true}, {"End", true}});
   for (const auto& [year, sums] : years) {

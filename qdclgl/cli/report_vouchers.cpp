@@ -46,7 +46,7 @@ void ReportVouchers::Add(const Dictionary& voucher) {
     EndPeriod();
     period_ = period;
     out_ = folder_.Begin(VouchersFile(period));
-    BeginPage(out_, {"Vouchers of " + PeriodText(period), ReportLinks(), VouchersFile(period)});
+    BeginPage(out_, books_.Head("Vouchers of " + PeriodText(period), VouchersFile(period)));
   }
   const auto id = voucher.Value("FVoucherID").As<Long>();
   places_[id] = period;
@@ -111,7 +111,7 @@ void ReportVouchers::Finish() {
 void ReportVouchers::WriteIndex() {
   const std::string file = "vouchers.html";
   std::ofstream out = folder_.Begin(file);
-  BeginPage(out, {"Vouchers", ReportLinks(), file});
+  BeginPage(out, books_.Head("Vouchers", file));
   HtmlTable table(out, "Posted vouchers by period",
                   {{"Period"}, {"Vouchers", true}, {"Debit", true}});
   for (const auto& [period, sums] : periods_) {

@@ -4,7 +4,6 @@
 #include <cstdio>
 #include <map>
 
-#include "qdclgl/cli/cell_values.h"
 #include "qdclgl/cli/chart.h"
 #include "qdclgl/cli/table.h"
 #include "qdclgl/frame/vocabulary/text.h"
@@ -77,12 +76,10 @@ std::string PercentText(double percent) {
   return text;
 }
 
-class StatementTable {
+// A statement's lines under the headings of their sections.
+class StatementLines {
  public:
-  StatementTable(const Console& console, const StatementLayout& layout)
-      : layout_(layout), table_(console, Format::kPlain, HeadingsOf(layout)) {
-    table_.AlignRight(2);
-  }
+  explicit StatementLines(const StatementLayout& layout) : layout_(layout) {}
 
   void Put(const StatementRow& row) {
     if (row.row == report_row::kAccount) {
@@ -99,9 +96,8 @@ class StatementTable {
     if (!row.kind.empty()) Open(row.kind);
     PutCells("", CaptionOf(row), row);
   }
-  void Finish() { table_.Finish(); }
+  std::vector<StatementLine> Take() { return std::move(lines_); }
 
- private:
   static std::vector<std::string> HeadingsOf(const StatementLayout& layout) {
     std::vector<std::string> headings = {"FAccountNumber", "FAccountName"};
     for (const std::string& column : layout.columns) {
@@ -113,6 +109,7 @@ class StatementTable {
     return headings;
   }
 
+ private:
   // The heading of a section, before its first row.
   void Open(const std::string& kind) {
     if (is_open_ && kind == section_) return;
@@ -120,7 +117,7 @@ class StatementTable {
     section_ = kind;
     std::vector<Variant> cells = {"", SectionOf(kind)};
     cells.resize(HeadingsOf(layout_).size(), "");
-    table_.Row(cells);
+    lines_.push_back({std::move(cells)});
   }
 
   void PutCells(const std::string& number, const std::string& name, const StatementRow& row) {
@@ -131,8 +128,7 @@ class StatementTable {
       if (layout_.has_budget) PutBudget(row, i, cells);
     }
     if (layout_.has_change) cells.emplace_back(row.amounts[0] - row.amounts[1]);
-    if (row.row == report_row::kAccount) table_.Row(cells);
-    else table_.Total(cells);
+    lines_.push_back({std::move(cells), row.row != report_row::kAccount});
   }
 
   // Of nothing there is no share.
@@ -144,57 +140,75 @@ class StatementTable {
   }
 
   const StatementLayout& layout_;
-  TableWriter table_;
+  std::vector<StatementLine> lines_;
   bool is_open_ = false;
   std::string section_;
 };
 
 // What assets and their sources differ by is told in words too: no reader has to look for it.
-void WriteOutcome(std::ostream& out, const StatementRow& difference,
-                  const std::vector<std::string>& columns) {
-  bool agrees = true;
-  for (std::size_t i = 0; i < columns.size(); ++i) {
+void TellOutcome(const StatementRow& difference, const StatementLayout& layout, const Look& look,
+                 std::vector<std::string>& remarks) {
+  const std::size_t before = remarks.size();
+  for (std::size_t i = 0; i < layout.columns.size(); ++i) {
     const Currency amount = difference.amounts[i];
     if (amount == Currency()) continue;
-    agrees = false;
-    out << columns[i] << ": assets differ from liabilities and equity by " << AmountText(amount)
-        << ", as accounts without a kind have balances.\n";
+    remarks.push_back(layout.columns[i] + ": assets differ from liabilities and equity by " +
+                      MoneyText(amount, look.DecimalsOf(kBaseCurrencyID)) +
+                      ", as accounts without a kind have balances.");
   }
-  if (agrees) out << "Assets are equal to liabilities and equity.\n";
+  if (remarks.size() == before) remarks.emplace_back("Assets are equal to liabilities and equity.");
 }
 
-void WriteAccountsWithoutKind(std::ostream& out, const std::vector<StatementRow>& accounts) {
+void TellAccountsWithoutKind(const std::vector<StatementRow>& accounts,
+                             std::vector<std::string>& remarks) {
   if (accounts.empty()) return;
-  out << (accounts.size() == 1 ? "An account has"
-                               : std::to_string(accounts.size()) + " accounts have")
-      << " no kind and " << (accounts.size() == 1 ? "is" : "are") << " in no sum:";
+  std::string text = accounts.size() == 1 ? "An account has no kind and is in no sum:"
+                                          : std::to_string(accounts.size()) +
+                                                " accounts have no kind and are in no sum:";
   for (const StatementRow& account : accounts) {
-    out << (&account == &accounts.front() ? " " : ", ") << account.number << " "
-        << OneLine(account.name);
+    text +=
+        (&account == &accounts.front() ? " " : ", ") + account.number + " " + OneLine(account.name);
   }
-  out << ".\nTell it with qdclgl set accounts " << accounts.front().number
-      << " FKind=..., which is " << server::WordsText(server::account_kind::kAll)
-      << "; it holds for those below as well.\n";
+  remarks.push_back(text + ".");
+  remarks.push_back("Tell it with qdclgl set accounts " + accounts.front().number +
+                    " FKind=..., which is " + server::WordsText(server::account_kind::kAll) +
+                    "; it holds for those below as well.");
 }
 
 }  // namespace
 
-void WriteStatement(const Console& console, Recordset& rows, const StatementLayout& layout) {
+StatementText Arranged(Recordset& rows, const StatementLayout& layout, const Look& look) {
   std::vector<StatementRow> statement;
   for (StatementRow row; TakeRow(rows, layout, row);) statement.push_back(row);
+  StatementText text{.headings = StatementLines::HeadingsOf(layout), .lines = {}, .remarks = {}};
   if (std::ranges::count(statement, report_row::kAccount, &StatementRow::row) == 0) {
-    console.out << layout.nothing << '\n';
-    return;
+    text.remarks.push_back(layout.nothing);
+    return text;
   }
-  StatementTable table(console, layout);
-  for (const StatementRow& row : statement) table.Put(row);
-  table.Finish();
+  StatementLines lines(layout);
+  for (const StatementRow& row : statement) lines.Put(row);
+  text.lines = lines.Take();
   const StatementRow& last = statement.back();
-  if (last.row == report_row::kDifference) WriteOutcome(console.out, last, layout.columns);
+  if (last.row == report_row::kDifference) TellOutcome(last, layout, look, text.remarks);
   std::erase_if(statement, [](const StatementRow& row) {
     return row.row != report_row::kAccount || !row.kind.empty() || row.level != 1;
   });
-  WriteAccountsWithoutKind(console.out, statement);
+  TellAccountsWithoutKind(statement, text.remarks);
+  return text;
+}
+
+void WriteStatement(const Console& console, Recordset& rows, const StatementLayout& layout) {
+  const StatementText text = Arranged(rows, layout, console.look);
+  if (!text.lines.empty()) {
+    TableWriter table(console, Format::kPlain, text.headings);
+    table.AlignRight(2);
+    for (const StatementLine& line : text.lines) {
+      if (line.is_total) table.Total(line.cells);
+      else table.Row(line.cells);
+    }
+    table.Finish();
+  }
+  for (const std::string& remark : text.remarks) console.out << remark << '\n';
 }
 
 }  // namespace qdclgl::cli

@@ -18,7 +18,23 @@ struct StatementLayout {
   Long depth = 0;           // of the tree of accounts that is shown; 0: all of it
 };
 
-// Prints a statement of QDSVGLReport.ReportInfo, and behind it which accounts have no kind.
+// A line of cells: the account's number and name, and then figures, which are amounts or texts.
+struct StatementLine {
+  std::vector<Variant> cells;
+  bool is_total = false;
+};
+
+struct StatementText {
+  std::vector<std::string> headings;  // the first two are keys (headings.h)
+  std::vector<StatementLine> lines;   // none: the first remark says so
+  // Sentences behind the lines: what the assets and their sources differ by, and which accounts
+  // have no kind.
+  std::vector<std::string> remarks;
+};
+
+// A statement of QDSVGLReport.ReportInfo as people read it.
+StatementText Arranged(Recordset& rows, const StatementLayout& layout, const Look& look);
+// Prints it.
 void WriteStatement(const Console& console, Recordset& rows, const StatementLayout& layout);
 
 }  // namespace qdclgl::cli

@@ -77,8 +77,8 @@ void SaveDraft(Voucher& voucher, const Console& console) {
 void TellDraft(Voucher& voucher, const Console& console) {
   console.out << "Voucher " << voucher.VoucherID() << " is made: " << voucher.Year() << '/'
               << voucher.Period() << ' ' << OneLine(voucher.Group()) << ' ' << voucher.Number()
-              << ", " << voucher.VoucherDate().ToText() << ", " << AmountText(voucher.DebitTotal())
-              << ".\n";
+              << ", " << voucher.VoucherDate().ToText() << ", "
+              << MoneyText(voucher.DebitTotal(), console.look.DecimalsOf(kBaseCurrencyID)) << ".\n";
 }
 
 }  // namespace qdclgl::cli

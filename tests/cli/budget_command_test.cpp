@@ -22,11 +22,11 @@ class BudgetCommand : public CliTest {
 TEST_P(BudgetCommand, BudgetsAreSetReplacedListedAndTakenAway) {
   Keep();
   EXPECT_EQ(Said({"budget", "--year", "2025"}), "0 Nothing is budgeted for 2025.\n");
-  EXPECT_EQ(Said({"budget", "4000", "900"}), "0 The budget of 4000 for 2024 is 900.0000.\n");
+  EXPECT_EQ(Said({"budget", "4000", "900"}), "0 The budget of 4000 for 2024 is 900.00.\n");
   EXPECT_EQ(Said({"budget", "--year", "2024", "4000", "1000"}),
-            "0 The budget of 4000 for 2024 is 1000.0000.\n");
+            "0 The budget of 4000 for 2024 is 1,000.00.\n");
   EXPECT_EQ(Said({"budget", "5000.01", "12.5", "--period", "2"}),
-            "0 The budget of 5000.01 for 2024/2 is 12.5000.\n");
+            "0 The budget of 5000.01 for 2024/2 is 12.50.\n");
   const std::string sales = "4000     Sales  2024    1,000.00\n";
   EXPECT_EQ(Said({"budget"}),
             "0 Account  Name   Period    Budget\n" + sales + "5000.01  Rent   2024/2     12.50\n");

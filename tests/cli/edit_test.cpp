@@ -138,7 +138,7 @@ TEST_P(Edit, ANewVoucherIsWrittenInTheEditorOnATerminal) {
         qdclgl::cli::Run({"new", book, "--date", "2024-01-09"}, {out, err, false, &answers});
     return std::to_string(code) + " " + out.str() + err.str();
   };
-  EXPECT_EQ(run(), "0 Voucher 1 is made: 2024/1 General 1, 2024-01-09, 3.0000.\n");
+  EXPECT_EQ(run(), "0 Voucher 1 is made: 2024/1 General 1, 2024-01-09, 3.00.\n");
   EXPECT_EQ(run(), "0 No voucher is made.\n");
   EXPECT_NE(Voucher().find("\"FReference\": \"\""), std::string::npos);
   EXPECT_EQ(Run({"new"}).code, 2);

@@ -24,7 +24,7 @@ TEST_P(Entries, AVoucherIsEnteredByTheWordsOfItsLines) {
       Run({"new", "--line", "1000 debit 119.50 Tea for  two", "--line", "1001 credit 100", "--line",
            "2000.01 credit", "--date", "2024-01-07", "--reference", "R 7"});
   EXPECT_EQ(made.err, "");
-  EXPECT_EQ(made.out, "Voucher 2 is made: 2024/1 General 2, 2024-01-07, 119.5000.\n");
+  EXPECT_EQ(made.out, "Voucher 2 is made: 2024/1 General 2, 2024-01-07, 119.50.\n");
   EXPECT_EQ(Run({"voucher", "2"}).out, "Voucher    2\n"
                                        "Number     2024/1 General 2\n"
                                        "Date       2024-01-07\n"
@@ -74,7 +74,7 @@ TEST_P(Entries, ACopyHasTheLinesAndNothingOfTheWorkflow) {
                 .code,
             0);
   ASSERT_EQ(Run({"check", "2"}).code, 0);
-  EXPECT_EQ(Run({"copy", "2"}).out, "Voucher 3 is made: 2024/1 General 3, 2024-01-31, 80.0000.\n")
+  EXPECT_EQ(Run({"copy", "2"}).out, "Voucher 3 is made: 2024/1 General 3, 2024-01-31, 80.00.\n")
       << "the nearest day of the current period";
   EXPECT_EQ(Lines("3"), Lines("2"));
   const std::string untouched =
@@ -84,7 +84,7 @@ TEST_P(Entries, ACopyHasTheLinesAndNothingOfTheWorkflow) {
   EXPECT_EQ(std::count(untouched.begin(), untouched.end(), '\n'), 2) << untouched;
   ASSERT_EQ(Run({"set", "groups", "General", "FName=Usual"}).code, 0);
   EXPECT_EQ(Run({"copy", "3", "--date", "2024-01-09", "--reference", "again"}).out,
-            "Voucher 4 is made: 2024/1 Usual 4, 2024-01-09, 80.0000.\n");
+            "Voucher 4 is made: 2024/1 Usual 4, 2024-01-09, 80.00.\n");
   EXPECT_EQ(Run({"doctor"}).code, 0);
 }
 
@@ -97,7 +97,7 @@ TEST_P(Entries, AReversalTakesEveryBalanceBack) {
   ASSERT_EQ(Run({"check", "--all"}).code, 0);
   ASSERT_EQ(Run({"post", "--all"}).code, 0);
   ASSERT_EQ(Run({"reverse", "2", "--date", "2024-01-20"}).out,
-            "Voucher 3 is made: 2024/1 General 3, 2024-01-20, 80.0000.\n");
+            "Voucher 3 is made: 2024/1 General 3, 2024-01-20, 80.00.\n");
   EXPECT_EQ(Lines("3"), "Line  Account  Name  Explanation  Debit  Credit  Currency  Amount  Rate\n"
                         "   1  1000     Cash  Tea                  80.00  USD       100.00   0.8\n"
                         "   2  1001     Bank               80.00\n");

@@ -133,6 +133,44 @@ class Report : public CliTest {
     EXPECT_GT(links, 5 * pages.size());
   }
 
+  // The figures of a statement's page are those of its command with the years of the page.
+  void ExpectStatement(const std::string& page, const char* command) const {
+    std::vector<std::string> years;
+    for (std::smatch match; years.empty();) {
+      std::string text = Page(page);
+      const std::regex heading("<th scope=\"col\" class=\"figure\">([0-9]+)</th>");
+      while (std::regex_search(text, match, heading)) {
+        years.push_back(match[1]);
+        text = match.suffix();
+      }
+      ASSERT_FALSE(years.empty()) << page;
+    }
+    std::map<std::string, std::vector<std::string>> by_account;
+    for (const std::string& year : years) {
+      const RunResult result = Run({command, "--json", "--year", year});
+      for (const auto& row : nlohmann::json::parse(result.out)) {
+        if (row["FRow"] != "Account") continue;
+        auto& amounts = by_account[row["FAccountNumber"]];
+        amounts.resize(years.size(), "0.0000");
+        amounts[static_cast<std::size_t>(std::ranges::find(years, year) - years.begin())] =
+            row["FAmount"];
+      }
+    }
+    // An account's own lines stand under the number of the account.
+    std::multimap<std::string, std::vector<std::string>> wanted, shown;
+    for (const auto& [number, amounts] : by_account) {
+      wanted.emplace(number.ends_with("._") ? number.substr(0, number.size() - 2) : number,
+                     amounts);
+    }
+    for (const auto& cells : RowsOf(Page(page))) {
+      if (cells[0].empty()) continue;
+      std::vector<std::string> amounts;
+      for (std::size_t i = 2; i < cells.size(); ++i) amounts.push_back(Exact(cells[i]));
+      shown.emplace(cells[0], amounts);
+    }
+    EXPECT_EQ(shown, wanted) << page;
+  }
+
   // What the trial balance and the statements say is what `balance` says.
   void ExpectFiguresOfTheCommands() const {
     std::map<std::string, nlohmann::json> balances;
@@ -203,6 +241,34 @@ TEST_P(Report, ShowsCashAndTheLargestCustomers) {
   EXPECT_TRUE(has({"2024/3", "1,231.50"})) << "the cash is what it was";
   EXPECT_TRUE(has({"2027/1", "1,226.50"}));
   EXPECT_TRUE(has({"C1 Ann", "70.00"}));
+}
+
+TEST_P(Report, HasIncomeStatementAndBalanceSheetOfAllYearsAndDrawsThem) {
+  Keep("2023",
+       "1000,Cash,1,asset\n3000,Capital,-1,equity\n4000,Sales,-1,income\n5000,Costs,1,expense\n"
+       "5000.01,Rent & light,1,\n5000.02,Paper,1,\n",
+       "a,2023-03-05,1000,1000,\na,2023-03-05,3000,,1000\n"
+       "b,2023-04-05,1000,80.5,\nb,2023-04-05,4000,,80.5\n"
+       "c,2024-02-05,5000.01,30,\nc,2024-02-05,1000,,30\n"
+       "d,2024-03-05,5000.02,45,\nd,2024-03-05,1000,,45\n");
+  ASSERT_EQ(Run({"report", Place()}).code, 0);
+  ExpectLinksLeadSomewhere();
+  ExpectStatement("income.html", "income");
+  ExpectStatement("position.html", "position");
+  const auto has = [&](const char* page, const std::vector<std::string>& row) {
+    const auto rows = RowsOf(Page(page));
+    return std::ranges::find(rows, row) != rows.end();
+  };
+  EXPECT_TRUE(has("income.html", {"", "Result", "80.50", "-75.00"}));
+  EXPECT_TRUE(has("position.html", {"", "Total assets", "1,080.50", "1,005.50"}));
+  EXPECT_NE(Page("position.html").find("<p>Assets are equal to liabilities and equity.</p>"),
+            std::string::npos);
+  EXPECT_TRUE(has("index.html", {"2023/4", "80.50"}));
+  EXPECT_TRUE(has("index.html", {"2024/2", "-30.00"}));
+  const std::string overview = Page("index.html");
+  EXPECT_TRUE(has("index.html", {"5000.01 Rent & light", "30.00"}));
+  EXPECT_LT(overview.find("<title>5000.02 Paper: 45.00"), overview.find("<title>5000.01 Rent"));
+  EXPECT_NE(overview.find(">5000.02</text>"), std::string::npos);
 }
 
 TEST_P(Report, EscapesWhateverNamesAre) {
@@ -316,6 +382,8 @@ TEST_P(Report, OfRealBooksAgreesWithTheirBalances) {
   ASSERT_EQ(Run({"report", Place()}).code, 0);
   ExpectLinksLeadSomewhere();
   ExpectFiguresOfTheCommands();
+  ExpectStatement("income.html", "income");
+  ExpectStatement("position.html", "position");
 }
 
 TEST_P(Report, IsFreeOfErrorsInABrowser) {
@@ -324,8 +392,9 @@ TEST_P(Report, IsFreeOfErrorsInABrowser) {
   InitWithPostings();
   ASSERT_EQ(Run({"set", "accounts", "1000", "FName=<script>document.title='x'</script>"}).code, 0);
   ASSERT_EQ(Run({"report", Place()}).code, 0);
-  for (const char* page : {"index.html", "balance.html", "account-1-2024.html", "account-1.html",
-                           "vouchers-2024-1.html", "vouchers.html", "trail-1.html"}) {
+  for (const char* page :
+       {"index.html", "income.html", "position.html", "balance.html", "account-1-2024.html",
+        "account-1.html", "vouchers-2024-1.html", "vouchers.html", "trail-1.html"}) {
     const RunResult shown = RunProgram(
         {"--headless", "--no-sandbox", "--disable-gpu", "--user-data-dir=" + folder.Path("browser"),
          "--enable-logging=stderr", "--dump-dom", "file://" + Place() + "/" + page},

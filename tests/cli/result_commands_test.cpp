@@ -99,7 +99,7 @@ TEST_P(ResultCommands, AccountsWithoutAKindAreToldWithWhatToDo) {
             "5000       Costs                          30.00\n"
             "5000.01      Rent                         30.00\n"
             "         Difference                      -30.00\n"
-            "2024-12-31: assets differ from liabilities and equity by -30.0000, as accounts "
+            "2024-12-31: assets differ from liabilities and equity by -30.00, as accounts "
             "without a kind have balances.\n" +
                 told);
 }

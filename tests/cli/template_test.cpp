@@ -51,7 +51,7 @@ TEST_P(Templates, AVoucherIsMadeOfATemplateWithTheAmountsThatAreGiven) {
   const RunResult made = Run({"voucher", "--from-template", "Rent", "--amount", "1=850.5",
                               "--amount", "2=850.5", "--date", "2024-01-20"});
   EXPECT_EQ(made.err, "");
-  EXPECT_EQ(made.out, "Voucher 2 is made: 2024/1 General 2, 2024-01-20, 850.5000.\n");
+  EXPECT_EQ(made.out, "Voucher 2 is made: 2024/1 General 2, 2024-01-20, 850.50.\n");
   EXPECT_EQ(Run({"voucher", "2"}).out, "Voucher    2\n"
                                        "Number     2024/1 General 2\n"
                                        "Date       2024-01-20\n"
@@ -64,7 +64,7 @@ TEST_P(Templates, AVoucherIsMadeOfATemplateWithTheAmountsThatAreGiven) {
                                        "   2  1000     Cash                            850.50\n");
   // The template is as it was.
   EXPECT_EQ(Run({"voucher", "--from-template", "1", "--date", "2024-01-21"}).out,
-            "Voucher 3 is made: 2024/1 General 3, 2024-01-21, 7.0000.\n");
+            "Voucher 3 is made: 2024/1 General 3, 2024-01-21, 7.00.\n");
   EXPECT_EQ(Run({"doctor"}).code, 0);
 }
 
@@ -73,7 +73,7 @@ TEST_P(Templates, OneLineWithoutAnAmountBalancesTheVoucher) {
   EXPECT_EQ(Run({"voucher", "--from-template", "Rent", "--amount", "1=3", "--date", "2024-01-20",
                  "--reference", "R", "--group", "General"})
                 .out,
-            "Voucher 2 is made: 2024/1 General 2, 2024-01-20, 5.0000.\n");
+            "Voucher 2 is made: 2024/1 General 2, 2024-01-20, 5.00.\n");
   EXPECT_NE(Run({"voucher", "2"}).out.find("Reference  R\n"), std::string::npos);
   const RunResult open = Run({"voucher", "--from-template", "Rent", "--date", "2024-01-20"});
   EXPECT_EQ(open.code, 1);
@@ -98,7 +98,7 @@ TEST_P(Templates, AnAmountOfALineInAnotherCurrencyIsTakenAtTheCurrencysRate) {
   EXPECT_EQ(
       Run({"voucher", "--from-template", "Abroad", "--amount", "1=100", "--date", "2024-01-20"})
           .out,
-      "Voucher 2 is made: 2024/1 General 2, 2024-01-20, 33.3300.\n");
+      "Voucher 2 is made: 2024/1 General 2, 2024-01-20, 33.33.\n");
   EXPECT_EQ(Lines("2"), "Line  Account  Name  Debit  Credit  Currency  Amount  Rate\n"
                         "   1  1001     Bank  33.33          USD       100.00     3\n"
                         "   2  1000     Cash          33.33\n");
@@ -108,7 +108,7 @@ TEST_P(Templates, WithoutADateTheVoucherIsOfTheCurrentPeriod) {
   InitWith("Rent", {{"1001", true, Currency(1)}, {"1000", false}});
   // The books stand at January 2024, which is over.
   EXPECT_EQ(Run({"voucher", "--from-template", "Rent"}).out,
-            "Voucher 2 is made: 2024/1 General 2, 2024-01-31, 1.0000.\n");
+            "Voucher 2 is made: 2024/1 General 2, 2024-01-31, 1.00.\n");
   EXPECT_EQ(Run({"voucher", "--from-template", "Rent", "--date", "2023-12-31"}).code, 1);
 }
 

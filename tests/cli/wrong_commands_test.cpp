@@ -107,6 +107,14 @@ TEST_F(WrongCommands, MisspeltOnesAreToldWithTheNearest) {
        2,
        "qdclgl: there is no kind \"acounts\"; did you mean accounts? There are " + Kinds() +
            "; see qdclgl help show\n"},
+      {{"settings", "BOOK", "set", "CheckBeforPost", "1"},
+       2,
+       "qdclgl: there is no setting \"CheckBeforPost\"; did you mean CheckBeforePost? See qdclgl "
+       "help settings\n"},
+      {{"settings", "BOOK", "reset", "GL.PeriodCuont"},
+       2,
+       "qdclgl: there is no setting \"GL.PeriodCuont\"; did you mean GL.PeriodCount? See qdclgl "
+       "help settings\n"},
       {{"set", "BOOK", "users", "ann", "FRole=reader"},
        2,
        "qdclgl: there is no column \"FRole\"; did you mean FRoles? There are FName, FRoles, "
@@ -165,6 +173,13 @@ TEST_F(WrongCommands, WhatIsMissingOrTooMuchIsNamed) {
       {{"post", "BOOK"}, 2, "qdclgl: post takes IDs or --all; see qdclgl help post\n"},
       {{"post", "BOOK", "y"}, 2, "qdclgl: ID: \"y\" is not a whole number; see qdclgl help post\n"},
       {{"user", "BOOK"}, 2, "qdclgl: user takes one NAME; see qdclgl help user\n"},
+      {{"settings", "BOOK", "set", "CheckBeforePost"},
+       2,
+       "qdclgl: settings takes set KEY VALUE, reset KEY, or a category; see qdclgl help "
+       "settings\n"},
+      {{"settings", "BOOK", "XX"},
+       2,
+       "qdclgl: there are no settings of category \"XX\"; see qdclgl help settings\n"},
       {{"import", "BOOK"},
        2,
        "qdclgl: import needs --accounts, --items or --journal; see qdclgl help import\n"},
@@ -280,6 +295,19 @@ TEST_F(WrongCommands, FilesSayWhereAndWhatToDo) {
 
 TEST_F(WrongCommands, WhatTheBooksRefuseHasANumberAndASentence) {
   Expect({
+      {{"settings", "BOOK", "set", "CheckBeforePost", "yes"},
+       1,
+       "qdclgl: 80044242: Setting CheckBeforePost of GL is 0 or 1, not \"yes\".\n"},
+      {{"settings", "BOOK", "set", "YearStartMonth", "13"},
+       1,
+       "qdclgl: 80044242: Setting YearStartMonth of GL is a whole number from 1 to 12, not "
+       "\"13\".\n"},
+      {{"settings", "BOOK", "reset", "CurrentPeriod"},
+       1,
+       "qdclgl: 80044241: Setting CurrentPeriod of GL is kept by closing and reopening.\n"},
+      {{"report", "BOOK", "none/report"},
+       6,
+       "qdclgl: none/report can't be made: No such file or directory\n"},
       {{"voucher", "BOOK", "5"}, 1, "qdclgl: 80044213: There is no voucher with the id 5.\n"},
       {{"show", "BOOK", "accounts", "9"}, 1, "qdclgl: 80044213: Account 9: there is none.\n"},
       {{"open", "BOOK", "--by", "customers"},

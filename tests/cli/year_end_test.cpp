@@ -35,7 +35,7 @@ TEST_P(YearEndCommand, TheResultIsShownCarriedAndTakenBack) {
   EXPECT_EQ(Said({"close", "--year", "2024", "--to", "3000", "--dry-run"}), "0 " + shown);
   EXPECT_EQ(Run({"balance"}).out, balance);
   EXPECT_EQ(Said({"close", "--to", "3000", "--yes", "--year"}),
-            "0 " + shown + "Voucher 3 is made: 2024/12 General 1, 2024-12-31, 80.0000.\n");
+            "0 " + shown + "Voucher 3 is made: 2024/12 General 1, 2024-12-31, 80.00.\n");
   EXPECT_EQ(Run({"balance", "--csv"}).out, "account,debit,credit,balance\n"
                                            "1000,80.0000,30.0000,50.0000\n"
                                            "3000,0.0000,50.0000,-50.0000\n"
@@ -73,7 +73,7 @@ TEST_P(YearEndCommand, WhoMayNotPostLeavesThatToOthers) {
   EXPECT_EQ(result.code, 0);
   EXPECT_EQ(result.err, "qdclgl: 80044202: User ann (preparer) may not post vouchers.\n");
   EXPECT_EQ(result.out.substr(result.out.find("Voucher 3")),
-            "Voucher 3 is made: 2024/12 General 1, 2024-12-31, 80.0000.\n"
+            "Voucher 3 is made: 2024/12 General 1, 2024-12-31, 80.00.\n"
             "Somebody else has to take it through posting.\n");
   EXPECT_EQ(Said({"close", "--year", "2024", "--to", "3000", "--yes"}),
             "1 qdclgl: 80044250: The voucher with the id 3 carries the result of 2024 and is not "

@@ -15,94 +15,101 @@ namespace qdclgl::server {
 
 namespace {
 
-enum class SettingType {
-  kSwitch,        // 0 or 1
-  kSwitchOrName,  // the same, or the name of a computer
-  kWhole,         // a whole number from `least` to `most`
-  kNumber,
-  kDate,  // 2024-01-31 or 2024/01/31
-};
-
-struct KnownSetting {
-  std::string_view category, key;
-  SettingType type;
-  std::int64_t least = 0, most = 0;
-};
-
 constexpr std::int64_t kLargestInteger = std::numeric_limits<Integer>::max();
 constexpr std::int64_t kLargestLong = std::numeric_limits<Long>::max();
 constexpr std::int64_t kMinutesOfAWeek = 7 * 24 * 60;
 
 using enum SettingType;
+
+// What is known of these is their type; what they mean is settlement programs' own.
+constexpr std::string_view kSettlement = "an option of settlement programs";
+
 constexpr KnownSetting kKnown[] = {
-    {"Base", "Offline", kSwitchOrName},
-    {"Base", "SessionMinutes", kWhole, 0, kMinutesOfAWeek},
-    {"GL", "ApproverNotPreparer", kSwitch},
-    {"GL", "CashierNotPreparer", kSwitch},
-    {"GL", "CheckBeforePost", kSwitch},
-    {"GL", "CheckerNotPreparer", kSwitch},
-    {"GL", "Closed", kSwitch},
-    {"GL", "EarnAccount", kWhole, 0, kLargestLong},
-    {"GL", "EarnAssignAccount", kWhole, 0, kLargestLong},
-    {"GL", "ExplanationEachEntry", kSwitch},
-    {"GL", "NoNegativeAmounts", kSwitch},
-    {"GL", "PeriodByMonth", kSwitch},
-    {"GL", "PeriodCount", kWhole, 1, 52},
-    {"GL", "PosterNotPreparer", kSwitch},
-    {"GL", "YearStartMonth", kWhole, 1, 12},
-    {"SC", "SCAcctBalStop", kSwitch},
-    {"SC", "SCAutoVchNotDblChk", kSwitch},
-    {"SC", "SCBillAutoVch", kSwitch},
-    {"SC", "SCChangeRenewAcct", kSwitch},
-    {"SC", "SCConsignSaveAutoCheck", kSwitch},
-    {"SC", "SCDailyEnd", kSwitch},
-    {"SC", "SCDpstPayWithInt", kSwitch},
-    {"SC", "SCForbidHistory", kSwitch},
-    {"SC", "SCForIntMakeNow", kSwitch},
-    {"SC", "SCInSettNoteReCheck", kSwitch},
-    {"SC", "SCInSettReCheck", kSwitch},
-    {"SC", "SCIntAutoVch", kSwitch},
-    {"SC", "SCIntCalByBill", kSwitch},
-    {"SC", "SCIntDpstModifySum", kSwitch},
-    {"SC", "SCIntMultiSaveNoVch", kSwitch},
-    {"SC", "SCIntOneYear", kSwitch},
-    {"SC", "SCIntSaveAutoCheck", kSwitch},
-    {"SC", "SCIntToDpst", kSwitch},
-    {"SC", "SCIntToLoan", kSwitch},
-    {"SC", "SCIntToOneVch", kSwitch},
-    {"SC", "SCLoanPayWithInt", kSwitch},
-    {"SC", "SCLongTermLoanMidCal", kSwitch},
-    {"SC", "SCMakeVchInLoanExt", kSwitch},
-    {"SC", "SCMakeVchInReStat", kSwitch},
-    {"SC", "SCNotiPayBillVch", kSwitch},
-    {"SC", "SCOneTimeLoanMidCal", kSwitch},
-    {"SC", "SCOverDue180", kSwitch},
-    {"SC", "SCPayBillVch", kSwitch},
-    {"SC", "SCPayNoteReCheck", kSwitch},
-    {"SC", "SCPayReCheck", kSwitch},
-    {"SC", "SCPreIntCalDpst", kSwitch},
-    {"SC", "SCPreIntCalLoan", kSwitch},
-    {"SC", "SCPreIntCalStat", kSwitch},
-    {"SC", "SCSettAcntSel", kSwitch},
-    {"SC", "SCSettOneVch", kSwitch},
-    {"SC", "SCStrikeRed", kSwitch},
-    {"SC", "SCTransferBillVch", kSwitch},
-    {"SC", "SCUsePlan", kSwitch},
-    {"SC", "SCStatIntCalWhole", kSwitch},
-    {"SC", "SCActionForOverDue", kWhole, 0, kLargestInteger},
-    {"SC", "SCIntTaxAcct", kWhole, 0, kLargestInteger},
-    {"SC", "SCRtLongLoanIntMethod", kWhole, 0, kLargestInteger},
-    {"SC", "SCRtShortLoanIntMethod", kWhole, 0, kLargestInteger},
-    {"SC", "SCRtStatIntMethod", kWhole, 0, kLargestInteger},
-    {"SC", "SCDiscAmtAcct", kWhole, 0, kLargestLong},
-    {"SC", "SCDiscIntEarnAcct", kWhole, 0, kLargestLong},
-    {"SC", "SCDiscinterAcct", kWhole, 0, kLargestLong},
-    {"SC", "SCMaxLoanExt", kWhole, 0, kLargestLong},
-    {"SC", "SCMaxRtStat", kWhole, 0, kLargestLong},
-    {"SC", "SCOverDueNum", kWhole, 0, kLargestLong},
-    {"SC", "SCIntTaxRate", kNumber},
-    {"SC", "SCDateToday", kDate},
-    {"SC", "SCYearRateStartDate", kDate},
+    {"Base", "Offline", kSwitchOrName, 0, 0, "",
+     "whether clients work off line: none, all, or one computer"},
+    {"Base", "SessionMinutes", kWhole, 0, kMinutesOfAWeek, "480",
+     "how long an unused session lasts; 0 without an end"},
+    {"General", "CompanyAddress", kAnyText, 0, 0, "",
+     "the company's address, at the head of pages and exports"},
+    {"General", "CompanyName", kAnyText, 0, 0, "",
+     "the company's name, at the head of pages and exports"},
+    {"General", "CompanyPhone", kAnyText, 0, 0, "", "the company's telephone number"},
+    {"GL", "ApproverNotPreparer", kSwitch, 0, 0, "0",
+     "nobody approves a voucher that he had a hand in"},
+    {"GL", "CashierNotPreparer", kSwitch, 0, 0, "0",
+     "nobody cashes a voucher that he had a hand in"},
+    {"GL", "CheckBeforePost", kSwitch, 0, 0, "0", "a voucher is checked before it is posted"},
+    {"GL", "CheckerNotPreparer", kSwitch, 0, 0, "0",
+     "nobody checks a voucher that he had a hand in"},
+    {"GL", "Closed", kSwitch, 0, 0, "0", "the ledger is closed, for programs that ask"},
+    {"GL", "CurrentPeriod", kKept, 0, 0, "", "the period that the books stand in"},
+    {"GL", "CurrentYear", kKept, 0, 0, "", "the year that the books stand in"},
+    {"GL", "EarnAccount", kWhole, 0, kLargestLong, "",
+     "id of the account that a year's result is carried to"},
+    {"GL", "EarnAssignAccount", kWhole, 0, kLargestLong, "",
+     "id of the account that earnings are assigned by"},
+    {"GL", "ExplanationEachEntry", kSwitch, 0, 0, "0",
+     "programs ask for an explanation on each line"},
+    {"GL", "NoNegativeAmounts", kSwitch, 0, 0, "0", "vouchers have no negative amounts"},
+    {"GL", "PeriodByMonth", kSwitch, 0, 0, "1", "periods are calendar months, otherwise weeks"},
+    {"GL", "PeriodCount", kWhole, 1, 52, "12", "how many periods a year has"},
+    {"GL", "PosterNotPreparer", kSwitch, 0, 0, "0", "nobody posts a voucher that he had a hand in"},
+    {"GL", "StartPeriod", kKept, 0, 0, "", "the period that the books begin with"},
+    {"GL", "StartYear", kKept, 0, 0, "", "the year that the books begin with"},
+    {"GL", "YearStartMonth", kWhole, 1, 12, "1", "the month that an accounting year begins with"},
+    {"SC", "SCAcctBalStop", kSwitch, 0, 0, "0", kSettlement},
+    {"SC", "SCAutoVchNotDblChk", kSwitch, 0, 0, "0", kSettlement},
+    {"SC", "SCBillAutoVch", kSwitch, 0, 0, "0", kSettlement},
+    {"SC", "SCChangeRenewAcct", kSwitch, 0, 0, "0", kSettlement},
+    {"SC", "SCConsignSaveAutoCheck", kSwitch, 0, 0, "0", kSettlement},
+    {"SC", "SCDailyEnd", kSwitch, 0, 0, "0", kSettlement},
+    {"SC", "SCDpstPayWithInt", kSwitch, 0, 0, "0", kSettlement},
+    {"SC", "SCForbidHistory", kSwitch, 0, 0, "0", kSettlement},
+    {"SC", "SCForIntMakeNow", kSwitch, 0, 0, "0", kSettlement},
+    {"SC", "SCInSettNoteReCheck", kSwitch, 0, 0, "0", kSettlement},
+    {"SC", "SCInSettReCheck", kSwitch, 0, 0, "0", kSettlement},
+    {"SC", "SCIntAutoVch", kSwitch, 0, 0, "0", kSettlement},
+    {"SC", "SCIntCalByBill", kSwitch, 0, 0, "0", kSettlement},
+    {"SC", "SCIntDpstModifySum", kSwitch, 0, 0, "0", kSettlement},
+    {"SC", "SCIntMultiSaveNoVch", kSwitch, 0, 0, "0", kSettlement},
+    {"SC", "SCIntOneYear", kSwitch, 0, 0, "0", kSettlement},
+    {"SC", "SCIntSaveAutoCheck", kSwitch, 0, 0, "0", kSettlement},
+    {"SC", "SCIntToDpst", kSwitch, 0, 0, "0", kSettlement},
+    {"SC", "SCIntToLoan", kSwitch, 0, 0, "0", kSettlement},
+    {"SC", "SCIntToOneVch", kSwitch, 0, 0, "0", kSettlement},
+    {"SC", "SCLoanPayWithInt", kSwitch, 0, 0, "0", kSettlement},
+    {"SC", "SCLongTermLoanMidCal", kSwitch, 0, 0, "0", kSettlement},
+    {"SC", "SCMakeVchInLoanExt", kSwitch, 0, 0, "0", kSettlement},
+    {"SC", "SCMakeVchInReStat", kSwitch, 0, 0, "0", kSettlement},
+    {"SC", "SCNotiPayBillVch", kSwitch, 0, 0, "0", kSettlement},
+    {"SC", "SCOneTimeLoanMidCal", kSwitch, 0, 0, "0", kSettlement},
+    {"SC", "SCOverDue180", kSwitch, 0, 0, "0", kSettlement},
+    {"SC", "SCPayBillVch", kSwitch, 0, 0, "0", kSettlement},
+    {"SC", "SCPayNoteReCheck", kSwitch, 0, 0, "0", kSettlement},
+    {"SC", "SCPayReCheck", kSwitch, 0, 0, "0", kSettlement},
+    {"SC", "SCPreIntCalDpst", kSwitch, 0, 0, "0", kSettlement},
+    {"SC", "SCPreIntCalLoan", kSwitch, 0, 0, "0", kSettlement},
+    {"SC", "SCPreIntCalStat", kSwitch, 0, 0, "0", kSettlement},
+    {"SC", "SCSettAcntSel", kSwitch, 0, 0, "0", kSettlement},
+    {"SC", "SCSettOneVch", kSwitch, 0, 0, "0", kSettlement},
+    {"SC", "SCStrikeRed", kSwitch, 0, 0, "0", kSettlement},
+    {"SC", "SCTransferBillVch", kSwitch, 0, 0, "0", kSettlement},
+    {"SC", "SCUsePlan", kSwitch, 0, 0, "0", kSettlement},
+    {"SC", "SCStatIntCalWhole", kSwitch, 0, 0, "0", kSettlement},
+    {"SC", "SCActionForOverDue", kWhole, 0, kLargestInteger, "", kSettlement},
+    {"SC", "SCIntTaxAcct", kWhole, 0, kLargestInteger, "", kSettlement},
+    {"SC", "SCRtLongLoanIntMethod", kWhole, 0, kLargestInteger, "", kSettlement},
+    {"SC", "SCRtShortLoanIntMethod", kWhole, 0, kLargestInteger, "", kSettlement},
+    {"SC", "SCRtStatIntMethod", kWhole, 0, kLargestInteger, "", kSettlement},
+    {"SC", "SCDiscAmtAcct", kWhole, 0, kLargestLong, "", kSettlement},
+    {"SC", "SCDiscIntEarnAcct", kWhole, 0, kLargestLong, "", kSettlement},
+    {"SC", "SCDiscinterAcct", kWhole, 0, kLargestLong, "", kSettlement},
+    {"SC", "SCMaxLoanExt", kWhole, 0, kLargestLong, "", kSettlement},
+    {"SC", "SCMaxRtStat", kWhole, 0, kLargestLong, "", kSettlement},
+    {"SC", "SCOverDueNum", kWhole, 0, kLargestLong, "180", kSettlement},
+    {"SC", "SCIntTaxRate", kNumber, 0, 0, "", kSettlement},
+    {"SC", "SCDateToday", kDate, 0, 0, "", "the day of settlement; today where it is not set"},
+    {"SC", "SCYearRateStartDate", kDate, 0, 0, "1995-10-25", kSettlement},
 };
 
 // The whole text as a number; false for anything else.
@@ -139,6 +146,8 @@ bool LooksLikeSwitch(std::string_view text) {
 
 bool Fits(const KnownSetting& setting, std::string_view text) {
   switch (setting.type) {
+    case kAnyText:
+    case kKept: break;  // what closing keeps is refused by its name
     case kSwitch: return IsSwitch(text);
     case kSwitchOrName: return IsSwitch(text) || !LooksLikeSwitch(text);
     case kWhole: {
@@ -154,8 +163,14 @@ bool Fits(const KnownSetting& setting, std::string_view text) {
   return true;
 }
 
-std::string Wanted(const KnownSetting& setting) {
+}  // namespace
+
+std::span<const KnownSetting> KnownSettings() { return kKnown; }
+
+std::string RangeOf(const KnownSetting& setting) {
   switch (setting.type) {
+    case kAnyText: return "any text";
+    case kKept: return "kept by closing and reopening";
     case kSwitch: return "0 or 1";
     case kSwitchOrName: return "0, 1 or the name of a computer";
     case kWhole:
@@ -167,14 +182,12 @@ std::string Wanted(const KnownSetting& setting) {
   return "";
 }
 
-}  // namespace
-
 void CheckSettingType(std::string_view category, std::string_view key, std::string_view text) {
   if (text.empty()) return;
   for (const KnownSetting& setting : kKnown) {
     if (setting.category != category || setting.key != key || Fits(setting, text)) continue;
     Refuse(refusal::kBadSetting, "Setting " + std::string(key) + " of " + std::string(category) +
-                                     " is " + Wanted(setting) + ", not \"" + std::string(text) +
+                                     " is " + RangeOf(setting) + ", not \"" + std::string(text) +
                                      "\".");
   }
 }

@@ -181,6 +181,28 @@ void ServerProfile::SetProfile(std::string_view PropsString, const String& Categ
   transaction.Commit();
 }
 
+Ref<Recordset> ServerProfile::ListSettings(std::string_view PropsString) {
+  const Caller caller = Enter(PropsString, RightTo<ServerProfile>("ListSettings"));
+  std::map<std::pair<std::string, std::string>, std::string> set;
+  for (const auto& [category, key, value] : caller.db.Query<std::string, std::string, std::string>(
+           "SELECT FCategory, FKey, FValue FROM t_SystemProfile")) {
+    set[{category, key}] = value;
+  }
+  auto list = Recordset::Create({"FCategory", "FKey", "FValue", "FDefault", "FRange", "FMeaning"});
+  for (const std::string_view category : strings::kProfileCategories) {
+    for (const KnownSetting& known : KnownSettings()) {
+      if (known.category != category) continue;
+      const auto found = set.extract({std::string(category), std::string(known.key)});
+      list->AddRow({category, known.key, found ? found.mapped() : "", known.otherwise,
+                    RangeOf(known), known.meaning});
+    }
+    for (const auto& [name, value] : set) {
+      if (name.first == category) list->AddRow({category, name.second, value, "", "", ""});
+    }
+  }
+  return list;
+}
+
 Boolean BaseInfo::IsNeedOffline(std::string_view PropsString, Integer, const String& ComputerName) {
   const Caller caller = Enter(PropsString, RightTo<BaseInfo>("IsNeedOffline"));
   const std::string offline = SettingOf(caller.db, "Base", "Offline");

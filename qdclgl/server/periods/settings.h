@@ -7,6 +7,7 @@
 #include <string>
 
 #include "qdclgl/frame/containers/dictionary.h"
+#include "qdclgl/frame/containers/recordset.h"
 #include "qdclgl/server/access/component.h"
 #include "qdclgl/server/access/trail_row.h"
 #include "qdclgl/server/db/database.h"
@@ -87,7 +88,8 @@ class ServerProfile final : public Object {
   static constexpr std::string_view kProgID = "QDSVBase.SystemProfile";
   static constexpr MethodRight kRights[] = {
       {"ListProfiles", {Role::kReader, "read settings"}},
-      {"SetProfile", {Role::kAdministrator, "change settings"}}};
+      {"SetProfile", {Role::kAdministrator, "change settings"}},
+      {"ListSettings", {Role::kReader, "read settings"}}};
 
   QD_METHOD(Ref<Dictionary>, ListProfiles,
             (std::string_view PropsString, std::string_view Category),
@@ -100,6 +102,10 @@ class ServerProfile final : public Object {
             "that closing keeps, or that dates and periods of present vouchers rest on; BadSetting "
             "for a value that is not of the setting's type and range, as settings.md tells them. "
             "Settings that nobody knows take any text.")
+  QD_METHOD(Ref<Recordset>, ListSettings, (std::string_view PropsString),
+            "All settings that are known or set, those of one category together: FCategory, FKey, "
+            "FValue (\"\" while it is not set), FDefault (what holds then), FRange and FMeaning, "
+            "which are \"\" for settings that nobody knows.")
 };
 
 class BaseInfo final : public Object {

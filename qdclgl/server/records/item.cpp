@@ -112,6 +112,7 @@ void Check(RecordSave& save) {
     save.Refuse(refusal::kHasChildren, "it has items below it.");
   }
   PlaceInTree(save);
+  if (save.is_new()) save.record().Put("FDetail", save.Number("FUNDetail") == 0);
   TakeFields(save);
 }
 
@@ -124,7 +125,7 @@ void Follow(RecordSave& save) {
     kTree.KeepDetailFlag(db, save.stored().Value("FParentID").As<Long>());
   }
   kTree.KeepDetailFlag(db, save.Number("FParentID"));
-  kTree.KeepDetailFlag(db, save.id());
+  if (!save.is_new() && save.Changes("FUNDetail")) kTree.KeepDetailFlag(db, save.id());
 }
 
 void Remove(RecordRemoval& removal) {

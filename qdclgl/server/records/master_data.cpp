@@ -72,6 +72,7 @@ MasterData::MasterData(Description description)
     description_.errors = description_.key.column == kNumber ? "Required, NumberTaken, BadValue"
                                                              : "Required, NameTaken, BadValue";
   }
+  sql_ = MakeSql();
   const std::string nouns(description_.nouns);
   reading_ = {Role::kReader, Kept("read " + nouns)};
   writing_ = {description_.writer, Kept("change " + nouns)};
@@ -101,6 +102,38 @@ MasterData::MasterData(Description description)
   };
   for (const MethodRight& right : description_.rights) require_method(right.method);
   for (const auto& [method, help] : description_.helps) require_method(method);
+}
+
+namespace {
+
+// A table's rows by their ids, which stand in the first column.
+std::string IdsSql(std::string_view table, std::span<const Column> columns,
+                   std::string_view order) {
+  return "SELECT " + NamesOf(columns) + " FROM " + std::string(table) + " WHERE " +
+         std::string(columns.front().name) + " BETWEEN ? AND ? ORDER BY " + std::string(order);
+}
+
+}  // namespace
+
+MasterData::Sql MasterData::MakeSql() const {
+  const std::string table(description_.table), where = " WHERE " + std::string(description_.id);
+  Sql sql{.read = "SELECT " + NamesOf(shown_) + " FROM (" + description_.query + ") AS record" +
+                  where + " = ?",
+          .trail = IdsSql(table, trailed_, description_.id),
+          .insert = "INSERT INTO " + table + " (" + std::string(kVersion.name) + ", " +
+                    NamesOf(stored_) + ") VALUES (1",
+          .overwrite = "UPDATE " + table + " SET FVersion = FVersion + 1",
+          .list_trails = {}};
+  for (const Column& column : stored_) {
+    sql.insert += ", ?";
+    sql.overwrite += ", " + std::string(column.name) + " = ?";
+  }
+  sql.insert += ") ON CONFLICT DO NOTHING RETURNING " + std::string(description_.id);
+  sql.overwrite += where + " = ?";
+  for (const RecordList& list : description_.lists) {
+    sql.list_trails.push_back(IdsSql(list.table.name, list.table.columns, list.order));
+  }
+  return sql;
 }
 
 std::string WordsText(std::span<const std::string_view> words) {
@@ -242,8 +275,7 @@ Ref<Recordset> MasterData::WithNestedLists(Database& db, const Ref<Recordset>& l
 }
 
 Ref<Dictionary> MasterData::Read(Database& db, Long id) const {
-  Statement& statement = db.Prepared("SELECT " + NamesOf(shown_) + " FROM (" + description_.query +
-                                     ") AS record WHERE " + std::string(description_.id) + " = ?");
+  Statement& statement = db.Prepared(sql_.read);
   statement.Set(0, std::int64_t{id});
   statement.Open();
   if (!statement.Fetch()) return nullptr;
@@ -298,14 +330,11 @@ std::string NameFrom(std::string_view name, const Variant* number) {
                            : number->As<String>() + " (" + std::string(name) + ")";
 }
 
-// The rows of a table with ids from `first` to `last` in its first column.
+// The rows of IdsSql with ids from `first` to `last`.
 template <class Take>
-void ReadIds(Database& db, std::string_view table, std::span<const Column> columns,
-             std::string_view order, Long first, Long last, Take take) {
-  const std::string id(columns.front().name);
-  Statement& statement =
-      db.Prepared("SELECT " + NamesOf(columns) + " FROM " + std::string(table) + " WHERE " + id +
-                  " BETWEEN ? AND ? ORDER BY " + std::string(order));
+void ReadIds(Database& db, std::string_view sql, std::span<const Column> columns, Long first,
+             Long last, Take take) {
+  Statement& statement = db.Prepared(sql);
   statement.Set(0, std::int64_t{first});
   statement.Set(1, std::int64_t{last});
   for (statement.Open(); statement.Fetch();) {
@@ -317,28 +346,27 @@ void ReadIds(Database& db, std::string_view table, std::span<const Column> colum
 
 std::map<Long, TrailedRecord> MasterData::Trailed(Database& db, Long first, Long last) const {
   std::map<Long, TrailedRecord> records;
-  ReadIds(db, description_.table, trailed_, description_.id, first, last,
-          [&](Long id, const std::vector<Variant>& values) {
-            auto& [called, row] = records[id];
-            const Variant *name = nullptr, *number = nullptr;
-            for (std::size_t i = 1; i < trailed_.size(); ++i) {
-              const auto [key, type] = trailed_[i];
-              if (key == description_.name) name = &values[i];
-              if (key == kNumber) number = &values[i];
-              if (const auto text = trail_texts_[i]; text != nullptr) {
-                row.AddText(key, text(values[i]));
-              } else {
-                row.cells.push_back({std::string(key), type, values[i]});
-              }
-            }
-            if (name != nullptr) called = NameFrom(name->TextView(), number);
-            for (const RecordList& list : description_.lists) row.lists.push_back({list.key, {}});
-          });
+  ReadIds(db, sql_.trail, trailed_, first, last, [&](Long id, const std::vector<Variant>& values) {
+    auto& [called, row] = records[id];
+    const Variant *name = nullptr, *number = nullptr;
+    for (std::size_t i = 1; i < trailed_.size(); ++i) {
+      const auto [key, type] = trailed_[i];
+      if (key == description_.name) name = &values[i];
+      if (key == kNumber) number = &values[i];
+      if (const auto text = trail_texts_[i]; text != nullptr) {
+        row.AddText(key, text(values[i]));
+      } else {
+        row.cells.push_back({std::string(key), type, values[i]});
+      }
+    }
+    if (name != nullptr) called = NameFrom(name->TextView(), number);
+    for (const RecordList& list : description_.lists) row.lists.push_back({list.key, {}});
+  });
   if (description_.name_on_trail != nullptr) description_.name_on_trail(db, records);
   for (std::size_t i = 0; i < description_.lists.size(); ++i) {
     const RecordList& list = description_.lists[i];
     const std::span<const Column> columns(list.table.columns);
-    ReadIds(db, list.table.name, columns, list.order, first, last,
+    ReadIds(db, sql_.list_trails[i], columns, first, last,
             [&](Long id, const std::vector<Variant>& values) {
               const auto record = records.find(id);
               if (record == records.end()) return;  // the foreign keys are another rule
@@ -407,12 +435,7 @@ void MasterData::RefuseUnknownKeys(const Dictionary& sent) const {
 }
 
 Long MasterData::Insert(Database& db, const Dictionary& record) const {
-  std::string marks;
-  for (std::size_t i = 0; i < stored_.size(); ++i) marks += ", ?";
-  Statement& statement =
-      db.Prepared("INSERT INTO " + std::string(description_.table) + " (" +
-                  std::string(kVersion.name) + ", " + NamesOf(stored_) + ") VALUES (1" + marks +
-                  ") ON CONFLICT DO NOTHING RETURNING " + std::string(description_.id));
+  Statement& statement = db.Prepared(sql_.insert);
   for (std::size_t i = 0; i < stored_.size(); ++i) {
     BindCell(statement, i, stored_[i], *record.Find(stored_[i].name));
   }
@@ -428,10 +451,7 @@ Long MasterData::Insert(Database& db, const Dictionary& record) const {
 }
 
 void MasterData::Overwrite(Database& db, Long id, const Dictionary& record) const {
-  std::string sql = "UPDATE " + std::string(description_.table) + " SET FVersion = FVersion + 1";
-  for (const Column& column : stored_) sql += ", " + std::string(column.name) + " = ?";
-  sql += " WHERE " + std::string(description_.id) + " = ?";
-  Statement& statement = db.Prepared(sql);
+  Statement& statement = db.Prepared(sql_.overwrite);
   for (std::size_t i = 0; i < stored_.size(); ++i) {
     BindCell(statement, i, stored_[i], *record.Find(stored_[i].name));
   }

@@ -300,6 +300,12 @@ class MasterData {
   std::unique_ptr<const ClassTable> TableOf(std::string_view prog_id, std::string_view help,
                                             const RecordClass& type);
 
+  // Made once: an import saves many records.
+  struct Sql {
+    std::string read, trail, insert, overwrite;
+    std::vector<std::string> list_trails;
+  };
+  Sql MakeSql() const;
   // The records of a list with those of their lists that are part of their rows.
   Ref<Recordset> WithNestedLists(Database& db, const Ref<Recordset>& list) const;
   // What `sent` makes of the record `stored`, null for a new one.
@@ -315,6 +321,7 @@ class MasterData {
   std::vector<Column> stored_;   // those of them that are written
   std::vector<Column> trailed_;  // the id, and those that are on the trail
   std::vector<std::string (*)(const Variant&)> trail_texts_;  // how, for each of them
+  Sql sql_;
   std::deque<std::string> texts_;
   Right reading_, writing_;
   std::string_view info_prog_id_, update_prog_id_;

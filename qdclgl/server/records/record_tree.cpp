@@ -13,6 +13,7 @@ bool RecordTree::HasBelow(Database& db, Long record, bool deleted_too) const {
 }
 
 void RecordTree::KeepDetailFlag(Database& db, Long record) const {
+  if (record == 0) return;
   const std::string is_heading = heading.empty() ? "" : std::string(heading) + " <> 0 OR ";
   db.Execute("UPDATE " + std::string(table) + " SET FDetail = CASE WHEN " + is_heading +
                  "EXISTS (SELECT 1 FROM " + std::string(table) +

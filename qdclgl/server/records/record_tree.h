@@ -15,6 +15,7 @@ struct RecordTree {
   std::string_view heading = {};  // one that keeps a record from being a detail record
 
   bool HasBelow(Database& db, Long record, bool deleted_too) const;
+  // Of a record whose records below have changed; 0 is none.
   void KeepDetailFlag(Database& db, Long record) const;
 };
 

@@ -3,6 +3,7 @@
 #include <map>
 
 #include "qdclgl/frame/vocabulary/strings.h"
+#include "qdclgl/server/periods/setting_types.h"
 #include "qdclgl/settings/system_profile.h"
 #include "tests/server/books_state.h"
 
@@ -157,6 +158,38 @@ TEST_P(SettingsTest, ASettingTakesWhatIsOfItsTypeAndRangeAlone) {
             "'2024-02-29' '2024/02/29'");
   EXPECT_EQ(SentenceOf([&] { Set("GL", "CheckBeforePost", "True"); }),
             "Setting CheckBeforePost of GL is 0 or 1, not \"True\".");
+}
+
+TEST_P(SettingsTest, AllThatAreKnownOrSetAreListedWithWhatTheyMayBe) {
+  Set("PA", "MyOwn", "x");
+  Set("GL", "MyOwn", "y");
+  Set("GL", "CheckBeforePost", "1");
+  const auto rows = Call(kProfile, "ListSettings", props).As<Recordset>();
+  EXPECT_EQ(rows->RecordCount(), static_cast<Long>(KnownSettings().size()) + 2);
+  const auto line = [&](const std::string& key) {
+    rows->MoveFirst();
+    rows->Find("FKey = '" + key + "'");
+    return TextOf(*rows->Row());
+  };
+  EXPECT_EQ(line("CheckBeforePost"),
+            "FCategory=GL;FKey=CheckBeforePost;FValue=1;FDefault=0;FRange=0 or 1;"
+            "FMeaning=a voucher is checked before it is posted;");
+  EXPECT_EQ(line("StartYear"),
+            "FCategory=GL;FKey=StartYear;FValue=2024;FDefault=;"
+            "FRange=kept by closing and reopening;FMeaning=the year that the books begin with;");
+  EXPECT_EQ(line("MyOwn"), "FCategory=GL;FKey=MyOwn;FValue=y;FDefault=;FRange=;FMeaning=;");
+}
+
+// What is listed as the default holds: a setting may always be set to it.
+TEST_P(SettingsTest, EachDefaultIsOneOfTheValuesThatTheSettingMayHave) {
+  for (const KnownSetting& known : KnownSettings()) {
+    if (known.type == SettingType::kKept) continue;
+    const std::string key(known.key);
+    EXPECT_EQ(
+        RefusalOf([&] { Set(std::string(known.category), key, std::string(known.otherwise)); }),
+        "none")
+        << key;
+  }
 }
 
 TEST_P(SettingsTest, SettingsOfCallersOwnTakeAnyText) {
