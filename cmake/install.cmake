@@ -41,7 +41,8 @@ endfunction()
 
 install_headers_from(qdclgl/qdclgl.h)
 install_library(qdclgl qdclgl "Business objects of a general ledger" "")
-if(QDCLGL_SERVER)
+# For Windows the libraries that it takes are no packages; there it is a part of the automation server.
+if(QDCLGL_SERVER AND NOT WIN32)
   install_headers_from(qdclgl/server/server.h)
   install_library(qdclgl-server qdclgl-server
                   "Books in SQLite or PostgreSQL for the business objects of a general ledger"

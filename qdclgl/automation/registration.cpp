@@ -2,10 +2,10 @@
 
 #include <string>
 
+#include "qdclgl/automation/creatable_classes.h"
 #include "qdclgl/automation/errors.h"
 #include "qdclgl/automation/identity.h"
 #include "qdclgl/automation/module.h"
-#include "qdclgl/automation/served_classes.h"
 #include "qdclgl/automation/type_library.h"
 
 namespace qdclgl::automation {
@@ -43,16 +43,16 @@ void Remove(const std::wstring& key) {
 }
 
 // Whether the name in the registry is another server's.
-bool IsTaken(const ServedClass& served) {
-  const std::wstring holder = Read(ToWide(served.prog_id) + L"\\CLSID");
-  return !holder.empty() && holder != IdText(served.class_id);
+bool IsTaken(const CreatableClass& creatable) {
+  const std::wstring holder = Read(ToWide(creatable.prog_id) + L"\\CLSID");
+  return !holder.empty() && holder != IdText(creatable.class_id);
 }
 
-void RegisterClass(const ServedClass& served) {
-  const std::wstring id = IdText(served.class_id);
-  const std::wstring prog_id = ToWide(served.prog_id);
-  const std::wstring versioned = ToWide(served.versioned_prog_id());
-  const std::wstring help = ToWide(served.table->help());
+void RegisterClass(const CreatableClass& creatable) {
+  const std::wstring id = IdText(creatable.class_id);
+  const std::wstring prog_id = ToWide(creatable.prog_id);
+  const std::wstring versioned = ToWide(creatable.versioned_prog_id());
+  const std::wstring help = ToWide(creatable.help);
 
   const std::wstring key = L"CLSID\\" + id;
   Write(key, help);
@@ -60,7 +60,7 @@ void RegisterClass(const ServedClass& served) {
   Write(key + L"\\InprocServer32", L"ThreadingModel", L"Apartment");
   Write(key + L"\\ProgID", versioned);
   Write(key + L"\\VersionIndependentProgID", prog_id);
-  Write(key + L"\\TypeLib", IdText(LibraryId()));
+  if (creatable.is_in_type_library) Write(key + L"\\TypeLib", IdText(LibraryId()));
   Write(key + L"\\Version", std::to_wstring(kLibraryMajor) + L"." + std::to_wstring(kLibraryMinor));
   Write(key + L"\\Programmable", L"");
 
@@ -71,11 +71,11 @@ void RegisterClass(const ServedClass& served) {
   Write(versioned + L"\\CLSID", id);
 }
 
-void UnregisterClass(const ServedClass& served) {
-  Remove(L"CLSID\\" + IdText(served.class_id));
-  if (served.yields && IsTaken(served)) return;
-  Remove(ToWide(served.prog_id));
-  Remove(ToWide(served.versioned_prog_id()));
+void UnregisterClass(const CreatableClass& creatable) {
+  Remove(L"CLSID\\" + IdText(creatable.class_id));
+  if (creatable.yields && IsTaken(creatable)) return;
+  Remove(ToWide(creatable.prog_id));
+  Remove(ToWide(creatable.versioned_prog_id()));
 }
 
 void RegisterTypeLibrary() {
@@ -101,9 +101,9 @@ void UnregisterTypeLibrary() {
 
 void Register() {
   try {
-    for (const ServedClass& served : ServedClasses()) {
-      if (!served.table->creatable() || (served.yields && IsTaken(served))) continue;
-      RegisterClass(served);
+    for (const CreatableClass& creatable : CreatableClasses()) {
+      if (creatable.yields && IsTaken(creatable)) continue;
+      RegisterClass(creatable);
     }
     RegisterTypeLibrary();
   } catch (...) {
@@ -114,9 +114,7 @@ void Register() {
 
 void Unregister() {
   UnregisterTypeLibrary();
-  for (const ServedClass& served : ServedClasses()) {
-    if (served.table->creatable()) UnregisterClass(served);
-  }
+  for (const CreatableClass& creatable : CreatableClasses()) UnregisterClass(creatable);
 }
 
 }  // namespace qdclgl::automation

@@ -43,10 +43,6 @@ std::span<const ServedClass> ServedClasses() {
   return classes;
 }
 
-const ServedClass* FindClassById(REFCLSID class_id) {
-  return FindClass([&](const ServedClass& served) { return served.class_id == class_id; });
-}
-
 const ServedClass* FindClassOf(const ClassTable* table) {
   return FindClass([&](const ServedClass& served) { return served.table == table; });
 }

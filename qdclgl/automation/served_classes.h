@@ -18,14 +18,11 @@ struct ServedClass {
   bool yields;
   CLSID class_id;
   IID interface_id;
-
-  std::string versioned_prog_id() const { return prog_id + ".1"; }
 };
 
 std::span<const ServedClass> ServedClasses();
 
 // Null when there is none.
-const ServedClass* FindClassById(REFCLSID class_id);
 const ServedClass* FindClassOf(const ClassTable* table);
 const ServedClass* FindClassNamed(std::string_view name);
 

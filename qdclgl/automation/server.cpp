@@ -1,12 +1,13 @@
 // The four entry points of the server, and its class factory.
+#include "qdclgl/automation/creatable_classes.h"
 #include "qdclgl/automation/errors.h"
 #include "qdclgl/automation/foreign.h"
 #include "qdclgl/automation/module.h"
 #include "qdclgl/automation/registration.h"
-#include "qdclgl/automation/served_classes.h"
 #include "qdclgl/automation/type_library.h"
 #include "qdclgl/automation/wrapper.h"
 #include "qdclgl/frame/session/server_gateway.h"
+#include "qdclgl/server/access/session.h"
 
 namespace qdclgl::automation {
 
@@ -14,14 +15,14 @@ namespace {
 
 class Factory final : public OneInterface<IClassFactory, IID_IClassFactory>, private Counted {
  public:
-  explicit Factory(const ServedClass& served) : served_(served) {}
+  explicit Factory(const CreatableClass& creatable) : creatable_(creatable) {}
 
   HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID iid, void** object) override {
     if (object == nullptr) return E_POINTER;
     *object = nullptr;
     if (outer != nullptr) return CLASS_E_NOAGGREGATION;
     return Guarded([&] {
-      const Ref<Object> made = served_.table->Create();
+      const Ref<Object> made = creatable_.make();
       return Wrap(made.get())->QueryInterface(iid, object);
     });
   }
@@ -35,7 +36,7 @@ class Factory final : public OneInterface<IClassFactory, IID_IClassFactory>, pri
   }
 
  private:
-  const ServedClass& served_;
+  const CreatableClass& creatable_;
 };
 
 }  // namespace
@@ -60,17 +61,18 @@ STDAPI DllGetClassObject(REFCLSID class_id, REFIID iid, LPVOID* object) {
   if (object == nullptr) return E_POINTER;
   *object = nullptr;
   return Guarded([&] {
-    const ServedClass* served = FindClassById(class_id);
-    if (served == nullptr || !served->table->creatable()) return CLASS_E_CLASSNOTAVAILABLE;
+    const CreatableClass* creatable = FindCreatableById(class_id);
+    if (creatable == nullptr) return CLASS_E_CLASSNOTAVAILABLE;
     // From here on the library's own calls reach the machine's components.
     static const bool connected = (SetForeignComponentCreator(CreateForeign), true);
     static_cast<void>(connected);
-    return Com<IClassFactory>(new Factory(*served))->QueryInterface(iid, object);
+    return Com<IClassFactory>(new Factory(*creatable))->QueryInterface(iid, object);
   });
 }
 
 STDAPI DllCanUnloadNow() {
-  if (IsServerInUse()) return S_FALSE;
+  // What is logged in stays so, whether or not the client holds an object at the moment.
+  if (IsServerInUse() || server::HasSessions()) return S_FALSE;
   ReleaseTypeLibrary();
   return S_OK;
 }

@@ -207,6 +207,29 @@ void LeftOutArguments() {
             "Number:=&VARIANT I4 5) flags 3\n");
 }
 
+// A ProgID leads to another class as long as one lives.
+class ClassElsewhere {
+ public:
+  ClassElsewhere(const std::wstring& prog_id, const wchar_t* class_id)
+      : key_(prog_id + L"\\CLSID") {
+    DWORD size = sizeof former_;
+    RegGetValueW(HKEY_CLASSES_ROOT, key_.c_str(), nullptr, RRF_RT_REG_SZ, nullptr, former_, &size);
+    Write(class_id);
+  }
+  ~ClassElsewhere() { Write(former_); }
+  ClassElsewhere(const ClassElsewhere&) = delete;
+  ClassElsewhere& operator=(const ClassElsewhere&) = delete;
+
+ private:
+  void Write(const wchar_t* class_id) {
+    const auto size = static_cast<DWORD>((wcslen(class_id) + 1) * sizeof(wchar_t));
+    RegSetKeyValueW(HKEY_CLASSES_ROOT, key_.c_str(), nullptr, REG_SZ, class_id, size);
+  }
+
+  const std::wstring key_;
+  wchar_t former_[64] = L"";
+};
+
 void MissingMembers() {
   const Impersonated server(L"QDSVGLVoucherGroup.VoucherGroupInfo", NewPeer({}));
   const auto groups = Create(L"QDCLGL.VoucherGroupSet");
@@ -215,6 +238,8 @@ void MissingMembers() {
   Check(Text(Get(groups, L"Count")), "800A01B6 [] ");
 
   TestCase("a component that the machine doesn't know is error 429");
+  const ClassElsewhere nowhere(L"QDSVGLCurrency.CurrencyInfo",
+                               L"{11111111-2222-3333-4444-555555555555}");
   const auto currencies = Create(L"QDCLGL.CurrencySet");
   Check(Text(Get(currencies, L"Count")),
         "800A01AD [QDCLGL] No component is registered as QDSVGLCurrency.CurrencyInfo.");

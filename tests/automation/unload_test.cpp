@@ -113,6 +113,29 @@ void Counts() {
   Check(CodeText(server.CanUnload()), "00000000");
 }
 
+void KeepsSessions() {
+  TestCase("a login keeps the server loaded until the logout");
+  wchar_t folder[MAX_PATH];
+  GetTempPathW(MAX_PATH, folder);
+  const std::wstring book = std::wstring(folder) + L"unload-test.db";
+  const auto remove = [&] {
+    for (const wchar_t* ending : {L"", L"-wal", L"-shm"}) DeleteFileW((book + ending).c_str());
+  };
+  remove();
+  {
+    const Server server;
+    const auto session = [&] { return Make(server.Factory("QDSVGLSession.SessionUpdate")); };
+    Get(Make(server.Factory("QDSVGLBooks.BooksUpdate")), L"Create",
+        {book.c_str(), L"EUR", 2024, 12, 1, L"administrator", L"", true});
+    Check(CodeText(server.CanUnload()), "00000000");
+    const Value props = Get(session(), L"Login", {book.c_str(), L"administrator", L""}).result;
+    Check(CodeText(server.CanUnload()), "00000001");
+    Get(session(), L"Logout", {props});
+    Check(CodeText(server.CanUnload()), "00000000");
+  }
+  remove();
+}
+
 void TwoCopies() {
   TestCase("a copy of the server in one process is a server of others");
   const std::wstring path = Server::Path() + L".copy.dll";
@@ -235,6 +258,7 @@ int main() {
   CoInitialize(nullptr);
   Measure();
   Counts();
+  KeepsSessions();
   TwoCopies();
   Unloading();
   Creations();

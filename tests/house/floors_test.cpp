@@ -46,7 +46,7 @@ const std::vector<Floor> kFloors = {
     {"qdclgl/server/reports", {"qdclgl/server/vouchers"}},
     {"qdclgl/server/books", {"qdclgl/server/ledgers"}},
     {"qdclgl/server", {"qdclgl/server/books", "qdclgl/server/reports"}},
-    {"qdclgl/automation", {"qdclgl/api"}},
+    {"qdclgl/automation", {"qdclgl/api", "qdclgl/server"}},
     {"qdclgl/cli", {"qdclgl/api", "qdclgl/server"}},
     {"tests/support", {"qdclgl/api"}},
     {"python/core", {"qdclgl/api", "qdclgl/server", "tests/support"}},

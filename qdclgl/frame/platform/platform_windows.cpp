@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "qdclgl/frame/platform/kept_answer.h"
 #include "qdclgl/frame/platform/platform.h"
 #include "qdclgl/frame/platform/thread_own.h"
 #include "qdclgl/frame/vocabulary/text.h"
@@ -59,6 +60,30 @@ std::string AddressToText(const SOCKET_ADDRESS& address) {
          std::to_string(octets.s_b3) + '.' + std::to_string(octets.s_b4);
 }
 
+std::optional<std::string> FirstAddress() {
+  constexpr ULONG kFlags =
+      GAA_FLAG_SKIP_ANYCAST | GAA_FLAG_SKIP_MULTICAST | GAA_FLAG_SKIP_DNS_SERVER;
+  std::vector<IP_ADAPTER_ADDRESSES> adapters(64);
+  ULONG code = ERROR_BUFFER_OVERFLOW;
+  // An adapter may appear between the calls, so that the size asked for is too small again.
+  for (int attempt = 0; attempt < 4 && code == ERROR_BUFFER_OVERFLOW; ++attempt) {
+    auto size = static_cast<ULONG>(adapters.size() * sizeof(IP_ADAPTER_ADDRESSES));
+    code = GetAdaptersAddresses(AF_INET, kFlags, nullptr, adapters.data(), &size);
+    if (code == ERROR_BUFFER_OVERFLOW) {
+      adapters.resize(size / sizeof(IP_ADAPTER_ADDRESSES) + 1);
+    }
+  }
+  if (code != ERROR_SUCCESS) return std::nullopt;
+  for (const auto* adapter = adapters.data(); adapter != nullptr; adapter = adapter->Next) {
+    if (IsUsable(*adapter)) return AddressToText(adapter->FirstUnicastAddress->Address);
+  }
+  return std::nullopt;
+}
+
+// Every save is stamped with the address, and to ask the adapters takes milliseconds. A machine
+// that goes into another network is known by its new address this soon.
+constexpr auto kAddressLasts = std::chrono::seconds(10);
+
 class WindowsPlatform final : public Platform {
  public:
   std::optional<std::string> ComputerName(std::size_t buffer_size) override {
@@ -85,26 +110,9 @@ class WindowsPlatform final : public Platform {
   }
 
   std::optional<std::string> AddressText(std::size_t buffer_size) override {
-    constexpr ULONG kFlags =
-        GAA_FLAG_SKIP_ANYCAST | GAA_FLAG_SKIP_MULTICAST | GAA_FLAG_SKIP_DNS_SERVER;
-    std::vector<IP_ADAPTER_ADDRESSES> adapters(64);
-    ULONG code = ERROR_BUFFER_OVERFLOW;
-    // An adapter may appear between the calls, so that the size asked for is too small again.
-    for (int attempt = 0; attempt < 4 && code == ERROR_BUFFER_OVERFLOW; ++attempt) {
-      auto size = static_cast<ULONG>(adapters.size() * sizeof(IP_ADAPTER_ADDRESSES));
-      code = GetAdaptersAddresses(AF_INET, kFlags, nullptr, adapters.data(), &size);
-      if (code == ERROR_BUFFER_OVERFLOW) {
-        adapters.resize(size / sizeof(IP_ADAPTER_ADDRESSES) + 1);
-      }
-    }
-    if (code != ERROR_SUCCESS) return std::nullopt;
-    for (const auto* adapter = adapters.data(); adapter != nullptr; adapter = adapter->Next) {
-      if (!IsUsable(*adapter)) continue;
-      std::string text = AddressToText(adapter->FirstUnicastAddress->Address);
-      if (text.size() >= buffer_size) return std::nullopt;
-      return text;
-    }
-    return std::nullopt;
+    std::optional<std::string> text = address_.Get(std::chrono::steady_clock::now(), FirstAddress);
+    if (text && text->size() >= buffer_size) return std::nullopt;
+    return text;
   }
 
   Long PrivateProfileInt(const std::string& section, const std::string& key, Long default_value,
@@ -174,6 +182,8 @@ class WindowsPlatform final : public Platform {
   }
 
  private:
+  KeptAnswer<std::optional<std::string>> address_{kAddressLasts};
+
   static Long SetBytes(Long key, const std::string& name, Long type, const void* data,
                        std::size_t size) {
     return static_cast<Long>(

@@ -1,7 +1,6 @@
 #include "qdclgl/server/access/login.h"
 
 #include <charconv>
-#include <filesystem>
 
 #include "qdclgl/frame/objects/class_table.h"
 #include "qdclgl/frame/platform/machine.h"
@@ -11,6 +10,7 @@
 #include "qdclgl/server/access/login_attempt.h"
 #include "qdclgl/server/access/password.h"
 #include "qdclgl/server/db/connections.h"
+#include "qdclgl/server/db/path_text.h"
 #include "qdclgl/server/db/refusals.h"
 #include "qdclgl/server/db/schema.h"
 
@@ -79,8 +79,8 @@ String SessionUpdate::Login(std::string_view connection, std::string_view UserNa
   ConnectionText text = ConnectionText::Parse(connection).Without(connection_key::kSession);
   if (text[connection_key::kCatalog].empty()) {
     // The library finds the books' name in its session's connection text.
-    const std::filesystem::path file{text[connection_key::kDataSource]};
-    text = text.With(connection_key::kCatalog, file.stem().string());
+    const std::filesystem::path file = PathOf(text[connection_key::kDataSource]);
+    text = text.With(connection_key::kCatalog, TextOf(file.stem()));
   }
   auto session = std::make_shared<Session>();
   session->connection = text.ToText();

@@ -125,6 +125,12 @@ std::shared_ptr<const Session> CurrentSession() {
   return sessions.current;
 }
 
+bool HasSessions() {
+  Sessions& sessions = AllSessions();
+  const std::lock_guard lock(sessions.mutex);
+  return !sessions.by_props.empty();
+}
+
 std::shared_ptr<const Session> EndSession(std::string_view props) {
   Sessions& sessions = AllSessions();
   const std::lock_guard lock(sessions.mutex);

@@ -53,6 +53,8 @@ struct Session {
 // The sessions of this process, and the one that began last, null when it has ended.
 void KeepSession(const std::shared_ptr<const Session>& session);
 std::shared_ptr<const Session> CurrentSession();
+// Whether one has not been ended yet.
+bool HasSessions();
 // Takes a session away. Null when there is none.
 std::shared_ptr<const Session> EndSession(std::string_view props);
 

@@ -1,18 +1,11 @@
 // The file of SQLite books: how this process can get at it, and how a new one comes to be.
 #pragma once
 
-#include <cstdint>
 #include <string>
 
+#include "qdclgl/server/db/file_calls.h"
+
 namespace qdclgl::server {
-
-// What tells that a file is still the one that was looked at, with the content it had.
-struct FileMark {
-  std::uint64_t device = 0, inode = 0, size = 0;
-  std::int64_t changed = 0;  // nanoseconds
-
-  friend bool operator==(const FileMark&, const FileMark&) = default;
-};
 
 class BooksFile {
  public:

@@ -1,14 +1,15 @@
 #include "qdclgl/server/db/built_in.h"
 
-#include <libpq-fe.h>
 #include <sqlite3.h>
+
+#include "qdclgl/server/db/postgresql.h"
 
 namespace qdclgl::server {
 
 std::string DatabasesBuiltIn() {
-  const int libpq = PQlibVersion();  // 150014
-  return "SQLite " + std::string(sqlite3_libversion()) + ", PostgreSQL (libpq " +
-         std::to_string(libpq / 10000) + "." + std::to_string(libpq % 10000) + ")";
+  const std::string postgresql = PostgreSQLBuiltIn();
+  return "SQLite " + std::string(sqlite3_libversion()) +
+         (postgresql.empty() ? "" : ", " + postgresql);
 }
 
 }  // namespace qdclgl::server

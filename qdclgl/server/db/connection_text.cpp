@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <array>
-#include <filesystem>
 
 #include "qdclgl/frame/vocabulary/text.h"
+#include "qdclgl/server/db/path_text.h"
 #include "qdclgl/server/db/refusals.h"
 
 namespace qdclgl::server {
@@ -213,11 +213,11 @@ ConnectionText ConnectionText::Canonical() const {
   }
   if (!IsSQLite()) return result;
   result = result.Only({kProvider, kLockTimeout});
-  const std::filesystem::path file{(*this)[kDataSource]};
+  const std::filesystem::path file = PathOf((*this)[kDataSource]);
   std::error_code unknown;
   const std::filesystem::path path =
       std::filesystem::weakly_canonical(std::filesystem::absolute(file, unknown), unknown);
-  result = result.With(kDataSource, path.empty() ? file.string() : path.string());
+  result = result.With(kDataSource, TextOf(path.empty() ? file : path));
   const bool normal = EqualsIgnoringAsciiCase((*this)[kSynchronous], "Normal");
   return normal ? result.With(kSynchronous, "Normal") : result;
 }

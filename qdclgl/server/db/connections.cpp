@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "qdclgl/frame/platform/thread_own.h"
+
 namespace qdclgl::server {
 
 namespace {
@@ -11,10 +13,7 @@ constexpr std::size_t kMostKept = 16;
 
 }  // namespace
 
-Connections& Connections::OfThisThread() {
-  thread_local Connections connections;
-  return connections;
-}
+Connections& Connections::OfThisThread() { return ThreadOwn<Connections>(); }
 
 std::shared_ptr<Database> Connections::To(const std::string& books,
                                           const Database::BatchOwner& session) {

@@ -10,7 +10,7 @@
 #include "qdclgl/frame/platform/platform.h"
 #include "qdclgl/frame/vocabulary/text.h"
 #include "qdclgl/server/db/busy.h"
-#include "qdclgl/server/db/postgresql_driver.h"
+#include "qdclgl/server/db/postgresql.h"
 #include "qdclgl/server/db/refusals.h"
 #include "qdclgl/server/db/sqlite_driver.h"
 
@@ -55,7 +55,7 @@ std::string Lock(std::string_view function, std::string_view schema, int what) {
 
 std::unique_ptr<Driver> DriverFor(const ConnectionText& text, Driver::OnBusy on_busy) {
   if (text.IsSQLite()) return std::make_unique<SQLiteDriver>(text, std::move(on_busy));
-  return std::make_unique<PostgreSQLDriver>(text, std::move(on_busy));
+  return ConnectToPostgreSQL(text, std::move(on_busy));
 }
 
 // 2 is that of the trail's seals.

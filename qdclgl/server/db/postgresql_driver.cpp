@@ -7,6 +7,7 @@
 #include <thread>
 #include <utility>
 
+#include "qdclgl/server/db/postgresql.h"
 #include "qdclgl/server/db/refusals.h"
 #include "qdclgl/server/db/statement.h"
 
@@ -323,6 +324,16 @@ void PostgreSQLDriver::Raise(const Failure& failure) {
     Refuse(refusal::kDatabaseBusy, "Other programs are writing to the same records; try again.");
   }
   Refuse(refusal::kDatabaseFailed, "PostgreSQL: " + OnOneLine(message));
+}
+
+std::unique_ptr<Driver> ConnectToPostgreSQL(const ConnectionText& text, Driver::OnBusy on_busy) {
+  return std::make_unique<PostgreSQLDriver>(text, std::move(on_busy));
+}
+
+std::string PostgreSQLBuiltIn() {
+  const int version = PQlibVersion();  // 150014
+  return "PostgreSQL (libpq " + std::to_string(version / 10000) + "." +
+         std::to_string(version % 10000) + ")";
 }
 
 }  // namespace qdclgl::server

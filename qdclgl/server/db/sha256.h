@@ -1,6 +1,7 @@
 // SHA-256, by which the rows of the audit trail hold each other, as 64 hexadecimal digits.
 #pragma once
 
+#include <array>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -17,7 +18,9 @@ class Sha256 {
   std::string Digits();
 
  private:
-  struct State;
+  std::array<unsigned char, 32> Sum();
+
+  struct State;  // of the library that adds up
   std::unique_ptr<State> state_;
 };
 

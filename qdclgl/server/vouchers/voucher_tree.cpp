@@ -108,8 +108,10 @@ VoucherLine LineFromRow(const Dictionary& row) {
 // The keys of a row over these lists of columns, shared by all rows of the thread.
 template <const auto& kColumns>
 const Ref<KeyList>& SharedKeys() {
-  thread_local const Ref<KeyList> keys = KeysOf(kColumns);
-  return keys;
+  struct Own {
+    Ref<KeyList> keys = KeysOf(kColumns);
+  };
+  return ThreadOwn<Own>().keys;
 }
 
 constexpr auto kLineRowColumns = Joined(kLineColumns, kLineNames);

@@ -10,6 +10,7 @@
 
 #include "qdclgl/frame/containers/dictionary.h"
 #include "qdclgl/frame/containers/vector.h"
+#include "qdclgl/frame/platform/thread_own.h"
 #include "qdclgl/server/access/session.h"
 #include "qdclgl/server/access/trail_row.h"
 #include "qdclgl/server/db/columns.h"
@@ -117,12 +118,13 @@ class Cells {
  private:
   // A thread's own, as all values are.
   static const std::vector<Variant>& Zeros() {
-    thread_local const std::vector<Variant> zeros = [] {
+    struct Own {
+      Own() {
+        for (const Column& column : kColumns) values.push_back(Normalized(column, {}));
+      }
       std::vector<Variant> values;
-      for (const Column& column : kColumns) values.push_back(Normalized(column, {}));
-      return values;
-    }();
-    return zeros;
+    };
+    return ThreadOwn<Own>().values;
   }
 
   std::vector<Variant> values_;
