@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <bit>
-#include <cmath>
 #include <map>
 #include <set>
 
@@ -296,10 +295,6 @@ void CheckBalance(VoucherTree& tree) {
       Refuse(refusal::kBadSide, LineSentence(tree, i) + "it is neither debit (1) nor credit (0).");
     }
     totals[side] += line.cells.Get<"FAmount">().units();
-    if (!std::isfinite(line.cells.Get<"FUnitPrice">()) ||
-        !std::isfinite(line.cells.Get<"FExchangeRate">())) {
-      Refuse(refusal::kBadValue, LineSentence(tree, i) + "price or rate is no number.");
-    }
     details += static_cast<Long>(line.details.size());
   }
   const Currency credit = Currency::FromUnits(totals[0]), debit = Currency::FromUnits(totals[1]);

@@ -86,6 +86,13 @@ TEST_P(SettingsTest, TheCalendarStaysOnceThereAreVouchers) {
   Set("GL", "CheckBeforePost", "1");
 }
 
+TEST_P(SettingsTest, TheCalendarStaysOnceAPeriodIsClosed) {
+  Call("QDSVGLPeriod.PeriodUpdate", "Close", props);
+  for (const char* key : {"PeriodCount", "PeriodByMonth", "YearStartMonth"}) {
+    EXPECT_EQ(RefusalOf([&] { Set("GL", key, "1"); }), "SettingFixed") << key;
+  }
+}
+
 TEST_P(SettingsTest, SavingIsOnTheAuditTrail) {
   Set("Base", "Offline", "1");
   Set("Base", "Offline", "HOST \"A\"");

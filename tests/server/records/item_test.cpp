@@ -501,6 +501,8 @@ TEST_P(ItemTest, TheLibrarysItemsAreThoseOfTheServer) {
   EXPECT_EQ(items->Count(), 1);
   EXPECT_EQ(CStr(items->GetNext()->Properties()->Item("F1000_101")->Value()), "large");
   EXPECT_EQ(items->ExistenceCheck(Missing, 0, Variant("A")), item->ItemID());
+  EXPECT_EQ(items->ExistenceCheck(Variant(item->ItemID())), item->ItemID());
+  EXPECT_EQ(items->ExistenceCheck(Variant(Long{999})), 0);
   item->DictDeifne(Row({{"FItemID", item->ItemID()}, {"F1000_101", "small"}}));
   EXPECT_TRUE(item->UpdateDefineField());
   EXPECT_EQ(CStr(item->Properties()->Item("F1000_101")->Value()), "small");

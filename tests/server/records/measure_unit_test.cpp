@@ -237,6 +237,15 @@ TEST_P(MeasureUnitTest, OnlyAUnitOfTheGroupThatIsInUseBecomesTheDefaultOne) {
   EXPECT_EQ(State(), before);
 }
 
+TEST_P(MeasureUnitTest, AUnitMarkedDeletedThatIsStillInUseStaysSo) {
+  Weights();
+  UseInAccount(*this, tonne);
+  Delete(tonne);
+  const std::string before = State();
+  EXPECT_EQ(RefusalOf([&] { Delete(tonne); }), "InUse");
+  EXPECT_EQ(State(), before);
+}
+
 TEST_P(MeasureUnitTest, AFactorScalesAllUnitsOfTheGroupAndTheOneThatComesToOneIsTheDefault) {
   const Long group = Weights();
   UseInAccount(*this, tonne);

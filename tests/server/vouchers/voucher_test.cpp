@@ -4,6 +4,7 @@
 
 #include "qdclgl/server/db/database.h"
 #include "qdclgl/server/db/refusals.h"
+#include "tests/server/item_records.h"
 #include "tests/server/ledger_fixture.h"
 #include "tests/support/state_text.h"
 
@@ -250,6 +251,15 @@ TEST_P(VoucherServer, WhatBreaksARuleIsRefusedWithItsReasonAndNothingIsStored) {
             "80044212: The value of _Entries is no list."},
            {Voucher("2024-01-15", {Line("1000", 10, 0, {{"FAmount", "x"}}), Line("3000", 0, 10)}),
             "80044212: Line 1: The value of FAmount does not fit its column."},
+           {Voucher("2024-01-15",
+                    {Line("1000", 10, 0, {{"FUnitPrice", std::numeric_limits<double>::infinity()}}),
+                     Line("3000", 0, 10)}),
+            "80044212: Line 1: The value of FUnitPrice does not fit its column."},
+           {Voucher(
+                "2024-01-15",
+                {Line("1000", 10, 0, {{"_Details", Variant(ListOf({Row({{"FColor", "red"}})}))}}),
+                 Line("3000", 0, 10)}),
+            "80044212: Line 1: A detail has no column FColor."},
            {Voucher("2024-01-15", {Line("1000", Currency::FromUnits(INT64_MAX), 0),
                                    Line("3000", 0, Currency::FromUnits(INT64_MAX))}),
             "8004422D: The new voucher of 2024-01-15: line 1: the amount is too large."},
