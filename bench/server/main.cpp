@@ -1,7 +1,7 @@
 // The server components against raw calls of the databases' libraries, both sides in turn in one
 // run: saving vouchers, trial balances, long lists. See docs/performance.md.
 //
-//   qdclgl-bench-server [--vouchers=N] [--only=text]
+//   qdclgl-bench-server [--vouchers=N] [--items=N] [--only=text]
 //
 // With --only the works that have the text in their name run; books are made for those alone.
 // QDCLGL_TEST_POSTGRESQL holds the connection text of a PostgreSQL database to measure as well;
@@ -21,6 +21,7 @@
 #include <vector>
 
 #include "bench/server/books.h"
+#include "bench/server/items.h"
 #include "qdclgl/accounts/account_set.h"
 #include "qdclgl/frame/containers/recordset.h"
 #include "qdclgl/frame/objects/late_bound.h"
@@ -261,6 +262,20 @@ void CompareReading(const std::filesystem::path& folder, int vouchers) {
   MeasureLedgers("SQLite", vouchers);
 }
 
+void MeasureItems(const std::filesystem::path& folder, int items) {
+  const std::string name = "SQLite: items";
+  if (!IsWanted(name)) return;
+  bench::MakeBooks("Provider=SQLite;Data Source=" + File(folder, "items.db") +
+                   ";Synchronous=Normal;");
+  const Long item_class = bench::MakeItemClass();
+  const double saved = Seconds([&] { bench::SaveItems(item_class, items); });
+  std::printf("%s: %d of 20 fields saved in batches at %.0f a second.\n\n", name.c_str(), items,
+              items / saved);
+  for (const auto& [what, read] : bench::ItemPages(item_class, items)) {
+    Measure(name + ": page of 100 of " + std::to_string(items) + ", " + what, 50, read);
+  }
+}
+
 void MeasurePostgreSQLLedgers(const char* text, int vouchers) {
   if (!IsWanted(std::string("PostgreSQL: ") + kLedger)) return;
   bench::MakeBooks(
@@ -272,15 +287,17 @@ void MeasurePostgreSQLLedgers(const char* text, int vouchers) {
 }  // namespace
 
 int main(int count, char** arguments) {
-  int vouchers = 100'000;
+  int vouchers = 100'000, items = 100'000;
   for (const std::string_view argument : std::span(arguments + 1, arguments + count)) {
     const auto value = argument.substr(std::min(argument.find('=') + 1, argument.size()));
     if (argument.starts_with("--vouchers=")) {
       vouchers = std::atoi(std::string(value).c_str());
+    } else if (argument.starts_with("--items=")) {
+      items = std::atoi(std::string(value).c_str());
     } else if (argument.starts_with("--only=")) {
       only = value;
     } else {
-      std::fprintf(stderr, "qdclgl-bench-server [--vouchers=N] [--only=text]\n");
+      std::fprintf(stderr, "qdclgl-bench-server [--vouchers=N] [--items=N] [--only=text]\n");
       return 2;
     }
   }
@@ -297,6 +314,7 @@ int main(int count, char** arguments) {
     const char* const postgresql = std::getenv("QDCLGL_TEST_POSTGRESQL");
     if (postgresql != nullptr) ComparePostgreSQL(postgresql);
     CompareReading(folder, vouchers);
+    MeasureItems(folder, items);
     if (postgresql != nullptr) MeasurePostgreSQLLedgers(postgresql, vouchers);
   } catch (const Error& error) {
     std::fprintf(stderr, "%s\n", error.what());

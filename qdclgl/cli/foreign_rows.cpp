@@ -93,8 +93,10 @@ CsvRow ForeignRows::Headings() {
   CsvRow translated{.at = row.at, .cells = {}, .problem = {}};
   for (const auto& [column, heading] : format_.columns) {
     if (heading.starts_with('=')) continue;
-    const auto found = std::ranges::find_if(
-        headings, [&](std::string_view one) { return EqualsIgnoringAsciiCase(one, heading); });
+    const auto found =
+        std::ranges::find_if(headings, [&, &heading = heading](std::string_view one) {
+          return EqualsIgnoringAsciiCase(one, heading);
+        });
     if (found == headings.end()) {
       translated.problem = {row.at, NoSuch("column", heading, headings)};
       return translated;
