@@ -23,6 +23,7 @@ set(sodium ${sources}/libsodium)
 file(GLOB_RECURSE sodium_sources ${sodium}/src/libsodium/*.c)
 add_foreign_library(sodium ${sodium_sources})
 # Its own configuration would make this one; the other header is looked for beside it.
+file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/sodium/sodium)
 foreach(header IN ITEMS builds/msvc/version.h src/libsodium/include/sodium/export.h)
   configure_file(${sodium}/${header} ${CMAKE_BINARY_DIR}/sodium/sodium/ COPYONLY)
 endforeach()

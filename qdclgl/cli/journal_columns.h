@@ -5,7 +5,7 @@
 #include <span>
 
 #include "qdclgl/cli/item_classes.h"
-#include "qdclgl/cli/sheet.h"
+#include "qdclgl/cli/sheet_column.h"
 #include "qdclgl/server/db/columns.h"
 
 namespace qdclgl::cli {

@@ -11,15 +11,9 @@
 #include "qdclgl/cli/file_format.h"
 #include "qdclgl/cli/progress.h"
 #include "qdclgl/cli/row_source.h"
+#include "qdclgl/cli/sheet_column.h"
 
 namespace qdclgl::cli {
-
-struct SheetColumn {
-  std::string_view heading;
-  bool is_needed = false;
-  std::span<const std::string> others = {};  // headings that mean the same
-  bool is_rare = false;                      // not told to who looks for another one
-};
 
 class Sheet {
  public:
