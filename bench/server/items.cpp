@@ -42,7 +42,7 @@ Long MakeItemClass() {
   const auto fields = projects->CustomProperties();
   for (const auto& [name, type, count, searched] : kFields) {
     for (int i = 1; i <= count; ++i) {
-      const auto field = fields->Add(name + std::to_string(i), type, "", 40);
+      const auto field = fields->Add(name + std::to_string(i), type, "", type == kText ? 40 : 0);
       if (i <= searched) field->Search(1);
     }
   }
