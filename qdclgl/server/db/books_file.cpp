@@ -33,7 +33,8 @@ BooksFile::Access AccessTo(const std::string& path) {
 FileMark RequiredMark(const std::string& path) {
   const std::optional<FileMark> mark = MarkOf(path);
   if (!mark) {
-    const bool is_folder = std::filesystem::is_directory(PathOf(path));
+    std::error_code unknown;  // a name may be too long for a look
+    const bool is_folder = std::filesystem::is_directory(PathOf(path), unknown);
     Refuse(refusal::kNoBooks, is_folder ? path + " is a folder and no file of books."
                                         : "There is no file " + path + ".");
   }

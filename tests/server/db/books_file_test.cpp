@@ -161,6 +161,14 @@ TEST_P(FileOfBooksTest, WhatStandsInThePlaceOfNewBooksStays) {
   EXPECT_EQ(RefusalOf([&] { NewBooksFile nowhere(Path("none/books.db")); }), "NoBooks");
 }
 
+TEST_P(FileOfBooksTest, ANameThatNoFileCanHaveIsRefused) {
+  const std::string name = "/" + std::string(5000, '9');
+  EXPECT_EQ(RefusalOf([&] {
+              CreateObject("QDSVGLSession.SessionUpdate")->Call("Login", name, "administrator", "");
+            }),
+            "NoBooks");
+}
+
 TEST_P(FileOfBooksTest, WhoMayOnlyReadTheFolderReads) {
   PutBooks();
   EXPECT_EQ(AsReader([&] {
