@@ -286,7 +286,8 @@ class Hive {
     Hive hive;
     while (!text.empty()) {
       std::string_view line = TakeUpTo('\n', text);
-      if (line.ends_with('\r')) line.remove_suffix(1);
+      // All of them, so that a line which is kept as it is stays so at the next reading.
+      while (line.ends_with('\r')) line.remove_suffix(1);
       if (!line.empty() && !hive.AddLine(line)) hive.unreadable_.emplace_back(line);
     }
     return hive;
