@@ -46,13 +46,6 @@ std::string WordOf(char mark, std::span<const NamedMark> marks) {
   return std::string(std::ranges::find(marks, mark, &NamedMark::mark)->word);
 }
 
-bool IsDateForm(std::string_view text) {
-  static constexpr std::string_view kForms[] = {"yyyy-mm-dd", "yyyy/mm/dd", "yyyy.mm.dd",
-                                                "dd.mm.yyyy", "dd/mm/yyyy", "dd-mm-yyyy",
-                                                "mm/dd/yyyy", "mm-dd-yyyy", "yyyymmdd"};
-  return std::ranges::find(kForms, text) != std::end(kForms);
-}
-
 std::vector<std::string_view> Places() {
   std::vector<std::string_view> places = {kAmount, kDebitAccount, kCreditAccount};
   for (const SheetColumn& column : kJournalColumns) places.push_back(column.heading);
@@ -115,7 +108,7 @@ FileFormat FileFormat::FromWords(const std::vector<std::string>& words) {
     } else if (key == kDecimal) {
       format.decimal = MarkNamed(key, value, kDecimals);
     } else if (key == kDates) {
-      if (!IsDateForm(value)) {
+      if (std::ranges::find(DateForm::kTexts, value) == std::end(DateForm::kTexts)) {
         throw UsageError("dates is a form such as dd.mm.yyyy, mm/dd/yyyy or yyyymmdd, not " +
                          Quoted(value));
       }

@@ -14,6 +14,11 @@ namespace qdclgl::cli {
 struct DateForm {
   std::string text;
 
+  // All that there are.
+  static constexpr std::string_view kTexts[] = {"yyyy-mm-dd", "yyyy/mm/dd", "yyyy.mm.dd",
+                                                "dd.mm.yyyy", "dd/mm/yyyy", "dd-mm-yyyy",
+                                                "mm/dd/yyyy", "mm-dd-yyyy", "yyyymmdd"};
+
   // "2024-01-31" for a date of this form, nothing for any other text.
   std::optional<std::string> Translated(std::string_view date) const;
 };

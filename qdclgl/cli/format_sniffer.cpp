@@ -125,10 +125,9 @@ char DecimalOf(const std::vector<std::string>& amounts) {
 DateForm DatesOf(const std::string& path, const std::vector<std::string>& dates) {
   std::vector<std::string> best = {"yyyy-mm-dd"};
   std::ptrdiff_t most = 0;
-  for (const char* form : {"yyyy-mm-dd", "yyyy/mm/dd", "yyyy.mm.dd", "yyyymmdd", "dd.mm.yyyy",
-                           "dd/mm/yyyy", "dd-mm-yyyy", "mm/dd/yyyy", "mm-dd-yyyy"}) {
+  for (const std::string_view form : DateForm::kTexts) {
     const std::ptrdiff_t count = std::ranges::count_if(dates, [&](const std::string& date) {
-      return DateForm{form}.Translated(date).has_value();
+      return DateForm{std::string(form)}.Translated(date).has_value();
     });
     if (count > most) best.clear();
     if (count > most || (count == most && most > 0)) best.emplace_back(form);
