@@ -33,9 +33,15 @@ target_include_directories(sodium SYSTEM
 target_compile_definitions(sodium PUBLIC SODIUM_STATIC PRIVATE CONFIGURED=1)
 add_library(PkgConfig::libsodium ALIAS sodium)
 
-# Nothing but headers, which the machine's own package has beside others that are not for Windows.
+add_foreign_library(csv ${sources}/libcsv/libcsv.c)
+target_include_directories(csv SYSTEM PUBLIC ${sources}/libcsv)
+
+# Nothing but headers, which the machine's own packages have beside others that are not for Windows.
 file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/headers)
-file(CREATE_LINK /usr/include/nlohmann ${CMAKE_BINARY_DIR}/headers/nlohmann SYMBOLIC)
-add_library(nlohmann_json INTERFACE)
-target_include_directories(nlohmann_json SYSTEM INTERFACE ${CMAKE_BINARY_DIR}/headers)
-add_library(nlohmann_json::nlohmann_json ALIAS nlohmann_json)
+function(add_headers name folder)
+  file(CREATE_LINK /usr/include/${folder} ${CMAKE_BINARY_DIR}/headers/${folder} SYMBOLIC)
+  add_library(${name} INTERFACE IMPORTED GLOBAL)
+  target_include_directories(${name} SYSTEM INTERFACE ${CMAKE_BINARY_DIR}/headers)
+endfunction()
+add_headers(nlohmann_json::nlohmann_json nlohmann)
+add_headers(CLI11::CLI11 CLI)

@@ -64,6 +64,14 @@ void MakeBooks(const std::string& connection) {
   Batch()->Call("Commit", GetPropsString());
 }
 
+long SaveVoucher(int number, int month) {
+  auto vouchers = Make<VoucherSet>();
+  const auto voucher =
+      NewVoucher(*vouchers, number, DateTime::FromYmd(2024, month, 1 + number % 28));
+  voucher->SaveChanges();
+  return voucher->VoucherID();
+}
+
 void SaveVouchers(int count) {
   auto vouchers = Make<VoucherSet>();
   // The day that the plain client's rows are of.

@@ -11,6 +11,9 @@ namespace bench {
 void MakeBooks(const std::string& connection);
 void LogInTo(const std::string& connection);
 
+// Saves one voucher of 4 lines through the library; its id.
+long SaveVoucher(int number, int month);
+
 // Saves vouchers of 4 lines through the library, one transaction each, or many in one batch.
 void SaveVouchers(int count);
 void SaveVouchersInBatches(int count, int year);

@@ -12,19 +12,9 @@
 #include <string_view>
 #include <utility>
 
-#include "qdclgl/frame/vocabulary/text.h"
+#include "qdclgl/frame/platform/wide_text.h"
 
 namespace qdclgl::automation {
-
-static_assert(sizeof(wchar_t) == sizeof(char16_t));
-
-inline std::wstring ToWide(std::string_view text) {
-  const std::u16string units = ToUtf16(text);
-  return std::wstring(units.begin(), units.end());
-}
-inline std::string FromWide(std::wstring_view text) {
-  return FromUtf16({reinterpret_cast<const char16_t*>(text.data()), text.size()});
-}
 
 // What a call into an object answers that may be another program's. A C++ exception that it lets
 // out is a failure like others, as far as it can be caught: it can where both sides have one

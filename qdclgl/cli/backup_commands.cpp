@@ -3,15 +3,18 @@
 
 #include "qdclgl/cli/output_file.h"
 #include "qdclgl/cli/program.h"
+#include "qdclgl/cli/progress.h"
 #include "qdclgl/frame/objects/late_bound.h"
 #include "qdclgl/frame/session/server_gateway.h"
 #include "qdclgl/server/db/connection_text.h"
+#include "qdclgl/server/db/path_text.h"
 
 namespace qdclgl::cli {
 
 namespace {
 
 namespace fs = std::filesystem;
+using server::PathOf;
 
 // "version 16, 12 vouchers, the last one 2024/12 General 3 of 2024-12-31, audit head 4-0f3a..."
 std::string TextOf(const Dictionary& account) {
@@ -48,9 +51,12 @@ int BackUp(const BackupOptions& options, const Console& console) {
   const std::string props = options.login.Open();
   const std::string part = file + ".part";
   std::error_code ignored;
-  fs::remove(part, ignored);  // of a run that was killed
-  const auto account =
-      CreateObject("QDSVGLBooks.BooksInfo")->Call("BackUp", props, FileText(part)).As<Dictionary>();
+  fs::remove(PathOf(part), ignored);  // of a run that was killed
+  const auto account = Watched(console, [&] {
+    return CreateObject("QDSVGLBooks.BooksInfo")
+        ->Call("BackUp", props, FileText(part))
+        .As<Dictionary>();
+  });
   MoveInto(file, part, overwriting);
   console.out << "Backed up: " << TextOf(*account) << ".\n";
   return kDone;
@@ -90,9 +96,10 @@ class FormerBooks {
     }
     place_ = text[server::connection_key::kDataSource];
     std::error_code unknown;
-    if (!fs::exists(place_, unknown)) return;
+    if (!fs::exists(PathOf(place_), unknown)) return;
     aside_ = place_ + ".replaced";
-    if (fs::exists(aside_, unknown)) throw FileError(aside_ + " is there already; move it away");
+    if (fs::exists(PathOf(aside_), unknown))
+      throw FileError(aside_ + " is there already; move it away");
     Move(place_, aside_);
   }
 
@@ -106,8 +113,8 @@ class FormerBooks {
   static void Move(const std::string& from, const std::string& to) {
     for (const char* ending : {"-wal", "-shm", ""}) {
       std::error_code error;
-      if (*ending != '\0' && !fs::exists(from + ending, error)) continue;
-      fs::rename(from + ending, to + ending, error);
+      if (*ending != '\0' && !fs::exists(PathOf(from + ending), error)) continue;
+      fs::rename(PathOf(from + ending), PathOf(to + ending), error);
       if (error) throw FileError(from + ending + " can't be moved: " + error.message());
     }
   }
@@ -117,7 +124,7 @@ class FormerBooks {
 
 int Restore(const RestoreOptions& options, const Console& console) {
   options.login.StartServer();
-  if (!fs::exists(options.file)) throw FileError(options.file + " can't be read");
+  if (!fs::exists(PathOf(options.file))) throw FileError(options.file + " can't be read");
   std::optional<FormerBooks> former;
   if (options.force) former.emplace(options.login.book);
   try {
@@ -143,8 +150,7 @@ void AddRestore(Program& program) {
     return Restore(*options, program.console());
   });
   command->add_option("FILE", options->file, "The file that backup has made")->required();
-  command->add_option("BOOK", options->login.book, "The books: a SQLite file or a connection text")
-      ->envname("QDCLGL_BOOK");
+  AddBook(*command, options->login);
   command
       ->add_option("--program-role", options->program_role,
                    "The PostgreSQL role that programs log in with, another one than the owner")

@@ -2,7 +2,9 @@
 #include <optional>
 #include <utility>
 
+#include "qdclgl/cli/kept_login.h"
 #include "qdclgl/cli/program.h"
+#include "qdclgl/cli/progress.h"
 #include "qdclgl/cli/year_end.h"
 #include "qdclgl/frame/containers/recordset.h"
 #include "qdclgl/frame/objects/late_bound.h"
@@ -39,13 +41,14 @@ int Init(const InitOptions& options, const Console& console) {
   login.StartServer();
   CreateObject("QDSVGLBooks.BooksUpdate")
       ->Call("Create", login.book, options.currency, options.year, options.periods,
-             options.start_month, login.user, Login::Password(), options.no_password,
+             options.start_month, login.UserName(), Login::Password(), options.no_password,
              options.program_role);
+  ForgetLogin(login.book);  // to books that stood there before
   login.Open();
   console.out << "The books are made, in " << options.currency << ". ";
   PrintCurrentPeriod(console);
   if (options.no_password) {
-    console.out << "User " << login.user
+    console.out << "User " << login.UserName()
                 << " has no password: whoever reaches the books can do everything in them.\n";
   }
   return kDone;
@@ -75,8 +78,9 @@ void AddUpgrade(Program& program) {
   program.AddForBooks(
       "upgrade", "Brings books of an older version to this one", *login, [login, &program] {
         login->StartServer();
-        const auto former =
-            CreateObject("QDSVGLBooks.BooksUpdate")->Call("Upgrade", login->book).As<Long>();
+        const auto former = Watched(program.console(), [&] {
+          return CreateObject("QDSVGLBooks.BooksUpdate")->Call("Upgrade", login->book).As<Long>();
+        });
         const auto now =
             CreateObject("QDSVGLBooks.BooksInfo")->Call("Version", login->book).As<Long>();
         program.console().out << "The books were of version " << former << " and are of version "
@@ -221,8 +225,11 @@ struct DoctorOptions {
 
 int Examine(const DoctorOptions& options, const Console& console) {
   const std::string props = options.login.Open();
-  const auto problems =
-      CreateObject("QDSVGLBooks.BooksInfo")->Call("Check", props, options.head).As<Recordset>();
+  const auto problems = Watched(console, [&] {
+    return CreateObject("QDSVGLBooks.BooksInfo")
+        ->Call("Check", props, options.head)
+        .As<Recordset>();
+  });
   if (problems->Eof() && options.format == Format::kPlain) {
     console.out << "The books are in order.\n";
     return kDone;

@@ -2,11 +2,9 @@
 #include <array>
 
 #include "qdclgl/accounts/account_set.h"
-#include "qdclgl/cli/batch.h"
 #include "qdclgl/cli/cell_values.h"
 #include "qdclgl/cli/program.h"
-#include "qdclgl/cli/progress.h"
-#include "qdclgl/cli/sheet.h"
+#include "qdclgl/cli/sheet_import.h"
 #include "qdclgl/frame/session/server_gateway.h"
 #include "qdclgl/frame/vocabulary/text.h"
 #include "qdclgl/server/db/refusals.h"
@@ -128,55 +126,22 @@ enum Column : std::size_t { kAccount, kYear, kPeriod, kAmount };
 constexpr std::array kColumns = {SheetColumn{"account", true}, SheetColumn{"year", true},
                                  SheetColumn{"period"}, SheetColumn{"amount", true}};
 
-// BadCell for the first thing that is wrong, told with its place by `at`.
-Budget ReadBudget(const Sheet& sheet, const CsvRow& row, Position& at) {
-  if (row.problem) {
-    at = row.problem->at;
-    throw BadCell(row.problem->reason);
-  }
-  const auto text = [&](Column column) -> const std::string& {
-    static const std::string kNone;
-    const CsvCell* found = sheet.Cell(row, column);
-    if (found != nullptr) at = found->at;
-    return found != nullptr ? found->text : kNone;
-  };
+Budget ReadBudget(RowCells& cells) {
   Budget budget;
-  budget.account = text(kAccount);
+  budget.account = cells.Text(kAccount);
   if (budget.account.empty()) throw BadCell("the budget has no account");
-  budget.year = ReadWhole(text(kYear));
-  const std::string& period = text(kPeriod);
+  budget.year = ReadWhole(cells.Text(kYear));
+  const std::string& period = cells.Text(kPeriod);
   if (!period.empty()) budget.period = ReadWhole(period);
-  budget.amount = ReadAmount(text(kAmount));
-  at = row.at;
+  budget.amount = ReadAmount(cells.Text(kAmount));
+  cells.Leave();
   return budget;
 }
 
 int ImportBudgets(const BudgetOptions& options, const Console& console) {
   const std::string props = options.login.Open();
-  Progress progress(console);
-  Reports reports(options.file, console, progress);
-  Sheet sheet(options.file, kColumns, reports);
-  long stored = 0, left_out = sheet.IsUsable() ? 0 : 1;
-  Batch batch(props);
-  for (CsvRow row; sheet.IsUsable() && sheet.Next(row);) {
-    Position at = row.at;
-    try {
-      Put(props, ReadBudget(sheet, row, at));
-      ++stored;
-    } catch (const BadCell& bad) {
-      reports.Add(at, bad.what());
-      ++left_out;
-    } catch (const Error& error) {
-      if (!IsAboutRecord(error)) throw;
-      reports.Add(at, ErrorText(error));
-      ++left_out;
-    }
-    progress.Show("budgets", stored, sheet.Share());
-  }
-  batch.Commit();
-  progress.Clear();
-  console.out << "budgets: " << stored << " stored, " << left_out << " left out\n";
-  return left_out == 0 ? kDone : kLeftOut;
+  return ImportSheet(options.file, kColumns, "budgets", props, console,
+                     [&](RowCells& cells) { Put(props, ReadBudget(cells)); });
 }
 
 int RunBudget(const BudgetOptions& options, const Console& console) {

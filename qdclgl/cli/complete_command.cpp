@@ -5,10 +5,13 @@
 
 #include "qdclgl/api/class_list.h"
 #include "qdclgl/cli/item_classes.h"
+#include "qdclgl/cli/kept_formats.h"
 #include "qdclgl/cli/listing.h"
 #include "qdclgl/cli/program.h"
 #include "qdclgl/cli/record_kinds.h"
+#include "qdclgl/frame/session/server_gateway.h"
 #include "qdclgl/frame/vocabulary/text.h"
+#include "qdclgl/server/db/path_text.h"
 
 namespace qdclgl::cli {
 
@@ -43,7 +46,8 @@ struct CommandLine {
   // A word that is the name of a file, a connection text, or what the environment says.
   std::string Book() const {
     for (std::size_t i = 1; i + 1 < words.size(); ++i) {
-      if (words[i].find('=') != std::string::npos || std::filesystem::exists(words[i])) {
+      if (words[i].find('=') != std::string::npos ||
+          std::filesystem::exists(server::PathOf(words[i]))) {
         return words[i];
       }
     }
@@ -53,15 +57,21 @@ struct CommandLine {
 
 // ---- From the books ----
 
+// The PropsString of the books that the command line names; "" where it names none.
+std::string PropsOf(const CommandLine& line) {
+  Login login;
+  login.book = line.Book();
+  login.user = UserFromEnvironment();
+  return login.book.empty() ? "" : login.Open();
+}
+
 // What a list has under two of its columns; nothing where the books can't be opened.
 Candidates FromBooks(const CommandLine& line, std::string_view list, std::string_view word,
                      std::string_view help) {
   Candidates candidates;
-  Login login;
-  login.book = line.Book();
-  login.user = UserFromEnvironment();
-  if (login.book.empty()) return candidates;
-  const Ref<Recordset> rows = FetchList(*FindList(list), login.Open(), {});
+  const std::string props = PropsOf(line);
+  if (props.empty()) return candidates;
+  const Ref<Recordset> rows = FetchList(*FindList(list), props, {});
   for (; !rows->Eof(); rows->MoveNext()) {
     const auto text = [&](std::string_view column) {
       return CellText(rows->FieldValue(rows->FieldPosition(column)));
@@ -81,6 +91,32 @@ Candidates Records(const CommandLine& line, const server::MasterData& kind) {
   const std::string_view key = kind.description().key.column;
   const bool has_name = server::FindColumn(kind.CallersColumns(), "FName") != nullptr;
   return FromBooks(line, KindName(kind), key, has_name ? "FName" : key);
+}
+
+Candidates Formats(const CommandLine& line) {
+  Candidates candidates;
+  const std::string props = PropsOf(line);
+  if (props.empty()) return candidates;
+  for (const auto& [name, format] : KeptFormats(props)) candidates.push_back({name});
+  return candidates;
+}
+
+// Their keys alone, or their categories.
+Candidates Settings(const CommandLine& line, std::string_view column, std::string_view help) {
+  Candidates candidates;
+  const std::string props = PropsOf(line);
+  if (props.empty()) return candidates;
+  const auto rows =
+      CreateObject("QDSVBase.SystemProfile")->Call("ListSettings", props).As<Recordset>();
+  for (; !rows->Eof(); rows->MoveNext()) {
+    const Ref<Dictionary> row = rows->Row();
+    Candidate setting{row->Value(column).As<String>(),
+                      help.empty() ? "" : row->Value(help).As<String>()};
+    if (candidates.empty() || candidates.back().word != setting.word) {
+      candidates.push_back(std::move(setting));
+    }
+  }
+  return candidates;
 }
 
 Candidates Accounts(const CommandLine& line) { return Records(line, KindNamed("accounts")); }
@@ -148,10 +184,28 @@ Candidates ValuesOf(const std::string& option, const CommandLine& line) {
     return Records(line, KindNamed("currencies"));
   }
   if (option == "--from-template") return Records(line, KindNamed("templates"));
+  if (option == "--undo") return FromBooks(line, "imports", "FNumber", "FName");
   if (option == "--class" || option == "--by") return ItemClasses(line, "");
   if (option == "--item") return ItemClasses(line, "=");
   if (option == "--account" || option == "--columns" || option == "--line") return Accounts(line);
   return {};
+}
+
+bool IsOneOf(const std::string& word, std::initializer_list<std::string_view> words) {
+  return std::ranges::find(words, word) != words.end();
+}
+
+// The word before the last one.
+const std::string& Before(const CommandLine& line) { return line.words[line.words.size() - 2]; }
+
+// What follows one of a command's deeds, or otherwise comes before it.
+template <class Behind, class Otherwise>
+Candidates OfDeeds(const CommandLine& line, std::initializer_list<std::string_view> deeds,
+                   Behind behind, Otherwise otherwise) {
+  if (IsOneOf(Before(line), deeds)) return behind();
+  const bool is_told = std::any_of(line.words.begin() + 1, line.words.end() - 1,
+                                   [&](const std::string& word) { return IsOneOf(word, deeds); });
+  return is_told ? Candidates() : otherwise();
 }
 
 bool TakesValue(const CLI::App& command, const std::string& name) {
@@ -159,15 +213,29 @@ bool TakesValue(const CLI::App& command, const std::string& name) {
   return option != nullptr && option->get_type_size() != 0;
 }
 
-bool IsOneOf(const std::string& word, std::initializer_list<std::string_view> words) {
-  return std::ranges::find(words, word) != words.end();
-}
-
 // What a word is that belongs to no option.
 Candidates WordsOf(const CLI::App& command, const CommandLine& line) {
   const std::string& name = line.command();
   if (name == "api") return ClassNames();
   if (name == "list") return ListNames();
+  if (name == "formats") {
+    if (Before(line) == "add") return {};
+    return OfDeeds(
+        line, {"show", "remove"}, [&] { return Formats(line); },
+        [] {
+          return Candidates{{"add"}, {"show"}, {"remove"}};
+        });
+  }
+  if (name == "settings") {
+    return OfDeeds(
+        line, {"set", "reset"}, [&] { return Settings(line, "FKey", "FMeaning"); },
+        [&] {
+          Candidates words = Settings(line, "FCategory", "");
+          words.insert(words.begin(), {{"set"}, {"reset"}});
+          return words;
+        });
+  }
+  if (name == "rates") return Records(line, KindNamed("currencies"));
   if (name == "ledger") return Records(line, KindNamed("ledgers"));
   if (command.get_option_no_throw("ACCOUNT") != nullptr) return Accounts(line);
   if (!IsOneOf(name, {"kinds", "show", "add", "set", "remove"})) return {};
@@ -186,6 +254,11 @@ Candidates CandidatesFor(const CLI::App& app, const CommandLine& line) {
   if (commands.empty()) return {};
   if (line.command() == "help") return Commands(app);
   const CLI::App& command = *commands.front();
+  if (line.command() == "import" && line.option() == "--format") {
+    Candidates formats = Formats(line);
+    formats.insert(formats.begin(), {std::string(kFoundFormat), "found in the file"});
+    return formats;
+  }
   if (TakesValue(command, line.option())) return ValuesOf(line.option(), line);
   return line.current().starts_with('-') ? Options(command) : WordsOf(command, line);
 }

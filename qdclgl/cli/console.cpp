@@ -24,6 +24,7 @@ ExitCode OutcomeOf(std::size_t done, std::size_t wanted) {
 ExitCode ExitCodeOf(const Error& error) {
   using namespace server::refusal;
   switch (error.number()) {
+    case kNotLoggedIn:
     case kLoginRefused:
     case kLoginDelayed:
     case kBadConnectionText:

@@ -1,10 +1,12 @@
 #include "qdclgl/cli/edited_text.h"
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <random>
 #include <sstream>
+
+#include "qdclgl/cli/system_calls.h"
+#include "qdclgl/server/db/path_text.h"
 
 namespace qdclgl::cli {
 
@@ -16,10 +18,10 @@ constexpr std::string_view kComment = "#", kReport = "#   ^ ";
 
 std::string Editor() {
   for (const char* variable : {"VISUAL", "EDITOR"}) {
-    const char* editor = std::getenv(variable);
-    if (editor != nullptr && *editor != '\0') return editor;
+    const auto editor = Environment(variable);
+    if (editor && !editor->empty()) return *editor;
   }
-  return "vi";
+  return kUsualEditor;
 }
 
 // A folder that nobody else can look into.
@@ -30,9 +32,9 @@ std::string NewFolder() {
     std::error_code error;
     if (fs::create_directory(folder, error)) {
       fs::permissions(folder, fs::perms::owner_all);
-      return folder.string();
+      return server::TextOf(folder);
     }
-    if (error) throw FileError(folder.string() + " can't be made: " + error.message());
+    if (error) throw FileError(server::TextOf(folder) + " can't be made: " + error.message());
   }
 }
 
@@ -49,11 +51,11 @@ EditedText::EditedText(const std::string& text) : folder_(NewFolder()) { Write(t
 
 EditedText::~EditedText() {
   std::error_code ignored;
-  if (!is_kept_) fs::remove_all(folder_, ignored);
+  if (!is_kept_) fs::remove_all(server::PathOf(folder_), ignored);
 }
 
 std::string EditedText::Read() const {
-  std::ifstream file(Path(), std::ios::binary);
+  std::ifstream file(server::PathOf(Path()), std::ios::binary);
   std::ostringstream text;
   text << file.rdbuf();
   if (!file) throw FileError(Path() + " can't be read");
@@ -61,14 +63,14 @@ std::string EditedText::Read() const {
 }
 
 void EditedText::Write(const std::string& text) {
-  std::ofstream file(Path(), std::ios::binary);
+  std::ofstream file(server::PathOf(Path()), std::ios::binary);
   file << text << std::flush;
   if (!file) throw FileError(Path() + " can't be written");
   shown_ = text;
 }
 
 bool EditedText::Edit() {
-  if (std::system((Editor() + " '" + Path() + "'").c_str()) != 0) {
+  if (!RunWithFile(Editor(), Path())) {
     throw std::runtime_error("the editor (" + Editor() + ") failed");
   }
   return Read() != shown_;
@@ -90,7 +92,7 @@ void EditedText::Show(const std::vector<Report>& reports) {
 
 std::string EditedText::FileToRead() const {
   const std::string path = folder_ + "/read.csv";
-  std::ofstream file(path, std::ios::binary);
+  std::ofstream file(server::PathOf(path), std::ios::binary);
   for (const std::string& line : LinesOf(Read())) {
     file << (line.starts_with(kComment) ? "" : line) << '\n';
   }
@@ -102,7 +104,7 @@ std::string EditedText::FileToRead() const {
 std::string EditedText::Keep() {
   is_kept_ = true;
   std::error_code ignored;
-  fs::remove(folder_ + "/read.csv", ignored);
+  fs::remove(server::PathOf(folder_ + "/read.csv"), ignored);
   return Path();
 }
 

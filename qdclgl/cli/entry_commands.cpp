@@ -52,7 +52,7 @@ int New(const EntryOptions& options, const Console& console) {
   if (options.group.empty()) voucher->Group(kUsualGroup);
   for (const LineWords& words : options.lines) {
     voucher->Entries()->Add();
-    PutWords(*voucher->Entries()->Item(voucher->Entries()->Count()), words);
+    PutWords(*voucher->Entries()->Item(voucher->Entries()->Count()), words, voucher->VoucherDate());
   }
   Balance(*voucher);
   voucher->Explanation(options.lines.front().explanation);

@@ -9,6 +9,7 @@
 #include "qdclgl/cli/csv_reader.h"
 #include "qdclgl/cli/foreign_rows.h"
 #include "qdclgl/frame/vocabulary/text.h"
+#include "qdclgl/server/db/path_text.h"
 
 namespace qdclgl::cli {
 
@@ -56,7 +57,7 @@ constexpr KnownHeading kKnownHeadings[] = {
 };
 
 std::string HeadOf(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
+  std::ifstream file(server::PathOf(path), std::ios::binary);
   if (!file) throw FileError(path + " can't be read");
   std::string head(kHead, '\0');
   file.read(head.data(), static_cast<std::streamsize>(head.size()));

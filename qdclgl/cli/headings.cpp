@@ -27,6 +27,7 @@ constexpr KnownHeading kKnown[] = {
     {"FBeginBalance", "Begin"},
     {"FEndBalance", "End"},
     {"FLedgerName", "Ledger"},
+    {"FVoucherCount", "Vouchers"},
     {"CheckAcctNumber", "Check account"},
     {"AcctNumber", "Account"},
 };

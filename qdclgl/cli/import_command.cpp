@@ -7,6 +7,7 @@
 #include "qdclgl/cli/cell_values.h"
 #include "qdclgl/cli/chart.h"
 #include "qdclgl/cli/format_sniffer.h"
+#include "qdclgl/cli/import_undo.h"
 #include "qdclgl/cli/item_import.h"
 #include "qdclgl/cli/journal.h"
 #include "qdclgl/cli/journal_columns.h"
@@ -21,12 +22,12 @@ namespace {
 
 struct ImportOptions {
   Login login;
+  ImportUndo undo;
   std::string accounts;
   std::string journal;
   std::string format;
   std::string items, item_class;
   bool update = false;
-  bool dry_run = false;
   bool check_all = false;
   bool post_all = false;
   bool resume = false;
@@ -38,6 +39,7 @@ struct JournalResult {
   long passed = 0;  // in the books already
   long left_out = 0;
   bool is_whole = true;  // nothing was reported
+  std::string import;    // the number of what was stored, in the books' list of imports
 };
 
 class JournalImport {
@@ -73,6 +75,7 @@ class JournalImport {
     Batch batch(props_);
     names_.Refresh();
     const std::unordered_set<std::string> known = KnownOf(vouchers);
+    stored_ = Make<Vector>();
     for (const JournalVoucher& voucher : vouchers) {
       if (known.contains(voucher.key)) {
         PassOver(voucher);
@@ -83,8 +86,26 @@ class JournalImport {
       }
       progress_.Show("vouchers", result_.stored, reader_.Share());
     }
+    KeepStored();
     batch.Commit();
     vouchers.clear();
+  }
+
+  // Tells the books which vouchers have come with this import.
+  void KeepStored() {
+    if (stored_->size() == 0) return;
+    const auto imports = CreateObject("QDSVGLImport.ImportUpdate");
+    if (import_ == 0) {
+      auto row = Make<Dictionary>();
+      row->Put("FName", options_.journal);
+      import_ = imports->Call("Create", props_, row).As<Long>();
+      result_.import = CreateObject("QDSVGLImport.ImportInfo")
+                           ->Call("GetDetail", props_, import_)
+                           .As<Dictionary>()
+                           ->Value("FNumber")
+                           .As<String>();
+    }
+    imports->Call("AddVouchers", props_, import_, stored_);
   }
 
   // The keys of those vouchers that the books have already. A voucher is known by its reference;
@@ -159,6 +180,7 @@ class JournalImport {
       const Ref<Voucher> voucher = Make<VoucherSet>()->CreateNew();
       if (!filler_.Fill(*voucher, journal)) return false;
       voucher->SaveChanges1();
+      stored_->Append(voucher->VoucherID());
       return true;
     } catch (const Error& error) {
       if (!IsAboutRecord(error)) throw;
@@ -176,14 +198,27 @@ class JournalImport {
   JournalReader reader_;
   VoucherFiller filler_{names_, items_, reports_};
   JournalResult result_;
+  Ref<Vector> stored_;  // the ids of the batch's vouchers
+  Long import_ = 0;
   long known_ = 0;  // vouchers that are in the books already
   JournalVoucher first_known_;
 };
 
+bool HasFiles(const ImportOptions& options) {
+  return !options.accounts.empty() || !options.journal.empty() || !options.items.empty();
+}
+
 void RequireSense(const ImportOptions& options) {
-  if (options.accounts.empty() && options.journal.empty() && options.items.empty() &&
-      !options.check_all && !options.post_all) {
-    throw UsageError("import needs --accounts, --items or --journal");
+  if (!options.undo.import.empty()) {
+    if (HasFiles(options) || options.check_all || options.post_all || options.resume ||
+        options.new_currencies || options.update) {
+      throw UsageError("--undo goes with --dry-run or --yes alone");
+    }
+    return;
+  }
+  if (options.undo.yes) throw UsageError("--yes goes with --undo");
+  if (!HasFiles(options) && !options.check_all && !options.post_all) {
+    throw UsageError("import needs --accounts, --items, --journal or --undo");
   }
   if (options.items.empty() != options.item_class.empty()) {
     throw UsageError("--items and --class go together");
@@ -203,6 +238,18 @@ std::optional<NamedFormat> FormatOf(const ImportOptions& options, const std::str
   NamedFormat format{is_found ? "row" : options.format, Completed(options.journal, kept)};
   console.out << OneLine(options.journal) << ": " << Described(format.format) << '\n';
   return format;
+}
+
+void TellJournal(const JournalResult& journal, const ImportOptions& options,
+                 const Console& console) {
+  const bool is_kept = journal.stored > 0 && !options.undo.dry_run;
+  console.out << "vouchers: " << journal.stored << " stored";
+  if (is_kept) console.out << " as import " << journal.import;
+  console.out << ", " << journal.passed << " passed over, " << journal.left_out << " left out\n";
+  if (is_kept && journal.passed > 0) {
+    console.out << "What was passed over was in the books before, and is no part of this import.\n";
+  }
+  console.out << std::flush;
 }
 
 // The files one after the other, what others stand on first. False when anything was reported.
@@ -230,9 +277,7 @@ bool ImportFiles(const ImportOptions& options, const std::string& props, const C
     const std::optional<NamedFormat> format = FormatOf(options, props, console);
     const JournalResult journal =
         JournalImport(options, props, names, console, format ? &*format : nullptr).Run();
-    console.out << "vouchers: " << journal.stored << " stored, " << journal.passed
-                << " passed over, " << journal.left_out << " left out\n"
-                << std::flush;
+    TellJournal(journal, options, console);
     is_whole = is_whole && journal.is_whole;
   }
   for (const auto& [wanted, name] :
@@ -245,10 +290,11 @@ bool ImportFiles(const ImportOptions& options, const std::string& props, const C
 int Import(const ImportOptions& options, const Console& console) {
   RequireSense(options);
   const std::string props = options.login.Open();
+  if (!options.undo.import.empty()) return UndoImport(options.undo, props, console);
   std::optional<Trial> trial;
-  if (options.dry_run) trial.emplace(props);
+  if (options.undo.dry_run) trial.emplace(props);
   const bool is_whole = ImportFiles(options, props, console);
-  if (options.dry_run) console.out << "That is what an import would do; nothing is stored.\n";
+  if (options.undo.dry_run) console.out << "That is what an import would do; nothing is stored.\n";
   return is_whole ? kDone : kLeftOut;
 }
 
@@ -268,7 +314,7 @@ void AddImportCommand(Program& program) {
   command->add_option("--items", options->items, "Items, with --class")->type_name("FILE");
   command->add_option("--class", options->item_class, "The class of the items")->type_name("CLASS");
   command->add_flag("--update", options->update, "Changes items that are in the books already");
-  command->add_flag("--dry-run", options->dry_run,
+  command->add_flag("--dry-run", options->undo.dry_run,
                     "Tries everything, tells what would be stored, and stores nothing");
   command->add_flag("--check-all", options->check_all, "Checks all vouchers behind the import");
   command->add_flag("--post-all", options->post_all, "Posts all vouchers behind the import");
@@ -276,6 +322,11 @@ void AddImportCommand(Program& program) {
                     "Makes currencies that the books don't have");
   command->add_flag("--resume", options->resume,
                     "Passes over vouchers that are in the books already");
+  command
+      ->add_option("--undo", options->undo.import,
+                   "Takes the vouchers of an import out again, by its number in qdclgl imports")
+      ->type_name("NUMBER");
+  command->add_flag("--yes", options->undo.yes, "Undoes without a question");
 }
 
 }  // namespace qdclgl::cli

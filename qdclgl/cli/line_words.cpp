@@ -68,13 +68,13 @@ LineWords ReadLineWords(const std::string& text) {
   return line;
 }
 
-void PutWords(VoucherEntry& line, const LineWords& words) {
+void PutWords(VoucherEntry& line, const LineWords& words, DateTime day) {
   line.AccountNumber(words.account);
   line.DC(words.is_debit ? 1 : 0);
   line.Explanation(words.explanation);
   if (!words.currency.empty()) line.CurrencyID(CurrencyNamed(words.currency));
   line.ExchangeRate(words.rate);
-  if (words.amount) PutAmount(line, *words.amount);
+  if (words.amount) PutAmount(line, *words.amount, day);
 }
 
 }  // namespace qdclgl::cli

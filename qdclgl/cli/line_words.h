@@ -13,7 +13,7 @@ struct LineWords {
   bool is_debit = false;
   std::optional<Currency> amount;
   std::string currency;  // empty: the base currency
-  Double rate = 0;       // 0: the currency's
+  Double rate = 0;       // 0: that of the day, or the currency's
   std::string explanation;
 };
 
@@ -21,7 +21,7 @@ struct LineWords {
 // can't be read.
 LineWords ReadLineWords(const std::string& text);
 
-// Fills a new line. BadCurrency when the books have no such currency.
-void PutWords(VoucherEntry& line, const LineWords& words);
+// Fills a new line of a voucher of that day. BadCurrency when the books have no such currency.
+void PutWords(VoucherEntry& line, const LineWords& words, DateTime day);
 
 }  // namespace qdclgl::cli

@@ -67,6 +67,13 @@ std::string NoneOf(const server::ServerComponent& component, const ListQuery& qu
          (query.filter.empty() ? "." : " for which the filter is true.");
 }
 
+// Of rows that are there.
+Long LastId(Recordset& rows) {
+  Long id = 0;
+  for (rows.MoveFirst(); !rows.Eof(); rows.MoveNext()) id = rows.FieldValue(0).As<Long>();
+  return id;
+}
+
 int Print(const server::ServerComponent& component, const ListOptions& options,
           const Console& console) {
   const std::string props = options.login.Open();
@@ -92,6 +99,9 @@ int Print(const server::ServerComponent& component, const ListOptions& options,
   WriteRecordset(console, options.format, rows,
                  std::vector<std::string_view>(columns.begin(), columns.end()),
                  NoneOf(component, query));
+  if (options.format == Format::kPlain && query.limit != 0 && rows->RecordCount() == query.limit) {
+    console.out << "There may be more rows; they go on with --after " << LastId(*rows) << '\n';
+  }
   return kDone;
 }
 
@@ -114,6 +124,11 @@ void AddQueryOptions(CLI::App& command, ListOptions& options) {
   command.add_option("--sort", options.query.sort, "In which order: \"FNumber DESC, FName\"")
       ->type_name("COLUMNS");
   command.add_flag("--with-deleted", options.query.with_deleted, "What is marked deleted too");
+  AddWhole(command, "--limit", options.query.limit, "At most so many rows")
+      ->check(CLI::PositiveNumber);
+  AddWhole(command, "--after", options.query.after,
+           "Goes on behind the row with this id, in the same order")
+      ->check(CLI::PositiveNumber);
   AddFormat(command, options.format);
 }
 

@@ -12,6 +12,7 @@ struct Look {
   // Of a terminal; 0 where there is none, and nothing is cut then.
   std::size_t width = 0;
   std::size_t height = 0;
+  bool obeys_escapes = true;  // as not every terminal does
   bool has_colour = false;
   bool has_unicode = false;
   bool shows_keys = false;  // the columns' keys in place of headings

@@ -1,7 +1,4 @@
 // qdclgl: the general ledger at the command line.
-#include <unistd.h>
-
-#include <csignal>
 #include <iostream>
 
 #include "qdclgl/cli/output.h"
@@ -9,15 +6,17 @@
 
 int main(int count, char** arguments) {
   using namespace qdclgl::cli;
+  const std::vector<std::string> words = BeginProgram(count, arguments);
   std::ios::sync_with_stdio(false);
-  signal(SIGPIPE, SIG_IGN);
-  Output output(STDOUT_FILENO);
-  std::ostream out(&output);
+  Output output(kStandardOutput), errors(kStandardError);
+  std::ostream out(&output), err(&errors);
+  err << std::unitbuf;
+  const auto watched = TerminalOf(kStandardError);
   const Console console{out,
-                        std::cerr,
-                        isatty(STDERR_FILENO) != 0,
-                        isatty(STDIN_FILENO) != 0 ? &std::cin : nullptr,
-                        LookAt(STDOUT_FILENO),
+                        err,
+                        watched && watched->obeys_escapes,
+                        IsTerminal(kStandardInput) ? &std::cin : nullptr,
+                        LookAt(kStandardOutput),
                         &output};
-  return Run({arguments + 1, arguments + count}, console);
+  return Run(words, console);
 }

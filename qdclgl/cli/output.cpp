@@ -1,14 +1,6 @@
 #include "qdclgl/cli/output.h"
 
-#include <fcntl.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
-#include <csignal>
-#include <cstdlib>
-#include <sstream>
 
 namespace qdclgl::cli {
 
@@ -16,24 +8,9 @@ namespace {
 
 constexpr std::size_t kMostKept = 64 * 1024;
 
-bool IsProgram(const std::string& path) { return access(path.c_str(), X_OK) == 0; }
-
-// Whether the first word of a command is a program.
-bool CanRun(const std::string& command) {
-  const std::string word = command.substr(0, command.find(' '));
-  if (word.find('/') != word.npos) return IsProgram(word);
-  const char* path = std::getenv("PATH");
-  std::istringstream folders(path == nullptr ? "" : path);
-  for (std::string folder; std::getline(folders, folder, ':');) {
-    if (!word.empty() && IsProgram(folder + "/" + word)) return true;
-  }
-  return false;
-}
-
 // The reader's own pager, or the usual one; "" for none. One that isn't there is none.
 std::string PagerCommand() {
-  const char* own = std::getenv("PAGER");
-  const std::string command = own == nullptr ? "less" : own;
+  const std::string command = Environment("PAGER").value_or("less");
   return command != "cat" && CanRun(command) ? command : "";
 }
 
@@ -67,12 +44,10 @@ int Output::sync() {
 }
 
 bool Output::WriteOut() {
-  std::size_t written = 0;
-  while (!is_left_ && written < kept_.size()) {
-    const ssize_t count = write(descriptor_, kept_.data() + written, kept_.size() - written);
-    if (count >= 0) written += static_cast<std::size_t>(count);
-    else if (errno == EPIPE) is_left_ = true;
-    else if (errno != EINTR) return false;
+  if (!is_left_) {
+    const Writing writing = Write(descriptor_, kept_);
+    if (writing == Writing::kFailed) return false;
+    is_left_ = writing == Writing::kNobodyReads;
   }
   kept_.clear();
   return true;
@@ -80,35 +55,14 @@ bool Output::WriteOut() {
 
 void Output::StartPager() {
   most_lines_ = 0;
-  int ends[2];
-  if (pipe2(ends, O_CLOEXEC) != 0) return;
-  pager_process_ = fork();
-  if (pager_process_ == 0) {
-    dup2(ends[0], STDIN_FILENO);
-    signal(SIGPIPE, SIG_DFL);
-    // Ends by itself on one screen, shows colours, and leaves what was shown.
-    setenv("LESS", "FRX", 0);
-    execl("/bin/sh", "sh", "-c", pager_.c_str(), nullptr);
-    _exit(127);
-  }
-  close(ends[0]);
-  if (pager_process_ > 0) {
-    descriptor_ = ends[1];
-  } else {
-    close(ends[1]);
-    pager_process_ = 0;
-  }
+  running_.emplace(pager_);
+  descriptor_ = running_->descriptor().value_or(descriptor_);
 }
 
 bool Output::Finish() {
   const bool is_whole = sync() == 0;
-  if (pager_process_ > 0) {
-    close(descriptor_);
-    // An interrupt is the pager's; it decides what ends.
-    signal(SIGINT, SIG_IGN);
-    while (waitpid(pager_process_, nullptr, 0) < 0 && errno == EINTR) {
-    }
-    pager_process_ = 0;
+  if (running_) {
+    running_.reset();
     is_left_ = true;
   }
   return is_whole;

@@ -2,15 +2,16 @@
 // screen.
 #pragma once
 
-#include <sys/types.h>
-
+#include <optional>
 #include <streambuf>
 #include <string>
+
+#include "qdclgl/cli/system_calls.h"
 
 namespace qdclgl::cli {
 
 // A reader that goes away, as a pager that is left or `head`, is no failure: what is left is
-// dropped. SIGPIPE must be ignored.
+// dropped.
 class Output : public std::streambuf {
  public:
   explicit Output(int descriptor) : descriptor_(descriptor) {}
@@ -36,7 +37,7 @@ class Output : public std::streambuf {
   std::size_t lines_ = 0;
   std::size_t most_lines_ = 0;  // 0: nothing is paged
   std::string pager_;
-  pid_t pager_process_ = 0;
+  std::optional<Pager> running_;
   bool is_left_ = false;  // nobody reads any more
 };
 

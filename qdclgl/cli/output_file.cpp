@@ -2,9 +2,12 @@
 
 #include <filesystem>
 
+#include "qdclgl/server/db/path_text.h"
+
 namespace qdclgl::cli {
 
 namespace fs = std::filesystem;
+using server::PathOf;
 
 namespace {
 
@@ -16,19 +19,20 @@ namespace {
 
 void RequireFree(const std::string& path, Overwriting overwriting) {
   std::error_code unknown;
-  if (overwriting == Overwriting::kRefused && fs::exists(path, unknown)) RefuseToOverwrite(path);
+  if (overwriting == Overwriting::kRefused && fs::exists(PathOf(path), unknown))
+    RefuseToOverwrite(path);
 }
 
 void MoveInto(const std::string& path, const std::string& from, Overwriting overwriting) {
   std::error_code error;
   if (overwriting == Overwriting::kRefused) {
     // A second name for the file is refused where there is one already; a move would not be.
-    fs::create_hard_link(from, path, error);
+    fs::create_hard_link(PathOf(from), PathOf(path), error);
     if (error == std::errc::file_exists) RefuseToOverwrite(path);
-    if (!error) fs::remove(from, error);
-    else fs::rename(from, path, error);
+    if (!error) fs::remove(PathOf(from), error);
+    else fs::rename(PathOf(from), PathOf(path), error);
   } else {
-    fs::rename(from, path, error);
+    fs::rename(PathOf(from), PathOf(path), error);
   }
   if (error) throw FileError(path + " can't be written: " + error.message());
 }
@@ -40,7 +44,7 @@ OutputFile::OutputFile(std::string path, Overwriting overwriting, const Console&
       out_(IsOwnOutput() ? console.out : file_) {
   if (IsOwnOutput()) return;
   RequireFree(path_, overwriting_);
-  file_.open(part_, std::ios::binary | std::ios::trunc);
+  file_.open(PathOf(part_), std::ios::binary | std::ios::trunc);
   if (!file_) throw FileError(path_ + " can't be written");
 }
 
@@ -48,7 +52,7 @@ OutputFile::~OutputFile() {
   if (!file_.is_open()) return;
   file_.close();
   std::error_code ignored;
-  fs::remove(part_, ignored);
+  fs::remove(PathOf(part_), ignored);
 }
 
 void OutputFile::Finish() {

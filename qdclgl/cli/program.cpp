@@ -1,15 +1,17 @@
 #include "qdclgl/cli/program.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <utility>
 
 #include "qdclgl/cli/cell_values.h"
+#include "qdclgl/cli/kept_login.h"
 #include "qdclgl/cli/output.h"
+#include "qdclgl/cli/system_calls.h"
 #include "qdclgl/cli/usage.h"
 #include "qdclgl/cli/version_text.h"
 #include "qdclgl/frame/session/server_gateway.h"
 #include "qdclgl/frame/session/startup.h"
+#include "qdclgl/server/db/refusals.h"
 #include "qdclgl/server/server.h"
 
 namespace qdclgl::cli {
@@ -21,10 +23,12 @@ constexpr const char* kUserVariable = "QDCLGL_USER";
 constexpr const char* kPasswordVariable = "QDCLGL_PASSWORD";
 constexpr const char* kNegativeVariable = "QDCLGL_NEGATIVE";
 constexpr const char* kUsualUser = "administrator";
+constexpr const char* kSession = "QDSVGLSession.SessionUpdate";
 
 constexpr const char* kFooter =
     R"(BOOK is a SQLite file or a connection text; without it QDCLGL_BOOK is taken. The
-password comes from QDCLGL_PASSWORD. `qdclgl help COMMAND` tells a command's options.
+password comes from QDCLGL_PASSWORD, or `qdclgl login` was given it for all commands
+that follow. `qdclgl help COMMAND` tells a command's options.
 
 Exit codes: 0 done; 1 refused or failed; 2 wrong usage; 3 a part of the input was left out;
 4 the books are damaged; 5 the books can't be opened; 6 a file can't be read or written.)";
@@ -48,10 +52,11 @@ void TakeUnmarkedWords(CLI::App& command) {
   }
 }
 
-std::string FromEnvironment(const char* variable) {
-  const char* value = std::getenv(variable);
-  return value == nullptr ? "" : value;
-}
+std::string FromEnvironment(const char* variable) { return Environment(variable).value_or(""); }
+
+// What the help says of an option that is not given. The parser itself would read the variable in
+// the machine's code page.
+std::string TextFrom(const char* variable) { return "TEXT (Env:" + std::string(variable) + ")"; }
 
 Negatives NegativesFromEnvironment() {
   const std::string wanted = FromEnvironment(kNegativeVariable);
@@ -70,21 +75,37 @@ void Login::StartServer() const {
 }
 
 std::string Login::Open() const {
+  // Who gives a password wants it to be asked for.
+  if (!Password().empty()) return OpenAnew(Password());
+  const std::optional<KeptLogin> kept = KeptLoginTo(book);
+  if (!kept || (!user.empty() && user != kept->user)) return OpenAnew(Password());
   StartServer();
-  return CreateObject("QDSVGLSession.SessionUpdate")
-      ->Call("Login", book, user, Password())
-      .As<String>();
+  try {
+    return CreateObject(kSession)->Call("Resume", book, kept->ticket).As<String>();
+  } catch (const Error& error) {
+    if (error.number() == server::refusal::kNotLoggedIn) ForgetLogin(book);
+    throw;
+  }
 }
+
+std::string Login::OpenAnew(const std::string& password) const {
+  StartServer();
+  return CreateObject(kSession)->Call("Login", book, UserName(), password).As<String>();
+}
+
+std::string Login::UserName() const { return user.empty() ? kUsualUser : user; }
 
 std::string Login::Password() { return FromEnvironment(kPasswordVariable); }
 
 Program::Program(const Console& console)
     : console_(console), app_("The command line of a general ledger.", "qdclgl") {
   app_.require_subcommand(1);
+  app_.allow_windows_style_options(false);  // a word with a slash in front is a path everywhere
   app_.set_version_flag("--version", VersionText());
   app_.footer(kFooter);
   AddBooksCommands(*this);
   AddBackupCommands(*this);
+  AddLoginCommands(*this);
   AddImportCommand(*this);
   AddFormatsCommand(*this);
   AddExportCommand(*this);
@@ -101,6 +122,8 @@ Program::Program(const Console& console)
   AddCashFlowCommand(*this);
   AddResultCommands(*this);
   AddBudgetCommand(*this);
+  AddRatesCommand(*this);
+  AddRevalueCommand(*this);
   AddReportCommand(*this);
   AddSettingsCommand(*this);
   AddUserCommand(*this);
@@ -126,7 +149,7 @@ void Program::TakeLook() {
   Look& look = console_.look;
   look.negatives = NegativesFromEnvironment();
   look.has_colour = colour_ == "always" ||
-                    (colour_ == "auto" && look.IsTerminal() &&
+                    (colour_ == "auto" && look.IsTerminal() && look.obeys_escapes &&
                      FromEnvironment("NO_COLOR").empty() && FromEnvironment("TERM") != "dumb");
   look.scales = std::make_shared<CurrencyScales>();
   if (console_.screen != nullptr && look.IsTerminal() && !no_pager_) {
@@ -148,11 +171,17 @@ CLI::App* Program::AddForBooks(const std::string& name, const std::string& help,
     }
     return run();
   });
-  command->add_option("BOOK", login.book, "The books: a SQLite file or a connection text")
-      ->envname(kBookVariable);
-  login.user = kUsualUser;
-  command->add_option("--user", login.user, "Who works on the books")->envname(kUserVariable);
+  AddBook(*command, login);
+  login.user = UserFromEnvironment();
+  command->add_option("--user", login.user, "Who works on the books")
+      ->option_text(TextFrom(kUserVariable));
   return command;
+}
+
+void AddBook(CLI::App& command, Login& login) {
+  login.book = BookFromEnvironment();
+  command.add_option("BOOK", login.book, "The books: a SQLite file or a connection text")
+      ->option_text(TextFrom(kBookVariable));
 }
 
 CLI::App* Program::AddForWords(const std::string& name, const std::string& help, Login& login,
@@ -181,10 +210,7 @@ CLI::App* Program::AddForVouchers(const std::string& name, const std::string& he
 
 std::string BookFromEnvironment() { return FromEnvironment(kBookVariable); }
 
-std::string UserFromEnvironment() {
-  const std::string user = FromEnvironment(kUserVariable);
-  return user.empty() ? kUsualUser : user;
-}
+std::string UserFromEnvironment() { return FromEnvironment(kUserVariable); }
 
 std::string FilterText(std::string_view text) {
   std::string quoted = "'";

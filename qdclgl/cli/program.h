@@ -21,11 +21,13 @@ int Run(const std::vector<std::string>& arguments, const Console& console);
 // Which books, and who works on them.
 struct Login {
   std::string book;
-  std::string user;
+  std::string user;  // "" for whoever is logged in to them, or else the usual one
 
-  // Makes the server's components known and logs in, with the password from QDCLGL_PASSWORD.
-  // Returns the PropsString.
+  // Makes the server's components known and goes on with what `login` has begun, or else logs in
+  // for this run. Returns the PropsString.
   std::string Open() const;
+  std::string OpenAnew(const std::string& password) const;
+  std::string UserName() const;
   // Without the login, for what is done to the books as a whole.
   void StartServer() const;
   static std::string Password();
@@ -76,7 +78,7 @@ class Program {
   std::function<int()> chosen_;
 };
 
-// The books that QDCLGL_BOOK names, "" for none; who works on them where no option tells.
+// The books that QDCLGL_BOOK names, "" for none; who works on them by QDCLGL_USER.
 std::string BookFromEnvironment();
 std::string UserFromEnvironment();
 
@@ -92,6 +94,8 @@ std::string FilterDay(DateTime day);
 bool IsID(std::string_view word);
 std::vector<Long> IDsOf(const std::vector<std::string>& words);
 
+// BOOK, which is what QDCLGL_BOOK names where none is given.
+void AddBook(CLI::App& command, Login& login);
 // --csv and --json.
 void AddFormat(CLI::App& command, Format& format);
 // A whole number as an option's text is read: what is wrong with it is wrong usage.
@@ -105,6 +109,7 @@ CLI::Option* AddWhole(CLI::App& command, const std::string& name, Long& value,
 // The families of commands, each in the file of that name.
 void AddBooksCommands(Program& program);     // init, upgrade, close, reopen, doctor
 void AddBackupCommands(Program& program);    // backup, restore
+void AddLoginCommands(Program& program);     // login, logout
 void AddImportCommand(Program& program);     // import
 void AddFormatsCommand(Program& program);    // formats
 void AddExportCommand(Program& program);     // export
@@ -121,6 +126,8 @@ void AddOpenCommand(Program& program);       // open
 void AddCashFlowCommand(Program& program);   // cashflow
 void AddResultCommands(Program& program);    // income, position
 void AddBudgetCommand(Program& program);     // budget
+void AddRatesCommand(Program& program);      // rates
+void AddRevalueCommand(Program& program);    // revalue
 void AddReportCommand(Program& program);     // report
 void AddSettingsCommand(Program& program);   // settings
 void AddUserCommand(Program& program);       // user

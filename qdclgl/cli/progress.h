@@ -19,15 +19,39 @@ class Progress {
 
   // Shows a count of `what`, as often as an eye can follow; `share` is what is done, 0 to 1.
   void Show(const std::string& what, long count, double share);
+  // The same of a work that counts nothing.
+  void Show(const std::string& work, double share);
   // Takes the line away, for something that stays.
   void Clear();
 
  private:
+  void Write(const char* text);
+  // Whether somebody watches, and the last line has been there for long enough.
+  bool IsDue();
+
   const Console& console_;
   std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
   std::chrono::steady_clock::time_point shown_at_ = start_;
   bool is_shown_ = false;
 };
+
+// Shows how far the server is with a work on the whole of the books, as long as it lives.
+class WorkOnBooks {
+ public:
+  explicit WorkOnBooks(const Console& console);
+  ~WorkOnBooks();
+  WorkOnBooks(const WorkOnBooks&) = delete;
+  WorkOnBooks& operator=(const WorkOnBooks&) = delete;
+
+ private:
+  Progress progress_;
+};
+
+template <class Work>
+auto Watched(const Console& console, const Work& work) {
+  const WorkOnBooks on_books(console);
+  return work();
+}
 
 struct Report {
   Position at;

@@ -11,6 +11,7 @@
 #include "qdclgl/cli/table.h"
 #include "qdclgl/frame/containers/vector.h"
 #include "qdclgl/frame/vocabulary/text.h"
+#include "qdclgl/server/db/path_text.h"
 #include "qdclgl/server/records/kinds.h"
 #include "qdclgl/server/records/note_data.h"
 
@@ -192,7 +193,7 @@ Variant ReadRows(const server::RecordList& list, const std::string& text) {
 
 // The first bytes of a file, no more than `most`.
 std::string BytesOfFile(const std::string& path, std::size_t most) {
-  std::ifstream file(path, std::ios::binary);
+  std::ifstream file(server::PathOf(path), std::ios::binary);
   std::string bytes(most, '\0');
   file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
   if (file.bad() || (file.gcount() == 0 && !file.eof())) throw FileError(path + " can't be read");

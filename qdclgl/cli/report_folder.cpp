@@ -1,10 +1,10 @@
 #include "qdclgl/cli/report_folder.h"
 
-#include <unistd.h>
-
 #include <system_error>
 
 #include "qdclgl/cli/console.h"
+#include "qdclgl/cli/system_calls.h"
+#include "qdclgl/server/db/path_text.h"
 
 namespace qdclgl::cli {
 
@@ -17,7 +17,7 @@ constexpr const char* kMark = ".qdclgl-report";
 
 fs::path Beside(const fs::path& place, const std::string& what) {
   return place.parent_path() /
-         ("." + place.filename().string() + "." + what + "-" + std::to_string(getpid()));
+         server::PathOf("." + server::TextOf(place.filename()) + "." + what + "-" + ProcessMark());
 }
 
 bool MayBeReplaced(const fs::path& place) {
@@ -27,7 +27,7 @@ bool MayBeReplaced(const fs::path& place) {
 }  // namespace
 
 ReportFolder::ReportFolder(const std::string& place)
-    : place_(fs::absolute(place).lexically_normal()) {
+    : place_(fs::absolute(server::PathOf(place)).lexically_normal()) {
   if (!place_.has_filename()) place_ = place_.parent_path();
   unfinished_ = Beside(place_, "unfinished");
   std::error_code failed;
@@ -46,12 +46,12 @@ ReportFolder::~ReportFolder() {
 }
 
 std::ofstream ReportFolder::Begin(const std::string& name) const {
-  return std::ofstream(unfinished_ / name, std::ios::binary);
+  return std::ofstream(unfinished_ / server::PathOf(name), std::ios::binary);
 }
 
 void ReportFolder::End(std::ofstream& file, const std::string& name) const {
   file.close();
-  if (!file) throw FileError((place_ / name).string() + " can't be written");
+  if (!file) throw FileError(server::TextOf(place_ / server::PathOf(name)) + " can't be written");
 }
 
 void ReportFolder::Finish() {
@@ -59,7 +59,7 @@ void ReportFolder::Finish() {
   std::error_code failed;
   if (fs::exists(place_)) fs::rename(place_, former, failed);
   if (!failed) fs::rename(unfinished_, place_, failed);
-  if (failed) throw FileError(place_.string() + " can't be replaced: " + failed.message());
+  if (failed) throw FileError(server::TextOf(place_) + " can't be replaced: " + failed.message());
   fs::remove_all(former, failed);
 }
 

@@ -54,7 +54,7 @@ int Put(const std::string& props, const Dictionary& row, const std::string& valu
   CreateObject(kProfile)->Call("SetProfile", props, Text(row, "FCategory"), Text(row, "FKey"),
                                value);
   console.out << FullName(row) << (value.empty() ? " is not set" : " is " + OneLine(value))
-              << ".\n";
+              << (value.ends_with('.') ? "\n" : ".\n");
   return kDone;
 }
 

@@ -7,6 +7,7 @@
 #include "qdclgl/cli/foreign_rows.h"
 #include "qdclgl/cli/nearest.h"
 #include "qdclgl/frame/vocabulary/text.h"
+#include "qdclgl/server/db/path_text.h"
 
 namespace qdclgl::cli {
 
@@ -18,7 +19,7 @@ bool IsCalled(const SheetColumn& column, std::string_view heading) {
 }
 
 std::ifstream Opened(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
+  std::ifstream file(server::PathOf(path), std::ios::binary);
   if (!file) throw FileError(path + " can't be read");
   return file;
 }
@@ -40,7 +41,7 @@ Sheet::Sheet(const std::string& path, std::span<const SheetColumn> columns, Repo
   if (format == nullptr) rows_ = std::make_unique<PlainRows>(file_);
   else rows_ = std::make_unique<ForeignRows>(file_, format->name, format->format);
   std::error_code no_size;  // of a pipe, say; then the share stays unknown
-  const auto size = std::filesystem::file_size(path, no_size);
+  const auto size = std::filesystem::file_size(server::PathOf(path), no_size);
   if (!no_size) size_ = static_cast<double>(size);
   ReadHeadings(columns, reports);
 }

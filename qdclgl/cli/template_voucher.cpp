@@ -57,7 +57,7 @@ Ref<Voucher> VoucherOf(const TemplateUse& use, const std::string& props) {
       Refuse(refusal::kNoLines,
              "The template " + Quoted(use.name) + " has no line " + std::to_string(number) + ".");
     }
-    PutAmount(*lines->Item(number), amount);
+    PutAmount(*lines->Item(number), amount, voucher->VoucherDate());
   }
   Balance(*voucher);
   return voucher;

@@ -1,9 +1,9 @@
 // The users of the books: making them, and changing what they may do.
-#include <cstdlib>
 #include <optional>
 
 #include "qdclgl/cli/batch.h"
 #include "qdclgl/cli/program.h"
+#include "qdclgl/cli/system_calls.h"
 #include "qdclgl/frame/containers/dictionary.h"
 #include "qdclgl/frame/containers/recordset.h"
 #include "qdclgl/frame/objects/late_bound.h"
@@ -35,12 +35,12 @@ Ref<Dictionary> Find(const std::string& props, const std::string& name) {
 }
 
 std::string NewPassword() {
-  const char* password = std::getenv(kNewPasswordVariable);
-  if (password == nullptr) {
+  const auto password = Environment(kNewPasswordVariable);
+  if (!password) {
     throw UsageError(std::string("the password is taken from ") + kNewPasswordVariable +
                      ", which is not set");
   }
-  return password;
+  return *password;
 }
 
 int ChangeUser(const UserOptions& options, const Console& console) {

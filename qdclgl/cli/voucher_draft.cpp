@@ -1,10 +1,9 @@
 #include "qdclgl/cli/voucher_draft.h"
 
 #include <algorithm>
-#include <cmath>
 
 #include "qdclgl/accounts/currency.h"
-#include "qdclgl/cli/cell_values.h"
+#include "qdclgl/cli/exchange_rates.h"
 #include "qdclgl/frame/platform/platform.h"
 #include "qdclgl/frame/session/server_gateway.h"
 #include "qdclgl/server/db/refusals.h"
@@ -16,16 +15,9 @@ namespace {
 
 constexpr Long kBaseCurrency = 1;
 
-// An amount in a line's currency at its rate, in whole units of the base currency's last decimal.
-Currency InBase(VoucherEntry& line, Currency amount) {
-  auto currencies = Make<CurrencySet>();
-  const Ref<Currencyx> currency = currencies->Item(line.CurrencyID());
-  if (line.ExchangeRate() == 0) line.ExchangeRate(currency->ExchangeRate());
-  const double rate = line.ExchangeRate();
-  const double exact =
-      currency->Operator() == "/" ? amount.ToDouble() / rate : amount.ToDouble() * rate;
-  const double scale = std::pow(10.0, currencies->Item(kBaseCurrency)->Scalex());
-  return CCur(Variant(std::round(exact * scale) / scale));
+Double RateFor(Long currency, DateTime day) {
+  const Double kept = KeptRate(currency, day);
+  return kept != 0 ? kept : Make<CurrencySet>()->Item(currency)->ExchangeRate();
 }
 
 }  // namespace
@@ -46,10 +38,11 @@ void CopyLines(const Ref<VoucherEntrySet>& from, const Ref<VoucherEntrySet>& to)
   }
 }
 
-void PutAmount(VoucherEntry& line, Currency amount) {
+void PutAmount(VoucherEntry& line, Currency amount, DateTime day) {
   if (line.CurrencyID() > kBaseCurrency) {
     line.AmountFor(amount);
-    amount = InBase(line, amount);
+    if (line.ExchangeRate() == 0) line.ExchangeRate(RateFor(line.CurrencyID(), day));
+    amount = WorthAt(line.CurrencyID(), amount, line.ExchangeRate());
   }
   line.Amount(amount);
 }

@@ -17,9 +17,9 @@ DateTime DayInCurrentPeriod(const std::string& props);
 // Copies of lines, with all that is in them, behind those that are there.
 void CopyLines(const Ref<VoucherEntrySet>& from, const Ref<VoucherEntrySet>& to);
 
-// Gives a line its amount, which is in the line's currency. A line without a rate gets the
-// currency's.
-void PutAmount(VoucherEntry& line, Currency amount);
+// Gives a line its amount, which is in the line's currency. A line without a rate gets that of the
+// day or, where none is kept, the currency's.
+void PutAmount(VoucherEntry& line, Currency amount, DateTime day);
 
 // Gives the one line without an amount what the others lack, on its side. NotBalanced when there
 // are more of them.

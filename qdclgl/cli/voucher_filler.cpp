@@ -1,6 +1,7 @@
 #include "qdclgl/cli/voucher_filler.h"
 
 #include "qdclgl/cli/cell_values.h"
+#include "qdclgl/cli/exchange_rates.h"
 #include "qdclgl/cli/voucher_draft.h"
 
 namespace qdclgl::cli {
@@ -31,12 +32,12 @@ bool VoucherFiller::Fill(Voucher& voucher, const JournalVoucher& journal) {
   bool is_complete = true;
   for (const JournalLine& line : journal.lines) {
     entries->Add();
-    if (!FillLine(*entries->Item(entries->Count()), line)) is_complete = false;
+    if (!FillLine(*entries->Item(entries->Count()), line, journal.date)) is_complete = false;
   }
   return is_complete;
 }
 
-bool VoucherFiller::FillLine(VoucherEntry& entry, const JournalLine& line) {
+bool VoucherFiller::FillLine(VoucherEntry& entry, const JournalLine& line, DateTime day) {
   const Long account = names_.AccountForLines(line.account.text);
   if (account == 0) {
     reports_.Add(line.account.at, "there is no account " + Quoted(line.account.text));
@@ -53,7 +54,7 @@ bool VoucherFiller::FillLine(VoucherEntry& entry, const JournalLine& line) {
   PutFurther(line.further, entry);
   const bool has_items = account != 0 && FillItems(entry, account, line);
   const bool has_settlement = FillSettlement(entry, line.settlement);
-  return FillCurrency(entry, line) && has_items && has_settlement;
+  return FillCurrency(entry, line, day) && has_items && has_settlement;
 }
 
 bool VoucherFiller::FillSettlement(VoucherEntry& entry, const CsvCell& number) {
@@ -106,9 +107,10 @@ void VoucherFiller::AddItem(VoucherEntry& entry, Long account, const NamedItemCl
   detail->ItemID(item);
 }
 
-bool VoucherFiller::FillCurrency(VoucherEntry& entry, const JournalLine& line) {
+bool VoucherFiller::FillCurrency(VoucherEntry& entry, const JournalLine& line, DateTime day) {
   const bool has_amount_for = !line.amount_for_cell.text.empty();
-  // Without an amount of its own a line counts one to one in its currency.
+  // Without an amount of its own a line counts at the rate of its day or, where none is kept, one
+  // to one in its currency.
   const Currency amount_for = has_amount_for ? line.amount_for : line.amount;
   const Double rate = line.rate.value_or(
       amount_for == Currency() ? 1 : line.amount.ToDouble() / amount_for.ToDouble());
@@ -128,6 +130,12 @@ bool VoucherFiller::FillCurrency(VoucherEntry& entry, const JournalLine& line) {
     reports_.Add(line.amount_for_cell.at,
                  "a line in the base currency has the same amount in both");
     return false;
+  }
+  const Double kept = has_amount_for || line.rate ? 0 : KeptRate(currency, day);
+  if (kept != 0) {
+    entry.AmountFor(ForeignAt(currency, line.amount, kept));
+    entry.ExchangeRate(kept);
+    return true;
   }
   entry.AmountFor(amount_for);
   entry.ExchangeRate(rate);

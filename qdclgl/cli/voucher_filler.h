@@ -23,14 +23,14 @@ class VoucherFiller {
   static std::string GroupOf(const JournalVoucher& journal);
 
  private:
-  bool FillLine(VoucherEntry& entry, const JournalLine& line);
+  bool FillLine(VoucherEntry& entry, const JournalLine& line, DateTime day);
   bool FillSettlement(VoucherEntry& entry, const CsvCell& number);
   bool FillItems(VoucherEntry& entry, Long account, const JournalLine& line);
   // An account that asks for items gets those that there are; any other one keeps what the file
   // says. BadCell.
   void AddItem(VoucherEntry& entry, Long account, const NamedItemClass& item_class,
                const std::string& number);
-  bool FillCurrency(VoucherEntry& entry, const JournalLine& line);
+  bool FillCurrency(VoucherEntry& entry, const JournalLine& line, DateTime day);
 
   Names& names_;
   const ItemColumns& items_;

@@ -2,14 +2,11 @@
 
 #include <vector>
 
-#include "qdclgl/accounts/account_set.h"
 #include "qdclgl/cli/batch.h"
-#include "qdclgl/cli/cell_values.h"
+#include "qdclgl/cli/kept_account.h"
 #include "qdclgl/cli/proposed_vouchers.h"
 #include "qdclgl/cli/steps.h"
 #include "qdclgl/frame/session/server_gateway.h"
-#include "qdclgl/frame/vocabulary/text.h"
-#include "qdclgl/server/db/refusals.h"
 #include "qdclgl/server/reports/voucher_marks.h"
 #include "qdclgl/settings/system_profile.h"
 
@@ -21,40 +18,13 @@ Long YearOf(const YearEnd& wanted) {
   return wanted.year != 0 ? wanted.year : Make<SystemProfile>()->GLGetCurrentYear();
 }
 
-Ref<Account> AccountOf(const YearEnd& wanted) {
-  const auto accounts = Make<AccountSet>();
-  if (wanted.account.empty()) {
-    const Long kept = Make<SystemProfile>()->GLGetEarnAccount();
-    if (kept == 0) {
-      throw UsageError("close --year takes --to, the account of equity that the result is carried "
-                       "to; it is kept for the next time");
-    }
-    return accounts->Item(kept);
-  }
-  const Long id = accounts->ExistenceCheck(Missing, ToUpper(wanted.account));
-  if (id == 0) {
-    throw Error(server::refusal::kNotFound, "qdclgl",
-                "There is no account " + Quoted(wanted.account) + ".");
-  }
-  return accounts->Item(id);
-}
+constexpr const char* kSetting = "EarnAccount";
 
 Ref<Recordset> VouchersWhere(const std::string& filter) {
   const auto vouchers = Make<VoucherSet>();
   vouchers->Filter(filter);
   vouchers->Refresh();
   return vouchers->RecordSet();
-}
-
-// Keeps the account for the next time. That is for administrators; who isn't one names it again.
-void KeepAccount(const Account& account) {
-  const auto profile = Make<SystemProfile>();
-  if (profile->GLGetEarnAccount() == account.AccountID()) return;
-  try {
-    profile->Item("GL", "EarnAccount", std::to_string(account.AccountID()));
-  } catch (const Error& error) {
-    if (error.number() != server::refusal::kNotPermitted) throw;
-  }
 }
 
 void AnnounceOpenVouchers(Long year, const Console& console) {
@@ -100,7 +70,10 @@ void TakeBack(const CarryingVoucher& voucher) {
 
 int CarryResult(const YearEnd& wanted, const std::string& props, const Console& console) {
   const Long year = YearOf(wanted);
-  const Ref<Account> account = AccountOf(wanted);
+  const Ref<Account> account = NamedOrKeptAccount(wanted.account, kSetting,
+                                                  "close --year takes --to, the account of equity "
+                                                  "that the result is carried to; it is kept for "
+                                                  "the next time");
   const Propose propose = [&] {
     return CreateObject("QDSVGLYearEnd.YearEndInfo")
         ->Call("GetResultVouchers", props, year, account->AccountID())
@@ -122,7 +95,7 @@ int CarryResult(const YearEnd& wanted, const std::string& props, const Console& 
     return kRefused;
   }
   SaveProposedVouchers(props, propose, console);
-  KeepAccount(*account);
+  KeepAccount(*account, kSetting);
   return kDone;
 }
 

@@ -17,6 +17,7 @@
 #include "qdclgl/server/periods/settings.h"
 #include "qdclgl/server/records/kinds.h"
 #include "qdclgl/server/reports/report.h"
+#include "qdclgl/server/reports/revaluation.h"
 #include "qdclgl/server/reports/year_end.h"
 #include "qdclgl/server/vouchers/balance.h"
 #include "qdclgl/server/vouchers/voucher.h"
@@ -32,7 +33,7 @@ std::span<const ServerComponent> ServerComponents() {
         ComponentOf<VoucherUpdate>(), ComponentOf<BalanceInfo>(),  ComponentOf<BooksInfo>(),
         ComponentOf<BooksUpdate>(),   ComponentOf<BatchUpdate>(),  ComponentOf<StatementInfo>(),
         ComponentOf<LineInfo>(),      ComponentOf<OpenItemInfo>(), ComponentOf<CashFlowInfo>(),
-        ComponentOf<ReportInfo>(),    ComponentOf<YearEndInfo>(),
+        ComponentOf<ReportInfo>(),    ComponentOf<YearEndInfo>(),  ComponentOf<RevaluationInfo>(),
     };
     for (const MasterData* kind : MasterDataKinds()) {
       std::ranges::move(kind->Components(), std::back_inserter(components));

@@ -4,6 +4,7 @@
 #include "tests/automation/client.h"
 
 using namespace qdclgl::automation;
+using qdclgl::FromWide;
 using namespace qdclgl::automation::testing;
 
 namespace {

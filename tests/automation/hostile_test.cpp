@@ -11,6 +11,7 @@
 #include "tests/automation/yes.h"
 
 using namespace qdclgl::automation;
+using qdclgl::ToWide;
 using namespace qdclgl::automation::testing;
 using qdclgl::ClassMember;
 

@@ -11,6 +11,8 @@
 #include "tests/automation/client.h"
 
 using namespace qdclgl::automation;
+using qdclgl::FromWide;
+using qdclgl::ToWide;
 using namespace qdclgl::automation::testing;
 
 namespace {

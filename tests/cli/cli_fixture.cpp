@@ -80,6 +80,7 @@ CliTest::CliTest() : book(server::testing::NewConnectionText(GetParam())) {
   // Books made in this process cost little to log in to, for the built program as well.
   server::SetPasswordCost(server::PasswordCost::kLeast);
   setenv("QDCLGL_REGISTRY", folder.Path("registry").c_str(), 1);
+  setenv("QDCLGL_SESSIONS", folder.Path("sessions").c_str(), 1);
 }
 
 CliTest::~CliTest() { server::testing::RemoveBooks(book); }

@@ -86,6 +86,38 @@ TEST_P(Commands, ListsAreTablesCsvOrJson) {
   EXPECT_EQ(vouchers[0]["FPosted"], false);
 }
 
+TEST_P(Commands, AListComesInPagesThatFollowEachOther) {
+  Init();
+  const auto page = [&](std::vector<std::string> more) {
+    more.insert(more.begin(), {"accounts", "--sort", "FDetail, FName DESC", "--csv"});
+    std::string ids;
+    std::istringstream rows(Run(more).out);
+    std::string row;
+    std::getline(rows, row);
+    while (std::getline(rows, row)) ids += row.substr(0, row.find(',')) + " ";
+    return ids;
+  };
+  const std::string all = page({});
+  EXPECT_EQ(all.size(), 10u) << all;
+  std::string pages, behind = page({"--limit", "2"});
+  for (int most = 0; most < 5 && !behind.empty(); ++most) {
+    pages += behind;
+    behind = page({"--limit", "2", "--after", behind.substr(behind.size() - 2, 1)});
+  }
+  EXPECT_EQ(pages, all);
+  EXPECT_EQ(page({"--after", all.substr(4, 1)}), all.substr(6)) << "without a limit";
+  EXPECT_EQ(Run({"accounts", "--limit", "2"}).out,
+            "Account ID  Number  Name  Side   Detail\n"
+            "         1  1000    Cash  debit  yes\n"
+            "         2  1001    Bank  debit  yes\n"
+            "There may be more rows; they go on with --after 2\n");
+  EXPECT_EQ(Run({"list", "groups", "--limit", "2"}).out, Run({"groups"}).out);
+  EXPECT_EQ(Said({"accounts", "--after", "99"}),
+            "1 qdclgl: 80044213: The list accounts has no row with the id 99.\n");
+  EXPECT_EQ(Run({"accounts", "--limit", "0"}).code, 2);
+  EXPECT_EQ(Run({"accounts", "--limit", "many"}).code, 2);
+}
+
 TEST_P(Commands, ABadFilterIsOneLineWithItsNumber) {
   Init();
   const RunResult result = Run({"vouchers", "--filter", "FNothing = 1"});

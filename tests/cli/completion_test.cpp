@@ -68,6 +68,18 @@ TEST_F(Completion, KnowsWhatTheBooksHold) {
   EXPECT_EQ(Told({"new", book, "--group", ""}), "Cash book");
   EXPECT_EQ(Told({"new", book, "--line", "1001"}), "1001");
   EXPECT_EQ(Told({"balance", book, "--by", "cust"}), "customer");
+  EXPECT_EQ(Told({"settings", book, "set", "CheckB"}), "CheckBeforePost");
+  EXPECT_EQ(Told({"settings", book, "reset", "Company"}),
+            "CompanyAddress|CompanyName|CompanyPhone");
+  EXPECT_EQ(Told({"settings", book, "set", "CheckBeforePost", ""}), "");
+  EXPECT_EQ(Told({"settings", book, ""}), "set|reset|Base|General|GL|SC");
+  ASSERT_EQ(RunProgram({"formats", book, "add", "bank", "date=Day"}).code, 0);
+  EXPECT_EQ(Told({"formats", book, ""}), "add|show|remove");
+  EXPECT_EQ(Told({"formats", book, "show", ""}), "bank");
+  EXPECT_EQ(Told({"formats", book, "add", ""}), "");
+  EXPECT_EQ(Told({"import", book, "--format", ""}), "auto|bank");
+  EXPECT_EQ(Told({"import", book, "--undo", ""}), "");
+  EXPECT_EQ(Told({"rates", book, "add", "E"}), "EUR");
   EXPECT_EQ(Told({"balance", book, "--item", "cust"}), "customer=");
   setenv("QDCLGL_BOOK", book.c_str(), 1);
   EXPECT_EQ(RunInProcess({"complete", "set", "accounts", "1001"}).out, "1001\tBank\n");

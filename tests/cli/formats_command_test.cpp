@@ -24,7 +24,7 @@ class FormatsCommand : public CliTest {
   }
 };
 
-constexpr const char* kStored = "vouchers: 2 stored, 0 passed over, 0 left out\n";
+constexpr const char* kStored = "vouchers: 2 stored as import 1, 0 passed over, 0 left out\n";
 constexpr const char* kBalances =
     "account,debit,credit,balance\n"
     "1000,1234.5000,30.2500,1204.2500\n4000,30.2500,1234.5000,-1204.2500\n";
@@ -112,7 +112,7 @@ TEST_P(FormatsCommand, WhatIsWrongIsReportedWhereItStandsInTheFile) {
                      "31.02.2024;1000;4000;2,50\n07.01.2024;1000\n08.01.2024;1000;4000;1,00\n",
                      "auto"),
             "3 FILE: columns separated by a semicolon, decimals behind a comma, dates dd.mm.yyyy\n"
-            "vouchers: 1 stored, 0 passed over, 4 left out\n"
+            "vouchers: 1 stored as import 1, 0 passed over, 4 left out\n"
             "FILE:2:22: \"1.5\" is not an amount; decimals stand behind a comma\n"
             "FILE:4:1: \"31.02.2024\" is not a date; dates are written as dd.mm.yyyy\n"
             "FILE:5:1: the row has 2 cells under 4 headings\n"

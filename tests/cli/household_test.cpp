@@ -191,7 +191,7 @@ TEST_P(Household, TheImportReproducesTheBalances) {
            "--new-currencies", "--check-all", "--post-all"});
   EXPECT_EQ(result.err, "");
   EXPECT_EQ(result.out, "accounts: 98 stored, 0 there already, 0 left out\n"
-                        "vouchers: 1142 stored, 0 passed over, 0 left out\n"
+                        "vouchers: 1142 stored as import 1, 0 passed over, 0 left out\n"
                         "1142 vouchers checked.\n"
                         "1142 vouchers posted.\n");
   ASSERT_EQ(result.code, 0);

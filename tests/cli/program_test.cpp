@@ -191,7 +191,7 @@ TEST(Program, TheExampleBooksComeInWhole) {
                   examples + "journal.csv", "--new-currencies", "--check-all", "--post-all"});
   EXPECT_EQ(result.err, "");
   EXPECT_EQ(result.out, "accounts: 36 stored, 0 there already, 0 left out\n"
-                        "vouchers: 75 stored, 0 passed over, 0 left out\n"
+                        "vouchers: 75 stored as import 1, 0 passed over, 0 left out\n"
                         "75 vouchers checked.\n"
                         "75 vouchers posted.\n");
   EXPECT_EQ(RunProgram({"doctor", book}).out, "The books are in order.\n");

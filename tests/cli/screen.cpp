@@ -27,12 +27,19 @@ RunResult RunOnScreen(const Screen& screen, const std::vector<std::string>& argu
     execv(program.c_str(), pointers.data());
     _exit(127);
   }
-  EXPECT_EQ(write(terminal, screen.typed.data(), screen.typed.size()),
-            static_cast<ssize_t>(screen.typed.size()));
+  const auto type = [&] {
+    EXPECT_EQ(write(terminal, screen.typed.data(), screen.typed.size()),
+              static_cast<ssize_t>(screen.typed.size()));
+  };
+  bool is_typed = screen.question.empty();
+  if (is_typed) type();
   RunResult result;
   char text[4096];
   for (ssize_t count; (count = read(terminal, text, sizeof text)) > 0;) {
     result.out.append(text, static_cast<std::size_t>(count));
+    if (is_typed || result.out.find(screen.question) == std::string::npos) continue;
+    is_typed = true;
+    type();
   }
   close(terminal);
   std::erase(result.out, '\r');

@@ -14,6 +14,7 @@ struct Screen {
   unsigned short columns = 80;
   std::map<std::string, std::string> environment = {};
   std::string typed = {};
+  std::string question = {};  // which is waited for before anything is typed
 };
 
 // What the program, or another one, shows there; "\r\n" is made "\n".

@@ -31,7 +31,7 @@ TEST_P(SettingsCommand, EachIsListedWithItsDefaultItsRangeAndItsMeaning) {
             R"("FRange":"a whole number from 1 to 52",)"
             R"("FMeaning":"how many periods a year has"})");
   EXPECT_EQ(session, R"({"FCategory":"Base","FKey":"SessionMinutes","FValue":"","FDefault":"480",)"
-                     R"("FRange":"a whole number from 0 to 10080",)"
+                     R"("FRange":"a whole number from 0 to 10,080",)"
                      R"("FMeaning":"how long an unused session lasts; 0 without an end"})");
 }
 
@@ -44,11 +44,12 @@ TEST_P(SettingsCommand, OneIsSetAndResetByItsNameWithTheCategoryOrWithout) {
             std::string::npos);
   EXPECT_EQ(Said({"settings", "reset", "GL.CheckBeforePost"}), "0 GL.CheckBeforePost is 0.\n");
   EXPECT_EQ(Said({"settings", "set", "CompanyName", "Anna & Co."}),
-            "0 General.CompanyName is Anna & Co..\n");
+            "0 General.CompanyName is Anna & Co.\n");
   EXPECT_EQ(Said({"settings", "reset", "CompanyName"}), "0 General.CompanyName is not set.\n");
-  EXPECT_EQ(Said({"settings", "set", "SessionMinutes", "20000"}),
-            "1 qdclgl: 80044242: Setting SessionMinutes of Base is a whole number from 0 to 10080, "
-            "not \"20000\".\n");
+  EXPECT_EQ(
+      Said({"settings", "set", "SessionMinutes", "20000"}),
+      "1 qdclgl: 80044242: Setting SessionMinutes of Base is a whole number from 0 to 10,080, "
+      "not \"20000\".\n");
   EXPECT_EQ(Said({"settings", "set", "CurrentYear", "2030"}),
             "1 qdclgl: 80044241: Setting CurrentYear of GL is kept by closing and reopening.\n");
   EXPECT_EQ(Said({"settings", "reset", "PeriodCount"}), "0 GL.PeriodCount is 12.\n");

@@ -36,7 +36,7 @@ std::span<const Column> DescribedFor(std::string_view set, std::string_view firs
   for (const MasterData* kind : MasterDataKinds()) {
     if (kind->CallersColumns()[0].name == first) return kind->CallersColumns();
   }
-  return kVoucherList.columns;
+  return VoucherListColumns();
 }
 
 class KeysTest : public RecordsTest {

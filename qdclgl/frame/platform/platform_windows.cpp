@@ -15,20 +15,11 @@
 #include "qdclgl/frame/platform/kept_answer.h"
 #include "qdclgl/frame/platform/platform.h"
 #include "qdclgl/frame/platform/thread_own.h"
-#include "qdclgl/frame/vocabulary/text.h"
+#include "qdclgl/frame/platform/wide_text.h"
 
 namespace qdclgl {
 
 namespace {
-
-std::wstring ToWide(std::string_view text) {
-  const std::u16string units = ToUtf16(text);
-  return std::wstring(units.begin(), units.end());
-}
-
-std::string FromWide(std::wstring_view text) {
-  return FromUtf16(std::u16string(text.begin(), text.end()));
-}
 
 std::size_t SystemCodePageLength(std::wstring_view text) {
   if (text.empty()) return 0;

@@ -175,10 +175,10 @@ std::vector<StoredTable> AuditTables() {
 }
 
 Ref<Recordset> AuditInfo::GetList(std::string_view PropsString, const String& Filter,
-                                  const String& Sort) {
+                                  const String& Sort, const Variant& Page) {
   const Caller caller = Enter(PropsString, RightTo<AuditInfo>("GetList"));
   static constexpr ListSource kSource{"SELECT * FROM t_Audit", kColumns, "FAuditID"};
-  return FetchList(caller.db, kSource, Filter, Sort);
+  return FetchList(caller.db, kSource, Filter, Sort, {}, PageIn(Page));
 }
 
 String AuditInfo::GetHead(std::string_view PropsString) {

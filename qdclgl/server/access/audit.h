@@ -14,6 +14,7 @@
 #include "qdclgl/server/access/component.h"
 #include "qdclgl/server/access/trail_row.h"
 #include "qdclgl/server/db/columns.h"
+#include "qdclgl/server/db/list.h"
 
 namespace qdclgl::server {
 
@@ -72,12 +73,14 @@ class AuditInfo final : public Object {
                                    "FTime FUserName FSubject FRecordID FRecord FAction FChanges"};
 
   QD_METHOD(Ref<Recordset>, GetList,
-            (std::string_view PropsString, const String& Filter = {}, const String& Sort = {}),
+            (std::string_view PropsString, const String& Filter = {}, const String& Sort = {},
+             const Variant& Page = Missing),
             "The deeds, the oldest first unless Sort says otherwise: FAuditID, FTime (UTC), "
             "FUserID, FUserName, FMachineName, FIPAddress, FSubject, FRecordID, FRecord, FAction, "
             "FOrigin, FChanges, FConnection (the client's address as the database knows it, and "
             "the connection's id), "
-            "FNumber (from 1 for each record), FHash. BadFilter, BadSort.")
+            "FNumber (from 1 for each record), FHash. " QDCLGL_PAGE_HELP
+            " BadFilter, BadSort, BadValue.")
   QD_METHOD(String, GetHead, (std::string_view PropsString),
             "Seals the trail as far as it has come, and gives the number and the hash of the last "
             "seal: \"12-0f3a...\". Kept elsewhere, it lets Check of BooksInfo find a trail that "

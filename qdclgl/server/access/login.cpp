@@ -7,6 +7,7 @@
 #include "qdclgl/frame/platform/platform.h"
 #include "qdclgl/server/access/audit.h"
 #include "qdclgl/server/access/clock.h"
+#include "qdclgl/server/access/kept_session.h"
 #include "qdclgl/server/access/login_attempt.h"
 #include "qdclgl/server/access/password.h"
 #include "qdclgl/server/db/connections.h"
@@ -23,7 +24,7 @@ QD_DEFINE_MEMBERS(ShareProps)
 namespace {
 
 constexpr Right kAnything{Role::kReader, "log in"};
-constexpr std::int64_t kMinutesWithoutUse = 8 * 60;  // unless the books have a setting
+constexpr Long kMinutesWithoutUse = 8 * 60;  // unless the books have a setting
 
 // The values that the session stores know, by key; case matters.
 Variant SessionValue(const Session& session, std::string_view key) {
@@ -50,11 +51,54 @@ Variant StoredValue(Long process_id, std::string_view key) {
   return SessionValue(*session, key);
 }
 
-std::int64_t IdleSeconds(const std::string& setting) {
+// The books' setting, 0 for no end.
+std::int64_t MinutesOfSessions(Database& db) {
   std::int64_t minutes = kMinutesWithoutUse;
-  std::from_chars(setting.data(), setting.data() + setting.size(), minutes);
-  return minutes * 60;
+  const auto setting = db.QueryValue<std::string>(
+      "SELECT FValue FROM t_SystemProfile WHERE FCategory = 'Base' AND FKey = 'SessionMinutes'");
+  if (setting) std::from_chars(setting->data(), setting->data() + setting->size(), minutes);
+  return minutes;
 }
+
+// For how many minutes a session is kept, of which callers may want less than the books allow.
+Long MinutesToKeep(Database& db, Long wanted) {
+  const auto setting = static_cast<Long>(MinutesOfSessions(db));
+  const Long most = setting == 0 ? kMinutesOfAWeek : setting;
+  if (wanted < 0 || wanted > most) {
+    Refuse(refusal::kBadValue, "A session can be kept for 1 to " + std::to_string(most) +
+                                   " minutes, not " + std::to_string(wanted) + ".");
+  }
+  if (wanted != 0) return wanted;
+  return setting == 0 ? kMinutesWithoutUse : setting;
+}
+
+// A session of the books that a connection text means, before it is known whose.
+struct NewSession {
+  explicit NewSession(std::string_view connection)
+      : text(ConnectionText::Parse(connection).Without(connection_key::kSession)),
+        session(std::make_shared<Session>()) {
+    if (text[connection_key::kCatalog].empty()) {
+      // The library finds the books' name in its session's connection text.
+      const std::filesystem::path file = PathOf(text[connection_key::kDataSource]);
+      text = text.With(connection_key::kCatalog, TextOf(file.stem()));
+    }
+    session->connection = text.ToText();
+    session->books = text.Canonical().ToText();
+    session->machine_name = GetMachineName();
+    session->address = GetIPAddress();
+  }
+
+  // It is known: from now on it is the session of this process. Returns its PropsString.
+  std::string Begin(const std::string& token) const {
+    session->props = text.With(connection_key::kSession, token).ToText();
+    session->last_call = SecondsNow();
+    KeepSession(session);
+    return session->props;
+  }
+
+  ConnectionText text;
+  std::shared_ptr<Session> session;
+};
 
 // Who logs in or out, with the connection of the session's batch where it has one.
 Caller CallerOf(const std::shared_ptr<const Session>& session) {
@@ -63,32 +107,24 @@ Caller CallerOf(const std::shared_ptr<const Session>& session) {
   return {session, std::move(connection), db, false, kAnything};
 }
 
-void AuditSession(const Caller& caller, std::string_view action) {
+void AuditSession(const Caller& caller, std::string_view action, std::string_view changes = "") {
   const Session& session = *caller.session;
   caller.db.LockSessions();
   WriteAudit(caller, {.subject = "Session",
                       .record_id = session.user_id,
                       .record = session.user_name,
-                      .action = action});
+                      .action = action,
+                      .changes = changes});
 }
 
 }  // namespace
 
 String SessionUpdate::Login(std::string_view connection, std::string_view UserName,
                             std::string_view Password, Boolean Outer) {
-  ConnectionText text = ConnectionText::Parse(connection).Without(connection_key::kSession);
-  if (text[connection_key::kCatalog].empty()) {
-    // The library finds the books' name in its session's connection text.
-    const std::filesystem::path file = PathOf(text[connection_key::kDataSource]);
-    text = text.With(connection_key::kCatalog, TextOf(file.stem()));
-  }
-  auto session = std::make_shared<Session>();
-  session->connection = text.ToText();
-  session->books = text.Canonical().ToText();
+  const NewSession begun(connection);
+  const std::shared_ptr<Session>& session = begun.session;
   session->user_name = UserName;
   session->outer = Outer;
-  session->machine_name = GetMachineName();
-  session->address = GetIPAddress();
   const Caller caller = CallerOf(session);
   Database& db = caller.db;
   RequireCurrentSchema(db);
@@ -96,29 +132,55 @@ String SessionUpdate::Login(std::string_view connection, std::string_view UserNa
   if (!db.IsReadOnly()) db.RequireWritable();
 
   LoginAttempt attempt(db, UserName);
-  const auto user = db.QueryRow<Long, std::string, unsigned, bool, std::string>(
-      "SELECT FUserID, FPassword, FRoles, FDisabled, COALESCE((SELECT FValue FROM t_SystemProfile"
-      " WHERE FCategory = 'Base' AND FKey = 'SessionMinutes'), '') FROM t_User WHERE FName = ?",
-      UserName);
-  const auto [id, hash, roles, is_disabled, idle_minutes] =
-      user.value_or(std::tuple(Long{0}, std::string(kNoHash), 0u, true, std::string()));
+  const auto user = db.QueryRow<Long, std::string, unsigned, bool>(
+      "SELECT FUserID, FPassword, FRoles, FDisabled FROM t_User WHERE FName = ?", UserName);
+  const auto [id, hash, roles, is_disabled] =
+      user.value_or(std::tuple(Long{0}, std::string(kNoHash), 0u, true));
   session->user_id = id;
   // An unknown user costs as much time as a wrong password, and is told the same.
   attempt.Require(caller, hash, Password, !is_disabled,
                   "The user or the password is wrong, or the user is disabled.");
-  session->props = text.With(connection_key::kSession, NewToken()).ToText();
   session->roles = roles;
-  session->idle_seconds = IdleSeconds(idle_minutes);
-  session->last_call = SecondsNow();
+  session->idle_seconds = MinutesOfSessions(db) * 60;
+  const std::string token = NewToken();
 
+  // What the trail tells of has happened: nothing can fail behind it.
   if (!db.IsReadOnly()) {
     Transaction transaction(db, Transaction::Kind::kSave);
     LoginAttempt::Forget(db, UserName);
     AuditSession(caller, "Login");
     transaction.Commit();
   }
-  KeepSession(session);
-  return session->props;
+  return begun.Begin(token);
+}
+
+String SessionUpdate::Keep(std::string_view PropsString, Long& Minutes) {
+  const Caller caller = EnterUnconfirmed(PropsString, RightTo<SessionUpdate>("Keep"));
+  caller.db.RequireWritable();
+  CallersTransaction transaction(caller, Transaction::Kind::kSave);
+  const Long minutes = MinutesToKeep(caller.db, Minutes);
+  KeepSessionUntil(caller.db, *caller.session, SecondsNow() + std::int64_t{minutes} * 60);
+  AuditSession(caller, "Keep", std::to_string(minutes) + " minutes");
+  transaction.Commit();
+  Minutes = minutes;
+  return TicketOf(*caller.session);
+}
+
+String SessionUpdate::Resume(std::string_view connection, std::string_view Ticket) {
+  const NewSession begun(connection);
+  const std::shared_ptr<Session>& session = begun.session;
+  const Caller caller = CallerOf(session);
+  RequireCurrentSchema(caller.db);
+  const std::optional<KeptSession> kept =
+      KeptSessionBehind(caller.db, Ticket, session->machine_name);
+  if (!kept) {
+    Refuse(refusal::kNotLoggedIn, "The session that was kept has ended; log in again.");
+  }
+  session->user_id = kept->user_id;
+  session->user_name = kept->user_name;
+  session->roles = kept->roles;
+  session->idle_seconds = MinutesOfSessions(caller.db) * 60;
+  return begun.Begin(std::string(Ticket));
 }
 
 void SessionUpdate::Logout(std::string_view PropsString) {
@@ -128,6 +190,7 @@ void SessionUpdate::Logout(std::string_view PropsString) {
   caller.db.EndBatchOf(session);
   if (caller.db.IsReadOnly()) return;
   Transaction transaction(caller.db, Transaction::Kind::kSave);
+  EndKeptSession(caller.db, *session);
   AuditSession(caller, "Logout");
   transaction.Commit();
 }

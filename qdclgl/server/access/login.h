@@ -13,6 +13,7 @@ class SessionUpdate final : public Object {
 
  public:
   static constexpr std::string_view kProgID = "QDSVGLSession.SessionUpdate";
+  static constexpr MethodRight kRights[] = {{"Keep", {Role::kReader, "keep a session"}}};
 
   QD_METHOD(
       String, Login,
@@ -24,6 +25,16 @@ class SessionUpdate final : public Object {
       "LoginDelayed, NoBooks, WrongSchema, BadConnectionText.")
   QD_METHOD(void, Logout, (std::string_view PropsString),
             "Ends the session, and rolls back its batch. NotLoggedIn when there is none.")
+  QD_METHOD(String, Keep, (std::string_view PropsString, Long& Minutes),
+            "Keeps the session beyond the end of this process, and returns a ticket by which "
+            "Resume goes on with it on this machine. It ends after so many minutes, which for 0 "
+            "become SessionMinutes of the books, the most that there can be; at its Logout; and "
+            "when the user's password, roles or name change or the user is disabled or removed. "
+            "Whoever has the ticket has the session. Errors: NotLoggedIn, BadValue, ReadOnly.")
+  QD_METHOD(String, Resume, (std::string_view ConnectionText, std::string_view Ticket),
+            "Goes on with a kept session in this process, in place of the one before, and returns "
+            "its PropsString. Nothing is written. Errors: NotLoggedIn when it has ended, NoBooks, "
+            "WrongSchema, BadConnectionText.")
 };
 
 class CacheFacade final : public Object {

@@ -34,6 +34,9 @@ constexpr Role operator|(Role left, Role right) {
 std::string RolesText(unsigned roles);
 unsigned RolesFrom(std::string_view text);
 
+// The most that the setting SessionMinutes can be.
+inline constexpr Long kMinutesOfAWeek = 7 * 24 * 60;
+
 struct Session {
   std::string props;       // the PropsString
   std::string connection;  // the same without the session

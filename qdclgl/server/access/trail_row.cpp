@@ -104,13 +104,15 @@ class Members {
   std::size_t start_;
 };
 
-void AppendWhole(std::string& out, const TrailRow& row) {
-  Members members(out);
-  for (const TrailCell& cell : row.cells) {
-    if (IsZero(cell)) continue;
-    members.Begin(cell.key);
-    AppendValue(out, cell);
-  }
+void AppendCell(std::string& out, Members& members, const TrailCell& cell) {
+  if (IsZero(cell)) return;
+  members.Begin(cell.key);
+  AppendValue(out, cell);
+}
+
+void AppendWhole(std::string& out, const TrailRow& row);
+
+void AppendLists(std::string& out, Members& members, const TrailRow& row) {
   for (const TrailList& list : row.lists) {
     if (list.rows.empty()) continue;
     members.Begin(list.key);
@@ -120,6 +122,12 @@ void AppendWhole(std::string& out, const TrailRow& row) {
     }
     out += ']';
   }
+}
+
+void AppendWhole(std::string& out, const TrailRow& row) {
+  Members members(out);
+  for (const TrailCell& cell : row.cells) AppendCell(out, members, cell);
+  AppendLists(out, members, row);
   members.End();
 }
 
@@ -180,6 +188,89 @@ std::string ChangesText(const TrailRow* before, const TrailRow* after) {
   std::string text;
   text.reserve(kUsualLength);
   AppendChanges(text, before, after);
+  return text;
+}
+
+// ---- Reading ----
+
+namespace {
+
+// Goes through a text of ChangesText; what is not written as that writes it ends in a failure.
+class ChangesReader {
+ public:
+  explicit ChangesReader(std::string_view text) : rest_(text) {}
+
+  bool Take(std::string_view text) {
+    if (!rest_.starts_with(text)) return false;
+    rest_.remove_prefix(text.size());
+    return true;
+  }
+  // A text with its quotes, or a number or truth value; "" for anything else.
+  std::string_view TakeValue() {
+    std::size_t size = 0;
+    if (rest_.starts_with('"')) {
+      for (size = 1; size < rest_.size() && rest_[size] != '"';)
+        size += rest_[size] == '\\' ? 2 : 1;
+      if (size >= rest_.size()) return "";
+      ++size;
+    } else {
+      size = rest_.find_first_of(",]{[\"");
+      if (size == rest_.npos) return "";
+    }
+    const std::string_view value = rest_.substr(0, size);
+    rest_.remove_prefix(size);
+    return value;
+  }
+  bool IsAtEnd() const { return rest_.empty(); }
+
+ private:
+  std::string_view rest_;
+};
+
+bool IsZero(std::string_view value) { return value == "0" || value == "false" || value == "\"\""; }
+
+}  // namespace
+
+std::optional<std::vector<ValueChange>> ValueChanges(std::string_view changes) {
+  std::vector<ValueChange> values;
+  ChangesReader reader(changes);
+  if (!reader.Take("{")) return {};
+  do {
+    const std::string_view key = reader.TakeValue();
+    if (key.size() < 2 || !key.starts_with('"') || !reader.Take(":[")) return {};
+    const std::string_view before = reader.TakeValue();
+    if (before.empty() || !reader.Take(",")) return {};
+    const std::string_view after = reader.TakeValue();
+    if (after.empty() || !reader.Take("]")) return {};
+    values.push_back({key.substr(1, key.size() - 2), before, after});
+  } while (reader.Take(","));
+  if (!reader.Take("}") || !reader.IsAtEnd()) return {};
+  return values;
+}
+
+std::optional<std::string> WholeTextBefore(const TrailRow& row,
+                                           std::span<const ValueChange> changes) {
+  std::string text, now;
+  text.reserve(kUsualLength);
+  Members members(text);
+  std::size_t met = 0;
+  for (const TrailCell& cell : row.cells) {
+    const auto change = std::ranges::find(changes, cell.key, &ValueChange::key);
+    if (change == changes.end()) {
+      AppendCell(text, members, cell);
+      continue;
+    }
+    ++met;
+    now.clear();
+    AppendValue(now, cell);
+    if (now != change->after) return {};
+    if (IsZero(change->before)) continue;
+    members.Begin(cell.key);
+    text += change->before;
+  }
+  if (met != changes.size()) return {};
+  AppendLists(text, members, row);
+  members.End();
   return text;
 }
 

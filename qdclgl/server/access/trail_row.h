@@ -9,6 +9,7 @@
 // names their rows by numbers from 1. Amounts are texts, so that no reader rounds them.
 #pragma once
 
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -49,6 +50,18 @@ std::string WholeText(const TrailRow& row);
 // What became of a row; null where there is none. "" when nothing has changed. Both rows are of the
 // same columns and lists.
 std::string ChangesText(const TrailRow* before, const TrailRow* after);
+
+// A value of a row's own that has changed, as the text has it: "FName", "\"Cash\"", "\"Bank\"".
+struct ValueChange {
+  std::string_view key, before, after;
+};
+// What a text of ChangesText tells, in its own words. Nothing for one that tells of more than
+// values of the row itself, or that is written otherwise.
+std::optional<std::vector<ValueChange>> ValueChanges(std::string_view changes);
+// WholeText of the row that these changes, each key once, have made into this one. Nothing where
+// they can't have.
+std::optional<std::string> WholeTextBefore(const TrailRow& row,
+                                           std::span<const ValueChange> changes);
 
 // The texts of ChangesText for people, on one line: "FName: Cash -> Bank; line 2 FAmount: 100 ->
 // 120; line 3 added". A text of another form, as former versions wrote it, stays as it is.

@@ -57,6 +57,7 @@ void BooksUpdate::Create(std::string_view connection, std::string_view CurrencyN
   // Hashing takes its time on purpose, so it is done before others have to wait.
   const std::string password = HashedPassword(Password);
   MakeBooks(text, [&](Database& db) {
+    WorkProgress().Tell("Upgrading the tables", 0);
     Migrate(db, CurrentSchemaVersion());
     db.Execute("INSERT INTO t_Currency (FVersion, FNumber, FName, FExchangeRate, FOperator, FScale,"
                " FFixRate, FDeleted, UUID) VALUES (1, ?, ?, 1, '*', 2, 1, 0, '')",

@@ -58,7 +58,7 @@ class BooksInfo final : public Object {
             "GetHead of AuditInfo gave some time, the audit trail must lead to it too.")
   QD_METHOD(Ref<Dictionary>, BackUp, (std::string_view PropsString, std::string_view BackupText),
             "Makes new books, a SQLite file say, that are these books as they are at one moment, "
-            "passwords and sessions included, and tells which they are as Restore does; others "
+            "passwords included, and tells which they are as Restore does; others "
             "work on meanwhile. All or nothing: the copy has passed the check. BooksExist, "
             "Damaged.")
 };

@@ -5,6 +5,7 @@
 
 #include "qdclgl/server/access/session.h"
 #include "qdclgl/server/books/findings.h"
+#include "qdclgl/server/books/imports_check.h"
 #include "qdclgl/server/books/items_check.h"
 #include "qdclgl/server/books/lines_check.h"
 #include "qdclgl/server/books/notes_check.h"
@@ -216,10 +217,13 @@ void CheckDatabase(Database& db, Findings& findings) {
 
 }  // namespace
 
-Ref<Recordset> CheckBooks(Database& db, std::string_view kept_head) {
+Ref<Recordset> CheckBooks(Database& db, std::string_view kept_head, const WorkProgress& progress) {
+  // About what they take of the time.
+  constexpr double kAfterLines = 0.25, kAfterRecords = 0.4, kAfterTrail = 0.8;
   const Transaction transaction(db, Transaction::Kind::kRead);
   Findings findings;
-  CheckLines(db, findings);
+  CheckLines(db, findings, progress.Part(0, kAfterLines));
+  progress.Tell("Checking records", kAfterLines);
   CheckVouchers(db, findings);
   CheckTexts(db, findings);
   CheckAccounts(db, findings);
@@ -230,8 +234,10 @@ Ref<Recordset> CheckBooks(Database& db, std::string_view kept_head) {
   CheckNotes(db, findings);
   CheckUnits(db, findings);
   CheckItems(db, findings);
+  CheckImports(db, findings);
   CheckSettings(db, findings);
-  CheckTrail(db, kept_head, findings);
+  CheckTrail(db, kept_head, findings, progress.Part(kAfterRecords, kAfterTrail));
+  progress.Tell("Checking the database", kAfterTrail);
   CheckDatabase(db, findings);
   return findings.list();
 }

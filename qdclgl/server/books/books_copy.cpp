@@ -1,11 +1,12 @@
 #include "qdclgl/server/books/books_copy.h"
 
 #include <algorithm>
-#include <functional>
+#include <numeric>
 #include <vector>
 
 #include "qdclgl/server/access/trail_seal.h"
 #include "qdclgl/server/books/books_check.h"
+#include "qdclgl/server/books/each_row.h"
 #include "qdclgl/server/db/new_books.h"
 #include "qdclgl/server/db/program_role.h"
 #include "qdclgl/server/db/refusals.h"
@@ -59,21 +60,14 @@ std::string ColumnNames(const CopiedTable& table) {
   return names;
 }
 
-// PostgreSQL would hand over all rows of a query at once, so they are fetched by a cursor.
-void EachRow(Database& db, const std::string& query,
-             const std::function<void(const Statement&)>& take) {
-  const bool has_cursor = db.Dialect("", "cursor") == "cursor";
-  if (has_cursor) db.ExecuteScript("DECLARE copied NO SCROLL CURSOR FOR " + query);
-  const auto rows = db.MakeStatement(has_cursor ? "FETCH 1000 FROM copied" : query);
-  for (bool is_more = true; is_more;) {
-    bool is_any = false;
-    for (rows->Open(); rows->Fetch(); is_any = true) take(*rows);
-    is_more = has_cursor && is_any;
-  }
-  if (has_cursor) db.ExecuteScript("CLOSE copied");
+// How many rows a table has.
+double CountRows(Database& db, const CopiedTable& table) {
+  const auto count = db.QueryValue<std::int64_t>("SELECT COUNT(*) FROM " + table.name);
+  return static_cast<double>(count.value_or(0));
 }
 
-void CopyRows(Database& from, Database& to, const CopiedTable& table) {
+void CopyRows(Database& from, Database& to, const CopiedTable& table, double rows,
+              const WorkProgress& progress) {
   std::string places;
   for (std::size_t i = 0; i < table.columns.size(); ++i) places += i == 0 ? "?" : ", ?";
   const std::string names = ColumnNames(table);
@@ -81,7 +75,7 @@ void CopyRows(Database& from, Database& to, const CopiedTable& table) {
       to.MakeStatement("INSERT INTO " + table.name + " (" + names + ") VALUES (" + places + ")");
   // So many go to PostgreSQL before it is waited for.
   constexpr int kTogether = 500;
-  int count = 0;
+  std::int64_t count = 0;
   EachRow(from, "SELECT " + names + " FROM " + table.name, [&](const Statement& row) {
     for (std::size_t i = 0; i < table.columns.size(); ++i) {
       switch (table.columns[i].storage) {
@@ -90,9 +84,22 @@ void CopyRows(Database& from, Database& to, const CopiedTable& table) {
         case Storage::kText: insert->Set(i, row.Text(i)); break;
       }
     }
-    if (++count % kTogether == 0) insert->Execute();
-    else insert->ExecuteLater();
+    if (++count % kTogether != 0) return insert->ExecuteLater();
+    insert->Execute();
+    progress.Tell("Copying", std::min(1.0, static_cast<double>(count) / rows));
   });
+}
+
+void CopyAllRows(Database& from, Database& to, const std::vector<CopiedTable>& tables,
+                 const WorkProgress& progress) {
+  std::vector<double> counts;
+  for (const CopiedTable& table : tables) counts.push_back(CountRows(from, table));
+  const double all = std::max(1.0, std::accumulate(counts.begin(), counts.end(), 0.0));
+  double done = 0;
+  for (std::size_t i = 0; i < tables.size(); ++i) {
+    CopyRows(from, to, tables[i], counts[i], progress.Part(done / all, (done + counts[i]) / all));
+    done += counts[i];
+  }
 }
 
 // The last ids that tables gave, those of records that are gone included: no new one gets them.
@@ -120,8 +127,8 @@ void CopyLastIds(Database& from, Database& to) {
   }
 }
 
-void RequireSound(Database& db) {
-  const Ref<Recordset> problems = CheckBooks(db, "");
+void RequireSound(Database& db, const WorkProgress& progress) {
+  const Ref<Recordset> problems = CheckBooks(db, "", progress);
   if (problems->Eof()) return;
   const Ref<Dictionary> first = problems->Row();
   Refuse(refusal::kDamaged, "The books do not pass their check, so nothing is copied: " +
@@ -133,6 +140,8 @@ void RequireSound(Database& db) {
 }  // namespace
 
 void CopyBooks(Database& from, const ConnectionText& to, std::string_view program_role) {
+  const WorkProgress progress;
+  constexpr double kAfterCopy = 0.6;  // of the time, about
   Transaction view(from, Transaction::Kind::kRead);
   RequireCurrentSchema(from);
   MakeBooks(to, [&](Database& db) {
@@ -143,11 +152,13 @@ void CopyBooks(Database& from, const ConnectionText& to, std::string_view progra
     for (auto table = tables.rbegin(); table != tables.rend(); ++table) {
       db.Execute("DELETE FROM " + table->name);
     }
-    for (const CopiedTable& table : tables) CopyRows(from, db, table);
+    CopyAllRows(from, db, tables, progress.Part(0, kAfterCopy));
+    // Tickets are of the books that gave them.
+    db.Execute("DELETE FROM t_KeptSession");
     // Who was writing as the end of a block was marked is not at work in the copy.
     db.Execute("DELETE FROM t_AuditSeal WHERE FHash = ''");
     CopyLastIds(from, db);
-    RequireSound(db);
+    RequireSound(db, progress.Part(kAfterCopy, 1));
     if (!program_role.empty()) GrantToProgramRole(db, program_role);
   });
   view.Commit();

@@ -1,11 +1,15 @@
 #include "qdclgl/server/books/lines_check.h"
 
+#include <algorithm>
 #include <array>
 #include <map>
 #include <set>
 #include <tuple>
 #include <vector>
 
+#include "qdclgl/server/books/each_row.h"
+#include "qdclgl/server/books/id_ranges.h"
+#include "qdclgl/server/books/row_sum.h"
 #include "qdclgl/server/books/wide_sum.h"
 #include "qdclgl/server/periods/calendar.h"
 #include "qdclgl/server/records/currency.h"
@@ -23,7 +27,7 @@ using BalanceKey = std::array<Long, 4>;  // account, currency, year, period
 using ItemBalances = std::map<std::pair<BalanceKey, LineItems>, Balance>;
 
 struct Voucher {
-  std::string name;
+  std::string name, date;
   Long year = 0, period = 0, entry_count = 0;
   std::int64_t debit_total = 0, credit_total = 0;
   bool posted = false;
@@ -43,12 +47,15 @@ class LinesCheck {
  public:
   LinesCheck(Database& db, Findings& findings) : db_(db), findings_(findings) {}
 
-  void Run() {
-    ReadVouchers();
+  void Run(const WorkProgress& progress) {
+    const double last_voucher = LastId(db_, "t_Voucher", "FVoucherID");
     ReadExchanges();
-    ReadItems();
-    ReadLines();
-    CheckVouchers();
+    ReadAskingAccounts();
+    InRanges([&](Long from) { return NextId(db_, "t_Voucher", "FVoucherID", from); },
+             [&](Long first, Long last) {
+               CheckRange(first, last);
+               progress.Tell("Checking vouchers", std::min(1.0, last / last_voucher));
+             });
     CheckPosted();
     CheckPostedLines();
     TakeAwayStoredBalances();
@@ -58,20 +65,35 @@ class LinesCheck {
   }
 
  private:
-  void ReadVouchers() {
-    for (const auto& [id, name, year, period, count, debit, credit, posted] :
-         db_.Query<Long, std::string, Long, Long, Long, std::int64_t, std::int64_t, bool>(
-             "SELECT v.FVoucherID, " + std::string(kVoucherName) +
-             ", v.FYear, v.FPeriod, v.FEntryCount, v.FDebitTotal, v.FCreditTotal, v.FPosted" +
-             std::string(kFromVouchers))) {
-      vouchers_[id] = {.name = name,
-                       .year = year,
-                       .period = period,
-                       .entry_count = count,
-                       .debit_total = debit,
-                       .credit_total = credit,
-                       .posted = posted};
+  // The vouchers with these ids and their lines.
+  void CheckRange(Long first, Long last) {
+    std::map<Long, Voucher> vouchers = ReadVouchers(first, last);
+    items_ = db_.Query<Long, Long, Long, Long>(LineItemsQuery("d.FVoucherID BETWEEN ? AND ?"),
+                                               first, last);
+    next_item_ = 0;
+    ReadLines(vouchers, first, last);
+    for (const auto& [id, voucher] : vouchers) CheckVoucher(id, voucher);
+  }
+
+  std::map<Long, Voucher> ReadVouchers(Long first, Long last) {
+    static const std::string kSql =
+        "SELECT v.FVoucherID, " + std::string(kVoucherName) +
+        ", v.FYear, v.FPeriod, v.FDate, v.FEntryCount, v.FDebitTotal, v.FCreditTotal, v.FPosted" +
+        std::string(kFromVouchers) + " WHERE v.FVoucherID BETWEEN ? AND ?";
+    std::map<Long, Voucher> vouchers;
+    for (const auto& [id, name, year, period, date, count, debit, credit, posted] :
+         db_.Query<Long, std::string, Long, Long, std::string, Long, std::int64_t, std::int64_t,
+                   bool>(kSql, first, last)) {
+      vouchers[id] = {.name = name,
+                      .date = date,
+                      .year = year,
+                      .period = period,
+                      .entry_count = count,
+                      .debit_total = debit,
+                      .credit_total = credit,
+                      .posted = posted};
     }
+    return vouchers;
   }
 
   void ReadExchanges() {
@@ -84,11 +106,10 @@ class LinesCheck {
     }
   }
 
-  void ReadItems() {
+  void ReadAskingAccounts() {
     for (const auto& [account] : db_.Query<Long>("SELECT FAccountID FROM t_AccountItem")) {
       asking_.insert(account);
     }
-    items_ = db_.Query<Long, Long, Long, Long>(LineItemsQuery("1 = 1"));
   }
 
   // The items of a line; lines come in their order.
@@ -106,16 +127,19 @@ class LinesCheck {
     return items;
   }
 
-  void ReadLines() {
+  void ReadLines(std::map<Long, Voucher>& vouchers, Long first, Long last) {
+    static const std::string kSql =
+        "SELECT e.FVoucherID, e.FEntryID, e.FAccountID, e.FCurrencyID, e.FDC, e.FAmount,"
+        " e.FAmountFor, e.FExchangeRate, " +
+        std::string(kCountedQuantity) +
+        " FROM t_VoucherEntry e WHERE e.FVoucherID BETWEEN ? AND ?"
+        " ORDER BY e.FVoucherID, e.FEntryID";
     for (const auto& [voucher, number, account, currency, side, amount, amount_for, rate,
                       quantity] :
          db_.Query<Long, Long, Long, Long, Long, std::int64_t, std::int64_t, double, double>(
-             "SELECT e.FVoucherID, e.FEntryID, e.FAccountID, e.FCurrencyID, e.FDC, e.FAmount,"
-             " e.FAmountFor, e.FExchangeRate, " +
-             std::string(kCountedQuantity) +
-             " FROM t_VoucherEntry e ORDER BY e.FVoucherID, e.FEntryID")) {
-      const auto found = vouchers_.find(voucher);
-      if (found == vouchers_.end()) continue;  // the foreign keys are another rule
+             kSql, first, last)) {
+      const auto found = vouchers.find(voucher);
+      if (found == vouchers.end()) continue;  // the foreign keys are another rule
       Add(found->second,
           {voucher, number, account, currency, side, amount, amount_for, rate, quantity});
     }
@@ -137,6 +161,7 @@ class LinesCheck {
       Report("LineRate", voucher, line, "Its amount is not its foreign amount at its rate.");
     }
     if (!voucher.posted) return;
+    posted_lines_.Add({line.account, line.voucher, line.number}, voucher.date);
     const BalanceKey key = {line.account, line.currency, voucher.year, voucher.period};
     AddTo(balances_[key], line);
     if (asking_.contains(line.account)) AddTo(item_balances_[{key, ItemsOf(line)}], line);
@@ -155,29 +180,23 @@ class LinesCheck {
                   voucher.name + ", line " + std::to_string(line.number), problem);
   }
 
-  void CheckVouchers() {
-    for (const auto& [id, voucher] : vouchers_) {
-      const auto report = [&, id = id, &name = voucher.name](std::string_view rule,
-                                                             std::string_view problem) {
-        findings_.Add(rule, "Voucher", id, name, problem);
-      };
-      if (voucher.lines == 0) report("VoucherLines", "It has no lines.");
-      if (voucher.lines != voucher.entry_count || voucher.debit != WideSum(voucher.debit_total) ||
-          voucher.credit != WideSum(voucher.credit_total)) {
-        report("VoucherTotals", "Its totals or its number of lines are not those of its lines.");
-      }
-      if (voucher.debit != voucher.credit) report("VoucherBalance", "Debits and credits differ.");
-      if (voucher.is_too_large) report("VoucherSize", "Its lines are too large to add up.");
+  void CheckVoucher(Long id, const Voucher& voucher) {
+    const auto report = [&](std::string_view rule, std::string_view problem) {
+      findings_.Add(rule, "Voucher", id, voucher.name, problem);
+    };
+    if (voucher.lines == 0) report("VoucherLines", "It has no lines.");
+    if (voucher.lines != voucher.entry_count || voucher.debit != WideSum(voucher.debit_total) ||
+        voucher.credit != WideSum(voucher.credit_total)) {
+      report("VoucherTotals", "Its totals or its number of lines are not those of its lines.");
     }
+    if (voucher.debit != voucher.credit) report("VoucherBalance", "Debits and credits differ.");
+    if (voucher.is_too_large) report("VoucherSize", "Its lines are too large to add up.");
+    if (voucher.posted) posted_.Add(voucher.size);
   }
 
   void CheckPosted() {
-    WideSum posted;
-    for (const auto& [id, voucher] : vouchers_) {
-      if (voucher.posted) posted.Add(voucher.size);
-    }
     const auto stored = db_.Query<std::int64_t>("SELECT FSize FROM t_Posted");
-    if (stored.size() != 1 || posted != WideSum(std::get<0>(stored.front()))) {
+    if (stored.size() != 1 || posted_ != WideSum(std::get<0>(stored.front()))) {
       findings_.Add("Posted", "Books", 0, "",
                     "The size of what is posted is not that of the posted lines, or they are too "
                     "large to add up.");
@@ -186,23 +205,32 @@ class LinesCheck {
 
   // That the lines of accounts by day are the posted ones, under their vouchers' days.
   void CheckPostedLines() {
-    static constexpr std::string_view kPosted =
-        "SELECT e.FAccountID, v.FDate, e.FVoucherID, e.FEntryID FROM t_Voucher v"
-        " JOIN t_VoucherEntry e ON e.FVoucherID = v.FVoucherID WHERE v.FPosted = 1";
-    static constexpr std::string_view kStored =
-        "SELECT FAccountID, FDate, FVoucherID, FEntryID FROM t_PostedLine";
-    const auto report = [&](std::string_view these, std::string_view others,
-                            std::string_view problem) {
-      for (const auto& [id] :
-           db_.Query<Long>("SELECT DISTINCT FVoucherID FROM (" + std::string(these) + " EXCEPT " +
-                           std::string(others) + ") AS rest ORDER BY FVoucherID")) {
-        const auto voucher = vouchers_.find(id);
-        findings_.Add("PostedLine", "Voucher", id,
-                      voucher != vouchers_.end() ? voucher->second.name : "?", problem);
-      }
-    };
-    report(kPosted, kStored, "Posted lines are missing among those of their accounts.");
-    report(kStored, kPosted, "Lines stand among the posted ones of an account and are none.");
+    RowSum stored;
+    EachRow(db_, std::string(kStoredLines), [&](const Statement& row) {
+      stored.Add({row.Whole(0), row.Whole(2), row.Whole(3)}, row.Text(1));
+    });
+    if (stored == posted_lines_) return;
+    ReportOddLines(kPostedLines, kStoredLines,
+                   "Posted lines are missing among those of their accounts.");
+    ReportOddLines(kStoredLines, kPostedLines,
+                   "Lines stand among the posted ones of an account and are none.");
+  }
+
+  static constexpr std::string_view kPostedLines =
+      "SELECT e.FAccountID, v.FDate, e.FVoucherID, e.FEntryID FROM t_Voucher v"
+      " JOIN t_VoucherEntry e ON e.FVoucherID = v.FVoucherID WHERE v.FPosted = 1";
+  static constexpr std::string_view kStoredLines =
+      "SELECT FAccountID, FDate, FVoucherID, FEntryID FROM t_PostedLine";
+
+  // The vouchers of lines that are among these and not among the others.
+  void ReportOddLines(std::string_view these, std::string_view others, std::string_view problem) {
+    for (const auto& [id, name] : db_.Query<Long, std::string>(
+             "SELECT rest.FVoucherID, COALESCE((SELECT " + std::string(kVoucherName) +
+             std::string(kFromVouchers) + " WHERE v.FVoucherID = rest.FVoucherID), '?')" +
+             " FROM (SELECT DISTINCT FVoucherID FROM (" + std::string(these) + " EXCEPT " +
+             std::string(others) + ") AS odd) AS rest ORDER BY rest.FVoucherID")) {
+      findings_.Add("PostedLine", "Voucher", id, name, problem);
+    }
   }
 
   template <class... Numbers>
@@ -292,11 +320,12 @@ class LinesCheck {
 
   Database& db_;
   Findings& findings_;
-  std::map<Long, Voucher> vouchers_;
   std::map<Long, Exchange> exchanges_;
+  WideSum posted_;  // the sizes of posted vouchers
+  RowSum posted_lines_;
   std::map<BalanceKey, Balance> balances_;
   std::set<Long> asking_;  // accounts that ask for items
-  // Voucher, line, class and item, and how far the lines have come in them.
+  // Voucher, line, class and item of the range, and how far the lines have come in them.
   std::vector<std::tuple<Long, Long, Long, Long>> items_;
   std::size_t next_item_ = 0;
   ItemBalances item_balances_;
@@ -304,6 +333,8 @@ class LinesCheck {
 
 }  // namespace
 
-void CheckLines(Database& db, Findings& findings) { LinesCheck(db, findings).Run(); }
+void CheckLines(Database& db, Findings& findings, const WorkProgress& progress) {
+  LinesCheck(db, findings).Run(progress);
+}
 
 }  // namespace qdclgl::server

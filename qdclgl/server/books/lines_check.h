@@ -3,9 +3,10 @@
 #pragma once
 
 #include "qdclgl/server/books/findings.h"
+#include "qdclgl/server/books/work_progress.h"
 
 namespace qdclgl::server {
 
-void CheckLines(Database& db, Findings& findings);
+void CheckLines(Database& db, Findings& findings, const WorkProgress& progress);
 
 }  // namespace qdclgl::server

@@ -1,8 +1,12 @@
 #include "qdclgl/server/books/trail_beginning.h"
 
+#include <algorithm>
+
 #include "qdclgl/frame/vocabulary/text.h"
 #include "qdclgl/server/access/audit.h"
 #include "qdclgl/server/access/trail_seal.h"
+#include "qdclgl/server/books/id_ranges.h"
+#include "qdclgl/server/books/work_progress.h"
 #include "qdclgl/server/db/schema.h"
 #include "qdclgl/server/periods/settings.h"
 
@@ -33,12 +37,15 @@ void WriteWhole(const Caller& caller, std::string_view action, std::string_view 
       {.subject = subject, .record_id = id, .record = name, .action = action, .changes = changes});
 }
 
-void WriteWhole(const Caller& caller, std::string_view action, const TrailedKind& kind) {
+void WriteWhole(const Caller& caller, std::string_view action, const TrailedKind& kind,
+                const WorkProgress& progress) {
+  const double last_id = LastId(caller.db, kind.table, kind.id);
   InRanges([&](Long from) { return NextId(caller.db, kind.table, kind.id, from); },
            [&](Long first, Long last) {
              for (const auto& [id, record] : kind.read(caller.db, first, last)) {
                WriteWhole(caller, action, kind.subject, id, record.name, record.state);
              }
+             progress.Tell("Writing the audit trail", std::min(1.0, last / last_id));
            });
 }
 
@@ -85,7 +92,13 @@ std::vector<const TrailedKind*> KindsToCome(Database& db) {
 
 void TrailWhole(const Caller& caller, std::string_view action,
                 const std::vector<const TrailedKind*>& kinds) {
-  for (const TrailedKind* kind : WithRecords(caller.db, kinds)) WriteWhole(caller, action, *kind);
+  const std::vector<const TrailedKind*> present = WithRecords(caller.db, kinds);
+  double done = 0;
+  for (const TrailedKind* kind : present) {
+    const double share = 1 / static_cast<double>(present.size());
+    WriteWhole(caller, action, *kind, WorkProgress().Part(done, done + share));
+    done += share;
+  }
 }
 
 }  // namespace qdclgl::server

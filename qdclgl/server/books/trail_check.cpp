@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <map>
 #include <nlohmann/json.hpp>
-#include <optional>
 #include <set>
 
 #include "qdclgl/server/access/audit.h"
 #include "qdclgl/server/access/trail_seal.h"
+#include "qdclgl/server/books/id_ranges.h"
 #include "qdclgl/server/books/trailed_kinds.h"
 #include "qdclgl/server/periods/settings.h"
 
@@ -92,7 +92,8 @@ std::string Difference(const Json& trail, const Json& books, const std::string& 
   return "";
 }
 
-// A record as the rows of its trail leave it. Most have one row, which is not taken apart.
+// A record as the rows of its trail leave it, which outlive it. Most have changed in some values of
+// their own since they were made, and are compared as they are written; others are taken apart.
 class TrailedState {
  public:
   void Take(const AuditRow& row) {
@@ -100,34 +101,46 @@ class TrailedState {
     const std::string_view changes = row.changes;
     if (changes.starts_with(kNew)) {
       whole_ = changes.substr(kNew.size(), changes.size() - kNew.size() - 1);
-      parsed_.reset();
+      later_.clear();
       is_there_ = true;
     } else if (changes.starts_with(kOld)) {
       is_there_ = false;
     } else if (is_there_ && changes.starts_with('{')) {
       // What stands before the first whole row former versions wrote; other texts are remarks.
-      if (!parsed_) parsed_ = Json::parse(whole_);
-      Apply(Json::parse(changes), *parsed_);
+      later_.push_back(changes);
     }
   }
-
-  bool is_there() const { return is_there_; }
 
   // What is different in the books, as a sentence; "" when nothing is.
   std::string Problem(const TrailRow* row) const {
     if (row == nullptr) return is_there_ ? "It is gone, and its trail still has it." : "";
     if (!is_there_) return "It is not on the trail, or was removed there.";
-    const std::string books = WholeText(*row);
-    if (!parsed_ && whole_ == books) return "";
-    const std::string difference =
-        Difference(parsed_ ? *parsed_ : Json::parse(whole_), Json::parse(books));
+    if (IsAsWritten(*row)) return "";
+    Json state = Json::parse(whole_);
+    for (const std::string_view changes : later_) Apply(Json::parse(changes), state);
+    const std::string difference = Difference(state, Json::parse(WholeText(*row)));
     return difference.empty() ? "" : "It was changed past the trail: " + difference + ".";
   }
 
  private:
+  // Whether the row with its later changes taken back is the whole row, letter by letter.
+  bool IsAsWritten(const TrailRow& row) const {
+    std::vector<ValueChange> all;
+    for (const std::string_view changes : later_) {
+      const auto values = ValueChanges(changes);
+      if (!values) return false;
+      for (const ValueChange& value : *values) {
+        const auto known = std::ranges::find(all, value.key, &ValueChange::key);
+        if (known == all.end()) all.push_back(value);
+        else known->after = value.after;
+      }
+    }
+    return WholeTextBefore(row, all) == whole_;
+  }
+
   bool is_there_ = false;
-  std::string whole_;
-  std::optional<Json> parsed_;
+  std::string_view whole_;
+  std::vector<std::string_view> later_;
 };
 
 // The problem that `operation` finds; a trail that makes no sense is one too.
@@ -162,7 +175,11 @@ class ChainCheck {
   ChainCheck(Database& db, Findings& findings) : db_(db), findings_(findings) {}
 
   // The trail of all records of a subject, and the records where `kind` tells how to read them.
-  void Run(std::string_view subject, const TrailedKind* kind) {
+  void Run(std::string_view subject, const TrailedKind* kind, const WorkProgress& progress) {
+    const double last_id =
+        db_.QueryValue<Long>("SELECT COALESCE(MAX(FRecordID), 0) FROM t_Audit WHERE FSubject = ?",
+                             subject)
+            .value_or(0);
     const auto next = [&](Long from) {
       const auto on_trail =
           db_.QueryValue<Long>("SELECT FRecordID FROM t_Audit WHERE FSubject = ? AND FRecordID >= ?"
@@ -188,6 +205,7 @@ class ChainCheck {
         if (record != records.end()) records.erase(record);
       }
       for (const auto& [id, record] : records) CheckOne(subject, id, {}, true, &record);
+      if (last < last_id) progress.Tell("Checking the audit trail", last / last_id);
     });
   }
 
@@ -312,14 +330,27 @@ void CheckEditors(Database& db, Findings& findings) {
 
 }  // namespace
 
-void CheckTrail(Database& db, std::string_view kept_head, Findings& findings) {
-  std::map<std::string, const TrailedKind*, std::less<>> subjects;
-  for (const auto& [subject] : db.Query<std::string>("SELECT DISTINCT FSubject FROM t_Audit")) {
-    subjects[subject] = nullptr;
+void CheckTrail(Database& db, std::string_view kept_head, Findings& findings,
+                const WorkProgress& progress) {
+  struct Subject {
+    double rows = 0;  // that the trail has of it
+    const TrailedKind* kind = nullptr;
+  };
+  std::map<std::string, Subject, std::less<>> subjects;
+  double all_rows = 1;
+  for (const auto& [subject, rows] : db.Query<std::string, std::int64_t>(
+           "SELECT FSubject, COUNT(*) FROM t_Audit GROUP BY FSubject")) {
+    subjects[subject].rows = static_cast<double>(rows);
+    all_rows += static_cast<double>(rows);
   }
-  for (const TrailedKind& kind : TrailedKinds()) subjects[std::string(kind.subject)] = &kind;
+  for (const TrailedKind& kind : TrailedKinds()) subjects[std::string(kind.subject)].kind = &kind;
   ChainCheck check(db, findings);
-  for (const auto& [subject, kind] : subjects) check.Run(subject, kind);
+  double done = 0;
+  for (const auto& [name, subject] : subjects) {
+    const double share = subject.rows / all_rows;
+    check.Run(name, subject.kind, progress.Part(done, done + share));
+    done += share;
+  }
   CheckSettingsTrail(db, findings);
   CheckEditors(db, findings);
   CheckSeals(db, kept_head, findings);

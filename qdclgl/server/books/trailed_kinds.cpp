@@ -31,11 +31,4 @@ const std::vector<TrailedKind>& TrailedKinds() {
   return kKinds;
 }
 
-std::optional<Long> NextId(Database& db, std::string_view table, std::string_view id, Long from) {
-  const std::string column(id);
-  return db.QueryValue<Long>("SELECT " + column + " FROM " + std::string(table) + " WHERE " +
-                                 column + " >= ? ORDER BY " + column + " LIMIT 1",
-                             from);
-}
-
 }  // namespace qdclgl::server

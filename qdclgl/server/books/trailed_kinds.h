@@ -3,9 +3,7 @@
 #pragma once
 
 #include <functional>
-#include <limits>
 #include <map>
-#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -21,23 +19,5 @@ struct TrailedKind {
 };
 
 const std::vector<TrailedKind>& TrailedKinds();
-
-// Goes through ids some at a time, so that large books take no more memory than small ones.
-// `next(from)` tells the first id from `from` on, nothing behind the last; `take(first, last)` gets
-// the ranges.
-template <class Next, class Take>
-void InRanges(Next next, Take take) {
-  constexpr Long kAtOnce = 1000;
-  constexpr Long kLast = std::numeric_limits<Long>::max();
-  for (std::optional<Long> first = next(std::numeric_limits<Long>::min()); first;) {
-    const Long last = *first > kLast - kAtOnce ? kLast : *first + kAtOnce - 1;
-    take(*first, last);
-    if (last == kLast) return;
-    first = next(last + 1);
-  }
-}
-
-// The first id from `from` on in a table, nothing behind the last.
-std::optional<Long> NextId(Database& db, std::string_view table, std::string_view id, Long from);
 
 }  // namespace qdclgl::server

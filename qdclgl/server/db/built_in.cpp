@@ -7,9 +7,7 @@
 namespace qdclgl::server {
 
 std::string DatabasesBuiltIn() {
-  const std::string postgresql = PostgreSQLBuiltIn();
-  return "SQLite " + std::string(sqlite3_libversion()) +
-         (postgresql.empty() ? "" : ", " + postgresql);
+  return "SQLite " + std::string(sqlite3_libversion()) + ", " + PostgreSQLBuiltIn();
 }
 
 }  // namespace qdclgl::server

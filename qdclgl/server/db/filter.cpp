@@ -361,9 +361,9 @@ std::vector<SortTerm> SortTerms(std::string_view text, std::span<const Column> c
   return terms;
 }
 
-std::string ParseSort(std::string_view text, std::span<const Column> columns) {
+std::string SortText(std::span<const SortTerm> terms) {
   std::string sql;
-  for (const SortTerm& term : SortTerms(text, columns)) {
+  for (const SortTerm& term : terms) {
     if (!sql.empty()) sql += ", ";
     sql.append(term.column).append(term.is_descending ? " DESC" : "");
   }

@@ -40,6 +40,7 @@ struct SortTerm {
 
 // "FYear DESC, FPeriod"; nothing for an empty text. BadSort likewise.
 std::vector<SortTerm> SortTerms(std::string_view text, std::span<const Column> columns);
-std::string ParseSort(std::string_view text, std::span<const Column> columns);
+// The same as SQL has it.
+std::string SortText(std::span<const SortTerm> terms);
 
 }  // namespace qdclgl::server

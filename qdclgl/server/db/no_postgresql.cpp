@@ -9,6 +9,6 @@ std::unique_ptr<Driver> ConnectToPostgreSQL(const ConnectionText&, Driver::OnBus
          "alone.");
 }
 
-std::string PostgreSQLBuiltIn() { return ""; }
+std::string PostgreSQLBuiltIn() { return "no PostgreSQL"; }
 
 }  // namespace qdclgl::server

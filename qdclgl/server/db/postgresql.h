@@ -12,7 +12,7 @@ namespace qdclgl::server {
 // A connection of its own. BadConnectionText in a build without it, ConnectionLost, DatabaseFailed.
 std::unique_ptr<Driver> ConnectToPostgreSQL(const ConnectionText& text, Driver::OnBusy on_busy);
 
-// "PostgreSQL (libpq 15.14)"; "" in a build without it.
+// "PostgreSQL (libpq 15.14)"; "no PostgreSQL" in a build without it.
 std::string PostgreSQLBuiltIn();
 
 }  // namespace qdclgl::server

@@ -76,12 +76,15 @@ constexpr std::string_view kExplanation =
 void AddWord(const Database& db, const std::string& word, Query& query) {
   // A line end is in no word.
   static const std::string kLineTexts =
-      std::string(kExplanation) +
-      " || '\n' || e.FTransNo || '\n' || v.FReference || '\n' || a.FNumber || '\n' || a.FName";
-  query.sql += " AND (" + HasWord(db, kLineTexts, word, query.values) +
-               " OR EXISTS (SELECT 1 FROM t_VoucherDetail d WHERE d.FVoucherID = e.FVoucherID"
-               " AND d.FEntryID = e.FEntryID AND ";
-  query.sql += HasWord(db, "d.FItemNumber || '\n' || d.FItemName", word, query.values) + ")";
+      std::string(kExplanation) + " || '\n' || e.FTransNo || '\n' || v.FReference";
+  const auto add = [&](const std::string& text) { return HasWord(db, text, word, query.values); };
+  query.sql += " AND (" + add(kLineTexts);
+  // Accounts are few and lines are many: each account is looked at once.
+  query.sql += " OR e.FAccountID IN (SELECT FAccountID FROM t_Account WHERE " +
+               add("FNumber || '\n' || FName") + ")";
+  query.sql += " OR v.FDetailCount > 0 AND EXISTS (SELECT 1 FROM t_VoucherDetail d"
+               " WHERE d.FVoucherID = e.FVoucherID AND d.FEntryID = e.FEntryID AND " +
+               add("d.FItemNumber || '\n' || d.FItemName") + ")";
   if (const auto amount = AmountIn(word)) {
     query.sql += " OR e.FAmount = ? OR e.FAmountFor = ?";
     query.values.insert(query.values.end(), 2, *amount);

@@ -140,9 +140,9 @@ class MultiLedgerInfo final : public RecordInfo {
             "that year). NotFound, BadValue.")
   QD_METHOD(Ref<Recordset>, GetList,
             (std::string_view PropsString, const Long& ListOptions = {}, const String& Filter = {},
-             const String& Sort = {}),
+             const String& Sort = {}, const Variant& Page = Missing),
             "The {records} with their columns and sub-columns; bit 1 of ListOptions includes those "
-            "whose account is deleted. BadFilter, BadSort.")
+            "whose account is deleted. {page} BadFilter, BadSort, BadValue.")
   QD_METHOD(Long, ExistenceCheck,
             (std::string_view PropsString, const Variant& LedgerID = Missing,
              const Variant& RecordKey = Missing),
@@ -186,10 +186,11 @@ Ref<Recordset> MultiLedgerInfo::GetLedger(std::string_view PropsString, const Lo
 }
 
 Ref<Recordset> MultiLedgerInfo::GetList(std::string_view PropsString, const Long& ListOptions,
-                                        const String& Filter, const String& Sort) {
+                                        const String& Filter, const String& Sort,
+                                        const Variant& Page) {
   const Caller caller = Enter(PropsString, kind().reading());
   Transaction transaction(caller.db, Transaction::Kind::kRead);
-  Ref<Recordset> list = kind().List(caller.db, ListOptions, Filter, Sort);
+  Ref<Recordset> list = kind().List(caller.db, ListOptions, Filter, Sort, PageIn(Page));
   transaction.Commit();
   return list;
 }

@@ -9,6 +9,7 @@
 
 #include "qdclgl/frame/values/values.h"
 #include "qdclgl/frame/vocabulary/text.h"
+#include "qdclgl/server/access/session.h"
 #include "qdclgl/server/db/refusals.h"
 
 namespace qdclgl::server {
@@ -17,7 +18,6 @@ namespace {
 
 constexpr std::int64_t kLargestInteger = std::numeric_limits<Integer>::max();
 constexpr std::int64_t kLargestLong = std::numeric_limits<Long>::max();
-constexpr std::int64_t kMinutesOfAWeek = 7 * 24 * 60;
 
 using enum SettingType;
 
@@ -54,6 +54,8 @@ constexpr KnownSetting kKnown[] = {
     {"GL", "PeriodByMonth", kSwitch, 0, 0, "1", "periods are calendar months, otherwise weeks"},
     {"GL", "PeriodCount", kWhole, 1, 52, "12", "how many periods a year has"},
     {"GL", "PosterNotPreparer", kSwitch, 0, 0, "0", "nobody posts a voucher that he had a hand in"},
+    {"GL", "RevaluationAccount", kWhole, 0, kLargestLong, "",
+     "id of the account that differences of a revaluation are booked on"},
     {"GL", "StartPeriod", kKept, 0, 0, "", "the period that the books begin with"},
     {"GL", "StartYear", kKept, 0, 0, "", "the year that the books begin with"},
     {"GL", "YearStartMonth", kWhole, 1, 12, "1", "the month that an accounting year begins with"},
@@ -144,6 +146,13 @@ bool LooksLikeSwitch(std::string_view text) {
          });
 }
 
+// "10,080"
+std::string WithThousands(std::int64_t number) {
+  std::string text = std::to_string(number);
+  for (std::size_t at = text.size(); at > 3 && number >= 0;) text.insert(at -= 3, ",");
+  return text;
+}
+
 bool Fits(const KnownSetting& setting, std::string_view text) {
   switch (setting.type) {
     case kAnyText:
@@ -174,8 +183,8 @@ std::string RangeOf(const KnownSetting& setting) {
     case kSwitch: return "0 or 1";
     case kSwitchOrName: return "0, 1 or the name of a computer";
     case kWhole:
-      return "a whole number from " + std::to_string(setting.least) + " to " +
-             std::to_string(setting.most);
+      return "a whole number from " + WithThousands(setting.least) + " to " +
+             WithThousands(setting.most);
     case kNumber: return "a number";
     case kDate: return "a date such as 2024-01-31";
   }

@@ -254,9 +254,9 @@ class AccountInfo final : public RecordInfo {
   QD_METHOD(Ref<Recordset>, GetList,
             (std::string_view PropsString, const Long& ListOptions = {}, const String& Filter = {},
              const String& Sort = {}, const Variant& Reserved = Missing,
-             const Long& DataAuthority = {}),
+             const Long& DataAuthority = {}, const Variant& Page = Missing),
             "The accounts; bit 1 of ListOptions includes those marked deleted. Every reader sees "
-            "all accounts, whatever the DataAuthority. BadFilter, BadSort.")
+            "all accounts, whatever the DataAuthority. {page} BadFilter, BadSort, BadValue.")
   QD_METHOD(Long, ExistenceCheck,
             (std::string_view PropsString, const Variant& AccountID = Missing,
              const Variant& Number = Missing, const Variant& HelperCode = Missing),
@@ -301,8 +301,8 @@ std::vector<std::string> NamesUpwards(Database& db, Long id) {
 
 Ref<Recordset> AccountInfo::GetList(std::string_view PropsString, const Long& ListOptions,
                                     const String& Filter, const String& Sort, const Variant&,
-                                    const Long&) {
-  return RecordInfo::GetList(PropsString, ListOptions, Filter, Sort);
+                                    const Long&, const Variant& Page) {
+  return RecordInfo::GetList(PropsString, ListOptions, Filter, Sort, Page);
 }
 
 Long AccountInfo::ExistenceCheck(std::string_view PropsString, const Variant& AccountID,

@@ -153,9 +153,9 @@ class ItemRecordInfo final : public RecordInfo {
             "The same by its {key,} the first one where several classes have it.")
   QD_METHOD(Ref<Recordset>, GetList,
             (std::string_view PropsString, const Long& ListOptions = {}, const String& Filter = {},
-             const String& Sort = {}, const Long& ItemClassID = {}),
+             const String& Sort = {}, const Long& ItemClassID = {}, const Variant& Page = Missing),
             "The {records} of all classes, or those of one with its fields; bit 1 of ListOptions "
-            "includes those marked deleted. BadFilter, BadSort.")
+            "includes those marked deleted. {page} BadFilter, BadSort, BadValue.")
   QD_INHERITED(ExistenceCheck)
 };
 
@@ -174,13 +174,14 @@ Ref<Dictionary> ItemRecordInfo::GetDetailByNumber(std::string_view PropsString,
 
 Ref<Recordset> ItemRecordInfo::GetList(std::string_view PropsString, const Long& ListOptions,
                                        const String& Filter, const String& Sort,
-                                       const Long& ItemClassID) {
+                                       const Long& ItemClassID, const Variant& Page) {
   const Caller caller = Enter(PropsString, kind().reading());
   const Transaction view(caller.db, Transaction::Kind::kRead);
   return ListItems(caller.db, {.item_class = ItemClassID,
                                .with_deleted = (ListOptions & kWithDeleted) != 0,
                                .filter = Filter,
-                               .sort = Sort});
+                               .sort = Sort,
+                               .page = PageIn(Page)});
 }
 
 // ---- The kind ----

@@ -53,9 +53,10 @@ class ItemClassInfo final : public RecordInfo {
             "{A record} by its {key,} with its fields, Nothing when there is none.")
   QD_METHOD(Ref<Recordset>, GetList,
             (std::string_view PropsString, const Long& ListOptions = {}, const String& Filter = {},
-             const String& Sort = {}, const Variant& Reserved = Missing, const Long& Sign = {}),
-            "The {records}, without their fields; options and sign are not looked at. BadFilter, "
-            "BadSort.")
+             const String& Sort = {}, const Variant& Reserved = Missing, const Long& Sign = {},
+             const Variant& Page = Missing),
+            "The {records}, without their fields; options and sign are not looked at. {page} "
+            "BadFilter, BadSort, BadValue.")
   QD_INHERITED(ExistenceCheck)
   QD_METHOD(Ref<Recordset>, GetShownF7Fields,
             (std::string_view PropsString, const Long& ItemClassID),
@@ -89,8 +90,8 @@ Ref<Dictionary> ItemClassInfo::GetDetailByNumber(std::string_view PropsString,
 
 Ref<Recordset> ItemClassInfo::GetList(std::string_view PropsString, const Long& ListOptions,
                                       const String& Filter, const String& Sort, const Variant&,
-                                      const Long&) {
-  return RecordInfo::GetList(PropsString, ListOptions, Filter, Sort);
+                                      const Long&, const Variant& Page) {
+  return RecordInfo::GetList(PropsString, ListOptions, Filter, Sort, Page);
 }
 
 Ref<Recordset> ItemClassInfo::GetShownF7Fields(std::string_view PropsString,

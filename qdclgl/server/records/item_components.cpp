@@ -1,7 +1,5 @@
 // Items as clients call them: every call that makes or lists items names their class. Sub-messages
 // are served beside them.
-#include <limits>
-
 #include "qdclgl/frame/vocabulary/text.h"
 #include "qdclgl/server/db/list.h"
 #include "qdclgl/server/db/refusals.h"
@@ -46,9 +44,9 @@ class ItemInfo final : public SubMesReader {
              const Long& ListOptions = {}, const String& Filter = {}, const String& Sort = {},
              const Variant& Parameters = Missing, const Boolean& IgnoreRight = false),
             "The items of a class with its fields, or of all without them with 0; bit 1 of "
-            "ListOptions includes those marked deleted. Parameters may be a Dictionary with the "
-            "keys First, the number of the first item from 1, and Count, the most that come. Every "
-            "reader sees all items, whatever IgnoreRight. BadFilter, BadSort, BadValue.")
+            "ListOptions includes those marked deleted. Every reader sees all items, whatever "
+            "IgnoreRight. Parameters tell a page: " QDCLGL_PAGE_KEYS
+            " BadFilter, BadSort, BadValue.")
   QD_METHOD(Long, ExistenceCheck,
             (std::string_view PropsString, const Variant& ItemID = Missing,
              const Long& ItemClassID = {}, const Variant& Number = Missing),
@@ -136,25 +134,6 @@ Ref<Dictionary> ItemInfo::GetDetailByNumber(std::string_view PropsString, const 
   const Caller caller = Enter(PropsString, kReadItems);
   const Transaction view(caller.db, Transaction::Kind::kRead);
   return ItemThatMeets(caller.db, IdIn(caller.db, ItemClassID, Number), strFilter);
-}
-
-// The page that a caller asks for, nothing for the whole list.
-std::optional<Page> PageIn(const Variant& parameters) {
-  if (parameters.IsMissing() || parameters.IsEmpty() || parameters.IsNothing()) return {};
-  const auto* asked =
-      parameters.IsObject() ? dynamic_cast<const Dictionary*>(parameters.ObjectPointer()) : nullptr;
-  if (asked == nullptr) Refuse(refusal::kBadValue, "The parameters are no Dictionary.");
-  Page page{0, std::numeric_limits<Long>::max()};
-  for (std::uint32_t i = 0; i < asked->size(); ++i) {
-    const std::string key(asked->key_at(i));
-    const auto value = Normalized({key, ColumnType::kLong}, asked->value_at(i)).As<Long>();
-    if (key == "First" && value >= 1) page.first = value - 1;
-    else if (key == "Count" && value >= 0) page.count = value;
-    else
-      Refuse(refusal::kBadValue,
-             "The parameters have no " + key + " of " + std::to_string(value) + ".");
-  }
-  return page;
 }
 
 Ref<Recordset> ItemInfo::GetList(std::string_view PropsString, const Long& ItemClassID,

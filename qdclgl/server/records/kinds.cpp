@@ -11,6 +11,7 @@ const MasterData& MultiLedgers();
 const MasterData& Accounts();
 const MasterData& CheckTypes();
 const MasterData& Currencies();
+const MasterData& ExchangeRates();
 const MasterData& Items();
 const MasterData& ItemClasses();
 const MasterData& MeasureUnits();
@@ -24,6 +25,7 @@ const MasterData& UnitGroups();
 const MasterData& Users();
 const MasterData& VoucherGroups();
 const MasterData& Budgets();
+const MasterData& Imports();
 const MasterData& VoucherTemps();
 
 std::span<const MasterData* const> MasterDataKinds() {
@@ -32,6 +34,7 @@ std::span<const MasterData* const> MasterDataKinds() {
       &Accounts(),
       &CheckTypes(),
       &Currencies(),
+      &ExchangeRates(),
       &Items(),
       &ItemClasses(),
       &MeasureUnits(),
@@ -45,6 +48,7 @@ std::span<const MasterData* const> MasterDataKinds() {
       &Users(),
       &VoucherGroups(),
       &Budgets(),
+      &Imports(),
       &VoucherTemps(),
   };
   return kKinds;

@@ -6,7 +6,6 @@
 #include "qdclgl/frame/containers/vector.h"
 #include "qdclgl/frame/objects/variant_kind.h"
 #include "qdclgl/frame/vocabulary/text.h"
-#include "qdclgl/server/db/list.h"
 #include "qdclgl/server/db/refusals.h"
 
 namespace qdclgl::server {
@@ -168,6 +167,7 @@ std::string MasterData::Worded(std::string_view help) const {
            {"{records}", std::string(description_.nouns)},
            {"{key}", key},
            {"{key,}", key_and_case},
+           {"{page}", QDCLGL_PAGE_HELP},
            {"{errors}", std::string(description_.errors)}}) {
     ReplaceAll(text, word, own);
   }
@@ -246,12 +246,13 @@ Variant RowsFor(Long id, const RowsById& rows) {
 }  // namespace
 
 Ref<Recordset> MasterData::List(Database& db, Long options, std::string_view filter,
-                                std::string_view sort) const {
+                                std::string_view sort, const std::optional<Page>& page) const {
   std::string query = description_.query;
   if ((options & kWithDeleted) == 0 && !description_.deleted.empty()) {
     query += " WHERE " + std::string(description_.deleted) + " = 0";
   }
-  const Ref<Recordset> list = FetchList(db, {query, shown_, description_.order}, filter, sort);
+  const Ref<Recordset> list =
+      FetchList(db, {query, shown_, description_.order}, filter, sort, {}, page);
   return NestedLists().empty() ? list : WithNestedLists(db, list);
 }
 
@@ -490,9 +491,9 @@ Ref<Dictionary> RecordInfo::GetDetailByNumber(std::string_view PropsString,
 }
 
 Ref<Recordset> RecordInfo::GetList(std::string_view PropsString, const Long& ListOptions,
-                                   const String& Filter, const String& Sort) {
+                                   const String& Filter, const String& Sort, const Variant& Page) {
   const Caller caller = Enter(PropsString, kind().reading());
-  return kind().List(caller.db, ListOptions, Filter, Sort);
+  return kind().List(caller.db, ListOptions, Filter, Sort, PageIn(Page));
 }
 
 Long RecordInfo::ExistenceCheck(std::string_view PropsString, const Variant& RecordID,

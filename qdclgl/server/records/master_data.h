@@ -25,6 +25,7 @@
 #include "qdclgl/server/access/component.h"
 #include "qdclgl/server/access/trail_row.h"
 #include "qdclgl/server/db/columns.h"
+#include "qdclgl/server/db/list.h"
 #include "qdclgl/server/db/refusals.h"
 
 namespace qdclgl::server {
@@ -68,9 +69,9 @@ class RecordInfo : public RecordComponent {
             "{A record} by its {key,} Nothing when there is none.")
   QD_METHOD(Ref<Recordset>, GetList,
             (std::string_view PropsString, const Long& ListOptions = {}, const String& Filter = {},
-             const String& Sort = {}),
-            "The {records}; bit 1 of ListOptions includes those marked deleted. BadFilter, "
-            "BadSort.")
+             const String& Sort = {}, const Variant& Page = Missing),
+            "The {records}; bit 1 of ListOptions includes those marked deleted. {page} BadFilter, "
+            "BadSort, BadValue.")
   QD_METHOD(Long, ExistenceCheck,
             (std::string_view PropsString, const Variant& RecordID = Missing,
              const Variant& RecordKey = Missing),
@@ -260,9 +261,9 @@ class MasterData {
   // Its tables with all their columns.
   std::vector<StoredTable> Tables() const;
 
-  // The rows of `ListOptions`, filtered and sorted. BadFilter, BadSort.
-  Ref<Recordset> List(Database& db, Long options, std::string_view filter,
-                      std::string_view sort) const;
+  // The rows of `ListOptions`, filtered and sorted. BadFilter, BadSort, BadValue.
+  Ref<Recordset> List(Database& db, Long options, std::string_view filter, std::string_view sort,
+                      const std::optional<Page>& page = {}) const;
   // A record with all its columns, Nothing when there is none.
   Ref<Dictionary> Read(Database& db, Long id) const;
   // NotFound when there is none.

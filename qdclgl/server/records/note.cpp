@@ -122,17 +122,18 @@ const MasterData& Notes() {
       .remove = Remove,
       .info = RecordClassOf<NoteInfo>(),
       .errors = "Required, NameTaken, BadValue, TooLarge",
-      .helps = {{"GetList",
-                 "The notes without their data; bit 1 of ListOptions has no meaning. BadFilter, "
-                 "BadSort."},
-                {"Create",
-                 "Saves a new note with its data (FData), a Variant of any kind; who made and "
-                 "changed it and when is the server's to keep. Its id and version come back in the "
-                 "row too. Errors: {errors}."},
-                {"Update",
-                 "Saves a note; data that the row doesn't have stay as they are. The new version "
-                 "comes back in the row. Errors: NotFound, NoVersion, Changed, and those of "
-                 "Create."}},
+      .helps =
+          {{"GetList",
+            "The notes without their data; bit 1 of ListOptions has no meaning. {page} BadFilter, "
+            "BadSort, BadValue."},
+           {"Create",
+            "Saves a new note with its data (FData), a Variant of any kind; who made and "
+            "changed it and when is the server's to keep. Its id and version come back in the "
+            "row too. Errors: {errors}."},
+           {"Update",
+            "Saves a note; data that the row doesn't have stay as they are. The new version "
+            "comes back in the row. Errors: NotFound, NoVersion, Changed, and those of "
+            "Create."}},
   });
   return kKind;
 }

@@ -2,6 +2,7 @@
 // leave the server. Some enabled administrator remains, whatever happens to users; a call that
 // would leave none is refused as InUse.
 #include "qdclgl/server/access/audit.h"
+#include "qdclgl/server/access/kept_session.h"
 #include "qdclgl/server/access/login_attempt.h"
 #include "qdclgl/server/access/password.h"
 #include "qdclgl/server/db/list.h"
@@ -69,7 +70,12 @@ void RequireAdministrator(const Change& change) {
   change.Refuse(refusal::kInUse, "this is the last administrator.");
 }
 
+// Who gets other rights, another name or another password logs in anew.
 void Follow(RecordSave& save) {
+  if (!save.is_new() &&
+      (save.Changes(kRoles) || save.Changes("FName") || save.Changes("FDisabled"))) {
+    EndKeptSessionsOf(save.db(), save.id());
+  }
   if (save.id() > kLastUserID) {
     save.Refuse(refusal::kBadValue,
                 "there is no id left; they go to " + std::to_string(kLastUserID) + ".");
@@ -79,6 +85,7 @@ void Follow(RecordSave& save) {
 
 void Remove(RecordRemoval& removal) {
   removal.Remove();
+  EndKeptSessionsOf(removal.db(), removal.id());
   RequireAdministrator(removal);
 }
 
@@ -111,8 +118,9 @@ class UserInfo final : public RecordInfo {
   using RecordInfo::RecordInfo;
 
   QD_METHOD(Ref<Recordset>, GetList,
-            (std::string_view PropsString, const String& Filter = {}, const String& Sort = {}),
-            "The users. BadFilter, BadSort.")
+            (std::string_view PropsString, const String& Filter = {}, const String& Sort = {},
+             const Variant& Page = Missing),
+            "The users. {page} BadFilter, BadSort, BadValue.")
   QD_METHOD(Ref<Dictionary>, GetDetail, (std::string_view PropsString, const Long& UserID),
             "A user, Nothing when there is none.")
 };
@@ -143,9 +151,10 @@ class UserUpdate final : public RecordUpdate {
 };
 
 Ref<Recordset> UserInfo::GetList(std::string_view PropsString, const String& Filter,
-                                 const String& Sort) {
+                                 const String& Sort, const Variant& Page) {
   const Caller caller = Enter(PropsString, kind().reading());
-  return FetchList(caller.db, {ShownQuery(), kind().CallersColumns(), "FName"}, Filter, Sort);
+  return FetchList(caller.db, {ShownQuery(), kind().CallersColumns(), "FName"}, Filter, Sort, {},
+                   PageIn(Page));
 }
 
 Ref<Dictionary> UserInfo::GetDetail(std::string_view PropsString, const Long& UserID) {
@@ -195,6 +204,7 @@ void UserUpdate::SetPassword(std::string_view PropsString, const Long& UserID,
   caller.db.Execute("UPDATE t_User SET FPassword = ? WHERE FUserID = ?", hash, id);
   const std::string name = kind().NameOf(*user);
   LoginAttempt::Forget(caller.db, name);
+  EndKeptSessionsOf(caller.db, id);
   const std::string changes = kind().Changes(caller.db, id, before);
   WriteAudit(caller, {.subject = kind().subject(),
                       .record_id = id,

@@ -9,4 +9,8 @@ namespace qdclgl::server {
 inline constexpr std::string_view kCarriesResult = "TransferPL";
 inline constexpr std::string_view kWhereCarriesResult = "FInternalInd = 'TransferPL'";
 
+// It brings balances in other currencies to the rate of a period's end. So for these.
+inline constexpr std::string_view kRevalues = "Revaluation";
+inline constexpr std::string_view kWhereRevalues = "FInternalInd = 'Revaluation'";
+
 }  // namespace qdclgl::server

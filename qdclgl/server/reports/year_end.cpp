@@ -1,11 +1,7 @@
 #include "qdclgl/server/reports/year_end.h"
 
-#include <algorithm>
 #include <string>
-#include <tuple>
-#include <vector>
 
-#include "qdclgl/frame/containers/dictionary.h"
 #include "qdclgl/frame/objects/class_table.h"
 #include "qdclgl/server/access/session.h"
 #include "qdclgl/server/db/refusals.h"
@@ -13,6 +9,7 @@
 #include "qdclgl/server/records/account_kind.h"
 #include "qdclgl/server/reports/balancing_vouchers.h"
 #include "qdclgl/server/reports/kind_sums.h"
+#include "qdclgl/server/reports/standings.h"
 #include "qdclgl/server/reports/voucher_marks.h"
 
 namespace qdclgl::server {
@@ -20,8 +17,6 @@ namespace qdclgl::server {
 QD_DEFINE_MEMBERS(YearEndInfo)
 
 namespace {
-
-using Standing = BalancingVouchers::Standing;
 
 void RequireEquity(const KindChart& chart, Long account) {
   const std::size_t place = chart.PlaceOf(account);
@@ -48,59 +43,8 @@ void RequireCarriedPosted(Database& db, Long year) {
                                      " and is not posted; post or delete it.");
 }
 
-// The items of a combination as the details of a line.
-Ref<Vector> DetailsOf(Database& db, Long combination) {
-  auto details = Make<Vector>();
-  for (const auto& [item_class, item] : db.Query<Long, Long>(
-           "SELECT FItemClassID, FItemID FROM t_ItemCombinationItem WHERE FCombinationID = ?"
-           " ORDER BY FItemClassID",
-           combination)) {
-    auto detail = Make<Dictionary>();
-    detail->Put("FItemClassID", item_class);
-    detail->Put("FItemID", item);
-    details->Append(Variant(detail));
-  }
-  return details;
-}
-
-struct StandingPlace {
-  std::size_t account;
-  Long currency, combination;
-  Standing standing;
-};
-
-// What stands on accounts of income and expense when a year has ended, in the order of the chart.
-std::vector<StandingPlace> ResultsOf(Database& db, const KindChart& chart, Long year) {
-  const auto sums = [](const char* table, const char* combination, const char* asks) {
-    return "SELECT b.FAccountID AS FAccountID, b.FCurrencyID AS FCurrencyID, " +
-           std::string(combination) +
-           " AS FCombinationID, CAST(SUM(b.FDebit - b.FCredit) AS BIGINT) AS FAmount,"
-           " CAST(SUM(b.FDebitFor - b.FCreditFor) AS BIGINT) AS FAmountFor,"
-           " CAST(SUM(b.FDebitQty - b.FCreditQty) AS BIGINT) AS FQuantity FROM " +
-           table + " b WHERE b.FYear <= ? AND " + asks +
-           " (SELECT 1 FROM t_AccountItem i WHERE i.FAccountID = b.FAccountID)"
-           " GROUP BY 1, 2, 3";
-  };
-  std::vector<StandingPlace> places;
-  for (const auto& [account, currency, combination, amount, amount_for, quantity] :
-       db.Query<Long, Long, Long, Units, Units, std::int64_t>(
-           "SELECT * FROM (" + sums("t_Balance", "0", "NOT EXISTS") + " UNION ALL " +
-               sums("t_ItemBalance", "b.FCombinationID", "EXISTS") +
-               ") AS standing WHERE FAmount <> 0 OR FAmountFor <> 0 OR FQuantity <> 0",
-           year, year)) {
-    const std::size_t place = chart.PlaceOf(account);
-    const std::string& kind = chart.accounts()[place].kind;
-    if (kind != account_kind::kIncome && kind != account_kind::kExpense) continue;
-    places.push_back({place,
-                      currency,
-                      combination,
-                      {account, currency, combination == 0 ? nullptr : DetailsOf(db, combination),
-                       amount, amount_for, quantity}});
-  }
-  std::ranges::sort(places, {}, [](const StandingPlace& place) {
-    return std::tuple(place.account, place.currency, place.combination);
-  });
-  return places;
+bool IsOfResult(std::string_view kind, Long) {
+  return kind == account_kind::kIncome || kind == account_kind::kExpense;
 }
 
 }  // namespace
@@ -111,13 +55,16 @@ Ref<Recordset> YearEndInfo::GetResultVouchers(std::string_view PropsString, Long
   Database& db = caller.db;
   Transaction transaction(db, Transaction::Kind::kRead);
   const Calendar calendar = LedgerRules::Of(db).calendar;
-  const DateTime last_day = calendar.SpanOf({nYear, calendar.period_count()}).end;
+  const AccountingPeriod last{nYear, calendar.period_count()};
+  const DateTime last_day = calendar.SpanOf(last).end;
   const KindChart chart(db);
   RequireEquity(chart, AccountID);
   RequireCarriedPosted(db, nYear);
   BalancingVouchers vouchers(last_day, kCarriesResult, "Result of " + std::to_string(nYear),
                              AccountID);
-  for (const StandingPlace& place : ResultsOf(db, chart, nYear)) vouchers.Take(place.standing);
+  for (const StandingPlace& place : StandingsOf(db, chart, last, IsOfResult)) {
+    vouchers.Take(place.standing);
+  }
   transaction.Commit();
   return vouchers.Finish();
 }

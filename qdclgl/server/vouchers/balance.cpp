@@ -256,7 +256,7 @@ using MovementsQuery = std::string (*)(const Database&, const Classes&);
 // By items of the classes that a text names, where there is one.
 Ref<Recordset> Balances(std::string_view props, MovementsQuery movements,
                         const std::optional<String>& class_numbers, Long year, Long from, Long to,
-                        const String& filter, const String& sort) {
+                        const String& filter, const String& sort, const Variant& page = Missing) {
   const Caller caller = Enter(props, BalanceInfo::kRead);
   Transaction transaction(caller.db, Transaction::Kind::kRead);
   const Classes classes = class_numbers ? ClassesIn(caller.db, *class_numbers) : Classes();
@@ -280,7 +280,7 @@ Ref<Recordset> Balances(std::string_view props, MovementsQuery movements,
   const std::string query = Query(movements(caller.db, classes), classes);
   const BoundValue span[] = {first, last};
   Ref<Recordset> list =
-      FetchList(caller.db, {query, shape.columns, shape.order}, filter, sort, span);
+      FetchList(caller.db, {query, shape.columns, shape.order}, filter, sort, span, PageIn(page));
   transaction.Commit();
   return list;
 }
@@ -288,14 +288,17 @@ Ref<Recordset> Balances(std::string_view props, MovementsQuery movements,
 }  // namespace
 
 Ref<Recordset> BalanceInfo::GetList(std::string_view PropsString, Long nYear, Long PeriodFrom,
-                                    Long PeriodTo, const String& Filter, const String& Sort) {
-  return Balances(PropsString, Stored, std::nullopt, nYear, PeriodFrom, PeriodTo, Filter, Sort);
+                                    Long PeriodTo, const String& Filter, const String& Sort,
+                                    const Variant& Page) {
+  return Balances(PropsString, Stored, std::nullopt, nYear, PeriodFrom, PeriodTo, Filter, Sort,
+                  Page);
 }
 
 Ref<Recordset> BalanceInfo::GetListFromLines(std::string_view PropsString, Long nYear,
                                              Long PeriodFrom, Long PeriodTo, const String& Filter,
-                                             const String& Sort) {
-  return Balances(PropsString, FromLines, std::nullopt, nYear, PeriodFrom, PeriodTo, Filter, Sort);
+                                             const String& Sort, const Variant& Page) {
+  return Balances(PropsString, FromLines, std::nullopt, nYear, PeriodFrom, PeriodTo, Filter, Sort,
+                  Page);
 }
 
 Ref<Recordset> BalanceInfo::GetItemList(std::string_view PropsString, const String& ClassNumbers,

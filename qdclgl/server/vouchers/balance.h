@@ -3,6 +3,7 @@
 
 #include "qdclgl/frame/containers/recordset.h"
 #include "qdclgl/server/access/component.h"
+#include "qdclgl/server/db/list.h"
 
 namespace qdclgl::server {
 
@@ -29,13 +30,16 @@ class BalanceInfo final : public Object {
 
   QD_METHOD(Ref<Recordset>, GetList,
             (std::string_view PropsString, Long nYear = {}, Long PeriodFrom = {},
-             Long PeriodTo = {}, const String& Filter = {}, const String& Sort = {}),
+             Long PeriodTo = {}, const String& Filter = {}, const String& Sort = {},
+             const Variant& Page = Missing),
             "The balances over periods of a year, from what posting keeps: year 0 is everything "
             "posted, period 0 the year's first or last. By account number and currency unless Sort "
-            "says otherwise. BadFilter, BadSort, BadValue for periods that the year does not have.")
+            "says otherwise. " QDCLGL_PAGE_HELP
+            " BadFilter, BadSort, BadValue, also for periods that the year does not have.")
   QD_METHOD(Ref<Recordset>, GetListFromLines,
             (std::string_view PropsString, Long nYear = {}, Long PeriodFrom = {},
-             Long PeriodTo = {}, const String& Filter = {}, const String& Sort = {}),
+             Long PeriodTo = {}, const String& Filter = {}, const String& Sort = {},
+             const Variant& Page = Missing),
             "The same, added up from the lines of the posted vouchers.")
   QD_METHOD(Ref<Recordset>, GetItemList,
             (std::string_view PropsString, const String& ClassNumbers, Long nYear = {},

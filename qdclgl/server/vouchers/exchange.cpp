@@ -2,7 +2,12 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <cstdlib>
 #include <limits>
+
+#include "qdclgl/frame/vocabulary/errors.h"
+#include "qdclgl/server/records/coefficient.h"
 
 namespace qdclgl::server {
 
@@ -21,6 +26,18 @@ bool IsAtRate(Currency amount, Currency amount_for, Double rate, const Exchange&
   // Rates are binary fractions, which shows in amounts of some sixteen digits.
   const double blur = 4 * std::numeric_limits<double>::epsilon() * std::abs(expected);
   return std::abs(static_cast<double>(amount.units()) - expected) <= last_decimal + blur;
+}
+
+Currency WorthOf(Currency amount_for, Double rate, const Exchange& exchange) {
+  const auto scale = static_cast<int>(std::clamp(exchange.scale, Long{0}, kDecimals));
+  const Double worth = Scaled(amount_for.ToDouble(), rate, exchange.divides);
+  const auto whole = Decimal::FromDouble(worth).ToScaledInteger(scale);
+  std::int64_t unit = 1;
+  for (int i = scale; i < kDecimals; ++i) unit *= 10;
+  if (!whole || std::abs(*whole) > std::numeric_limits<std::int64_t>::max() / unit) {
+    RaiseError(error_number::kOverflow);
+  }
+  return Currency::FromUnits(*whole * unit);
 }
 
 }  // namespace qdclgl::server

@@ -16,4 +16,8 @@ struct Exchange {
 // without an amount in its currency moves the base amount alone, as differences of rates do.
 bool IsAtRate(Currency amount, Currency amount_for, Double rate, const Exchange& exchange);
 
+// What `amount_for` is worth at `rate`, in whole units of the base currency's last decimal: as
+// decimals, exact for amounts of up to 15 digits, half to even. Error 6 where it is too large.
+Currency WorthOf(Currency amount_for, Double rate, const Exchange& exchange);
+
 }  // namespace qdclgl::server

@@ -215,11 +215,9 @@ Ref<Dictionary> VoucherInfo::GetDetailByNumber(std::string_view PropsString, Lon
 }
 
 Ref<Recordset> VoucherInfo::GetList(std::string_view PropsString, Long& ListOptions, String& Filter,
-                                    String& Sort) {
+                                    String& Sort, const Variant& Page) {
   const Caller caller = Enter(PropsString, RightTo<VoucherInfo>("GetList"));
-  return FetchList(caller.db,
-                   (ListOptions & kWithDeleted) != 0 ? kVoucherListWithDeleted : kVoucherList,
-                   Filter, Sort);
+  return ListVouchers(caller.db, (ListOptions & kWithDeleted) != 0, Filter, Sort, PageIn(Page));
 }
 
 Ref<Vector> VoucherInfo::GetJournal(std::string_view PropsString, DateTime DateFrom, Long AfterID,

@@ -6,6 +6,7 @@
 #include "qdclgl/frame/containers/recordset.h"
 #include "qdclgl/frame/containers/vector.h"
 #include "qdclgl/server/access/component.h"
+#include "qdclgl/server/db/list.h"
 
 namespace qdclgl::server {
 
@@ -34,9 +35,11 @@ class VoucherInfo final : public Object {
              Long Number, Boolean ShowDeleted = {}),
             "The same by year, period, group (its name or id) and number.")
   QD_METHOD(Ref<Recordset>, GetList,
-            (std::string_view PropsString, Long& ListOptions, String& Filter, String& Sort),
+            (std::string_view PropsString, Long& ListOptions, String& Filter, String& Sort,
+             const Variant& Page = Missing),
             "The headers of the vouchers that meet the filter, by date and number unless Sort says "
-            "otherwise; with bit 1 of ListOptions the deleted ones too. BadFilter, BadSort.")
+            "otherwise; with bit 1 of ListOptions the deleted ones too. " QDCLGL_PAGE_HELP
+            " BadFilter, BadSort, BadValue.")
   QD_METHOD(Ref<Vector>, GetJournal,
             (std::string_view PropsString, DateTime DateFrom, Long AfterID, DateTime DateTo,
              Long Count),

@@ -42,9 +42,10 @@ class VoucherTempInfo final : public RecordInfo {
              const Long& Number),
             "The same by period, group (its name or id) and number.")
   QD_METHOD(Ref<Recordset>, GetList,
-            (std::string_view PropsString, const String& Filter = {}, const String& Sort = {}),
+            (std::string_view PropsString, const String& Filter = {}, const String& Sort = {},
+             const Variant& Page = Missing),
             "The {records} without their lines, by period, group and number unless Sort says "
-            "otherwise. BadFilter, BadSort.")
+            "otherwise. {page} BadFilter, BadSort, BadValue.")
   QD_METHOD(Long, ExistenceCheck,
             (std::string_view PropsString, const Variant& RecordID = Missing,
              const Variant& Period = Missing, const Variant& Group = Missing,
@@ -101,9 +102,9 @@ Ref<Dictionary> VoucherTempInfo::GetDetailByNumber(std::string_view PropsString,
 }
 
 Ref<Recordset> VoucherTempInfo::GetList(std::string_view PropsString, const String& Filter,
-                                        const String& Sort) {
+                                        const String& Sort, const Variant& Page) {
   const Caller caller = Enter(PropsString, kind().reading());
-  return kind().List(caller.db, 0, Filter, Sort);
+  return kind().List(caller.db, 0, Filter, Sort, PageIn(Page));
 }
 
 Long VoucherTempInfo::ExistenceCheck(std::string_view PropsString, const Variant& RecordID,

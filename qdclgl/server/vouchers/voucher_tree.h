@@ -219,8 +219,10 @@ struct VoucherTree {
 // The tables of headers, lines, details and editors.
 std::vector<StoredTable> VoucherTables();
 
-// The list of headers.
-extern const ListSource kVoucherList;
-extern const ListSource kVoucherListWithDeleted;
+// The columns of the list of headers.
+std::span<const Column> VoucherListColumns();
+// The headers that meet the filter, sorted, all or a page of them. BadFilter, BadSort, BadValue.
+Ref<Recordset> ListVouchers(Database& db, bool with_deleted, std::string_view filter,
+                            std::string_view sort, const std::optional<Page>& page);
 
 }  // namespace qdclgl::server

@@ -66,7 +66,7 @@ void LookAtFilter(std::string_view text) {
 
 void LookAtSort(std::string_view text) {
   try {
-    const std::string sort = ParseSort(text, kColumns);
+    const std::string sort = SortText(SortTerms(text, kColumns));
     const auto rows =
         Table().Query<Long>("SELECT FYear FROM t" + (sort.empty() ? "" : " ORDER BY " + sort));
     Require(rows.size() == 3, "a sort loses no row");

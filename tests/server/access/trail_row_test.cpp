@@ -87,5 +87,50 @@ TEST(TrailRowTest, TextsOfFormerVersionsStayAsTheyAre) {
   }
 }
 
+// ---- Taking changes back ----
+
+TEST(ValueChangesTest, AreThoseOfTheRowsOwnValuesInTheirOwnWords) {
+  const auto text = [](std::string_view changes) {
+    const auto values = ValueChanges(changes);
+    if (!values) return std::string("none");
+    std::string all;
+    for (const ValueChange& value : *values) {
+      all.append(value.key).append(":").append(value.before).append("->").append(value.after) +=
+          ' ';
+    }
+    return all;
+  };
+  EXPECT_EQ(text(R"({"FVersion":[1,2],"FChecked":[false,true],"FName":["a, \"b\\","]}"]})"),
+            R"(FVersion:1->2 FChecked:false->true FName:"a, \"b\\"->"]}" )");
+  EXPECT_EQ(text(R"({"FRate":[-1.5e-07,0]})"), "FRate:-1.5e-07->0 ");
+  for (const char* other :
+       {"", "{", "{}", "[]", "remark", R"({"FName":["a"]})", R"({"FName":["a","b","c"]})",
+        R"({"FName":["a","b"])", R"({"FName":["a","b"]}x)", R"({"FName":["a","b])",
+        R"({"FName":["a",{"b":1}]})", R"({"FName":"a"})", R"({"_Entries":{"1":{"FDC":[0,1]}}})",
+        R"({"FName":["a","b"],"_Entries":{"1":{"old":{}}}})", R"({"FName" : ["a", "b"]})",
+        R"({FName:["a","b"]})", R"({"FName":["a","b"],})", R"({"FName":[,"b"]})"}) {
+    EXPECT_EQ(text(other), "none") << other;
+  }
+}
+
+TEST(ValueChangesTest, ARowIsWrittenAsItWasBeforeThem) {
+  TrailRow row;
+  row.AddText("FNumber", "7");
+  row.AddText("FName", "New");
+  row.AddText("FNote", "");
+  row.lists.push_back({"_Entries", {TrailRow()}});
+  row.lists.back().rows.back().AddText("FItem", "x");
+  const auto before = [&](const std::vector<ValueChange>& changes) {
+    return WholeTextBefore(row, changes).value_or("none");
+  };
+  EXPECT_EQ(before({}), WholeText(row));
+  EXPECT_EQ(before({{"FName", R"("Old")", R"("New")"}, {"FNote", R"("n")", R"("")"}}),
+            R"({"FNumber":"7","FName":"Old","FNote":"n","_Entries":[{"FItem":"x"}]})");
+  EXPECT_EQ(before({{"FName", R"("")", R"("New")"}}),
+            R"({"FNumber":"7","_Entries":[{"FItem":"x"}]})");
+  EXPECT_EQ(before({{"FName", R"("Old")", R"("Other")"}}), "none") << "it became another value";
+  EXPECT_EQ(before({{"FGone", "1", "2"}}), "none") << "the row has no such value";
+}
+
 }  // namespace
 }  // namespace qdclgl::server::testing

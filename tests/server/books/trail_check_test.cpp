@@ -62,6 +62,12 @@ class TrailCheckTest : public LedgerTest {
     MakeRecord("Items.ItemUpdate",
                Row({{"FItemClassID", Long{1}}, {"FNumber", "SALES"}, {"FName", "Sales"}}));
     MakeRecord("Budget.BudgetUpdate", Row({{"FNumber", "RENT"}, {"FAccountID", Long{1}}}));
+    MakeRecord("Currency.CurrencyUpdate", Row({{"FNumber", "CHF"}, {"FName", "Franc"}}));
+    MakeRecord("ExchangeRate.ExchangeRateUpdate",
+               Row({{"FNumber", "CHF 1"}, {"FCurrencyID", Long{3}}, {"FExchangeRate", 1.1}}));
+    MakeRecord("Import.ImportUpdate", Row({{"FName", "journal.csv"}}));
+    Call("QDSVGLImport.ImportUpdate", "AddVouchers", props, Long{1}, Variant(Ids({1, 2})));
+    Call("QDSVGLImport.ImportUpdate", "AddVouchers", props, Long{1}, Variant(Ids({5})));
     MakeRecord("Note.NoteUpdate", Row({{"FName", "Receipt"}, {"FData", "form"}}));
     const Ref<Dictionary> line = Line("1000", 0, 8);
     line->Put("_Details", ListOf({Row({{"FItemClassID", Long{4}}, {"FValue", "Shop"}})}));
@@ -78,6 +84,11 @@ class TrailCheckTest : public LedgerTest {
   static Ref<Vector> ListOf(std::initializer_list<Ref<Dictionary>> rows) {
     auto list = Make<Vector>();
     for (const Ref<Dictionary>& row : rows) list->Append(Variant(row));
+    return list;
+  }
+  static Ref<Vector> Ids(std::initializer_list<Long> ids) {
+    auto list = Make<Vector>();
+    for (const Long id : ids) list->Append(id);
     return list;
   }
   void Change(std::string_view setting, std::string_view value) {

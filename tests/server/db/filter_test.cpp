@@ -153,12 +153,12 @@ TEST(FilterTest, HugeFiltersAreRefusedAndDoNotCrash) {
 }
 
 TEST(SortTest, ColumnsWithDirections) {
-  EXPECT_EQ(ParseSort("", kColumns), "");
-  EXPECT_EQ(ParseSort("fname desc , FID asc,FRate", kColumns), "FName DESC, FID, FRate");
+  EXPECT_EQ(SortText(SortTerms("", kColumns)), "");
+  EXPECT_EQ(SortText(SortTerms("fname desc , FID asc,FRate", kColumns)), "FName DESC, FID, FRate");
   for (const std::string_view text :
        {",", "FID,", "FID FName", "FID DESC ASC", "1", "FID; DROP TABLE t_User", "FNope",
         "(SELECT 1)", "FID --", "FID NULLS FIRST", "'FID'", "-FID", "FID COLLATE NOCASE"}) {
-    EXPECT_EQ(RefusalOf([&] { ParseSort(text, kColumns); }), "BadSort") << text;
+    EXPECT_EQ(RefusalOf([&] { SortText(SortTerms(text, kColumns)); }), "BadSort") << text;
   }
 }
 

@@ -352,8 +352,9 @@ TEST_P(SchemaTest, RecordsThatAnUpgradeMakesAreOnTheTrail) {
     former = TablesIn(*std::make_unique<Database>(ConnectionText::Parse(old)));
     RemoveBooks(old);
   }
-  for (const char* index : {"t_VoucherEntry_SettleType", "t_VoucherDetail_Item", "t_Voucher_Year",
-                            "t_Voucher_NotPosted", "t_Voucher_Date", "t_Voucher_Carried"}) {
+  for (const char* index :
+       {"t_VoucherEntry_SettleType", "t_VoucherDetail_Item", "t_Voucher_Year",
+        "t_Voucher_NotPosted", "t_Voucher_Date", "t_Voucher_Carried", "t_Voucher_Revalues"}) {
     Break(std::string("DROP INDEX ") + index);
   }
   for (const auto& [table, columns] : TablesIn(Books())) {

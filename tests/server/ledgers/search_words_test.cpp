@@ -42,6 +42,8 @@ TEST_P(HasWordTest, IgnoresCaseBeyondAsciiOnBothDatabasesAlike) {
   EXPECT_FALSE(Has("tea", "teas"));
   EXPECT_TRUE(Has("100% ok_", "% OK_")) << "nothing stands for anything else";
   EXPECT_FALSE(Has("100 ok", "%"));
+  EXPECT_TRUE(Has("C:\\Temp", "\\TEMP"));
+  EXPECT_TRUE(Has("a" + std::string(60'000, 'x') + "b", std::string(60'000, 'X') + "B"));
 }
 
 QDCLGL_BOOKS_TEST(HasWordTest);

@@ -4,6 +4,7 @@
 #include <set>
 
 #include "qdclgl/frame/vocabulary/text.h"
+#include "tests/server/list_pages.h"
 #include "tests/server/records/record_suite.h"
 
 namespace qdclgl::server::testing {
@@ -103,6 +104,62 @@ TEST_P(RecordSuite, ListsFilterAndSortByEveryColumn) {
       EXPECT_EQ(ids_of(RowsOf(List(0, "NOT " + equal))), ids_of(others)) << equal;
     }
   }
+}
+
+TEST_P(RecordSuite, PagesPutTogetherAreTheList) {
+  const Long first = CreateSample(1);
+  Create(Sent(Values::kChanged, 2));
+  CreateSample(3);
+  Create(Sent(Values::kAbsent, 4));
+  Update(first, Detail(first));
+  const auto with = [&](const std::string& filter) {
+    return [this, filter](const std::string& sort, const Variant& page) {
+      return List(0, filter, sort, page);
+    };
+  };
+  ExpectPagesAreTheList(with(""), 2);
+  const std::string id(kind.id);
+  ExpectPagesAreTheList(
+      with(id + " > " + std::to_string(first) + " OR " + id + " = " + std::to_string(first)), 1);
+}
+
+TEST_P(RecordSuite, RowsThatComeAndGoMoveNoPage) {
+  const Long first = CreateSample(1);
+  for (const int number : {2, 3, 4}) CreateSample(number);
+  const std::string sort = std::string(kind.id) + " DESC";
+  const auto ids_of = [&](const Ref<Recordset>& list) {
+    std::string ids;
+    for (const Ref<Dictionary>& row : RowsOf(list)) ids += CStr(row->Value(kind.id)) + " ";
+    return ids;
+  };
+  const Ref<Dictionary> behind = LastRow(List(0, "", sort, PageOf(2)));
+  const std::string rest = ids_of(List(0, "", sort, PageOf(100, behind)));
+  CreateSample(5);
+  EXPECT_EQ(ids_of(List(0, "", sort, PageOf(100, behind))), rest) << "one more on the page before";
+  Delete(behind->Value(kind.id).As<Long>());
+  EXPECT_EQ(ids_of(List(0, "", sort, PageOf(100, behind))), rest) << "the row itself is gone";
+  Delete(first);
+  std::string without = rest;
+  without.erase(without.find(std::to_string(first) + " "), std::to_string(first).size() + 1);
+  EXPECT_EQ(ids_of(List(0, "", sort, PageOf(100, behind))), without) << "one of the page is gone";
+}
+
+TEST_P(RecordSuite, APageBehindWhatIsNoRowOfTheListIsRefused) {
+  CreateSample();
+  const std::string id(kind.id);
+  const auto refusal = [&](const Variant& page) {
+    return SentenceOf([&] { List(0, "", id, page); });
+  };
+  EXPECT_EQ(refusal(PageOf(1, Make<Dictionary>())),
+            "The row that the page goes on behind has no " + id + ".");
+  auto row = Make<Dictionary>();
+  row->Put(id, "no id");
+  EXPECT_EQ(refusal(PageOf(1, row)), "The value of " + id + " does not fit its column.");
+  EXPECT_EQ(refusal(PageOf(-1)), "The parameters have no Count of -1.");
+  auto page = Make<Dictionary>();
+  page->Put("Behind", Long{1});
+  EXPECT_EQ(refusal(Variant(page)), "A page goes on behind a row of the list.");
+  EXPECT_EQ(refusal(Variant("1")), "The parameters are no Dictionary.");
 }
 
 TEST_P(RecordSuite, FiltersAndSortsNameNothingButTheColumns) {

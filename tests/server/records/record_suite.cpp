@@ -199,10 +199,12 @@ Ref<Dictionary> RecordSuite::DetailByText(std::string_view text) {
   return WithoutLists(Call(kind.info, kind.detail_by_text, props, ByRef(key)).As<Dictionary>());
 }
 
-Ref<Recordset> RecordSuite::List(Long options, std::string filter, std::string sort) {
+Ref<Recordset> RecordSuite::List(Long options, std::string filter, std::string sort,
+                                 const Variant& page) {
   return (kind.has_list_options
-              ? Call(kind.info, "GetList", props, ByRef(options), ByRef(filter), ByRef(sort))
-              : Call(kind.info, "GetList", props, ByRef(filter), ByRef(sort)))
+              ? Call(kind.info, "GetList", props, ByRef(options), ByRef(filter), ByRef(sort),
+                     Named("Page", page))
+              : Call(kind.info, "GetList", props, ByRef(filter), ByRef(sort), Named("Page", page)))
       .As<Recordset>();
 }
 

@@ -146,7 +146,8 @@ class RecordSuite : public ::testing::TestWithParam<RecordCase>, protected Recor
   Ref<Dictionary> Record(Long id);
   Long VersionOf(Long id) { return Record(id)->Value(kVersion).As<Long>(); }
   Ref<Dictionary> DetailByText(std::string_view text);
-  Ref<Recordset> List(Long options = 0, std::string filter = "", std::string sort = "");
+  Ref<Recordset> List(Long options = 0, std::string filter = "", std::string sort = "",
+                      const Variant& page = Missing);
   // The row of a record in the list, null when it is not there.
   Ref<Dictionary> Listed(Long id, Long options = 0);
   Long Existence(Argument argument);

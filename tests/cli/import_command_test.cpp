@@ -26,7 +26,7 @@ class Import : public CliTest {
   std::string ReportOf(const std::string& rows) const {
     const RunResult result = ImportRows(Good("first") + rows + Good("last"));
     EXPECT_EQ(result.code, 3) << result.out;
-    EXPECT_EQ(result.out, "vouchers: 2 stored, 0 passed over, 1 left out\n");
+    EXPECT_EQ(result.out, "vouchers: 2 stored as import 1, 0 passed over, 1 left out\n");
     EXPECT_EQ(References(), "first last ");
     return result.err;
   }
@@ -50,7 +50,7 @@ TEST_P(Import, StoresWhatTheJournalSays) {
       Run({"import", "--accounts", chart, "--journal", journal, "--new-currencies"});
   EXPECT_EQ(result.err, "");
   EXPECT_EQ(result.out, "accounts: 2 stored, 0 there already, 0 left out\n"
-                        "vouchers: 1 stored, 0 passed over, 0 left out\n");
+                        "vouchers: 1 stored as import 1, 0 passed over, 0 left out\n");
   EXPECT_EQ(result.code, 0);
 
   const auto id = nlohmann::json::parse(Run({"vouchers", "--json"}).out).at(0).at("FVoucherID");
@@ -197,7 +197,7 @@ TEST_P(Import, ARowThatNamesNoVoucherTakesBothItsNeighboursAlong) {
   EXPECT_EQ(result.err,
             "journal.csv:6:1: the row names no voucher; the vouchers before and behind it are left "
             "out\n");
-  EXPECT_EQ(result.out, "vouchers: 2 stored, 0 passed over, 2 left out\n");
+  EXPECT_EQ(result.out, "vouchers: 2 stored as import 1, 0 passed over, 2 left out\n");
   EXPECT_EQ(References(), "a d ");
 }
 
@@ -214,7 +214,7 @@ TEST_P(Import, ALeftOutVoucherThatComesBackStaysOut) {
   Init();
   const RunResult result =
       ImportRows("a,2024-01-05,1000,x,\n" + Good("b") + Good("a"), {"--resume"});
-  EXPECT_EQ(result.out, "vouchers: 1 stored, 0 passed over, 2 left out\n");
+  EXPECT_EQ(result.out, "vouchers: 1 stored as import 1, 0 passed over, 2 left out\n");
   EXPECT_EQ(References(), "b ");
 }
 
@@ -282,7 +282,7 @@ TEST_P(Import, CurrenciesThatCanNotBeAreReportedAtTheirCells) {
                 "underscores\n" + journal +
                 ":4:22: a line in another currency at a rate needs its amount_for\n" + journal +
                 ":6:26: a line in the base currency has the same amount in both\n");
-  EXPECT_EQ(result.out, "vouchers: 1 stored, 0 passed over, 3 left out\n");
+  EXPECT_EQ(result.out, "vouchers: 1 stored as import 1, 0 passed over, 3 left out\n");
 }
 
 TEST_P(Import, ARateThatIsNotGivenComesFromTheTwoAmounts) {
