@@ -59,7 +59,7 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/qdclgl-config.cmake
 if(TARGET qdclgl-program)
   set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME program)
   install(TARGETS qdclgl-program)
-  install(FILES docs/qdclgl.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  install(DIRECTORY ${PROJECT_BINARY_DIR}/man/ DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
   # Each shell looks for completions in a place of its own.
   install(FILES qdclgl/cli/completion/qdclgl.bash RENAME qdclgl
           DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
@@ -71,6 +71,6 @@ if(TARGET qdclgl-program)
   set(doc ${CMAKE_INSTALL_DATADIR}/doc/qdclgl)
   install(FILES README.md CHANGELOG.md DESTINATION ${doc})
   install(FILES cmake/debian/copyright DESTINATION ${doc})
-  install(DIRECTORY docs examples DESTINATION ${doc} PATTERN "*.1" EXCLUDE)
+  install(DIRECTORY docs examples DESTINATION ${doc})
 endif()
 unset(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME)

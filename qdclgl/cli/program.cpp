@@ -5,6 +5,7 @@
 
 #include "qdclgl/cli/cell_values.h"
 #include "qdclgl/cli/kept_login.h"
+#include "qdclgl/cli/manual.h"
 #include "qdclgl/cli/output.h"
 #include "qdclgl/cli/system_calls.h"
 #include "qdclgl/cli/usage.h"
@@ -26,12 +27,13 @@ constexpr const char* kUsualUser = "administrator";
 constexpr const char* kSession = "QDSVGLSession.SessionUpdate";
 
 constexpr const char* kFooter =
-    R"(BOOK is a SQLite file or a connection text; without it QDCLGL_BOOK is taken. The
-password comes from QDCLGL_PASSWORD, or `qdclgl login` was given it for all commands
-that follow. `qdclgl help COMMAND` tells a command's options.
+    R"(BOOK is a SQLite file, or a connection text such as
+"Provider=PostgreSQL;Host=ledger;Initial catalog=books;"; without it QDCLGL_BOOK
+is taken. The password comes from QDCLGL_PASSWORD, or `qdclgl login` was given it
+for all commands that follow.
 
-Exit codes: 0 done; 1 refused or failed; 2 wrong usage; 3 a part of the input was left out;
-4 the books are damaged; 5 the books can't be opened; 6 a file can't be read or written.)";
+`qdclgl help COMMAND` tells a command's options, and `qdclgl help TOPIC` of:
+output, files, environment, exit-codes.)";
 
 // A word in brackets would be taken for a list of words; with a mark in front it is one word, which
 // every option then has without the mark.
@@ -130,6 +132,7 @@ Program::Program(const Console& console)
   AddApiCommand(*this);
   AddCompleteCommand(*this);
   AddHelpCommand(*this);
+  AddManual(app_);
   for (CLI::App* command : app_.get_subcommands({})) {
     if (command->get_option_no_throw("--json") != nullptr) AddLook(*command);
     TakeUnmarkedWords(*command);

@@ -1,4 +1,6 @@
 // What the program says when it is given no command, and `help`.
+#include "qdclgl/cli/man_page.h"
+#include "qdclgl/cli/manual.h"
 #include "qdclgl/cli/program.h"
 #include "qdclgl/cli/usage.h"
 #include "qdclgl/frame/containers/recordset.h"
@@ -119,17 +121,42 @@ int PrintStartPage(const Console& console) {
   return kDone;
 }
 
+namespace {
+
+struct HelpOptions {
+  std::string name;       // of a command or a topic
+  bool is_man_page = false;
+  std::string folder;     // for all man pages
+};
+
+int PrintHelp(const HelpOptions& options, const Console& console) {
+  // Where a command is chosen already, the library tells of that one alone.
+  Program fresh(console);
+  CLI::App& app = fresh.app();
+  if (!options.folder.empty()) {
+    WriteManPages(app, options.folder);
+  } else if (const Chapter* topic = TopicNamed(options.name)) {
+    console.out << topic->text << '\n';
+  } else if (options.name.empty()) {
+    console.out << (options.is_man_page ? ManPage(app) : app.help());
+  } else {
+    const CLI::App& command = CommandNamed(app, options.name);
+    console.out << (options.is_man_page ? ManPageOf(app, command) : command.help(app.get_name()));
+  }
+  return kDone;
+}
+
+}  // namespace
+
 void AddHelpCommand(Program& program) {
-  const auto name = std::make_shared<std::string>();
-  CLI::App* command = program.Add("help", "Tells all commands, or one", [name, &program] {
-    // Where a command is chosen already, the library tells of that one alone.
-    Program fresh(program.console());
-    CLI::App& app = fresh.app();
-    program.console().out << (name->empty() ? app.help()
-                                            : CommandNamed(app, *name).help(app.get_name()));
-    return kDone;
-  });
-  command->add_option("COMMAND", *name, "The command to tell of");
+  const auto options = std::make_shared<HelpOptions>();
+  CLI::App* command =
+      program.Add("help", "Tells all commands, or one",
+                  [options, &program] { return PrintHelp(*options, program.console()); });
+  command->add_option("COMMAND", options->name, "The command to tell of, or a topic");
+  command->add_flag("--man", options->is_man_page, "Prints it as a man page");
+  command->add_option("--man-pages", options->folder, "Writes all man pages into a folder")
+      ->type_name("DIR");
 }
 
 }  // namespace qdclgl::cli

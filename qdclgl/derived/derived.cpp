@@ -150,21 +150,6 @@ std::string ComponentTable() {
   return text;
 }
 
-// The head of the lists' paragraph in the man page.
-std::string ListCommands() {
-  std::vector<std::string> names;
-  for (const server::ServerComponent& component : server::ServerComponents()) {
-    if (component.list != nullptr) names.emplace_back(component.list->name);
-  }
-  std::ranges::sort(names);
-  std::string text = ".B ";
-  for (const std::string& name : names) {
-    text += name == names.front() ? name : "\\fR, \\fB" + name;
-  }
-  return text + " \\fR[\\fIBOOK\\fR] [\\fB\\-\\-filter\\fR \\fIF\\fR] [\\fB\\-\\-sort\\fR "
-                "\\fIS\\fR] [\\fB\\-\\-csv\\fR|\\fB\\-\\-json\\fR]\n";
-}
-
 // Where a part's text begins and ends in its file.
 struct Span {
   std::size_t begin, end;
@@ -192,7 +177,6 @@ std::vector<Part> DerivedParts(const fs::path& root) {
       {"README.md", "classes", ClassesByFolder(headers)},
       {"docs/api.tsv", "", ApiTable()},
       {"docs/server.md", "components", ComponentTable()},
-      {"docs/qdclgl.1", "lists", ListCommands()},
       {"docs/guides/first-program.md", "program", Program(root, "examples/keep_books.cpp")},
       {"docs/guides/own-component.md", "program", Program(root, "examples/own_component.cpp")},
       {"python/qdclgl/_core.pyi", "", python::StubText()},

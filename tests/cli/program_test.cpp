@@ -1,4 +1,4 @@
-// The built program: what it prints and how it ends; its man page and its completion.
+// The built program: what it prints and how it ends; its completion.
 #include "qdclgl/cli/program.h"
 
 #include <gtest/gtest.h>
@@ -234,25 +234,6 @@ TEST(Program, TheExampleWithItemsPrintsReceivables) {
 TEST(Program, TheExampleIsShort) {
   const std::string text = ReadFile(QDCLGL_SOURCE_DIR "/examples/open_edit_save.cpp");
   EXPECT_LT(std::count(text.begin(), text.end(), '\n'), 40);
-}
-
-TEST(ManPage, KnowsEveryCommandEveryOptionAndEveryExitCode) {
-  const std::string page = ReadFile(QDCLGL_SOURCE_DIR "/docs/qdclgl.1");
-  const Console nowhere{std::cout, std::cerr};
-  Program program(nowhere);
-  for (const CLI::App* command : program.app().get_subcommands({})) {
-    const std::string name = command->get_name();
-    EXPECT_TRUE(std::regex_search(page, std::regex("(\\.B |\\\\fB)" + name + "[ \\\\]"))) << name;
-    for (const CLI::Option* option : command->get_options()) {
-      for (const std::string& word : option->get_lnames()) {
-        const std::string roff = "\\-\\-" + std::regex_replace(word, std::regex("-"), "\\-");
-        EXPECT_NE(page.find(roff), std::string::npos) << name << " " << word;
-      }
-    }
-  }
-  for (int code = 0; code <= kBadFile; ++code) {
-    EXPECT_NE(page.find(".B " + std::to_string(code) + "\n"), std::string::npos) << code;
-  }
 }
 
 }  // namespace

@@ -64,7 +64,8 @@ foreach(script IN LISTS scripts)
 endforeach()
 
 # What people read is there, and the program is the one of this version.
-foreach(file IN ITEMS bin/qdclgl share/man/man1/qdclgl.1 share/doc/qdclgl/README.md
+foreach(file IN ITEMS bin/qdclgl share/man/man1/qdclgl.1
+             share/man/man1/qdclgl-import.1 share/doc/qdclgl/README.md
         share/doc/qdclgl/docs/cli.md share/doc/qdclgl/copyright
         share/bash-completion/completions/qdclgl share/zsh/site-functions/_qdclgl
         share/fish/vendor_completions.d/qdclgl.fish)
