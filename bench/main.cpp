@@ -1,7 +1,8 @@
 // Measures the works and prints a table of them: nanoseconds of the library (ours) and of its peer
 // (theirs), and ours divided by theirs. One round runs ours and theirs of every work in turn; a
-// ratio is the median of the rounds' ratios, with the lowest and the highest beside it. A missed
-// goal is told and is no failure: time is not a test.
+// ratio is the median of the rounds' ratios, with the lowest and the highest beside it. A second
+// table has the bytes that a loaded voucher takes. A missed goal is told and is no failure: time is
+// not a test.
 //
 //   qdclgl-bench [--rounds=N] [--only=text]
 #include <benchmark/benchmark.h>
@@ -83,6 +84,22 @@ void PrintRow(const Work& work, const Collector& collector) {
                                    : "missed");
 }
 
+void PrintMemory(std::string_view text) {
+  std::printf("\n| %-42s | %12s | %12s | %6s | %4s | %-6s |\n", "Memory, bytes a line", "ours",
+              "theirs", "ratio", "goal", "");
+  std::printf("|%s|%s:|%s:|%s:|%s:|%s|\n", std::string(44, '-').c_str(),
+              std::string(13, '-').c_str(), std::string(13, '-').c_str(),
+              std::string(7, '-').c_str(), std::string(5, '-').c_str(),
+              std::string(8, '-').c_str());
+  for (const Memory& memory : MemoryOfVouchers()) {
+    if (memory.name.find(text) == std::string::npos) continue;
+    const double ours = static_cast<double>(memory.ours) / memory.repetitions;
+    const double theirs = static_cast<double>(memory.theirs) / memory.repetitions;
+    std::printf("| %-42s | %12.0f | %12.0f | %6.3f | %4.2f | %-6s |\n", memory.name.c_str(), ours,
+                theirs, ours / theirs, memory.goal, ours / theirs <= memory.goal ? "ok" : "missed");
+  }
+}
+
 int Main(int argc, char** argv) {
   int rounds = 9;
   std::string only;
@@ -107,7 +124,7 @@ int Main(int argc, char** argv) {
     benchmark::RegisterBenchmark(TheirsOf(work).c_str(), work.theirs)->Iterations(work.iterations);
   }
   Collector collector;
-  for (int round = 1; round <= rounds; ++round) {
+  for (int round = 1; round <= rounds && !works.empty(); ++round) {
     std::fprintf(stderr, "round %d of %d\n", round, rounds);
     benchmark::RunSpecifiedBenchmarks(&collector);
   }
@@ -120,6 +137,7 @@ int Main(int argc, char** argv) {
               std::string(7, '-').c_str(), std::string(13, '-').c_str(),
               std::string(5, '-').c_str(), std::string(8, '-').c_str());
   for (const Work& work : works) PrintRow(work, collector);
+  PrintMemory(only);
   return 0;
 }
 

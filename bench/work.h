@@ -9,6 +9,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <vector>
@@ -34,5 +35,16 @@ std::vector<Work> TreeWorks();
 std::vector<Work> RecordsetWorks();
 std::vector<Work> CallWorks();
 std::vector<Work> VoucherWorks();
+
+// What the library and its peer hold the same data in, in bytes.
+struct Memory {
+  std::string name;
+  double goal;
+  int repetitions;  // over how many lines the bytes are spread
+  std::size_t ours;
+  std::size_t theirs;
+};
+
+std::vector<Memory> MemoryOfVouchers();
 
 }  // namespace bench
