@@ -139,32 +139,53 @@ void AddItemClass(CLI::App& command, ListOptions& options) {
       ->type_name("CLASS");
 }
 
-}  // namespace
+constexpr const char* kList = "list";
 
-void AddListCommands(Program& program) {
+void AddList(Program& program) {
   const auto options = std::make_shared<ListOptions>();
-  CLI::App* any = program.AddForWords(
-      "list", "Lists records of the books", options->login, options->words,
+  CLI::App* command = program.AddForWords(
+      kList, "Lists records of the books", options->login, options->words,
       {"LIST", "Which list: accounts, vouchers, ...", IsList}, [options, &program] {
         return Print(ListNamed(options->words), *options, program.console());
       });
-  AddQueryOptions(*any, *options);
-  AddItemClass(*any, *options);
+  AddQueryOptions(*command, *options);
+  AddItemClass(*command, *options);
+}
 
-  for (const server::ServerComponent* component : Lists()) {
-    const auto own = std::make_shared<ListOptions>();
-    CLI::App* command = program.AddForBooks(
-        std::string(component->list->name), std::string(component->list->help), own->login,
-        [own, &program, component] { return Print(*component, *own, program.console()); });
-    AddQueryOptions(*command, *own);
-    if (KnowsItemClasses(*component)) AddItemClass(*command, *own);
-    if (component->prog_id == server::AuditInfo::kProgID) {
-      AddWhole(*command, "--voucher", own->voucher, "The deeds on this voucher alone");
-      command->add_flag("--whole", own->whole, "What has changed as the trail keeps it");
-      command->add_flag("--head", own->head,
-                        "Seals the trail and prints the seal, to be kept elsewhere");
-    }
+// The short form of a list.
+void AddShortForm(Program& program, const server::ServerComponent& component) {
+  const auto own = std::make_shared<ListOptions>();
+  CLI::App* command = program.AddForBooks(
+      std::string(component.list->name), std::string(component.list->help), own->login,
+      [own, &program, &component] { return Print(component, *own, program.console()); });
+  AddQueryOptions(*command, *own);
+  if (KnowsItemClasses(component)) AddItemClass(*command, *own);
+  if (component.prog_id == server::AuditInfo::kProgID) {
+    AddWhole(*command, "--voucher", own->voucher, "The deeds on this voucher alone");
+    command->add_flag("--whole", own->whole, "What has changed as the trail keeps it");
+    command->add_flag("--head", own->head,
+                      "Seals the trail and prints the seal, to be kept elsewhere");
   }
+}
+
+}  // namespace
+
+void AddListCommands(Program& program) {
+  AddList(program);
+  for (const server::ServerComponent* component : Lists()) AddShortForm(program, *component);
+}
+
+bool AddListCommand(Program& program, std::string_view name) {
+  if (name == kList) {
+    AddList(program);
+    return true;
+  }
+  for (const server::ServerComponent* component : Lists()) {
+    if (component->list->name != name) continue;
+    AddShortForm(program, *component);
+    return true;
+  }
+  return false;
 }
 
 }  // namespace qdclgl::cli

@@ -77,8 +77,7 @@ std::string Paragraphs(const std::string& text) {
 std::string Head(const std::string& name, const std::string& description) {
   std::string title = name;
   std::ranges::transform(title, title.begin(), [](unsigned char c) { return std::toupper(c); });
-  return ".TH " + Escaped(title) + " 1 \"\" \"qdclgl " +
-         std::string(Version()) +
+  return ".TH " + Escaped(title) + " 1 \"\" \"qdclgl " + std::string(Version()) +
          "\" \"User Commands\"\n.SH NAME\n" + Escaped(name) + " \\- " + Escaped(description) +
          "\n.SH SYNOPSIS\n";
 }
@@ -126,7 +125,7 @@ std::string ManPage(const CLI::App& app) {
   page += ".SH COMMANDS\nEach has a page of its own: \\fB" + Escaped(name) +
           "\\-\\fR\\fICOMMAND\\fR(1).\n";
   for (const ManualGroup& group : ManualGroups()) page += Commands(app, group.title);
-  page += Commands(app, std::string(ListsTitle()));
+  page += Commands(app, ListsTitle());
   page += Section("OPTIONS", Options(app, false));
   for (const Chapter& topic : Topics()) {
     const std::string text(topic.text);

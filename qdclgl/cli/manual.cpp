@@ -32,10 +32,8 @@ Examples:
   qdclgl login books.db --user ann
   qdclgl balance books.db
   qdclgl logout books.db)"},
-    {"logout",
-     R"(Ends what `login` has begun: the commands that follow need a password again.)"},
-    {"upgrade",
-     R"(Brings books of an older version to this program's. Back them up before.)"},
+    {"logout", R"(Ends what `login` has begun: the commands that follow need a password again.)"},
+    {"upgrade", R"(Brings books of an older version to this program's. Back them up before.)"},
     {"doctor",
      R"(Tests every rule that the books must keep, the audit trail and every record
 against it too, and prints what breaks one. With a head that `audit --head`
@@ -190,8 +188,7 @@ Examples:
 journal, and saves what they then say. What is refused is shown beside its line
 and the editor opened again. A text that is given up, or of a voucher that
 somebody else has saved meanwhile, is kept in a file that is told.)"},
-    {"copy",
-     R"(Makes a voucher with the lines of another one.)"},
+    {"copy", R"(Makes a voucher with the lines of another one.)"},
     {"reverse",
      R"(Makes a voucher that takes another one back: its lines on the other side or,
 with `--red`, with negative amounts.
@@ -220,17 +217,13 @@ checked voucher is posted. What is refused is told and leaves the others alone.
 Examples:
 
   qdclgl check books.db --all)"},
-    {"uncheck",
-     R"(Takes the check of vouchers back.)"},
+    {"uncheck", R"(Takes the check of vouchers back.)"},
     {"approve",
      R"(Approves vouchers that are checked. What is refused is told and leaves the others
 alone.)"},
-    {"unapprove",
-     R"(Takes the approval of vouchers back.)"},
-    {"cash",
-     R"(Marks vouchers as seen by the cashier.)"},
-    {"uncash",
-     R"(Takes the cashier's mark back.)"},
+    {"unapprove", R"(Takes the approval of vouchers back.)"},
+    {"cash", R"(Marks vouchers as seen by the cashier.)"},
+    {"uncash", R"(Takes the cashier's mark back.)"},
     {"post",
      R"(Posts vouchers, or all that are ready for it: they count in the balances from
 then on. It needs a check where the books say so. What is refused is told and
@@ -240,8 +233,7 @@ Examples:
 
   qdclgl post books.db 12 13
   qdclgl post books.db --all)"},
-    {"unpost",
-     R"(Takes the posting of vouchers back, and their amounts out of the balances.)"},
+    {"unpost", R"(Takes the posting of vouchers back, and their amounts out of the balances.)"},
 };
 
 // ---- Reports ----
@@ -425,8 +417,7 @@ Examples:
   qdclgl help statement
   qdclgl help files
   qdclgl help import --man | man -l -)"},
-    {"api",
-     R"(Prints the class reference of the library.)"},
+    {"api", R"(Prints the class reference of the library.)"},
     {"complete",
      R"(Tells what the last of these words of a command line could be, one a line with a
 tab and an explanation behind it. Shells ask it.)"},
@@ -532,17 +523,33 @@ std::string HelpFormatter::make_option_opts(const CLI::Option* option) const {
 
 std::span<const ManualGroup> ManualGroups() {
   static const ManualGroup kGroups[] = {
-      {"Books", kBooks},
-      {"Files of others", kFilesOfOthers},
-      {"Vouchers", kVouchers},
-      {"Reports", kReports},
-      {"Records", kRecords},
-      {"The program itself", kTheProgramItself},
+      {"Books", kBooks},       {"Files of others", kFilesOfOthers},
+      {"Vouchers", kVouchers}, {"Reports", kReports},
+      {"Records", kRecords},   {"The program itself", kTheProgramItself},
   };
   return kGroups;
 }
 
-std::string_view ListsTitle() { return "Lists"; }
+std::string ListsTitle() { return "Lists"; }
+
+namespace {
+
+// A command's chapter and the title of its group; of the lists, no chapter.
+struct Place {
+  const Chapter* chapter;
+  std::string title;
+};
+
+Place Find(std::string_view command) {
+  for (const ManualGroup& group : ManualGroups()) {
+    for (const Chapter& chapter : group.chapters) {
+      if (chapter.name == command) return {&chapter, group.title};
+    }
+  }
+  return {nullptr, ListsTitle()};
+}
+
+}  // namespace
 
 std::span<const Chapter> Topics() { return kTopics; }
 
@@ -552,23 +559,15 @@ const Chapter* TopicNamed(std::string_view name) {
 }
 
 std::string ManualText(std::string_view command) {
-  for (const ManualGroup& group : ManualGroups()) {
-    const auto chapter = std::ranges::find(group.chapters, command, &Chapter::name);
-    if (chapter != group.chapters.end()) return std::string(chapter->text);
-  }
-  return std::string(kListText);
+  const Chapter* chapter = Find(command).chapter;
+  return std::string(chapter == nullptr ? kListText : chapter->text);
 }
 
 void AddManual(CLI::App& app) {
   const auto formatter = std::make_shared<ManualFormatter>();
   for (CLI::App* command : app.get_subcommands({})) {
-    command->group(std::string(ListsTitle()));
     command->formatter(formatter);
-  }
-  for (const ManualGroup& group : ManualGroups()) {
-    for (const Chapter& chapter : group.chapters) {
-      app.get_subcommand(std::string(chapter.name))->group(group.title);
-    }
+    command->group(Find(command->get_name()).title);
   }
 }
 

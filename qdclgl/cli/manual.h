@@ -23,7 +23,7 @@ struct ManualGroup {
 
 std::span<const ManualGroup> ManualGroups();
 // The group of the commands without a chapter: a short form for each list of the books.
-std::string_view ListsTitle();
+std::string ListsTitle();
 
 // What is told once for all commands: `help NAME`, and a section of the program's man page. The
 // first line of a topic's text is its title.

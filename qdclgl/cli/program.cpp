@@ -68,6 +68,45 @@ Negatives NegativesFromEnvironment() {
                    Quoted(wanted));
 }
 
+struct Family {
+  void (*add)(Program&);
+  std::vector<std::string_view> commands;  // none of the lists, which the server names
+};
+
+const std::vector<Family>& Families() {
+  static const std::vector<Family> kFamilies = {
+      {AddBooksCommands, {"init", "upgrade", "close", "reopen", "doctor"}},
+      {AddBackupCommands, {"backup", "restore"}},
+      {AddLoginCommands, {"login", "logout"}},
+      {AddImportCommand, {"import"}},
+      {AddFormatsCommand, {"formats"}},
+      {AddExportCommand, {"export"}},
+      {AddListCommands, {}},
+      {AddRecordCommands, {"kinds", "show", "add", "set", "remove"}},
+      {AddVoucherCommands,
+       {"voucher", "check", "uncheck", "approve", "unapprove", "cash", "uncash", "post", "unpost"}},
+      {AddEntryCommands, {"new", "copy", "reverse"}},
+      {AddEditCommand, {"edit"}},
+      {AddBalanceCommand, {"balance"}},
+      {AddLedgerCommand, {"ledger"}},
+      {AddStatementCommand, {"statement"}},
+      {AddFindCommand, {"find"}},
+      {AddOpenCommand, {"open"}},
+      {AddCashFlowCommand, {"cashflow"}},
+      {AddResultCommands, {"income", "position"}},
+      {AddBudgetCommand, {"budget"}},
+      {AddRatesCommand, {"rates"}},
+      {AddRevalueCommand, {"revalue"}},
+      {AddReportCommand, {"report"}},
+      {AddSettingsCommand, {"settings"}},
+      {AddUserCommand, {"user"}},
+      {AddApiCommand, {"api"}},
+      {AddCompleteCommand, {"complete"}},
+      {AddHelpCommand, {"help"}},
+  };
+  return kFamilies;
+}
+
 }  // namespace
 
 void Login::StartServer() const {
@@ -99,44 +138,28 @@ std::string Login::UserName() const { return user.empty() ? kUsualUser : user; }
 
 std::string Login::Password() { return FromEnvironment(kPasswordVariable); }
 
-Program::Program(const Console& console)
+Program::Program(const Console& console, std::string_view wanted)
     : console_(console), app_("The command line of a general ledger.", "qdclgl") {
   app_.require_subcommand(1);
   app_.allow_windows_style_options(false);  // a word with a slash in front is a path everywhere
   app_.set_version_flag("--version", VersionText());
   app_.footer(kFooter);
-  AddBooksCommands(*this);
-  AddBackupCommands(*this);
-  AddLoginCommands(*this);
-  AddImportCommand(*this);
-  AddFormatsCommand(*this);
-  AddExportCommand(*this);
-  AddListCommands(*this);
-  AddRecordCommands(*this);
-  AddVoucherCommands(*this);
-  AddEntryCommands(*this);
-  AddEditCommand(*this);
-  AddBalanceCommand(*this);
-  AddLedgerCommand(*this);
-  AddStatementCommand(*this);
-  AddFindCommand(*this);
-  AddOpenCommand(*this);
-  AddCashFlowCommand(*this);
-  AddResultCommands(*this);
-  AddBudgetCommand(*this);
-  AddRatesCommand(*this);
-  AddRevalueCommand(*this);
-  AddReportCommand(*this);
-  AddSettingsCommand(*this);
-  AddUserCommand(*this);
-  AddApiCommand(*this);
-  AddCompleteCommand(*this);
-  AddHelpCommand(*this);
+  AddCommands(wanted);
   AddManual(app_);
   for (CLI::App* command : app_.get_subcommands({})) {
     if (command->get_option_no_throw("--json") != nullptr) AddLook(*command);
     TakeUnmarkedWords(*command);
   }
+}
+
+void Program::AddCommands(std::string_view wanted) {
+  const auto has_wanted = [wanted](const Family& family) {
+    return std::ranges::find(family.commands, wanted) != family.commands.end();
+  };
+  const auto family = std::ranges::find_if(Families(), has_wanted);
+  if (family != Families().end()) return family->add(*this);
+  if (AddListCommand(*this, wanted)) return;
+  for (const Family& each : Families()) each.add(*this);
 }
 
 void Program::AddLook(CLI::App& command) {
@@ -276,7 +299,7 @@ int Run(const std::vector<std::string>& arguments, const Console& console) {
     console.err << "qdclgl: " << reason << '\n';
     return code;
   };
-  Program program(console);
+  Program program(console, arguments.empty() ? "" : arguments.front());
   const auto misused = [&](std::string reason) {
     reason += reason.ends_with('?') ? " See" : "; see";
     const auto commands = program.app().get_subcommands();

@@ -36,7 +36,10 @@ struct Login {
 // What a command of any family is made with.
 class Program {
  public:
-  explicit Program(const Console& console);
+  // With the command that is wanted, where it is known already, and those beside it in its family;
+  // with all commands otherwise. All of them have more than 500 options, which take longer to make
+  // than most commands to run.
+  explicit Program(const Console& console, std::string_view wanted = "");
 
   const Console& console() const { return console_; }
   CLI::App& app() { return app_; }
@@ -67,6 +70,7 @@ class Program {
   int RunChosen();
 
  private:
+  void AddCommands(std::string_view wanted);
   // How the output of a command that prints tables looks.
   void AddLook(CLI::App& command);
   void TakeLook();
@@ -107,32 +111,34 @@ CLI::Option* AddWhole(CLI::App& command, const std::string& name, Long& value,
                       const std::string& help);
 
 // The families of commands, each in the file of that name.
-void AddBooksCommands(Program& program);     // init, upgrade, close, reopen, doctor
-void AddBackupCommands(Program& program);    // backup, restore
-void AddLoginCommands(Program& program);     // login, logout
-void AddImportCommand(Program& program);     // import
-void AddFormatsCommand(Program& program);    // formats
-void AddExportCommand(Program& program);     // export
-void AddListCommands(Program& program);      // list, and one for each list of the books
-void AddRecordCommands(Program& program);    // kinds, show, add, set, remove
-void AddVoucherCommands(Program& program);   // voucher, and the steps from check to unpost
-void AddEntryCommands(Program& program);     // new, copy, reverse
-void AddEditCommand(Program& program);       // edit
-void AddBalanceCommand(Program& program);    // balance
-void AddLedgerCommand(Program& program);     // ledger
-void AddStatementCommand(Program& program);  // statement
-void AddFindCommand(Program& program);       // find
-void AddOpenCommand(Program& program);       // open
-void AddCashFlowCommand(Program& program);   // cashflow
-void AddResultCommands(Program& program);    // income, position
-void AddBudgetCommand(Program& program);     // budget
-void AddRatesCommand(Program& program);      // rates
-void AddRevalueCommand(Program& program);    // revalue
-void AddReportCommand(Program& program);     // report
-void AddSettingsCommand(Program& program);   // settings
-void AddUserCommand(Program& program);       // user
-void AddApiCommand(Program& program);        // api
-void AddCompleteCommand(Program& program);   // complete
-void AddHelpCommand(Program& program);       // help
+void AddBooksCommands(Program& program);
+void AddBackupCommands(Program& program);
+void AddLoginCommands(Program& program);
+void AddImportCommand(Program& program);
+void AddFormatsCommand(Program& program);
+void AddExportCommand(Program& program);
+void AddListCommands(Program& program);
+// `list`, or the short form of one list alone, if there is one of this name.
+bool AddListCommand(Program& program, std::string_view name);
+void AddRecordCommands(Program& program);
+void AddVoucherCommands(Program& program);
+void AddEntryCommands(Program& program);
+void AddEditCommand(Program& program);
+void AddBalanceCommand(Program& program);
+void AddLedgerCommand(Program& program);
+void AddStatementCommand(Program& program);
+void AddFindCommand(Program& program);
+void AddOpenCommand(Program& program);
+void AddCashFlowCommand(Program& program);
+void AddResultCommands(Program& program);
+void AddBudgetCommand(Program& program);
+void AddRatesCommand(Program& program);
+void AddRevalueCommand(Program& program);
+void AddReportCommand(Program& program);
+void AddSettingsCommand(Program& program);
+void AddUserCommand(Program& program);
+void AddApiCommand(Program& program);
+void AddCompleteCommand(Program& program);
+void AddHelpCommand(Program& program);
 
 }  // namespace qdclgl::cli

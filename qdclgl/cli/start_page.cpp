@@ -124,9 +124,9 @@ int PrintStartPage(const Console& console) {
 namespace {
 
 struct HelpOptions {
-  std::string name;       // of a command or a topic
+  std::string name;  // of a command or a topic
   bool is_man_page = false;
-  std::string folder;     // for all man pages
+  std::string folder;  // for all man pages
 };
 
 int PrintHelp(const HelpOptions& options, const Console& console) {
@@ -150,9 +150,9 @@ int PrintHelp(const HelpOptions& options, const Console& console) {
 
 void AddHelpCommand(Program& program) {
   const auto options = std::make_shared<HelpOptions>();
-  CLI::App* command =
-      program.Add("help", "Tells all commands, or one",
-                  [options, &program] { return PrintHelp(*options, program.console()); });
+  CLI::App* command = program.Add("help", "Tells all commands, or one", [options, &program] {
+    return PrintHelp(*options, program.console());
+  });
   command->add_option("COMMAND", options->name, "The command to tell of, or a topic");
   command->add_flag("--man", options->is_man_page, "Prints it as a man page");
   command->add_option("--man-pages", options->folder, "Writes all man pages into a folder")

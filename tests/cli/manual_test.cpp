@@ -130,8 +130,7 @@ TEST_F(Manual, ExamplesAreCommandLinesThatAreUnderstood) {
 TEST_F(Manual, TopicsAreNoCommandsAndTellEveryExitCodeAndVariable) {
   for (const Chapter& topic : Topics()) {
     EXPECT_FALSE(Commands().contains(std::string(topic.name)));
-    EXPECT_EQ(RunInProcess({"help", std::string(topic.name)}).out,
-              std::string(topic.text) + "\n");
+    EXPECT_EQ(RunInProcess({"help", std::string(topic.name)}).out, std::string(topic.text) + "\n");
     EXPECT_NE(program_.app().get_footer().find(topic.name), std::string::npos) << topic.name;
   }
   const std::string codes(TopicNamed("exit-codes")->text);
@@ -152,7 +151,7 @@ TEST_F(Manual, HelpShowsCommandsByGroupsAndTextsBeforeOptions) {
   for (const ManualGroup& group : ManualGroups()) {
     EXPECT_NE(help.find("\n" + group.title + ":\n"), help.npos) << group.title;
   }
-  EXPECT_NE(help.find("\n" + std::string(ListsTitle()) + ":\n"), help.npos);
+  EXPECT_NE(help.find("\n" + ListsTitle() + ":\n"), help.npos);
   EXPECT_EQ(help.find("Subcommands"), help.npos);
 
   const std::string close = RunInProcess({"help", "close"}).out;

@@ -28,6 +28,22 @@ std::set<std::string> CommandNames() {
   return names;
 }
 
+TEST(Program, MadeForOneCommandHasItAsTheWholeProgramHas) {
+  const Console nowhere{std::cout, std::cerr};
+  Program whole(nowhere);
+  for (const std::string& name : CommandNames()) {
+    Program own(nowhere, name);
+    EXPECT_LT(own.app().get_subcommands({}).size(), 10u) << name << " has a family";
+    const CLI::App* command = own.app().get_subcommand(name);
+    EXPECT_EQ(command->help(), whole.app().get_subcommand(name)->help());
+    EXPECT_EQ(command->get_group(), whole.app().get_subcommand(name)->get_group());
+  }
+  for (const char* other : {"", "balanc", "--help", "-h"}) {
+    Program unknown(nowhere, other);
+    EXPECT_EQ(unknown.app().get_subcommands({}).size(), whole.app().get_subcommands({}).size());
+  }
+}
+
 TEST(Program, HelpAndVersionGoToTheOutput) {
   const RunResult help = RunProgram({"--help"});
   EXPECT_EQ(help.code, 0);
