@@ -32,10 +32,8 @@ Examples:
   qdclgl login books.db --user ann
   qdclgl balance books.db
   qdclgl logout books.db)"},
-    {"logout",
-     R"(Ends what `login` has begun: the commands that follow need a password again.)"},
-    {"upgrade",
-     R"(Brings books of an older version to this program's. Back them up before.)"},
+    {"logout", R"(Ends what `login` has begun: the commands that follow need a password again.)"},
+    {"upgrade", R"(Brings books of an older version to this program's. Back them up before.)"},
     {"doctor",
      R"(Tests every rule that the books must keep, the audit trail and every record
 against it too, and prints what breaks one. With a head that `audit --head`
@@ -191,7 +189,23 @@ journal, and saves what they then say. What is refused is shown beside its line
 and the editor opened again. A text that is given up, or of a voucher that
 somebody else has saved meanwhile, is kept in a file that is told.)"},
     {"copy",
-     R"(Makes a voucher with the lines of another one.)"},
+     R"(Makes a voucher with the lines of another one.
+
+  qdclgl copy FROM TO [--program-role ROLE]
+
+Where the last word is no id, copies the books of FROM into another database,
+each a SQLite file or a connection text: all records with their ids, users with
+their passwords, the audit trail. They are copied as they are when it begins;
+others may go on working, and what they save from then on is not in the copy.
+Where it was broken off the same command goes on, or begins anew when the books
+have changed since. TO is books once all rows are there and have passed the
+check; nothing that stands there is written over.
+
+Examples:
+
+  qdclgl copy books.db 7 --date 2024-02-01
+  qdclgl copy books.db "$LEDGER"
+  qdclgl copy "$LEDGER" here.db)"},
     {"reverse",
      R"(Makes a voucher that takes another one back: its lines on the other side or,
 with `--red`, with negative amounts.
@@ -220,17 +234,13 @@ checked voucher is posted. What is refused is told and leaves the others alone.
 Examples:
 
   qdclgl check books.db --all)"},
-    {"uncheck",
-     R"(Takes the check of vouchers back.)"},
+    {"uncheck", R"(Takes the check of vouchers back.)"},
     {"approve",
      R"(Approves vouchers that are checked. What is refused is told and leaves the others
 alone.)"},
-    {"unapprove",
-     R"(Takes the approval of vouchers back.)"},
-    {"cash",
-     R"(Marks vouchers as seen by the cashier.)"},
-    {"uncash",
-     R"(Takes the cashier's mark back.)"},
+    {"unapprove", R"(Takes the approval of vouchers back.)"},
+    {"cash", R"(Marks vouchers as seen by the cashier.)"},
+    {"uncash", R"(Takes the cashier's mark back.)"},
     {"post",
      R"(Posts vouchers, or all that are ready for it: they count in the balances from
 then on. It needs a check where the books say so. What is refused is told and
@@ -240,8 +250,7 @@ Examples:
 
   qdclgl post books.db 12 13
   qdclgl post books.db --all)"},
-    {"unpost",
-     R"(Takes the posting of vouchers back, and their amounts out of the balances.)"},
+    {"unpost", R"(Takes the posting of vouchers back, and their amounts out of the balances.)"},
 };
 
 // ---- Reports ----
@@ -425,8 +434,7 @@ Examples:
   qdclgl help statement
   qdclgl help files
   qdclgl help import --man | man -l -)"},
-    {"api",
-     R"(Prints the class reference of the library.)"},
+    {"api", R"(Prints the class reference of the library.)"},
     {"complete",
      R"(Tells what the last of these words of a command line could be, one a line with a
 tab and an explanation behind it. Shells ask it.)"},
@@ -532,12 +540,9 @@ std::string HelpFormatter::make_option_opts(const CLI::Option* option) const {
 
 std::span<const ManualGroup> ManualGroups() {
   static const ManualGroup kGroups[] = {
-      {"Books", kBooks},
-      {"Files of others", kFilesOfOthers},
-      {"Vouchers", kVouchers},
-      {"Reports", kReports},
-      {"Records", kRecords},
-      {"The program itself", kTheProgramItself},
+      {"Books", kBooks},       {"Files of others", kFilesOfOthers},
+      {"Vouchers", kVouchers}, {"Reports", kReports},
+      {"Records", kRecords},   {"The program itself", kTheProgramItself},
   };
   return kGroups;
 }
