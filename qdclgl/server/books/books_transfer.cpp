@@ -85,7 +85,7 @@ class HalfCopy {
     transaction.Commit();
     std::erase_if(tables_, [](const CarriedTable& table) { return table.name == kHalfCopyTable; });
     // The versions, whose rows make books of the copy, come last.
-    std::ranges::rotate(tables_, tables_.begin() + 1);
+    std::rotate(tables_.begin(), tables_.begin() + 1, tables_.end());
   }
 
   Database& db() const { return db_; }
