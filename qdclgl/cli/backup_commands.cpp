@@ -4,6 +4,7 @@
 #include "qdclgl/cli/output_file.h"
 #include "qdclgl/cli/program.h"
 #include "qdclgl/cli/progress.h"
+#include "qdclgl/cli/which_books.h"
 #include "qdclgl/frame/objects/late_bound.h"
 #include "qdclgl/frame/session/server_gateway.h"
 #include "qdclgl/server/db/connection_text.h"
@@ -15,18 +16,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using server::PathOf;
-
-// "version 16, 12 vouchers, the last one 2024/12 General 3 of 2024-12-31, audit head 4-0f3a..."
-std::string TextOf(const Dictionary& account) {
-  const Long vouchers = account.Value("FVouchers").As<Long>();
-  std::string text = "version " + CellText(account.Value("FVersion")) + ", " +
-                     std::to_string(vouchers) + (vouchers == 1 ? " voucher" : " vouchers");
-  if (vouchers > 0) {
-    text += ", the last one " + CellText(account.Value("FVoucher")) + " of " +
-            CellText(account.Value("FDate"));
-  }
-  return OneLine(text + ", audit head " + CellText(account.Value("FHead")));
-}
 
 // ---- Backing up ----
 
@@ -58,7 +47,7 @@ int BackUp(const BackupOptions& options, const Console& console) {
         .As<Dictionary>();
   });
   MoveInto(file, part, overwriting);
-  console.out << "Backed up: " << TextOf(*account) << ".\n";
+  console.out << "Backed up: " << WhichBooks(*account) << ".\n";
   return kDone;
 }
 
@@ -132,7 +121,7 @@ int Restore(const RestoreOptions& options, const Console& console) {
         CreateObject("QDSVGLBooks.BooksUpdate")
             ->Call("Restore", FileText(options.file), options.login.book, options.program_role)
             .As<Dictionary>();
-    console.out << "Restored: " << TextOf(*account) << ".\n";
+    console.out << "Restored: " << WhichBooks(*account) << ".\n";
   } catch (...) {
     if (former) former->PutBack();
     throw;

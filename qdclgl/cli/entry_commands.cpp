@@ -1,4 +1,5 @@
 // Vouchers that are entered at the command line: new ones, copies, reversals.
+#include "qdclgl/cli/books_move.h"
 #include "qdclgl/cli/line_words.h"
 #include "qdclgl/cli/program.h"
 #include "qdclgl/cli/steps.h"
@@ -17,6 +18,8 @@ struct EntryOptions {
   std::string group;
   std::string reference;
   bool red = false;
+  std::vector<std::string> words;  // of `copy`: an id, or where books go
+  std::string program_role;
 };
 
 // A new voucher with what the options say of it.
@@ -82,6 +85,22 @@ int Copy(const EntryOptions& options, const Console& console) {
   return kDone;
 }
 
+// `copy FROM TO`, where TO is no id.
+int CopyWholeBooks(const EntryOptions& options, const Console& console) {
+  if (options.date.days != 0 || !options.group.empty() || !options.reference.empty()) {
+    throw UsageError("--date, --group and --reference go with the ID of a voucher");
+  }
+  return CopyBooks(options.login, options.words.front(), options.program_role, console);
+}
+
+int CopyEither(EntryOptions& options, const Console& console) {
+  if (options.words.size() != 1) throw UsageError("copy takes one ID, or FROM and TO");
+  if (!IsID(options.words.front())) return CopyWholeBooks(options, console);
+  if (!options.program_role.empty()) throw UsageError("--program-role goes with FROM and TO");
+  options.ids = IDsOf(options.words);
+  return Copy(options, console);
+}
+
 void Reverse(VoucherEntry& line, bool red) {
   if (red) {
     line.Amount(-line.Amount());
@@ -137,10 +156,17 @@ void AddNew(Program& program) {
 
 void AddCopy(Program& program) {
   const auto options = std::make_shared<EntryOptions>();
-  CLI::App* command = program.AddForVouchers(
-      "copy", "Makes a voucher with the lines of another one", options->login, options->ids,
-      [options, &program] { return Copy(*options, program.console()); });
+  CLI::App* command =
+      program.AddForWords("copy", "Makes a voucher with the lines of another one, or copies books",
+                          options->login, options->words,
+                          {"ID", "The voucher's id; anything else is where the books are copied to",
+                           [](const std::string& first, const auto&) { return IsID(first); }},
+                          [options, &program] { return CopyEither(*options, program.console()); });
   AddHeadOptions(*command, *options, "the other one's");
+  command
+      ->add_option("--program-role", options->program_role,
+                   "The PostgreSQL role that programs log in with to the copied books")
+      ->type_name("ROLE");
 }
 
 void AddReverse(Program& program) {

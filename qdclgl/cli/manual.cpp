@@ -188,7 +188,24 @@ Examples:
 journal, and saves what they then say. What is refused is shown beside its line
 and the editor opened again. A text that is given up, or of a voucher that
 somebody else has saved meanwhile, is kept in a file that is told.)"},
-    {"copy", R"(Makes a voucher with the lines of another one.)"},
+    {"copy",
+     R"(Makes a voucher with the lines of another one.
+
+  qdclgl copy FROM TO [--program-role ROLE]
+
+Where the last word is no id, copies the books of FROM into another database,
+each a SQLite file or a connection text: all records with their ids, users with
+their passwords, the audit trail. They are copied as they are when it begins;
+others may go on working, and what they save from then on is not in the copy.
+Where it was broken off the same command goes on, or begins anew when the books
+have changed since. TO is books once all rows are there and have passed the
+check; nothing that stands there is written over.
+
+Examples:
+
+  qdclgl copy books.db 7 --date 2024-02-01
+  qdclgl copy books.db "$LEDGER"
+  qdclgl copy "$LEDGER" here.db)"},
     {"reverse",
      R"(Makes a voucher that takes another one back: its lines on the other side or,
 with `--red`, with negative amounts.

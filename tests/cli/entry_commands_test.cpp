@@ -151,7 +151,7 @@ TEST_P(Entries, WhatCanNotBeSavedMakesNothing) {
   EXPECT_EQ(with("1001 credit 5GBP"), "1 qdclgl: 80044223: There is no currency GBP.\n");
   EXPECT_EQ(with("1001 credit"), "1 qdclgl: 80044221: More than one line has no amount; give "
                                  "amounts to all but one.\n");
-  EXPECT_EQ(said({"copy"}), "2 qdclgl: copy takes one ID; see qdclgl help copy\n");
+  EXPECT_EQ(said({"copy"}), "2 qdclgl: copy takes one ID, or FROM and TO; see qdclgl help copy\n");
   EXPECT_EQ(said({"reverse", "9"}), "1 qdclgl: 80044213: There is no voucher with the id 9.\n");
   EXPECT_EQ(Run({"vouchers", "--csv"}).out.find("\n2,"), std::string::npos);
 }

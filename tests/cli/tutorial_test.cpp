@@ -53,14 +53,21 @@ void ExpectItPrintsWhatItShows(const std::string& page, std::size_t least,
 
 TEST(Tutorial, PrintsWhatItShows) { ExpectItPrintsWhatItShows("tutorial.md", 26); }
 
-class MovingBooks : public ::testing::TestWithParam<DatabaseKind> {};
+// Guides whose books are on either database.
+class Guides : public ::testing::TestWithParam<DatabaseKind> {
+ protected:
+  ~Guides() override { server::testing::RemoveBooks(there); }
+  void ExpectItGoesAsShown(const std::string& page, std::size_t least) const {
+    ExpectItPrintsWhatItShows("guides/" + page, least, "LEDGER='" + there + "'");
+  }
 
-TEST_P(MovingBooks, GoesAsTheGuideShows) {
   const std::string there = server::testing::NewConnectionText(GetParam());
-  ExpectItPrintsWhatItShows("guides/moving-books.md", 8, "LEDGER='" + there + "'");
-  server::testing::RemoveBooks(there);
-}
-QDCLGL_CLI_TEST(MovingBooks);
+};
+QDCLGL_CLI_TEST(Guides);
+
+TEST_P(Guides, BooksMoveAsTheGuideShows) { ExpectItGoesAsShown("moving-books.md", 12); }
+
+TEST_P(Guides, AnOfficeWorksAsTheGuideShows) { ExpectItGoesAsShown("office.md", 18); }
 
 }  // namespace
 }  // namespace qdclgl::cli::testing

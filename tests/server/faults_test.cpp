@@ -244,5 +244,23 @@ TEST_P(Faults, NewBooksAreWholeOrNotThere) {
          .check = [&] { return Breaches(); }});
 }
 
+TEST_P(Faults, CopiesOfBooksAreWholeOrNoBooks) {
+  const std::string source =
+      Call("QDSVGLSession.SessionUpdate", "Login", model_, "administrator", "").As<String>();
+  Sweep({.name = "Copy",
+         .restore = [&] { Clear(); },
+         .act =
+             [&] {
+               return RefusalOf([&] { Call("QDSVGLBooks.BooksInfo", "CopyTo", source, reached_); });
+             },
+         .state = [&]() -> std::string {
+           Long version = 0;
+           const std::string refusal = RefusalOf(
+               [&] { version = Call("QDSVGLBooks.BooksInfo", "Version", reached_).As<Long>(); });
+           return refusal == "NoBooks" || version == 0 ? "none" : Shape(State());
+         },
+         .check = [&] { return Breaches(); }});
+}
+
 }  // namespace
 }  // namespace qdclgl::server::testing

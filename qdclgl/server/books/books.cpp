@@ -9,6 +9,7 @@
 #include "qdclgl/server/access/session.h"
 #include "qdclgl/server/books/books_check.h"
 #include "qdclgl/server/books/books_copy.h"
+#include "qdclgl/server/books/books_transfer.h"
 #include "qdclgl/server/books/trail_beginning.h"
 #include "qdclgl/server/db/connections.h"
 #include "qdclgl/server/db/new_books.h"
@@ -123,6 +124,16 @@ Ref<Dictionary> BooksInfo::BackUp(std::string_view PropsString, std::string_view
   const ConnectionText to = ConnectionText::Parse(BackupText);
   CopyBooks(caller.db, to, "");
   return AccountOfBooks(*Connections::OfThisThread().Apart(to));
+}
+
+Ref<Dictionary> BooksInfo::CopyTo(std::string_view PropsString, std::string_view connection,
+                                  std::string_view ProgramRole) {
+  const Caller caller = Enter(PropsString, RightTo<BooksInfo>("CopyTo"));
+  const Transfer transfer =
+      TransferBooks(caller.db, ConnectionText::Parse(connection), ProgramRole);
+  transfer.account->Put("FWentOn", transfer.went_on);
+  transfer.account->Put("FBeganAnew", transfer.began_anew);
+  return transfer.account;
 }
 
 }  // namespace qdclgl::server

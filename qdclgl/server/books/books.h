@@ -46,9 +46,9 @@ class BooksInfo final : public Object {
 
  public:
   static constexpr std::string_view kProgID = "QDSVGLBooks.BooksInfo";
-  static constexpr MethodRight kRights[] = {
-      {"Check", {Role::kReader, "check the books"}},
-      {"BackUp", {Role::kAdministrator, "back up the books"}}};
+  static constexpr MethodRight kRights[] = {{"Check", {Role::kReader, "check the books"}},
+                                            {"BackUp", {Role::kAdministrator, "back up the books"}},
+                                            {"CopyTo", {Role::kAdministrator, "copy the books"}}};
 
   QD_METHOD(Long, Version, (std::string_view ConnectionText),
             "The version of the books' schema, 0 when there are none in the database.")
@@ -61,6 +61,13 @@ class BooksInfo final : public Object {
             "passwords included, and tells which they are as Restore does; others "
             "work on meanwhile. All or nothing: the copy has passed the check. BooksExist, "
             "Damaged.")
+  QD_METHOD(Ref<Dictionary>, CopyTo,
+            (std::string_view PropsString, std::string_view ConnectionText,
+             std::string_view ProgramRole = ""),
+            "The same in steps: a copy that was broken off goes on with the next call, and is no "
+            "books before it is whole. Tells besides FWentOn, whether there was such a copy, and "
+            "FBeganAnew, whether it no longer went with the books and was thrown away. "
+            "ProgramRole as in Create of BooksUpdate.")
 };
 
 }  // namespace qdclgl::server

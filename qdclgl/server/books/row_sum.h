@@ -13,6 +13,9 @@ class RowSum {
  public:
   void Add(const std::array<std::int64_t, 3>& numbers, std::string_view text);
 
+  // How many were added.
+  std::uint64_t rows() const { return rows_; }
+
   friend bool operator==(const RowSum&, const RowSum&) = default;
 
  private:

@@ -12,6 +12,7 @@ namespace {
 void Fill(Database& db, const std::function<void(Database& db)>& fill) {
   Transaction transaction(db, Transaction::Kind::kChangeRules);
   if (SchemaVersion(db) != 0) Refuse(refusal::kBooksExist, "The database holds books already.");
+  RequireNoHalfCopy(db);
   db.MakeSchema();
   fill(db);
   transaction.Commit();

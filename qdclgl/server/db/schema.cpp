@@ -106,10 +106,23 @@ void Migrate(Database& database, int version) {
   database.Execute("INSERT INTO t_Schema (FVersion, FTitle) VALUES " + titles);
 }
 
+bool HoldsHalfCopy(Database& database) {
+  return Tables(database).contains(std::string(kHalfCopyTable));
+}
+
+void RequireNoHalfCopy(Database& database) {
+  if (!HoldsHalfCopy(database)) return;
+  Refuse(refusal::kNoBooks,
+         "A copy of books is not complete here: repeat the qdclgl copy that began it.");
+}
+
 void RequireCurrentSchema(Database& database) {
   const int version = SchemaVersion(database);
   if (version == CurrentSchemaVersion()) return;
-  if (version == 0) Refuse(refusal::kNoBooks, "The database holds no books.");
+  if (version == 0) {
+    RequireNoHalfCopy(database);
+    Refuse(refusal::kNoBooks, "The database holds no books.");
+  }
   Refuse(refusal::kWrongSchema,
          "The books are of version " + std::to_string(version) + ", this program works with " +
              std::to_string(CurrentSchemaVersion()) +

@@ -31,6 +31,13 @@ int SchemaVersion(Database& database);
 // Runs the migrations behind the books' version up to `version`, in the transaction under way.
 void Migrate(Database& database, int version);
 
+// This table stands beside those of books that are being copied here, until the copy is whole. Till
+// then their version is 0.
+inline constexpr std::string_view kHalfCopyTable = "t_halfcopy";
+bool HoldsHalfCopy(Database& database);
+// NoBooks for a database that does.
+void RequireNoHalfCopy(Database& database);
+
 // WrongSchema unless the books are of this program's version, NoBooks when there are none.
 void RequireCurrentSchema(Database& database);
 
