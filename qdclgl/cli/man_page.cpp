@@ -8,11 +8,14 @@
 
 #include "qdclgl/cli/console.h"
 #include "qdclgl/cli/manual.h"
+#include "qdclgl/server/db/path_text.h"
 #include "qdclgl/version.h"
 
 namespace qdclgl::cli {
 
 namespace {
+
+using server::PathOf;
 
 constexpr const char* kDescription = "the command line of a general ledger";
 
@@ -153,13 +156,12 @@ std::string ManPageOf(const CLI::App& app, const CLI::App& command) {
 
 void WriteManPages(const CLI::App& app, const std::string& folder) {
   const auto write = [&](const std::string& command, const std::string& page) {
-    const std::string path =
-        (std::filesystem::path(folder) / (ManPageName(app.get_name(), command) + ".1")).string();
-    std::ofstream file(path, std::ios::binary);
-    if (!(file << page).flush()) throw FileError(path + " can't be written");
+    const std::string name = ManPageName(app.get_name(), command) + ".1";
+    std::ofstream file(PathOf(folder) / name, std::ios::binary);
+    if (!(file << page).flush()) throw FileError(name + " can't be written into " + folder);
   };
   std::error_code failed;
-  std::filesystem::create_directories(folder, failed);
+  std::filesystem::create_directories(PathOf(folder), failed);
   if (failed) throw FileError(folder + " can't be made: " + failed.message());
   write("", ManPage(app));
   for (const CLI::App* command : app.get_subcommands({})) {
