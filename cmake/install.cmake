@@ -59,7 +59,8 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/qdclgl-config.cmake
 if(TARGET qdclgl-program)
   set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME program)
   install(TARGETS qdclgl-program)
-  install(DIRECTORY ${PROJECT_BINARY_DIR}/man/ DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  # For other systems than this one the program can't write them here.
+  install(DIRECTORY ${PROJECT_BINARY_DIR}/man/ DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 OPTIONAL)
   # Each shell looks for completions in a place of its own.
   install(FILES qdclgl/cli/completion/qdclgl.bash RENAME qdclgl
           DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
