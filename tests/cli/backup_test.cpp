@@ -16,12 +16,7 @@ class Backup : public CliTest {
   ~Backup() override { server::testing::RemoveBooks(other); }
 
   void MakeBooks() const {
-    const std::string sample = QDCLGL_SOURCE_DIR "/examples/books";
-    ASSERT_EQ(Run({"init", "--no-password", "--year", "2024"}).code, 0);
-    ASSERT_EQ(Run({"import", "--accounts", sample + "/accounts.csv", "--journal",
-                   sample + "/journal.csv", "--new-currencies", "--check-all", "--post-all"})
-                  .err,
-              "");
+    KeepSample();
     ASSERT_EQ(Run({"add", "items", "C1", "FItemClassID=3", "FName=Ann"}).err, "");
     ASSERT_EQ(Run({"add", "notes", "FName=n", "FData=words"}).code, 0);
     // The id of a record that is gone is given to no other one.

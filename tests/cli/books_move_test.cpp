@@ -21,14 +21,6 @@ class BooksMove : public CliTest {
     for (const std::string& place : places) server::testing::RemoveBooks(place);
   }
 
-  void MakeBooks() const {
-    const std::string sample = QDCLGL_SOURCE_DIR "/examples/books";
-    ASSERT_EQ(Run({"init", "--no-password", "--year", "2024"}).code, 0);
-    ASSERT_EQ(Run({"import", "--accounts", sample + "/accounts.csv", "--journal",
-                   sample + "/journal.csv", "--new-currencies", "--check-all", "--post-all"})
-                  .err,
-              "");
-  }
   // What a command prints of books.
   static std::string Told(const std::string& books, std::vector<std::string> words) {
     words.insert(words.begin() + 1, books);
@@ -52,7 +44,7 @@ class BooksMove : public CliTest {
 QDCLGL_CLI_TEST(BooksMove);
 
 TEST_P(BooksMove, GivesTheSameBooksOnEitherDatabase) {
-  MakeBooks();
+  KeepSample();
   const std::string exported = Exported(book);
   EXPECT_GT(exported.size(), 1000);
   for (const std::string& place : places) {
@@ -73,7 +65,7 @@ TEST_P(BooksMove, GivesTheSameBooksOnEitherDatabase) {
 }
 
 TEST_P(BooksMove, TellsThatACopyWentOnOrBeganAnew) {
-  MakeBooks();
+  KeepSample();
   const auto break_off = [&] {
     server::Database::SetStatementHook([](std::string_view sql) {
       if (sql.starts_with("INSERT INTO t_VoucherEntry")) {

@@ -107,6 +107,15 @@ void CliTest::Keep(const std::string& year, const std::string& accounts,
   ASSERT_EQ(Run({"import", "--accounts", chart, "--journal", lines, "--post-all"}).err, "");
 }
 
+void CliTest::KeepSample() const {
+  const std::string sample = QDCLGL_SOURCE_DIR "/examples/books";
+  ASSERT_EQ(Run({"init", "--no-password", "--year", "2024"}).code, 0);
+  ASSERT_EQ(Run({"import", "--accounts", sample + "/accounts.csv", "--journal",
+                 sample + "/journal.csv", "--new-currencies", "--check-all", "--post-all"})
+                .err,
+            "");
+}
+
 std::string CliTest::Said(std::vector<std::string> arguments) const {
   const RunResult result = Run(std::move(arguments));
   return std::to_string(result.code) + " " + result.out + result.err;

@@ -55,6 +55,8 @@ class CliTest : public ::testing::TestWithParam<DatabaseKind> {
   // Books of that first year with an administrator who has no password, of the rows of a chart
   // (number, name, dc, kind) and of a journal, all of it posted.
   void Keep(const std::string& year, const std::string& accounts, const std::string& journal) const;
+  // The sample books, all of them posted, likewise.
+  void KeepSample() const;
   // A command's exit code and all that it says: "0 Done.\n".
   std::string Said(std::vector<std::string> arguments) const;
   // What `voucher` prints of its lines.
