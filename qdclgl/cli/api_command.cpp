@@ -96,17 +96,18 @@ int PrintApi(const ApiOptions& options, std::ostream& out) {
 
 void AddApiCommand(Program& program) {
   const auto options = std::make_shared<ApiOptions>();
-  CLI::App* command =
+  const Command command =
       program.Add("api", "Prints the class reference of the library",
                   [options, &program] { return PrintApi(*options, program.console().out); });
-  command->add_option("CLASS", options->class_name, "One class alone");
+  command.Word("CLASS", options->class_name, "One class alone");
   const auto form = [&](const char* name, ApiForm value, const char* help) {
-    return command->add_flag_callback(
+    return command.Flag(
         name, [options, value] { options->form = value; }, help);
   };
-  auto* tsv = form("--tsv", ApiForm::kTsv, "Prints tab-separated lines, as docs/api.tsv has them");
-  auto* json = form("--json", ApiForm::kJson, "Prints JSON")->excludes(tsv);
-  form("--markdown", ApiForm::kMarkdown, "Prints Markdown")->excludes(tsv)->excludes(json);
+  const Option tsv =
+      form("--tsv", ApiForm::kTsv, "Prints tab-separated lines, as docs/api.tsv has them");
+  const Option json = form("--json", ApiForm::kJson, "Prints JSON").Excludes(tsv);
+  form("--markdown", ApiForm::kMarkdown, "Prints Markdown").Excludes(tsv).Excludes(json);
 }
 
 }  // namespace qdclgl::cli

@@ -33,7 +33,7 @@ std::string FileText(const std::string& path) {
 }
 
 int BackUp(const BackupOptions& options, const Console& console) {
-  if (options.files.size() != 1) throw CLI::RequiredError("FILE");
+  if (options.files.size() != 1) throw UsageError("FILE is required");
   const std::string& file = options.files.front();
   const Overwriting overwriting = options.force ? Overwriting::kAllowed : Overwriting::kRefused;
   RequireFree(file, overwriting);
@@ -58,11 +58,11 @@ bool IsFile(const std::string&, const std::vector<std::string>& rest) {
 
 void AddBackup(Program& program) {
   const auto options = std::make_shared<BackupOptions>();
-  CLI::App* command = program.AddForWords(
+  const Command command = program.AddForWords(
       "backup", "Copies the books into a file while others work", options->login, options->files,
       {"FILE", "The file that the copy becomes", IsFile},
       [options, &program] { return BackUp(*options, program.console()); });
-  command->add_flag("--force", options->force, "Writes over a file that is there");
+  command.Flag("--force", options->force, "Writes over a file that is there");
 }
 
 // ---- Restoring ----
@@ -134,17 +134,16 @@ int Restore(const RestoreOptions& options, const Console& console) {
 
 void AddRestore(Program& program) {
   const auto options = std::make_shared<RestoreOptions>();
-  CLI::App* command = program.Add("restore", "Makes books out of a backup", [options, &program] {
-    if (options->login.book.empty()) throw CLI::RequiredError("BOOK");
-    return Restore(*options, program.console());
-  });
-  command->add_option("FILE", options->file, "The file that backup has made")->required();
-  AddBook(*command, options->login);
-  command
-      ->add_option("--program-role", options->program_role,
-                   "The PostgreSQL role that programs log in with, another one than the owner")
-      ->type_name("ROLE");
-  command->add_flag("--force", options->force, "Puts books aside that are in the place");
+  const Command command =
+      program.Add("restore", "Makes books out of a backup", [options, &program] {
+        if (options->login.book.empty()) throw UsageError("BOOK is required");
+        return Restore(*options, program.console());
+      });
+  command.Word("FILE", options->file, "The file that backup has made").Required();
+  AddBook(command, options->login);
+  command.Text("--program-role", options->program_role, "ROLE",
+               "The PostgreSQL role that programs log in with, another one than the owner");
+  command.Flag("--force", options->force, "Puts books aside that are in the place");
 }
 
 }  // namespace

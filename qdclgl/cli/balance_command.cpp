@@ -164,22 +164,19 @@ int PrintBalance(const BalanceOptions& options, const Console& console) {
 
 void AddBalanceCommand(Program& program) {
   const auto options = std::make_shared<BalanceOptions>();
-  CLI::App* command = program.AddForBooks(
+  const Command command = program.AddForBooks(
       "balance", "Prints the trial balance of what is posted", options->login,
       [options, &program] { return PrintBalance(*options, program.console()); });
-  AddWhole(*command, "--year", options->year, "The accounting year [everything posted]");
-  AddWhole(*command, "--from", options->from, "The first period [the year's first]");
-  AddWhole(*command, "--to", options->to, "The last period [the year's last]");
+  command.Whole("--year", options->year, "The accounting year [everything posted]");
+  command.Whole("--from", options->from, "The first period [the year's first]");
+  command.Whole("--to", options->to, "The last period [the year's last]");
   command
-      ->add_option("--by", options->by,
-                   "Splits the balances by the items of these classes, commas between them")
-      ->delimiter(',')
-      ->type_name("CLASS");
-  command
-      ->add_option("--item", options->items,
-                   "Only what is posted for this item; as often as needed")
-      ->type_name("CLASS=NUMBER");
-  AddFormat(*command, options->format);
+      .Texts("--by", options->by, "CLASS",
+             "Splits the balances by the items of these classes, commas between them")
+      .PartedBy(',');
+  command.Texts("--item", options->items, "CLASS=NUMBER",
+                "Only what is posted for this item; as often as needed");
+  AddFormat(command, options->format);
 }
 
 }  // namespace qdclgl::cli

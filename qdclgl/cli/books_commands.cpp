@@ -56,21 +56,16 @@ int Init(const InitOptions& options, const Console& console) {
 
 void AddInit(Program& program) {
   const auto options = std::make_shared<InitOptions>();
-  CLI::App* command =
+  const Command command =
       program.AddForBooks("init", "Makes empty books", options->login,
                           [options, &program] { return Init(*options, program.console()); });
-  command->add_option("--currency", options->currency, "The base currency")
-      ->type_name("CODE")
-      ->capture_default_str();
-  AddWhole(*command, "--year", options->year, "The year that the books begin in [this year]");
-  AddWhole(*command, "--periods", options->periods, "Periods in a year [12]");
-  AddWhole(*command, "--start-month", options->start_month, "The month a year begins with [1]");
-  command->add_flag("--no-password", options->no_password,
-                    "Makes the administrator without a password");
-  command
-      ->add_option("--program-role", options->program_role,
-                   "The PostgreSQL role that programs log in with, another one than the owner")
-      ->type_name("ROLE");
+  command.Text("--currency", options->currency, "CODE", "The base currency").ShowsUsual();
+  command.Whole("--year", options->year, "The year that the books begin in [this year]");
+  command.Whole("--periods", options->periods, "Periods in a year [12]");
+  command.Whole("--start-month", options->start_month, "The month a year begins with [1]");
+  command.Flag("--no-password", options->no_password, "Makes the administrator without a password");
+  command.Text("--program-role", options->program_role, "ROLE",
+               "The PostgreSQL role that programs log in with, another one than the owner");
 }
 
 void AddUpgrade(Program& program) {
@@ -153,31 +148,29 @@ int Close(CloseOptions& options, const Console& console) {
 void AddClose(Program& program) {
   const auto options = std::make_shared<CloseOptions>();
   YearEnd& year_end = options->year_end;
-  CLI::App* command = program.AddForBooks(
+  const Command command = program.AddForBooks(
       "close", "Closes the current period, or carries a year's result to the equity",
       options->login, [options, &program] { return Close(*options, program.console()); });
-  command->add_flag("--yes", year_end.yes, "Closes without a question");
-  auto* year = command
-                   ->add_option_function<std::string>(
-                       "--year", [options](const std::string& text) { options->year = text; },
-                       "Carries the result of this year [the books' current one]")
-                   ->type_name("NUMBER")
-                   ->expected(0, 1);
+  command.Flag("--yes", year_end.yes, "Closes without a question");
+  const Option year =
+      command
+          .Read(
+              "--year", [options](const std::string& text) { options->year = text; }, "NUMBER",
+              "Carries the result of this year [the books' current one]")
+          .MayLackValue();
   // What follows --year may be BOOK instead.
-  command->parse_complete_callback([options] {
+  command.WhenRead([options] {
     if (!options->year || IsID(*options->year)) return;
     options->login.book = std::exchange(*options->year, "");
   });
-  auto* to = command
-                 ->add_option("--to", year_end.account,
+  const Option to = command
+                        .Text("--to", year_end.account, "ACCOUNT",
                               "The account of equity that it is carried to [the one of last time]")
-                 ->type_name("ACCOUNT")
-                 ->needs(year);
-  command->add_flag("--dry-run", year_end.dry_run, "Shows the vouchers and makes none")
-      ->needs(year);
-  command->add_flag("--undo", options->undo, "Takes the vouchers of that year back")
-      ->needs(year)
-      ->excludes(to);
+                        .Needs(year);
+  command.Flag("--dry-run", year_end.dry_run, "Shows the vouchers and makes none").Needs(year);
+  command.Flag("--undo", options->undo, "Takes the vouchers of that year back")
+      .Needs(year)
+      .Excludes(to);
 }
 
 struct ReopenOptions {
@@ -207,14 +200,12 @@ int Reopen(const ReopenOptions& options, const Console& console) {
 
 void AddReopen(Program& program) {
   const auto options = std::make_shared<ReopenOptions>();
-  CLI::App* command =
+  const Command command =
       program.AddForBooks("reopen", "Reopens the period that was closed last", options->login,
                           [options, &program] { return Reopen(*options, program.console()); });
-  command
-      ->add_option("--to", options->to,
-                   "Reopens all periods back to this one, whatever is posted behind it; for "
-                   "administrators")
-      ->type_name("YEAR/PERIOD");
+  command.Text("--to", options->to, "YEAR/PERIOD",
+               "Reopens all periods back to this one, whatever is posted behind it; for "
+               "administrators");
 }
 
 struct DoctorOptions {
@@ -243,14 +234,12 @@ int Examine(const DoctorOptions& options, const Console& console) {
 
 void AddDoctor(Program& program) {
   const auto options = std::make_shared<DoctorOptions>();
-  CLI::App* command =
+  const Command command =
       program.AddForBooks("doctor", "Tests every rule that the books must keep", options->login,
                           [options, &program] { return Examine(*options, program.console()); });
-  command
-      ->add_option("--expect-head", options->head,
-                   "A head of the audit trail that was kept elsewhere (audit --head)")
-      ->type_name("HEAD");
-  AddFormat(*command, options->format);
+  command.Text("--expect-head", options->head, "HEAD",
+               "A head of the audit trail that was kept elsewhere (audit --head)");
+  AddFormat(command, options->format);
 }
 
 }  // namespace

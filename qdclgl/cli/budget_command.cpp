@@ -158,22 +158,21 @@ int RunBudget(const BudgetOptions& options, const Console& console) {
 
 void AddBudgetCommand(Program& program) {
   const auto options = std::make_shared<BudgetOptions>();
-  CLI::App* command = program.AddForWords(
+  const Command command = program.AddForWords(
       "budget", "Lists, sets or imports budgets of accounts", options->login, options->words,
       {"ACCOUNT AMOUNT", "The account, and its budget; 0 takes it away",
        [](const std::string&, const auto& rest) {
          return !BookFromEnvironment().empty() && rest.size() == 1;
        }},
       [options, &program] { return RunBudget(*options, program.console()); });
-  AddWhole(*command, "--year", options->year, "The accounting year [the books' current one]");
-  AddWhole(*command, "--period", options->period, "The period [the year, spread over its periods]");
+  command.Whole("--year", options->year, "The accounting year [the books' current one]");
+  command.Whole("--period", options->period, "The period [the year, spread over its periods]");
   command
-      ->add_option("--import", options->file,
-                   "Budgets from a CSV file: account, year, period, amount")
-      ->type_name("FILE")
-      ->excludes("--year")
-      ->excludes("--period");
-  AddFormat(*command, options->format);
+      .Text("--import", options->file, "FILE",
+            "Budgets from a CSV file: account, year, period, amount")
+      .Excludes("--year")
+      .Excludes("--period");
+  AddFormat(command, options->format);
 }
 
 }  // namespace qdclgl::cli

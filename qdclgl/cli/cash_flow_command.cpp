@@ -63,16 +63,13 @@ int PrintCashFlow(const CashFlowOptions& options, const Console& console) {
 
 void AddCashFlowCommand(Program& program) {
   const auto options = std::make_shared<CashFlowOptions>();
-  CLI::App* command = program.AddForBooks(
+  const Command command = program.AddForBooks(
       "cashflow", "Prints where cash has come from and gone to", options->login,
       [options, &program] { return PrintCashFlow(*options, program.console()); });
-  const auto add_text = [&](const char* name, std::string& text, const char* help) {
-    command->add_option(name, text, help)->type_name("DAY");
-  };
-  add_text("--from", options->from, "The first day, period or year [this year's]");
-  add_text("--to", options->to, "The last day, period or year [that year's]");
-  command->add_flag("--compare", options->compare, "The same days a year before beside them");
-  AddFormat(*command, options->format);
+  command.Text("--from", options->from, "DAY", "The first day, period or year [this year's]");
+  command.Text("--to", options->to, "DAY", "The last day, period or year [that year's]");
+  command.Flag("--compare", options->compare, "The same days a year before beside them");
+  AddFormat(command, options->format);
 }
 
 }  // namespace qdclgl::cli

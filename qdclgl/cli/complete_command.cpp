@@ -1,4 +1,5 @@
 // What could stand in the place of a word of a command line: the one home of what shells complete.
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <filesystem>
 #include <initializer_list>
@@ -277,8 +278,10 @@ int PrintCandidates(const CommandLine& line, const Console& console) {
 void AddCompleteCommand(Program& program) {
   const auto line = std::make_shared<CommandLine>();
   CLI::App* command =
-      program.Add("complete", "Tells shells what a command line's last word could be",
-                  [line, &program] { return PrintCandidates(*line, program.console()); });
+      &program
+           .Add("complete", "Tells shells what a command line's last word could be",
+                [line, &program] { return PrintCandidates(*line, program.console()); })
+           .parser();
   // All words are those of the command line that is to be completed, options too.
   command->prefix_command();
   command->parse_complete_callback([command, line] {

@@ -125,57 +125,46 @@ int ReverseVoucher(const EntryOptions& options, const Console& console) {
   return kDone;
 }
 
-void AddHeadOptions(CLI::App& command, EntryOptions& options, const std::string& usual_group) {
-  command
-      .add_option_function<std::string>(
-          "--date",
-          [&options](const std::string& text) { options.date = DateOption("--date", text); },
-          "Its date; otherwise today, or the current period's nearest day")
-      ->type_name("DATE");
-  command.add_option("--group", options.group, "Its voucher group; otherwise " + usual_group)
-      ->type_name("NAME");
-  command.add_option("--reference", options.reference, "Its reference")->type_name("TEXT");
+void AddHeadOptions(const Command& command, EntryOptions& options, const std::string& usual_group) {
+  command.Date("--date", options.date,
+               "Its date; otherwise today, or the current period's nearest day");
+  command.Text("--group", options.group, "NAME", "Its voucher group; otherwise " + usual_group);
+  command.Text("--reference", options.reference, "TEXT", "Its reference");
 }
 
 void AddNew(Program& program) {
   const auto options = std::make_shared<EntryOptions>();
-  CLI::App* command =
+  const Command command =
       program.AddForBooks("new", "Makes a voucher of the lines that are given", options->login,
                           [options, &program] { return New(*options, program.console()); });
-  command
-      ->add_option_function<std::vector<std::string>>(
-          "--line",
-          [options](const std::vector<std::string>& texts) {
-            for (const std::string& text : texts) options->lines.push_back(ReadLineWords(text));
-          },
-          "A line, such as \"1000.02 debit 119 Tea\"; one may be without its amount")
-      ->type_name("\"ACCOUNT debit|credit [AMOUNT] [TEXT]\"")
-      ->allow_extra_args(false);
-  AddHeadOptions(*command, *options, kUsualGroup);
+  command.ReadEach(
+      "--line",
+      [options](const std::string& text) { options->lines.push_back(ReadLineWords(text)); },
+      "\"ACCOUNT debit|credit [AMOUNT] [TEXT]\"",
+      "A line, such as \"1000.02 debit 119 Tea\"; one may be without its amount");
+  AddHeadOptions(command, *options, kUsualGroup);
 }
 
 void AddCopy(Program& program) {
   const auto options = std::make_shared<EntryOptions>();
-  CLI::App* command =
+  const Command command =
       program.AddForWords("copy", "Makes a voucher with the lines of another one, or copies books",
                           options->login, options->words,
                           {"ID", "The voucher's id; anything else is where the books are copied to",
                            [](const std::string& first, const auto&) { return IsID(first); }},
                           [options, &program] { return CopyEither(*options, program.console()); });
-  AddHeadOptions(*command, *options, "the other one's");
-  command
-      ->add_option("--program-role", options->program_role,
-                   "The PostgreSQL role that programs log in with to the copied books")
-      ->type_name("ROLE");
+  AddHeadOptions(command, *options, "the other one's");
+  command.Text("--program-role", options->program_role, "ROLE",
+               "The PostgreSQL role that programs log in with to the copied books");
 }
 
 void AddReverse(Program& program) {
   const auto options = std::make_shared<EntryOptions>();
-  CLI::App* command = program.AddForVouchers(
+  const Command command = program.AddForVouchers(
       "reverse", "Makes a voucher that takes another one back", options->login, options->ids,
       [options, &program] { return ReverseVoucher(*options, program.console()); });
-  AddHeadOptions(*command, *options, "the other one's");
-  command->add_flag("--red", options->red, "Negative amounts in place of the other side");
+  AddHeadOptions(command, *options, "the other one's");
+  command.Flag("--red", options->red, "Negative amounts in place of the other side");
 }
 
 }  // namespace

@@ -185,26 +185,21 @@ int Export(const ExportOptions& options, const Console& console) {
 
 void AddExportCommand(Program& program) {
   const auto options = std::make_shared<ExportOptions>();
-  CLI::App* command =
+  const Command command =
       program.AddForBooks("export", "Writes accounts and vouchers into files", options->login,
                           [options, &program] { return Export(*options, program.console()); });
-  const auto add_text = [&](const char* name, std::string& text, const char* type,
-                            const char* help) {
-    return command->add_option(name, text, help)->type_name(type);
-  };
-  add_text("--accounts", options->accounts, "FILE", "The chart of accounts; - is the output");
-  add_text("--journal", options->journal, "FILE", "The vouchers, as the import reads them");
+  command.Text("--accounts", options->accounts, "FILE", "The chart of accounts; - is the output");
+  command.Text("--journal", options->journal, "FILE", "The vouchers, as the import reads them");
   command
-      ->add_option("--format", options->plain_text,
-                   "The vouchers as text for another program: hledger, ledger or beancount")
-      ->type_name("NAME FILE")
-      ->expected(2);
-  add_text("--from", options->from, "DAY", "The first day, period or year [all]");
-  add_text("--to", options->to, "DAY", "The last day, period or year [all]");
-  command->add_flag("--posted", options->posted, "Only vouchers that are posted");
-  command->add_flag("--whole", options->whole,
-                    "The journal with all columns that vouchers and lines can have");
-  command->add_flag("--force", options->force, "Writes over files that are there");
+      .Texts("--format", options->plain_text, "NAME FILE",
+             "The vouchers as text for another program: hledger, ledger or beancount")
+      .Values(2);
+  command.Text("--from", options->from, "DAY", "The first day, period or year [all]");
+  command.Text("--to", options->to, "DAY", "The last day, period or year [all]");
+  command.Flag("--posted", options->posted, "Only vouchers that are posted");
+  command.Flag("--whole", options->whole,
+               "The journal with all columns that vouchers and lines can have");
+  command.Flag("--force", options->force, "Writes over files that are there");
 }
 
 }  // namespace qdclgl::cli

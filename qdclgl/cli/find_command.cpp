@@ -39,7 +39,7 @@ std::string AmountFilter(const std::string& text) {
     try {
       return AmountText(ReadAmount(number));
     } catch (const BadCell& bad) {
-      throw CLI::ValidationError("--amount", bad.what());
+      RefuseOption("--amount", bad.what());
     }
   };
   if (mark == text.npos) return " AND FAmount = " + amount(text);
@@ -133,7 +133,7 @@ bool IsSearched(const std::string&, const std::vector<std::string>&) {
 
 void AddFindCommand(Program& program) {
   const auto options = std::make_shared<FindOptions>();
-  CLI::App* command =
+  const Command command =
       program.AddForWords("find", "Finds lines of vouchers", options->login, options->words,
                           {"WORD",
                            "What each line has: a part of a text, an amount or a day; without BOOK "
@@ -141,22 +141,19 @@ void AddFindCommand(Program& program) {
                            "set",
                            IsSearched},
                           [options, &program] { return FindLines(*options, program.console()); });
-  const auto add_text = [&](const char* name, std::string& text, const char* type,
-                            const char* help) {
-    return command->add_option(name, text, help)->type_name(type);
-  };
-  add_text("--account", options->account, "NUMBER", "On this account and those below it");
-  add_text("--from", options->from, "DAY", "From this day, period or year on");
-  add_text("--to", options->to, "DAY", "Up to this day, period or year");
-  add_text("--preparer", options->preparer, "NAME", "Of vouchers that this user made");
-  add_text("--group", options->group, "NAME", "Of vouchers of this group");
-  add_text("--item", options->item, "CLASS=NUMBER", "That name this item");
-  add_text("--amount", options->amount, "FROM..TO", "With an amount between these, or just one");
-  auto* posted = command->add_flag("--posted", options->posted, "Posted ones alone");
-  command->add_flag("--unposted", options->unposted, "Those that are not posted")->excludes(posted);
-  AddWhole(*command, "--first", options->first, "From this line on, counted from 1");
-  AddWhole(*command, "--count", options->count, "At most so many lines");
-  AddFormat(*command, options->format);
+  command.Text("--account", options->account, "NUMBER", "On this account and those below it");
+  command.Text("--from", options->from, "DAY", "From this day, period or year on");
+  command.Text("--to", options->to, "DAY", "Up to this day, period or year");
+  command.Text("--preparer", options->preparer, "NAME", "Of vouchers that this user made");
+  command.Text("--group", options->group, "NAME", "Of vouchers of this group");
+  command.Text("--item", options->item, "CLASS=NUMBER", "That name this item");
+  command.Text("--amount", options->amount, "FROM..TO",
+               "With an amount between these, or just one");
+  const Option posted = command.Flag("--posted", options->posted, "Posted ones alone");
+  command.Flag("--unposted", options->unposted, "Those that are not posted").Excludes(posted);
+  command.Whole("--first", options->first, "From this line on, counted from 1");
+  command.Whole("--count", options->count, "At most so many lines");
+  AddFormat(command, options->format);
 }
 
 }  // namespace qdclgl::cli

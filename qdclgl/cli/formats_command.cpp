@@ -71,7 +71,7 @@ bool IsDeed(const std::string& first, const std::vector<std::string>&) {
 
 void AddFormatsCommand(Program& program) {
   const auto options = std::make_shared<FormatsOptions>();
-  CLI::App* command = program.AddForWords(
+  const Command command = program.AddForWords(
       "formats", "Lists, keeps or removes formats of other programs' files", options->login,
       options->words,
       {"add NAME COLUMN=HEADING... | show NAME | remove NAME",
@@ -79,7 +79,7 @@ void AddFormatsCommand(Program& program) {
        "debit_account and credit_account; =VALUE in place of a heading is the same in all rows",
        IsDeed},
       [options, &program] { return RunFormats(*options, program.console()); });
-  AddFormat(*command, options->format);
+  AddFormat(command, options->format);
 }
 
 }  // namespace qdclgl::cli

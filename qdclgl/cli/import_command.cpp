@@ -302,31 +302,26 @@ int Import(const ImportOptions& options, const Console& console) {
 
 void AddImportCommand(Program& program) {
   const auto options = std::make_shared<ImportOptions>();
-  CLI::App* command = program.AddForBooks(
+  const Command command = program.AddForBooks(
       "import", "Stores accounts, items and vouchers from CSV files", options->login,
       [options, &program] { return Import(*options, program.console()); });
-  command->add_option("--accounts", options->accounts, "The chart of accounts")->type_name("FILE");
-  command->add_option("--journal", options->journal, "The vouchers")->type_name("FILE");
-  command
-      ->add_option("--format", options->format,
-                   "The vouchers are another program's file: a name of qdclgl formats, or auto")
-      ->type_name("NAME");
-  command->add_option("--items", options->items, "Items, with --class")->type_name("FILE");
-  command->add_option("--class", options->item_class, "The class of the items")->type_name("CLASS");
-  command->add_flag("--update", options->update, "Changes items that are in the books already");
-  command->add_flag("--dry-run", options->undo.dry_run,
-                    "Tries everything, tells what would be stored, and stores nothing");
-  command->add_flag("--check-all", options->check_all, "Checks all vouchers behind the import");
-  command->add_flag("--post-all", options->post_all, "Posts all vouchers behind the import");
-  command->add_flag("--new-currencies", options->new_currencies,
-                    "Makes currencies that the books don't have");
-  command->add_flag("--resume", options->resume,
-                    "Passes over vouchers that are in the books already");
-  command
-      ->add_option("--undo", options->undo.import,
-                   "Takes the vouchers of an import out again, by its number in qdclgl imports")
-      ->type_name("NUMBER");
-  command->add_flag("--yes", options->undo.yes, "Undoes without a question");
+  command.Text("--accounts", options->accounts, "FILE", "The chart of accounts");
+  command.Text("--journal", options->journal, "FILE", "The vouchers");
+  command.Text("--format", options->format, "NAME",
+               "The vouchers are another program's file: a name of qdclgl formats, or auto");
+  command.Text("--items", options->items, "FILE", "Items, with --class");
+  command.Text("--class", options->item_class, "CLASS", "The class of the items");
+  command.Flag("--update", options->update, "Changes items that are in the books already");
+  command.Flag("--dry-run", options->undo.dry_run,
+               "Tries everything, tells what would be stored, and stores nothing");
+  command.Flag("--check-all", options->check_all, "Checks all vouchers behind the import");
+  command.Flag("--post-all", options->post_all, "Posts all vouchers behind the import");
+  command.Flag("--new-currencies", options->new_currencies,
+               "Makes currencies that the books don't have");
+  command.Flag("--resume", options->resume, "Passes over vouchers that are in the books already");
+  command.Text("--undo", options->undo.import, "NUMBER",
+               "Takes the vouchers of an import out again, by its number in qdclgl imports");
+  command.Flag("--yes", options->undo.yes, "Undoes without a question");
 }
 
 }  // namespace qdclgl::cli

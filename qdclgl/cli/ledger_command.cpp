@@ -131,7 +131,7 @@ bool IsName(const std::string& first, const std::vector<std::string>& rest) {
 int RunLedger(LedgerOptions& options, const Console& console) {
   const std::vector<std::string>& words = options.words;
   const bool adds = words.size() == 2 && words.front() == kAdd;
-  if (words.size() != (adds ? 2u : 1u)) throw CLI::RequiredError("NAME");
+  if (words.size() != (adds ? 2u : 1u)) throw UsageError("NAME is required");
   options.name = words.back();
   return adds ? AddLedger(options, console) : PrintLedger(options, console);
 }
@@ -140,28 +140,26 @@ int RunLedger(LedgerOptions& options, const Console& console) {
 
 void AddLedgerCommand(Program& program) {
   const auto options = std::make_shared<LedgerOptions>();
-  CLI::App* command = program.AddForWords(
+  const Command command = program.AddForWords(
       "ledger", "Prints a multi-column ledger, or adds one", options->login, options->words,
       {"NAME", "The ledger; behind the word add, a new one", IsName},
       [options, &program] { return RunLedger(*options, program.console()); });
-  const auto add_text = [&](const char* name, std::string& text, const char* type,
-                            const char* help) {
-    return command->add_option(name, text, help)->type_name(type);
-  };
-  auto* from = add_text("--from", options->from, "DAY", "The first day or period [this year's]");
-  auto* to = add_text("--to", options->to, "DAY", "The last day or period [that year's]");
-  AddFormat(*command, options->format);
-  auto* html = command->add_flag("--html", options->html, "Prints a page for a browser");
-  html->excludes("--csv")->excludes("--json");
-  for (auto* option :
-       {add_text("--account", options->account, "NUMBER", "The account of a new ledger"),
-        add_text("--columns", options->columns, "NUMBERS",
-                 "Its columns: accounts with commas between them, or children"),
-        add_text("--side", options->side, "SIDE",
-                 "What its columns count: debit or credit [as their accounts' balances]"),
-        add_text("--currencies", options->currencies, "NUMBERS",
-                 "Its sub-columns: currencies with commas between them")}) {
-    option->excludes(from)->excludes(to)->excludes(html);
+  const Option from =
+      command.Text("--from", options->from, "DAY", "The first day or period [this year's]");
+  const Option to =
+      command.Text("--to", options->to, "DAY", "The last day or period [that year's]");
+  AddFormat(command, options->format);
+  const Option html = command.Flag("--html", options->html, "Prints a page for a browser");
+  html.Excludes("--csv").Excludes("--json");
+  for (const Option& option :
+       {command.Text("--account", options->account, "NUMBER", "The account of a new ledger"),
+        command.Text("--columns", options->columns, "NUMBERS",
+                     "Its columns: accounts with commas between them, or children"),
+        command.Text("--side", options->side, "SIDE",
+                     "What its columns count: debit or credit [as their accounts' balances]"),
+        command.Text("--currencies", options->currencies, "NUMBERS",
+                     "Its sub-columns: currencies with commas between them")}) {
+    option.Excludes(from).Excludes(to).Excludes(html);
   }
 }
 

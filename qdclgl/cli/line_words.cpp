@@ -13,9 +13,7 @@ namespace {
 
 constexpr std::string_view kAmountSigns = "-.,0123456789";
 
-[[noreturn]] void Refuse(const std::string& reason) {
-  throw CLI::ValidationError("--line", reason);
-}
+[[noreturn]] void Refuse(const std::string& reason) { RefuseOption("--line", reason); }
 
 // The first word of what is left, which loses it.
 std::string TakeWord(std::string_view& rest) {

@@ -17,8 +17,8 @@ struct LineWords {
   std::string explanation;
 };
 
-// Reads "1000.02 debit 119 Tea" or "1001 credit 20USD@0.9 Tea". CLI::ValidationError tells what
-// can't be read.
+// Reads "1000.02 debit 119 Tea" or "1001 credit 20USD@0.9 Tea". UsageError tells what can't be
+// read.
 LineWords ReadLineWords(const std::string& text);
 
 // Fills a new line of a voucher of that day. BadCurrency when the books have no such currency.

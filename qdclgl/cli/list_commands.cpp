@@ -118,53 +118,48 @@ bool IsList(const std::string& first, const std::vector<std::string>& rest) {
   return rest.empty() && (!BookFromEnvironment().empty() || FindList(first) != nullptr);
 }
 
-void AddQueryOptions(CLI::App& command, ListOptions& options) {
-  command.add_option("--filter", options.query.filter, "Which rows: \"FNumber LIKE '1%'\"")
-      ->type_name("FILTER");
-  command.add_option("--sort", options.query.sort, "In which order: \"FNumber DESC, FName\"")
-      ->type_name("COLUMNS");
-  command.add_flag("--with-deleted", options.query.with_deleted, "What is marked deleted too");
-  AddWhole(command, "--limit", options.query.limit, "At most so many rows")
-      ->check(CLI::PositiveNumber);
-  AddWhole(command, "--after", options.query.after,
-           "Goes on behind the row with this id, in the same order")
-      ->check(CLI::PositiveNumber);
+void AddQueryOptions(const Command& command, ListOptions& options) {
+  command.Text("--filter", options.query.filter, "FILTER", "Which rows: \"FNumber LIKE '1%'\"");
+  command.Text("--sort", options.query.sort, "COLUMNS", "In which order: \"FNumber DESC, FName\"");
+  command.Flag("--with-deleted", options.query.with_deleted, "What is marked deleted too");
+  command.Whole("--limit", options.query.limit, "At most so many rows").Positive();
+  command
+      .Whole("--after", options.query.after,
+             "Goes on behind the row with this id, in the same order")
+      .Positive();
   AddFormat(command, options.format);
 }
 
-void AddItemClass(CLI::App& command, ListOptions& options) {
-  command
-      .add_option("--class", options.item_class,
-                  "Items of this class with its fields: customer, or #1000 for an id")
-      ->type_name("CLASS");
+void AddItemClass(const Command& command, ListOptions& options) {
+  command.Text("--class", options.item_class, "CLASS",
+               "Items of this class with its fields: customer, or #1000 for an id");
 }
 
 constexpr const char* kList = "list";
 
 void AddList(Program& program) {
   const auto options = std::make_shared<ListOptions>();
-  CLI::App* command = program.AddForWords(
+  const Command command = program.AddForWords(
       kList, "Lists records of the books", options->login, options->words,
       {"LIST", "Which list: accounts, vouchers, ...", IsList}, [options, &program] {
         return Print(ListNamed(options->words), *options, program.console());
       });
-  AddQueryOptions(*command, *options);
-  AddItemClass(*command, *options);
+  AddQueryOptions(command, *options);
+  AddItemClass(command, *options);
 }
 
 // The short form of a list.
 void AddShortForm(Program& program, const server::ServerComponent& component) {
   const auto own = std::make_shared<ListOptions>();
-  CLI::App* command = program.AddForBooks(
+  const Command command = program.AddForBooks(
       std::string(component.list->name), std::string(component.list->help), own->login,
       [own, &program, &component] { return Print(component, *own, program.console()); });
-  AddQueryOptions(*command, *own);
-  if (KnowsItemClasses(component)) AddItemClass(*command, *own);
+  AddQueryOptions(command, *own);
+  if (KnowsItemClasses(component)) AddItemClass(command, *own);
   if (component.prog_id == server::AuditInfo::kProgID) {
-    AddWhole(*command, "--voucher", own->voucher, "The deeds on this voucher alone");
-    command->add_flag("--whole", own->whole, "What has changed as the trail keeps it");
-    command->add_flag("--head", own->head,
-                      "Seals the trail and prints the seal, to be kept elsewhere");
+    command.Whole("--voucher", own->voucher, "The deeds on this voucher alone");
+    command.Flag("--whole", own->whole, "What has changed as the trail keeps it");
+    command.Flag("--head", own->head, "Seals the trail and prints the seal, to be kept elsewhere");
   }
 }
 

@@ -70,11 +70,11 @@ int LogOut(const Login& login, const Console& console) {
 
 void AddLoginCommands(Program& program) {
   const auto options = std::make_shared<LoginOptions>();
-  CLI::App* command =
+  const Command command =
       program.AddForBooks("login", "Logs in for the commands that follow", options->login,
                           [options, &program] { return LogIn(*options, program.console()); });
-  AddWhole(*command, "--minutes", options->minutes,
-           "For how long [SessionMinutes of the books, which is the most]");
+  command.Whole("--minutes", options->minutes,
+                "For how long [SessionMinutes of the books, which is the most]");
   const auto login = std::make_shared<Login>();
   program.AddForBooks("logout", "Ends what login has begun", *login,
                       [login, &program] { return LogOut(*login, program.console()); });

@@ -120,23 +120,14 @@ int PrintOpenItems(const OpenOptions& options, const Console& console) {
 
 void AddOpenCommand(Program& program) {
   const auto options = std::make_shared<OpenOptions>();
-  CLI::App* command = program.AddForBooks(
+  const Command command = program.AddForBooks(
       "open", "Lists open items: what is not settled", options->login,
       [options, &program] { return PrintOpenItems(*options, program.console()); });
-  const auto add_text = [&](const char* name, std::string& text, const char* type,
-                            const char* help) {
-    return command->add_option(name, text, help)->type_name(type);
-  };
-  add_text("--by", options->by, "CLASS", "Whose: customers, suppliers, ...");
-  add_text("--account", options->account, "NUMBER", "On this account and those below it");
-  add_text("--ageing", options->ageing, "DAYS", "In columns by age: 30,60,90");
-  command
-      ->add_option_function<std::string>(
-          "--date",
-          [options](const std::string& text) { options->date = DateOption("--date", text); },
-          "What is open at the end of this day [today]")
-      ->type_name("DATE");
-  AddFormat(*command, options->format);
+  command.Text("--by", options->by, "CLASS", "Whose: customers, suppliers, ...");
+  command.Text("--account", options->account, "NUMBER", "On this account and those below it");
+  command.Text("--ageing", options->ageing, "DAYS", "In columns by age: 30,60,90");
+  command.Date("--date", options->date, "What is open at the end of this day [today]");
+  AddFormat(command, options->format);
 }
 
 }  // namespace qdclgl::cli

@@ -1,5 +1,6 @@
 #include "qdclgl/cli/program.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <utility>
 
@@ -139,18 +140,21 @@ std::string Login::UserName() const { return user.empty() ? kUsualUser : user; }
 std::string Login::Password() { return FromEnvironment(kPasswordVariable); }
 
 Program::Program(const Console& console, std::string_view wanted)
-    : console_(console), app_("The command line of a general ledger.", "qdclgl") {
-  app_.require_subcommand(1);
-  app_.allow_windows_style_options(false);  // a word with a slash in front is a path everywhere
-  app_.set_version_flag("--version", VersionText());
-  app_.footer(kFooter);
+    : console_(console),
+      app_(std::make_unique<CLI::App>("The command line of a general ledger.", "qdclgl")) {
+  app_->require_subcommand(1);
+  app_->allow_windows_style_options(false);  // a word with a slash in front is a path everywhere
+  app_->set_version_flag("--version", VersionText());
+  app_->footer(kFooter);
   AddCommands(wanted);
-  AddManual(app_);
-  for (CLI::App* command : app_.get_subcommands({})) {
-    if (command->get_option_no_throw("--json") != nullptr) AddLook(*command);
+  AddManual(*app_);
+  for (CLI::App* command : app_->get_subcommands({})) {
+    if (command->get_option_no_throw("--json") != nullptr) AddLook(Command(command));
     TakeUnmarkedWords(*command);
   }
 }
+
+Program::~Program() = default;
 
 void Program::AddCommands(std::string_view wanted) {
   const auto has_wanted = [wanted](const Family& family) {
@@ -162,13 +166,12 @@ void Program::AddCommands(std::string_view wanted) {
   for (const Family& each : Families()) each.add(*this);
 }
 
-void Program::AddLook(CLI::App& command) {
-  command.add_flag("--keys", console_.look.shows_keys,
-                   "The columns' keys, which --filter and --sort take, above a table");
-  command.add_option("--color", colour_, "Colours: never, always, or auto, on a terminal")
-      ->check(CLI::IsMember({"never", "auto", "always"}))
-      ->type_name("WHEN");
-  command.add_flag("--no-pager", no_pager_, "Shows long output without a pager");
+void Program::AddLook(const Command& command) {
+  command.Flag("--keys", console_.look.shows_keys,
+               "The columns' keys, which --filter and --sort take, above a table");
+  command.Text("--color", colour_, "WHEN", "Colours: never, always, or auto, on a terminal")
+      .OneOf({"never", "auto", "always"});
+  command.Flag("--no-pager", no_pager_, "Shows long output without a pager");
 }
 
 void Program::TakeLook() {
@@ -183,47 +186,47 @@ void Program::TakeLook() {
   }
 }
 
-CLI::App* Program::Add(const std::string& name, const std::string& help, std::function<int()> run) {
-  CLI::App* command = app_.add_subcommand(name, help);
+Command Program::Add(const std::string& name, const std::string& help, std::function<int()> run) {
+  CLI::App* command = app_->add_subcommand(name, help);
   command->callback([this, run = std::move(run)] { chosen_ = run; });
-  return command;
+  return Command(command);
 }
 
-CLI::App* Program::AddForBooks(const std::string& name, const std::string& help, Login& login,
-                               std::function<int()> run) {
-  CLI::App* command = Add(name, help, [&login, run = std::move(run)] {
+Command Program::AddForBooks(const std::string& name, const std::string& help, Login& login,
+                             std::function<int()> run) {
+  const Command command = Add(name, help, [&login, run = std::move(run)] {
     if (login.book.empty()) {
       throw UsageError(std::string("no BOOK is given, and ") + kBookVariable + " is not set");
     }
     return run();
   });
-  AddBook(*command, login);
+  AddBook(command, login);
   login.user = UserFromEnvironment();
-  command->add_option("--user", login.user, "Who works on the books")
-      ->option_text(TextFrom(kUserVariable));
+  command.Text("--user", login.user, "TEXT", "Who works on the books")
+      .ShownAs(TextFrom(kUserVariable));
   return command;
 }
 
-void AddBook(CLI::App& command, Login& login) {
+void AddBook(const Command& command, Login& login) {
   login.book = BookFromEnvironment();
-  command.add_option("BOOK", login.book, "The books: a SQLite file or a connection text")
-      ->option_text(TextFrom(kBookVariable));
+  command.Word("BOOK", login.book, "The books: a SQLite file or a connection text")
+      .ShownAs(TextFrom(kBookVariable));
 }
 
-CLI::App* Program::AddForWords(const std::string& name, const std::string& help, Login& login,
-                               std::vector<std::string>& words, Words description,
-                               std::function<int()> run) {
-  CLI::App* command = AddForBooks(name, help, login, std::move(run));
-  command->add_option(description.name, words, description.help);
-  command->parse_complete_callback([&login, &words, is_word = std::move(description.is_word)] {
+Command Program::AddForWords(const std::string& name, const std::string& help, Login& login,
+                             std::vector<std::string>& words, Words description,
+                             std::function<int()> run) {
+  const Command command = AddForBooks(name, help, login, std::move(run));
+  command.Words(description.name, words, description.help);
+  command.WhenRead([&login, &words, is_word = std::move(description.is_word)] {
     if (login.book.empty() || !is_word(login.book, words)) return;
     words.insert(words.begin(), std::exchange(login.book, BookFromEnvironment()));
   });
   return command;
 }
 
-CLI::App* Program::AddForVouchers(const std::string& name, const std::string& help, Login& login,
-                                  std::vector<Long>& ids, std::function<int()> run) {
+Command Program::AddForVouchers(const std::string& name, const std::string& help, Login& login,
+                                std::vector<Long>& ids, std::function<int()> run) {
   const auto words = std::make_shared<std::vector<std::string>>();
   return AddForWords(
       name, help, login, *words,
@@ -246,22 +249,6 @@ std::string FilterText(std::string_view text) {
 
 std::string FilterDay(DateTime day) { return "#" + day.ToText() + "#"; }
 
-Long WholeOption(const std::string& name, const std::string& text) {
-  try {
-    return ReadWhole(text);
-  } catch (const BadCell& bad) {
-    throw CLI::ValidationError(name, bad.what());
-  }
-}
-
-DateTime DateOption(const std::string& name, const std::string& text) {
-  try {
-    return ReadDate(text);
-  } catch (const BadCell& bad) {
-    throw CLI::ValidationError(name, bad.what());
-  }
-}
-
 bool IsID(std::string_view word) {
   return std::ranges::all_of(word, [](char c) { return c >= '0' && c <= '9'; });
 }
@@ -277,21 +264,13 @@ int Program::RunChosen() {
   return chosen_();
 }
 
-void AddFormat(CLI::App& command, Format& format) {
-  auto* csv = command.add_flag_callback(
+void AddFormat(const Command& command, Format& format) {
+  const Option csv = command.Flag(
       "--csv", [&] { format = Format::kCsv; }, "Prints CSV");
   command
-      .add_flag_callback(
+      .Flag(
           "--json", [&] { format = Format::kJson; }, "Prints JSON")
-      ->excludes(csv);
-}
-
-CLI::Option* AddWhole(CLI::App& command, const std::string& name, Long& value,
-                      const std::string& help) {
-  return command
-      .add_option_function<std::string>(
-          name, [&value, name](const std::string& text) { value = WholeOption(name, text); }, help)
-      ->type_name("NUMBER");
+      .Excludes(csv);
 }
 
 int Run(const std::vector<std::string>& arguments, const Console& console) {

@@ -1,13 +1,13 @@
 // The program's command line: its commands, what they share, and a run.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "qdclgl/cli/command.h"
 #include "qdclgl/cli/console.h"
 #include "qdclgl/cli/table.h"
 #include "qdclgl/frame/objects/variant.h"
@@ -40,16 +40,19 @@ class Program {
   // with all commands otherwise. All of them have more than 500 options, which take longer to make
   // than most commands to run.
   explicit Program(const Console& console, std::string_view wanted = "");
+  ~Program();
+  Program(const Program&) = delete;
+  Program& operator=(const Program&) = delete;
 
   const Console& console() const { return console_; }
-  CLI::App& app() { return app_; }
-  const CLI::App& app() const { return app_; }
+  CLI::App& app() { return *app_; }
+  const CLI::App& app() const { return *app_; }
 
   // A command. `run` gives the exit code; it runs once the whole command line is understood.
-  CLI::App* Add(const std::string& name, const std::string& help, std::function<int()> run);
+  Command Add(const std::string& name, const std::string& help, std::function<int()> run);
   // A command that works on books: with BOOK and --user, which come into `login`.
-  CLI::App* AddForBooks(const std::string& name, const std::string& help, Login& login,
-                        std::function<int()> run);
+  Command AddForBooks(const std::string& name, const std::string& help, Login& login,
+                      std::function<int()> run);
   // A command that is told by words what to do with books: with them behind BOOK as well. A first
   // word for which `is_word` is true, asked along with those behind it, is one of them already, and
   // the books are those that QDCLGL_BOOK names.
@@ -58,13 +61,12 @@ class Program {
     const char* help;
     std::function<bool(const std::string& first, const std::vector<std::string>& rest)> is_word;
   };
-  CLI::App* AddForWords(const std::string& name, const std::string& help, Login& login,
-                        std::vector<std::string>& words, Words description,
-                        std::function<int()> run);
+  Command AddForWords(const std::string& name, const std::string& help, Login& login,
+                      std::vector<std::string>& words, Words description, std::function<int()> run);
   // A command that works on vouchers of books: with ID... as well. A first word that is a whole
   // number is an id.
-  CLI::App* AddForVouchers(const std::string& name, const std::string& help, Login& login,
-                           std::vector<Long>& ids, std::function<int()> run);
+  Command AddForVouchers(const std::string& name, const std::string& help, Login& login,
+                         std::vector<Long>& ids, std::function<int()> run);
 
   // The command that the command line asks for. UsageError when BOOK is missing.
   int RunChosen();
@@ -72,11 +74,11 @@ class Program {
  private:
   void AddCommands(std::string_view wanted);
   // How the output of a command that prints tables looks.
-  void AddLook(CLI::App& command);
+  void AddLook(const Command& command);
   void TakeLook();
 
   Console console_;
-  CLI::App app_;
+  std::unique_ptr<CLI::App> app_;
   std::string colour_ = "auto";
   bool no_pager_ = false;
   std::function<int()> chosen_;
@@ -99,16 +101,9 @@ bool IsID(std::string_view word);
 std::vector<Long> IDsOf(const std::vector<std::string>& words);
 
 // BOOK, which is what QDCLGL_BOOK names where none is given.
-void AddBook(CLI::App& command, Login& login);
+void AddBook(const Command& command, Login& login);
 // --csv and --json.
-void AddFormat(CLI::App& command, Format& format);
-// A whole number as an option's text is read: what is wrong with it is wrong usage.
-Long WholeOption(const std::string& name, const std::string& text);
-// A date likewise.
-DateTime DateOption(const std::string& name, const std::string& text);
-// An option with a whole number.
-CLI::Option* AddWhole(CLI::App& command, const std::string& name, Long& value,
-                      const std::string& help);
+void AddFormat(const Command& command, Format& format);
 
 // The families of commands, each in the file of that name.
 void AddBooksCommands(Program& program);

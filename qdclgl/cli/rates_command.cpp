@@ -158,7 +158,7 @@ bool IsWord(const std::string& first, const std::vector<std::string>& rest) {
 
 void AddRatesCommand(Program& program) {
   const auto options = std::make_shared<RatesOptions>();
-  CLI::App* command = program.AddForWords(
+  const Command command = program.AddForWords(
       "rates", "Lists, keeps, removes or imports exchange rates by day", options->login,
       options->words,
       {"CURRENCY | add CURRENCY RATE | remove CURRENCY",
@@ -166,17 +166,11 @@ void AddRatesCommand(Program& program) {
        "--date goes",
        IsWord},
       [options, &program] { return RunRates(*options, program.console()); });
-  CLI::Option* date =
-      command
-          ->add_option_function<std::string>(
-              "--date",
-              [options](const std::string& text) { options->date = DateOption("--date", text); },
-              "The day of the rate [with add: today; of a list: all]")
-          ->type_name("DATE");
-  command->add_option("--import", options->file, "Rates from a CSV file: currency, date, rate")
-      ->type_name("FILE")
-      ->excludes(date);
-  AddFormat(*command, options->format);
+  const Option date = command.Date("--date", options->date,
+                                   "The day of the rate [with add: today; of a list: all]");
+  command.Text("--import", options->file, "FILE", "Rates from a CSV file: currency, date, rate")
+      .Excludes(date);
+  AddFormat(command, options->format);
 }
 
 }  // namespace qdclgl::cli

@@ -198,21 +198,21 @@ int PrintKinds(const KindsOptions& options, const Console& console) {
 
 void AddKinds(Program& program) {
   const auto options = std::make_shared<KindsOptions>();
-  CLI::App* command =
+  const Command command =
       program.Add("kinds", "Lists the kinds of records, or the columns of one",
                   [options, &program] { return PrintKinds(*options, program.console()); });
-  command->add_option("KIND", options->kind, "The kind whose columns are listed");
-  AddFormat(*command, options->format);
+  command.Word("KIND", options->kind, "The kind whose columns are listed");
+  AddFormat(command, options->format);
 }
 
 using Run = int (*)(const RecordOptions& options, const Console& console);
 
-std::pair<CLI::App*, std::shared_ptr<RecordOptions>> AddForRecords(Program& program,
-                                                                   const std::string& name,
-                                                                   const std::string& help,
-                                                                   Program::Words words, Run run) {
+std::pair<Command, std::shared_ptr<RecordOptions>> AddForRecords(Program& program,
+                                                                 const std::string& name,
+                                                                 const std::string& help,
+                                                                 Program::Words words, Run run) {
   const auto options = std::make_shared<RecordOptions>();
-  CLI::App* command =
+  const Command command =
       program.AddForWords(name, help, options->login, options->words, std::move(words),
                           [options, &program, run] { return run(*options, program.console()); });
   return {command, options};
@@ -231,7 +231,7 @@ void AddRecordCommands(Program& program) {
                                  BeginsWith(IsKind)};
   const auto [show, show_options] =
       AddForRecords(program, "show", "Prints records with all that they hold", keys, Show);
-  AddFormat(*show, show_options->format);
+  AddFormat(show, show_options->format);
   AddForRecords(program, "add", "Makes a record", values, Add);
   AddForRecords(program, "set", "Changes a record", values, Set);
   const Program::Words removed = {
@@ -240,8 +240,8 @@ void AddRecordCommands(Program& program) {
   const auto [remove, remove_options] =
       AddForRecords(program, std::string(kRemoval),
                     "Removes records; numbers of vouchers stay taken", removed, Remove);
-  remove->add_flag("--all", remove_options->all, "All vouchers that are ready for it");
-  remove->add_flag("--yes", remove_options->yes, "Removes records without a question");
+  remove.Flag("--all", remove_options->all, "All vouchers that are ready for it");
+  remove.Flag("--yes", remove_options->yes, "Removes records without a question");
 }
 
 }  // namespace qdclgl::cli

@@ -244,7 +244,7 @@ struct ReportOptions {
 };
 
 int RunReport(const ReportOptions& options, const Console& console) {
-  if (options.words.size() != 1) throw CLI::RequiredError("DIR");
+  if (options.words.size() != 1) throw UsageError("DIR is required");
   const std::string props = options.login.Open();
   Report report(props, options.words.front(), console);
   report.Write();

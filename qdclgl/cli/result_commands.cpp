@@ -104,42 +104,37 @@ int PrintPosition(const StatementOptions& options, const Console& console) {
   return kDone;
 }
 
-void AddStatementOptions(CLI::App& command, StatementOptions& options, const char* whole) {
+void AddStatementOptions(const Command& command, StatementOptions& options, const char* whole) {
   AddSpanOptions(command, options.spans);
-  AddWhole(command, "--depth", options.depth, "How many levels of the chart are shown [all]");
-  command.add_flag("--percent", options.percent,
-                   std::string("Each amount in percent of the ") + whole + " too");
+  command.Whole("--depth", options.depth, "How many levels of the chart are shown [all]");
+  command.Flag("--percent", options.percent,
+               std::string("Each amount in percent of the ") + whole + " too");
   AddFormat(command, options.format);
 }
 
 void AddIncome(Program& program) {
   const auto options = std::make_shared<StatementOptions>();
-  CLI::App* command =
+  const Command command =
       program.AddForBooks("income", "Prints the income statement of what is posted", options->login,
                           [options, &program] { return PrintIncome(*options, program.console()); });
-  AddStatementOptions(*command, *options, "income");
+  AddStatementOptions(command, *options, "income");
   command
-      ->add_flag("--budget", options->budget,
-                 "What is budgeted beside what is posted, with difference and percent")
-      ->excludes("--compare")
-      ->excludes("--percent");
+      .Flag("--budget", options->budget,
+            "What is budgeted beside what is posted, with difference and percent")
+      .Excludes("--compare")
+      .Excludes("--percent");
 }
 
 void AddPosition(Program& program) {
   const auto options = std::make_shared<StatementOptions>();
-  CLI::App* command = program.AddForBooks(
+  const Command command = program.AddForBooks(
       "position", "Prints the balance sheet of what is posted", options->login,
       [options, &program] { return PrintPosition(*options, program.console()); });
-  AddStatementOptions(*command, *options, "assets");
-  auto* date =
-      command
-          ->add_option_function<std::string>(
-              "--date",
-              [options](const std::string& text) { options->date = DateOption("--date", text); },
-              "The last day of a period, in place of year and periods")
-          ->type_name("DATE");
+  AddStatementOptions(command, *options, "assets");
+  const Option date = command.Date("--date", options->date,
+                                   "The last day of a period, in place of year and periods");
   for (const char* other : {"--year", "--from", "--to", "--monthly", "--quarterly"}) {
-    date->excludes(command->get_option(other));
+    date.Excludes(other);
   }
 }
 

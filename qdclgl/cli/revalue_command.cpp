@@ -103,17 +103,14 @@ int Revalue(const RevalueOptions& options, const Console& console) {
 
 void AddRevalueCommand(Program& program) {
   const auto options = std::make_shared<RevalueOptions>();
-  CLI::App* command = program.AddForBooks(
+  const Command command = program.AddForBooks(
       "revalue", "Books what balances in other currencies have gained or lost by their rates",
       options->login, [options, &program] { return Revalue(*options, program.console()); });
-  command->add_option("--period", options->period, "The period, at whose last day's rates")
-      ->type_name("YEAR/PERIOD");
-  command
-      ->add_option("--account", options->account,
-                   "The account that differences are booked on [the one of last time]")
-      ->type_name("ACCOUNT");
-  command->add_flag("--dry-run", options->dry_run, "Shows the vouchers and makes none");
-  command->add_flag("--yes", options->yes, "Books without a question");
+  command.Text("--period", options->period, "YEAR/PERIOD", "The period, at whose last day's rates");
+  command.Text("--account", options->account, "ACCOUNT",
+               "The account that differences are booked on [the one of last time]");
+  command.Flag("--dry-run", options->dry_run, "Shows the vouchers and makes none");
+  command.Flag("--yes", options->yes, "Books without a question");
 }
 
 }  // namespace qdclgl::cli

@@ -98,12 +98,12 @@ bool IsDeed(const std::string& first, const std::vector<std::string>& rest) {
 
 void AddSettingsCommand(Program& program) {
   const auto options = std::make_shared<SettingsOptions>();
-  CLI::App* command = program.AddForWords(
+  const Command command = program.AddForWords(
       "settings", "Lists, sets or resets the settings of the books", options->login, options->words,
       {"CATEGORY | set KEY VALUE | reset KEY",
        "The settings of one category; a new value; what holds without one", IsDeed},
       [options, &program] { return RunSettings(*options, program.console()); });
-  AddFormat(*command, options->format);
+  AddFormat(command, options->format);
 }
 
 }  // namespace qdclgl::cli

@@ -150,13 +150,12 @@ int PrintHelp(const HelpOptions& options, const Console& console) {
 
 void AddHelpCommand(Program& program) {
   const auto options = std::make_shared<HelpOptions>();
-  CLI::App* command = program.Add("help", "Tells all commands, or one", [options, &program] {
+  const Command command = program.Add("help", "Tells all commands, or one", [options, &program] {
     return PrintHelp(*options, program.console());
   });
-  command->add_option("COMMAND", options->name, "The command to tell of, or a topic");
-  command->add_flag("--man", options->is_man_page, "Prints it as a man page");
-  command->add_option("--man-pages", options->folder, "Writes all man pages into a folder")
-      ->type_name("DIR");
+  command.Word("COMMAND", options->name, "The command to tell of, or a topic");
+  command.Flag("--man", options->is_man_page, "Prints it as a man page");
+  command.Text("--man-pages", options->folder, "DIR", "Writes all man pages into a folder");
 }
 
 }  // namespace qdclgl::cli

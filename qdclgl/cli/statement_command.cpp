@@ -192,28 +192,22 @@ bool IsAccount(const std::string&, const std::vector<std::string>& rest) {
 
 void AddStatementCommand(Program& program) {
   const auto options = std::make_shared<StatementOptions>();
-  CLI::App* command = program.AddForWords(
+  const Command command = program.AddForWords(
       "statement", "Prints what is posted on an account, with balances", options->login,
       options->words, {"ACCOUNT", "The number of an account; those below it count too", IsAccount},
       [options, &program] { return PrintStatement(*options, program.console()); });
-  const auto add_text = [&](const char* name, std::string& text, const char* type,
-                            const char* help) {
-    return command->add_option(name, text, help)->type_name(type);
-  };
-  add_text("--from", options->from, "DAY", "The first day, period or year [this year's]");
-  add_text("--to", options->to, "DAY", "The last day, period or year [that year's]");
-  auto* monthly = command->add_flag("--monthly", options->monthly, "A line for each period");
-  command->add_flag("--unposted", options->unposted, "What is not posted too");
-  auto* by = add_text("--by", options->by, "CLASS", "Item by item of this class");
-  add_text("--item", options->item, "CLASS=NUMBER", "Only what is posted for this item")
-      ->excludes(by);
-  AddWhole(*command, "--count", options->count, "At most so many lines")
-      ->excludes(monthly)
-      ->excludes(by);
-  add_text("--after", options->after, "VOUCHER/LINE", "Goes on behind this line")
-      ->excludes(monthly)
-      ->excludes(by);
-  AddFormat(*command, options->format);
+  command.Text("--from", options->from, "DAY", "The first day, period or year [this year's]");
+  command.Text("--to", options->to, "DAY", "The last day, period or year [that year's]");
+  const Option monthly = command.Flag("--monthly", options->monthly, "A line for each period");
+  command.Flag("--unposted", options->unposted, "What is not posted too");
+  const Option by = command.Text("--by", options->by, "CLASS", "Item by item of this class");
+  command.Text("--item", options->item, "CLASS=NUMBER", "Only what is posted for this item")
+      .Excludes(by);
+  command.Whole("--count", options->count, "At most so many lines").Excludes(monthly).Excludes(by);
+  command.Text("--after", options->after, "VOUCHER/LINE", "Goes on behind this line")
+      .Excludes(monthly)
+      .Excludes(by);
+  AddFormat(command, options->format);
 }
 
 }  // namespace qdclgl::cli

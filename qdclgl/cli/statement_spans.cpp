@@ -24,15 +24,15 @@ Long LengthOf(const SpanOptions& options, Long periods, Long whole) {
 
 }  // namespace
 
-void AddSpanOptions(CLI::App& command, SpanOptions& options) {
-  AddWhole(command, "--year", options.year, "The accounting year [the books' current one]");
-  AddWhole(command, "--from", options.from, "The first period [the year's first]");
-  AddWhole(command, "--to", options.to, "The last period [the year's last]");
-  auto* monthly =
-      command.add_flag("--monthly", options.monthly, "A column for each period of the year");
-  command.add_flag("--quarterly", options.quarterly, "A column for each quarter of the year")
-      ->excludes(monthly);
-  command.add_flag("--compare", options.compare, "The same periods of the year before beside them");
+void AddSpanOptions(const Command& command, SpanOptions& options) {
+  command.Whole("--year", options.year, "The accounting year [the books' current one]");
+  command.Whole("--from", options.from, "The first period [the year's first]");
+  command.Whole("--to", options.to, "The last period [the year's last]");
+  const Option monthly =
+      command.Flag("--monthly", options.monthly, "A column for each period of the year");
+  command.Flag("--quarterly", options.quarterly, "A column for each quarter of the year")
+      .Excludes(monthly);
+  command.Flag("--compare", options.compare, "The same periods of the year before beside them");
 }
 
 std::string StatementSpan::ToText() const {

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "qdclgl/cli/command.h"
 #include "qdclgl/frame/values/values.h"
 
 namespace qdclgl::cli {
@@ -19,7 +20,7 @@ struct SpanOptions {
 };
 
 // --year, --from, --to, --monthly, --quarterly and --compare.
-void AddSpanOptions(CLI::App& command, SpanOptions& options);
+void AddSpanOptions(const Command& command, SpanOptions& options);
 
 struct StatementSpan {
   Long year, first, last;

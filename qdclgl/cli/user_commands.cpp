@@ -92,26 +92,23 @@ void AddUserCommand(Program& program) {
   const auto is_name = [](const std::string&, const std::vector<std::string>& rest) {
     return rest.empty() && !BookFromEnvironment().empty();
   };
-  CLI::App* command =
+  const Command command =
       program.AddForWords("user", "Makes or changes a user of the books", options->login,
                           options->names, {"NAME", "The user", is_name},
                           [options, &program] { return ChangeUser(*options, program.console()); });
-  command
-      ->add_option(
-          "--roles", options->roles,
-          "What the user may do: reader, preparer, checker, cashier, poster, administrator")
-      ->type_name("ROLES");
-  auto* set_password = command->add_flag("--set-password", options->set_password,
-                                         "Gives the password in QDCLGL_NEW_PASSWORD");
-  auto* no_password =
-      command->add_flag("--no-password", options->no_password, "Lets the user in without one");
-  auto* remove = command->add_flag("--remove", options->remove, "Removes the user");
-  auto* disable =
-      command->add_flag("--disable", options->disable, "Keeps the user from logging in");
-  auto* enable = command->add_flag("--enable", options->enable, "Lets the user log in again");
-  disable->excludes(enable);
-  no_password->excludes(set_password);
-  remove->excludes(disable)->excludes(enable);
+  command.Text("--roles", options->roles, "ROLES",
+               "What the user may do: reader, preparer, checker, cashier, poster, administrator");
+  const Option set_password = command.Flag("--set-password", options->set_password,
+                                           "Gives the password in QDCLGL_NEW_PASSWORD");
+  const Option no_password =
+      command.Flag("--no-password", options->no_password, "Lets the user in without one");
+  const Option remove = command.Flag("--remove", options->remove, "Removes the user");
+  const Option disable =
+      command.Flag("--disable", options->disable, "Keeps the user from logging in");
+  const Option enable = command.Flag("--enable", options->enable, "Lets the user log in again");
+  disable.Excludes(enable);
+  no_password.Excludes(set_password);
+  remove.Excludes(disable).Excludes(enable);
 }
 
 }  // namespace qdclgl::cli

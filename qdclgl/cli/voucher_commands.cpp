@@ -110,30 +110,19 @@ int PrintVoucher(const VoucherOptions& options, const Console& console) {
 // "2=850.50"
 void AddAmount(std::map<Long, Currency>& amounts, const std::string& text) {
   const std::size_t at = text.find('=');
-  if (at == text.npos) throw CLI::ValidationError("--amount", Quoted(text) + " is not LINE=AMOUNT");
+  if (at == text.npos) RefuseOption("--amount", Quoted(text) + " is not LINE=AMOUNT");
   try {
     amounts[ReadWhole(text.substr(0, at))] = ReadAmount(text.substr(at + 1));
   } catch (const BadCell& bad) {
-    throw CLI::ValidationError("--amount", bad.what());
+    RefuseOption("--amount", bad.what());
   }
 }
 
-void AddTemplateOptions(CLI::App& command, TemplateUse& use) {
-  CLI::Option* from = command.add_option("--from-template", use.name,
-                                         "Makes a voucher of a template, by its name or id");
-  from->type_name("TEMPLATE");
-  const auto add = [&](const std::string& name, const std::string& type, const std::string& help,
-                       auto take) {
-    command
-        .add_option_function<std::vector<std::string>>(
-            name,
-            [take](const std::vector<std::string>& texts) {
-              for (const std::string& text : texts) take(text);
-            },
-            help)
-        ->type_name(type)
-        ->allow_extra_args(false)
-        ->needs(from);
+void AddTemplateOptions(const Command& command, TemplateUse& use) {
+  const Option from = command.Text("--from-template", use.name, "TEMPLATE",
+                                   "Makes a voucher of a template, by its name or id");
+  const auto add = [&](const char* name, const char* type, const char* help, Command::Take take) {
+    command.ReadEach(name, std::move(take), type, help).Needs(from);
   };
   add("--amount", "LINE=AMOUNT", "The amount of a line, in its currency; may stand again",
       [&use](const std::string& text) { AddAmount(use.amounts, text); });
@@ -158,25 +147,25 @@ int RunStep(const Step& step, const Login& login, const std::vector<Long>& ids, 
 
 void AddVoucherCommands(Program& program) {
   const auto options = std::make_shared<VoucherOptions>();
-  CLI::App* command = program.AddForVouchers(
+  const Command command = program.AddForVouchers(
       "voucher", "Prints a voucher with its lines, or makes one of a template", options->login,
       options->ids, [options, &program] {
         return options->from.name.empty() ? PrintVoucher(*options, program.console())
                                           : MakeVoucher(*options, program.console());
       });
-  command->add_flag("--json", options->json, "Prints JSON");
-  AddTemplateOptions(*command, options->from);
+  command.Flag("--json", options->json, "Prints JSON");
+  AddTemplateOptions(command, options->from);
 
   for (const Step& step : Steps()) {
     if (&step == &StepNamed(kRemoval)) continue;  // removes other records too
     const auto step_options = std::make_shared<VoucherOptions>();
-    CLI::App* step_command =
+    const Command step_command =
         program.AddForVouchers(step.name, step.help, step_options->login, step_options->ids,
                                [step_options, &program, &step] {
                                  return RunStep(step, step_options->login, step_options->ids,
                                                 step_options->all, program.console());
                                });
-    step_command->add_flag("--all", step_options->all, "All vouchers that are ready for it");
+    step_command.Flag("--all", step_options->all, "All vouchers that are ready for it");
   }
 }
 

@@ -1,6 +1,7 @@
 // What a command line's last word could be, as the program tells it and as shells offer it.
 #include <gtest/gtest.h>
 
+#include <CLI/CLI.hpp>
 #include <filesystem>
 #include <iostream>
 #include <sstream>

@@ -62,7 +62,7 @@ class RecordBooks : public TestBooks {
 
 class RecordsTest : public ::testing::TestWithParam<DatabaseKind>, protected RecordBooks {
  protected:
-  RecordsTest() : RecordBooks(GetParam()) {}
+  explicit RecordsTest(DatabaseKind kind = GetParam()) : RecordBooks(kind) {}
 };
 
 // A value as text, objects by their class, and so the keys and values of a row.

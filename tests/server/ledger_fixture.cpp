@@ -4,7 +4,7 @@
 
 namespace qdclgl::server::testing {
 
-LedgerTest::LedgerTest() {
+LedgerTest::LedgerTest(DatabaseKind kind) : RecordsTest(kind) {
   const auto create = [&](std::string_view component, Cells cells) {
     auto row = Make<Dictionary>();
     for (const auto& [key, value] : cells) row->Put(RowKey(key), value);

@@ -19,7 +19,7 @@ class LedgerTest : public RecordsTest {
  protected:
   // Groups "Receipts" (1) and "Payments" (2); currency USD (2); accounts 1000 Cash, 2000 Bank,
   // 3000 Sales, 4000 Costs and, below it, 4000.01 Rent and 4000.02 Wages.
-  LedgerTest();
+  explicit LedgerTest(DatabaseKind kind = GetParam());
 
   using Cells = std::initializer_list<std::pair<std::string_view, Variant>>;
 

@@ -40,7 +40,7 @@ class Places {
   bool IsEndMet(int places) const { return step_ == 1 || places > about_ - kEnd / 2; }
 
  private:
-  static constexpr int kEnd = 8, kMiddle = 8;
+  static constexpr int kEnd = 4, kMiddle = 4;
   int about_, kind_;
   int step_ = 1;
 };
