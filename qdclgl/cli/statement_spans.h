@@ -1,7 +1,6 @@
 // The columns of a statement: which periods they have, as options say it and as people read it.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <string>
 #include <vector>
 

@@ -51,7 +51,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string written = file.Read();
   Require(platform.RegistrySetValue(key, name, value) == 0, "it can be written again");
   Require(file.Read() == written, "which changes nothing");
-  Require(platform.RegistrySetValue(key, name + "x", value) == 0, "another can be written");
+  // One that stands in the file already would be replaced, and its line with it.
+  std::string other = name + "x";
+  for (RegistryValue there; platform.RegistryQueryValue(key, other, 1 << 20, there) == 0;) {
+    other += 'x';
+  }
+  Require(platform.RegistrySetValue(key, other, value) == 0, "another can be written");
   Require(platform.RegistryQueryValue(key, name, 1 << 20, read) == 0 && read == value,
           "which leaves the first alone");
   // A file that the library wrote comes through a write unchanged, but for what is written.
