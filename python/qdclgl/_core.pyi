@@ -2984,6 +2984,16 @@ class Dictionary(Object, MutableMapping[str, Any]):
         """Whether a key was written or removed since tracking was last set or reset."""
     def ResetModified(self) -> None:
         """Clears the modified state."""
+    def Add(self, Key: str, Item: object) -> None:
+        """Adds a key with its value. Error 457 when the key is there already."""
+    def Exists(self, Key: str) -> bool:
+        """True when the key exists."""
+    def Items(self) -> _core.Vector:
+        """The values in the order of their keys, from index 0."""
+    def Keys(self) -> _core.Vector:
+        """The keys in order, from index 0."""
+    def NewEnum(self) -> _core.Enumerator:
+        """The keys in order, as they are now: what is added or removed later changes nothing."""
     def __init__(
         self, rows: object = ..., /, **more: Any
     ) -> None: ...
@@ -3016,6 +3026,8 @@ class Vector(Object, MutableSequence[Any]):
         """The element at Index. Error 9 outside."""
     def Clone(self) -> _core.Vector:
         """A shallow copy, unmodified, with the same lower bound."""
+    def NewEnum(self) -> _core.Enumerator:
+        """The elements in order, by their places: one that is added behind is come to, and when one is removed that was passed, the next is passed over."""
     def __init__(self, values: Iterable[Any] = ..., /) -> None: ...
     def __getitem__(self, index: Any) -> Any: ...
     def __setitem__(self, index: Any, value: Any) -> None: ...
@@ -3043,8 +3055,8 @@ class Collection(Object):
 
 class Recordset(Object):
     """Rows of a list with a cursor."""
-    def AddNew(self) -> None:
-        """Begins a new row behind the others and makes it the current one."""
+    def AddNew(self, FieldList: object = ..., Values: object = ...) -> None:
+        """Begins a new row behind the others and makes it the current one, with a value for a field by name or position, or with those of one Vector for the fields of another."""
     def Clone(self, LockType: int = ...) -> _core.Recordset:
         """Another cursor over the same rows, on the first one."""
     def Close(self) -> None:
@@ -3074,6 +3086,14 @@ class Recordset(Object):
     @property
     def State(self) -> int:
         """1 while the recordset is open, 0 while it is closed."""
+    def Delete(self, AffectRecords: int = ...) -> None:
+        """Takes the current row out, for all clones; there is no current row then until the cursor moves. The argument is 1, for the current row, or error 3001."""
+    def GetRows(self, Rows: int = ..., Start: object = ..., Fields: object = ...) -> _core.Vector:
+        """The values of so many rows (-1: all) from the current one (or 0), the first (1) or the last (2) on, by field and row from 0 each: a Vector for each of the fields, given by name or position or by a Vector of such, otherwise for all. The cursor moves behind them. Error 3021 without a current row."""
+    def MoveLast(self) -> None:
+        """Moves to the last row. Error 3021 when there is none."""
+    def MovePrevious(self) -> None:
+        """Moves to the row before or before the first one. Error 3021 when before it already."""
     def __init__(
         self, columns: Iterable[str] = ..., rows: Iterable[Sequence[Any]] = ...
     ) -> None: ...

@@ -17,19 +17,23 @@ String NameOf(Object& column) { return AnswerAs<String>(column, "Name"); }
 
 // The foreign object holds itself during a call; what is called last needs no more of this one.
 
-void ForeignRecordset::AddNew() { rows_->Call("AddNew"); }
-
 Ref<Recordset> ForeignRecordset::Clone(Long LockType) {
   return AnswerAs<Recordset>(*rows_, "Clone", LockType);
 }
 
 void ForeignRecordset::Close() { rows_->Call("Close"); }
 
+void ForeignRecordset::Delete(Long AffectRecords) { rows_->Call("Delete", AffectRecords); }
+
 void ForeignRecordset::Find(std::string_view Criteria) { rows_->Call("Find", Criteria); }
 
 void ForeignRecordset::MoveFirst() { rows_->Call("MoveFirst"); }
 
+void ForeignRecordset::MoveLast() { rows_->Call("MoveLast"); }
+
 void ForeignRecordset::MoveNext() { rows_->Call("MoveNext"); }
+
+void ForeignRecordset::MovePrevious() { rows_->Call("MovePrevious"); }
 
 void ForeignRecordset::Open() { rows_->Call("Open"); }
 
@@ -44,6 +48,8 @@ Long ForeignRecordset::RecordCount() const {
 }
 
 Long ForeignRecordset::State() const { return AnswerAs<Long>(*rows_, "State"); }
+
+void ForeignRecordset::BeginRow() { rows_->Call("AddNew"); }
 
 Ref<Dictionary> ForeignRecordset::Row() const {
   const Ref<Object> columns = Columns();

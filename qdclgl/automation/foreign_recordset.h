@@ -14,12 +14,14 @@ class ForeignRecordset final : public Recordset, public Foreign {
 
   IUnknown* object() const override { return rows_->object(); }
 
-  void AddNew() override;
   Ref<Recordset> Clone(Long LockType) override;
   void Close() override;
+  void Delete(Long AffectRecords) override;
   void Find(std::string_view Criteria) override;
   void MoveFirst() override;
+  void MoveLast() override;
   void MoveNext() override;
+  void MovePrevious() override;
   void Open() override;
   void Update() override;
   Boolean Bof() const override;
@@ -28,6 +30,7 @@ class ForeignRecordset final : public Recordset, public Foreign {
   Long RecordCount() const override;
   Long State() const override;
 
+  void BeginRow() override;
   Ref<Dictionary> Row() const override;
   Long FieldCount() const override;
   String FieldName(Long position) const override;

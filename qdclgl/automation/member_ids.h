@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "qdclgl/automation/com.h"
+#include "qdclgl/frame/containers/vector.h"
 #include "qdclgl/frame/objects/class_table.h"
 #include "qdclgl/frame/objects/enumeration.h"
 
@@ -13,6 +14,11 @@ namespace qdclgl::automation {
 // The member that For Each asks for an enumerator.
 inline bool IsEnumeration(const ClassMember& member) {
   return member.row.type == Enumerator::kClassName && member.parameters.empty();
+}
+
+// Whether the Vector that a member returns is an array to its callers.
+inline bool AnswersArray(const ClassMember& member) {
+  return member.row.options.array_dimensions > 0 && member.row.type == Vector::kClassName;
 }
 
 inline DISPID IdOfMember(const ClassMember& member) {

@@ -164,9 +164,12 @@ class Builder {
       value.tdesc = TypeOf(info, member.row.PutType());
       value.paramdesc.wParamFlags = PARAMFLAG_FIN;
       elements.push_back(value);
+    } else if (AnswersArray(member)) {
+      function.elemdescFunc.tdesc.vt = VT_VARIANT;
     } else {
       function.elemdescFunc.tdesc = TypeOf(info, member.row.type);
     }
+    if (member.row.options.is_hidden) function.wFuncFlags = FUNCFLAG_FHIDDEN;
     function.cParams = static_cast<SHORT>(elements.size());
     function.lprgelemdescParam = elements.data();
 

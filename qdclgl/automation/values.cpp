@@ -71,6 +71,29 @@ Decimal FromDecimal(const DECIMAL& value) {
   return Decimal(value.Hi32, value.Lo64, value.scale, (value.sign & DECIMAL_NEG) != 0);
 }
 
+// The elements of an array for as long as they are looked at; it stays where it is meanwhile.
+class OpenArray {
+ public:
+  explicit OpenArray(SAFEARRAY* array) : array_(array) {
+    if (FAILED(SafeArrayAccessData(array, &data_))) Mismatch();
+  }
+  ~OpenArray() { SafeArrayUnaccessData(array_); }
+  OpenArray(const OpenArray&) = delete;
+  OpenArray& operator=(const OpenArray&) = delete;
+
+  std::uint8_t* data() const { return static_cast<std::uint8_t*>(data_); }
+
+ private:
+  SAFEARRAY* array_;
+  void* data_ = nullptr;
+};
+
+// Null for a value that is no array, and for an array that was never given its bounds.
+SAFEARRAY* ArrayIn(const VARIANT& value) {
+  if ((value.vt & VT_ARRAY) == 0) return nullptr;
+  return (value.vt & VT_BYREF) != 0 ? *value.pparray : value.parray;
+}
+
 Variant FromArray(SAFEARRAY* array) {
   if (array == nullptr) Refuse("The array was never given its bounds.");
   if (SafeArrayGetDim(array) != 1) Refuse("Of arrays, those of one dimension are taken.");
@@ -79,11 +102,8 @@ Variant FromArray(SAFEARRAY* array) {
     Refuse("Of arrays, those of bytes are taken; a list of values is a Vector.");
   }
   const SAFEARRAYBOUND bound = array->rgsabound[0];
-  void* data = nullptr;
-  if (FAILED(SafeArrayAccessData(array, &data))) Mismatch();
-  Variant bytes(Bytes{{static_cast<const std::uint8_t*>(data), bound.cElements}, bound.lLbound});
-  SafeArrayUnaccessData(array);
-  return bytes;
+  const OpenArray open(array);
+  return Variant(Bytes{{open.data(), bound.cElements}, bound.lLbound});
 }
 
 Variant FromCode(SCODE code) {
@@ -125,10 +145,11 @@ void PutBytes(const Variant& value, VARIANT* destination) {
   const std::span<const std::uint8_t> bytes = value.BytesView();
   SAFEARRAY* array =
       SafeArrayCreateVector(VT_UI1, value.BytesLowerBound(), static_cast<ULONG>(bytes.size()));
-  void* data = nullptr;
-  if (array == nullptr || FAILED(SafeArrayAccessData(array, &data))) throw std::bad_alloc();
-  std::copy(bytes.begin(), bytes.end(), static_cast<std::uint8_t*>(data));
-  SafeArrayUnaccessData(array);
+  if (array == nullptr) throw std::bad_alloc();
+  {
+    const OpenArray open(array);
+    std::copy(bytes.begin(), bytes.end(), open.data());
+  }
   destination->vt = VT_ARRAY | VT_UI1;
   destination->parray = array;
 }
@@ -166,13 +187,59 @@ Variant FromVariant(const VARIANT& source, Taking taking) {
     case VT_DECIMAL: return FromDecimal(value.decVal);
     default: break;
   }
-  if ((value.vt & VT_ARRAY) != 0) {
-    return FromArray((value.vt & VT_BYREF) != 0 ? *value.pparray : value.parray);
-  }
+  if ((value.vt & VT_ARRAY) != 0) return FromArray(ArrayIn(value));
   if ((value.vt & VT_BYREF) != 0) {
     return FromPlain(static_cast<VARTYPE>(value.vt & ~VT_BYREF), value.byref, taking);
   }
   return FromPlain(value.vt, &value.bVal, taking);
+}
+
+Variant ListFromVariant(const VARIANT& source, Taking taking) {
+  const VARIANT& value = Dereferenced(source);
+  SAFEARRAY* array = ArrayIn(value);
+  VARTYPE element = VT_UI1;
+  if (array == nullptr || SafeArrayGetDim(array) != 1 ||
+      FAILED(SafeArrayGetVartype(array, &element)) || element == VT_UI1) {
+    return FromVariant(source, taking);
+  }
+  auto list = Make<Vector>();
+  list->LowerBound(array->rgsabound[0].lLbound);
+  const OpenArray open(array);
+  for (ULONG i = 0; i < array->rgsabound[0].cElements; ++i) {
+    const void* place = open.data() + std::size_t{i} * array->cbElements;
+    list->Append(element == VT_VARIANT ? FromVariant(*static_cast<const VARIANT*>(place), taking)
+                                       : FromPlain(element, place, taking));
+  }
+  return Variant(list);
+}
+
+void ToArray(const Vector& list, int dimensions, VARIANT* destination) {
+  const auto length = [](std::size_t size) { return static_cast<ULONG>(size); };
+  std::vector<const Vector*> columns;
+  if (dimensions == 2) {
+    for (std::size_t i = 0; i < list.size(); ++i) {
+      columns.push_back(static_cast<const Vector*>(list.at(i).ObjectPointer()));
+    }
+  }
+  SAFEARRAYBOUND bounds[] = {{length(list.size()), list.LowerBound()},
+                             {columns.empty() ? 0 : length(columns[0]->size()), 0}};
+  OwnedVariant made;
+  made->parray = SafeArrayCreate(VT_VARIANT, static_cast<UINT>(dimensions), bounds);
+  if (made->parray == nullptr) throw std::bad_alloc();
+  made->vt = VT_ARRAY | VT_VARIANT;
+  {
+    const OpenArray open(made->parray);
+    auto* place = reinterpret_cast<VARIANT*>(open.data());
+    if (dimensions == 1) {
+      for (std::size_t i = 0; i < list.size(); ++i) ToVariant(list.at(i), place++);
+    } else {
+      // The first index runs fastest.
+      for (std::size_t j = 0; j < bounds[1].cElements; ++j) {
+        for (const Vector* column : columns) ToVariant(column->at(j), place++);
+      }
+    }
+  }
+  std::swap(*destination, *made.get());
 }
 
 void ToVariant(const Variant& value, VARIANT* destination) {

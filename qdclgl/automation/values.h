@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "qdclgl/automation/crossing.h"
+#include "qdclgl/frame/containers/vector.h"
 #include "qdclgl/frame/objects/variant.h"
 
 namespace qdclgl::automation {
@@ -18,8 +19,16 @@ VARTYPE TypeOfWord(std::string_view word);
 // language has, and for references that lead nowhere or in a circle.
 Variant FromVariant(const VARIANT& source, Taking taking);
 
+// The same, with an array of one dimension, whatever but bytes it holds, as a Vector.
+Variant ListFromVariant(const VARIANT& source, Taking taking);
+
 // Puts `value` into an empty VARIANT.
 void ToVariant(const Variant& value, VARIANT* destination);
+
+// Puts a Vector into an empty VARIANT as an array of `dimensions`, one or two, from its own lower
+// bound on: for two, the element at (i, j) is the one at j of the Vector at i, which are all of one
+// length and begin at 0.
+void ToArray(const Vector& list, int dimensions, VARIANT* destination);
 
 // `value` as a variable of the type that a row's word names takes it. Errors 13 and 6.
 Variant ConvertedTo(const Variant& value, std::string_view word);

@@ -57,12 +57,17 @@ class Incoming {
     const UINT named = params_.cNamedArgs;
     const UINT values = named > 0 && params_.rgdispidNamedArgs[0] == DISPID_PROPERTYPUT ? 1 : 0;
     arguments_.reserve(count);
-    for (UINT i = count; i > named; --i) Add(i - 1, {});
-    if (values > 0) Add(0, {});
+    takes_lists_ = member.row.options.array_dimensions > 0;
+    const auto type_at = [&](std::size_t id) {
+      return id < member.parameters.size() ? member.parameters[id].type : member.row.PutType();
+    };
+    for (UINT i = count; i > named; --i) Add(i - 1, {}, type_at(count - i));
+    if (values > 0) Add(0, {}, member.row.PutType());
     for (UINT i = named; i > values; --i) {
       const auto id = static_cast<std::size_t>(params_.rgdispidNamedArgs[i - 1]);
-      Add(i - 1, id < member.parameters.size() ? std::string_view(member.parameters[id].name)
-                                               : kNoParameter);
+      const bool is_there = id < member.parameters.size();
+      Add(i - 1, is_there ? std::string_view(member.parameters[id].name) : kNoParameter,
+          type_at(id));
     }
   }
 
@@ -90,10 +95,13 @@ class Incoming {
 
   static constexpr std::string_view kNoParameter = "?";
 
-  void Add(UINT at, std::string_view name) {
+  void Add(UINT at, std::string_view name, std::string_view type) {
     place_ = at;
     const VARIANT& source = params_.rgvarg[at];
-    Variant given = FromVariant(source, Taking::kStandIn);
+    Variant given = takes_lists_ ? ListFromVariant(source, Taking::kStandIn)
+                                 : FromVariant(source, Taking::kStandIn);
+    // Not every language has a Nothing.
+    if ((given.IsEmpty() || given.IsNull()) && TypeOfWord(type) == VT_DISPATCH) given = Nothing;
     const bool by_ref = (source.vt & VT_BYREF) != 0;
     Argument argument = given;
     if (by_ref) {
@@ -112,6 +120,7 @@ class Incoming {
 
   const DISPPARAMS& params_;
   UINT place_ = 0;
+  bool takes_lists_ = false;
   std::vector<Value> values_;  // of the references; never grows beyond its first capacity
   std::vector<Argument> arguments_;
 };
@@ -428,6 +437,8 @@ HRESULT Wrapper::Call(DISPID id, LCID locale, WORD flags, DISPPARAMS& params, VA
   if (result == nullptr) return S_OK;
   if (IsEnumeration(*member)) {
     PutEnumeration(value.As<Enumerator>(), object_, *member, result);
+  } else if (AnswersArray(*member)) {
+    ToArray(*value.As<Vector>(), member->row.options.array_dimensions, result);
   } else {
     ToVariant(value, result);
   }

@@ -111,6 +111,66 @@ void Arrays() {
   Check(Text(Get(row, L"Value", {L"k"})), "BYTES");
 }
 
+void Lists() {
+  const auto rows = Create(L"QDL.Recordset");
+  const auto fields = Get(rows, L"Fields").object();
+  for (const wchar_t* name : {L"a", L"b"}) Get(fields, L"Append", {name});
+  Get(rows, L"Open");
+  const DISPID add = IdOf(rows.get(), L"AddNew");
+  SAFEARRAY* names = SafeArrayCreateVector(VT_BSTR, 5, 2);
+  static_cast<BSTR*>(names->pvData)[0] = SysAllocString(L"b");
+  static_cast<BSTR*>(names->pvData)[1] = SysAllocString(L"a");
+  SAFEARRAY* numbers = SafeArrayCreateVector(VT_I4, 0, 2);
+  static_cast<LONG*>(numbers->pvData)[0] = 70000;
+  static_cast<LONG*>(numbers->pvData)[1] = 7;
+  const auto array_of = [](VARTYPE type, SAFEARRAY* array) {
+    VARIANT value;
+    VariantInit(&value);
+    value.vt = static_cast<VARTYPE>(VT_ARRAY | type);
+    value.parray = array;
+    return value;
+  };
+
+  TestCase("a member that takes lists takes arrays of any type, by value and by reference");
+  Check(Text(Invoke(rows.get(), add, kRead, {array_of(VT_BSTR, names), array_of(VT_I4, numbers)})),
+        "Empty");
+  Check(
+      Text(Invoke(rows.get(), add, kRead,
+                  {Value::To(VT_ARRAY | VT_BSTR, &names), Value::To(VT_ARRAY | VT_I4, &numbers)})),
+      "Empty");
+  Check(Text(Get(rows, L"RecordCount")), "I4 2");
+  Check(Text(Get(Get(rows, L"Fields", {L"a"}).object(), L"Value")), "I4 7");
+  Check(Text(Get(Get(rows, L"Fields", {L"b"}).object(), L"Value")), "I4 70000");
+
+  TestCase("what is no list of values is refused there with words");
+  SAFEARRAYBOUND bounds[] = {{2, 0}, {3, 0}};
+  SAFEARRAY* table = SafeArrayCreate(VT_VARIANT, 2, bounds);
+  Check(
+      Text(Invoke(rows.get(), add, kRead, {array_of(VT_VARIANT, table), array_of(VT_I4, numbers)})),
+      "800A000D [QDCLGL] Of arrays, those of one dimension are taken.");
+  Check(Text(Invoke(rows.get(), add, kRead,
+                    {array_of(VT_VARIANT, nullptr), array_of(VT_I4, numbers)})),
+        "800A000D [QDCLGL] The array was never given its bounds.");
+  Check(Text(Get(rows, L"RecordCount")), "I4 2");
+  for (SAFEARRAY* array : {names, numbers, table}) SafeArrayDestroy(array);
+
+  TestCase("an array that a member answers has its own elements");
+  const auto row = Create(L"QDL.Dictionary");
+  Get(row, L"Add", {L"k", rows});
+  rows->AddRef();
+  const ULONG before = rows->Release();
+  {
+    const Outcome items = Get(row, L"Items");
+    Check(std::to_string((*items.result).vt), std::to_string(VT_ARRAY | VT_VARIANT));
+    const auto* elements = static_cast<const VARIANT*>((*items.result).parray->pvData);
+    Check(elements[0].pdispVal == rows.get(), "the element is the object itself");
+    rows->AddRef();
+    Check(rows->Release() == before + 1, "the array holds it");
+  }
+  rows->AddRef();
+  Check(rows->Release() == before, "and lets go of it");
+}
+
 void Errors() {
   const auto list = Create(L"QDL.Vector");
   const DISPID append = IdOf(list.get(), L"Append");
@@ -272,6 +332,7 @@ int main() {
   CoInitialize(nullptr);
   Texts();
   Arrays();
+  Lists();
   Errors();
   Objects();
   const int failed = Finish();

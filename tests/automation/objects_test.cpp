@@ -232,6 +232,25 @@ void TypeLibrary(const char* api_table) {
   }
   groups->ReleaseTypeAttr(attributes);
   Check(found, "I4 0");
+
+  TestCase("a Dictionary's enumerator is hidden, and its Keys are any value");
+  Com<ITypeInfo> row;
+  library->GetTypeInfoOfGuid(IdOfName("QDL._Dictionary"), row.Put());
+  row->GetTypeAttr(&attributes);
+  found.clear();
+  for (UINT i = 0; i < attributes->cFuncs; ++i) {
+    FUNCDESC* function = nullptr;
+    row->GetFuncDesc(i, &function);
+    const std::string member = NameOf(row.get(), function->memid);
+    if (member == "NewEnum" || member == "Keys" || member == "Exists") {
+      found += member + " " + std::to_string(function->memid) + " " +
+               std::to_string(function->wFuncFlags) + " " +
+               std::to_string(function->elemdescFunc.tdesc.vt) + ";";
+    }
+    row->ReleaseFuncDesc(function);
+  }
+  row->ReleaseTypeAttr(attributes);
+  Check(found, "Exists 12 0 11;Keys 14 0 12;NewEnum -4 64 13;");
 }
 
 // Creates an object of a class by its ProgID and asks it for every name of its interface. Returns

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <unordered_map>
 
+#include "qdclgl/frame/containers/vector.h"
 #include "qdclgl/frame/objects/class_table.h"
 #include "qdclgl/frame/platform/thread_own.h"
 
@@ -110,6 +111,35 @@ Ref<KeyList> KeyList::Removed(Ref<KeyList> list, std::uint32_t position) {
 
 // ---- Dictionary ----
 
+namespace {
+
+// The keys that a row had when the walk began.
+class WalkKeys final : public IWalkVariant {
+ public:
+  explicit WalkKeys(Ref<KeyList> keys) : keys_(std::move(keys)) {}
+  std::string_view ClassName() const override { return "WalkKeys"; }
+
+  void Next(Variant& Item, Boolean& Done) override {
+    if (position_ == Count()) return;
+    Item = keys_->name(position_++);
+    Done = true;
+  }
+  void Skip(Boolean& Done) override {
+    if (position_ == Count()) return;
+    ++position_;
+    Done = true;
+  }
+  void Reset() override { position_ = 0; }
+
+ private:
+  std::uint32_t Count() const { return keys_ ? keys_->size() : 0; }
+
+  Ref<KeyList> keys_;  // null when there were none
+  std::uint32_t position_ = 0;
+};
+
+}  // namespace
+
 Ref<Dictionary> Dictionary::Create(std::size_t capacity) {
   return Ref<Dictionary>(new (capacity) Dictionary(capacity));
 }
@@ -149,6 +179,32 @@ void Dictionary::Remove(std::string_view Key) {
 }
 
 Ref<Dictionary> Dictionary::Clone() { return CopyWith(nullptr); }
+
+void Dictionary::Add(std::string_view Key, Variant Item) {
+  if (Contains(Key)) {
+    throw Error(error_number::kDuplicateKey, "Dictionary",
+                "The key " + std::string(Key) + " is there already.");
+  }
+  Put(Key, std::move(Item));
+}
+
+Boolean Dictionary::Exists(std::string_view Key) { return Contains(Key); }
+
+Ref<Vector> Dictionary::Items() {
+  auto items = Make<Vector>();
+  items->LowerBound(0);
+  for (std::uint32_t i = 0; i < size(); ++i) items->Append(value_at(i));
+  return items;
+}
+
+Ref<Vector> Dictionary::Keys() {
+  auto keys = Make<Vector>();
+  keys->LowerBound(0);
+  for (std::uint32_t i = 0; i < size(); ++i) keys->Append(key_at(i));
+  return keys;
+}
+
+Ref<Enumerator> Dictionary::NewEnum() { return EnumFactory().CreateEnum(Make<WalkKeys>(keys_)); }
 
 Boolean Dictionary::Modified() const {
   return own_modified() || (track_nested_ && AnyElementTouched());

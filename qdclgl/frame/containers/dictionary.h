@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "qdclgl/frame/containers/tracked.h"
+#include "qdclgl/frame/objects/enumeration.h"
 #include "qdclgl/frame/objects/members.h"
 #include "qdclgl/frame/values/row_key.h"
 
@@ -83,6 +84,8 @@ class KeyList {
   Ref<KeyList> shorter_;  // for a list among the Growths: the one that it grew from
 };
 
+class Vector;
+
 class Dictionary : public Tracked {
   QD_MEMBERS(Dictionary, Object, Creatable, "An ordered map from text keys to values.")
 
@@ -106,6 +109,15 @@ class Dictionary : public Tracked {
   QD_PROPERTY(Get, Boolean, Modified,
               "Whether a key was written or removed since tracking was last set or reset.")
   QD_METHOD(void, ResetModified, (), "Clears the modified state.")
+  QD_METHOD(void, Add, (std::string_view Key, Variant Item),
+            "Adds a key with its value. Error 457 when the key is there already.")
+  QD_METHOD(Boolean, Exists, (std::string_view Key), "True when the key exists.")
+  QD_METHOD(Ref<Vector>, Items, (), "The values in the order of their keys, from index 0.",
+            ArrayOf(1))
+  QD_METHOD(Ref<Vector>, Keys, (), "The keys in order, from index 0.", ArrayOf(1))
+  QD_METHOD(Ref<Enumerator>, NewEnum, (),
+            "The keys in order, as they are now: what is added or removed later changes nothing.",
+            Hidden)
 
   static constexpr Container kContainer = Container::kDictionary;
 

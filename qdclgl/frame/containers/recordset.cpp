@@ -1,6 +1,10 @@
 #include "qdclgl/frame/containers/recordset.h"
 
+#include <algorithm>
+#include <numeric>
+
 #include "qdclgl/frame/containers/criterion.h"
+#include "qdclgl/frame/containers/vector.h"
 #include "qdclgl/frame/objects/class_table.h"
 #include "qdclgl/frame/objects/nesting.h"
 #include "qdclgl/frame/vocabulary/text.h"
@@ -39,6 +43,46 @@ class WalkFields final : public IWalkVariant {
   throw Error(error_number::kFieldNotFound, "Recordset", "No field " + std::string(what) + ".");
 }
 
+[[noreturn]] void NoCurrentRow() {
+  throw Error(error_number::kNoCurrentRow, "Recordset", "There is no current row.");
+}
+
+[[noreturn]] void BadArguments(std::string why) {
+  throw Error(error_number::kBadArguments, "Recordset", std::move(why));
+}
+
+// A column by name or by position from 0.
+Long PositionOf(const Recordset& recordset, const Variant& index) {
+  if (index.IsString()) return recordset.FieldPosition(index.TextView());
+  const Long position = CLng(index);
+  recordset.FieldName(position);  // raises 3265 outside
+  return position;
+}
+
+// The Vector that stands for several, null for one value.
+Ref<Vector> ListIn(const Variant& value) {
+  if (!value.IsObject()) return nullptr;
+  return Ref<Vector>(dynamic_cast<Vector*>(value.ObjectPointer()));
+}
+
+// The columns that are meant by one index or by a Vector of them.
+std::vector<Long> PositionsOf(const Recordset& recordset, const Variant& indexes) {
+  const Ref<Vector> list = ListIn(indexes);
+  if (!list) return {PositionOf(recordset, indexes)};
+  std::vector<Long> positions;
+  // An index that is an object is asked for its own value, by which the list may change.
+  for (std::size_t i = 0; i < list->size(); ++i) {
+    positions.push_back(PositionOf(recordset, Variant(list->at(i))));
+  }
+  return positions;
+}
+
+std::vector<Long> AllPositions(const Recordset& recordset) {
+  std::vector<Long> positions(static_cast<std::size_t>(recordset.FieldCount()));
+  std::iota(positions.begin(), positions.end(), 0);
+  return positions;
+}
+
 }  // namespace
 
 // ---- Recordset ----
@@ -58,14 +102,34 @@ void Recordset::RequireOpen() const {
 
 std::span<Variant> Recordset::CurrentRow() const {
   RequireOpen();
-  if (position_ >= rows_->count) {
-    throw Error(error_number::kNoCurrentRow, "Recordset", "There is no current row.");
-  }
+  if (position_ >= rows_->count || rows_->IsDeleted(position_)) NoCurrentRow();
   const std::size_t columns = rows_->columns->size();
   return std::span(rows_->cells).subspan(position_ * columns, columns);
 }
 
-void Recordset::AddNew() {
+void Recordset::AddNew(const Variant& FieldList, const Variant& Values) {
+  if (FieldList.IsMissing() != Values.IsMissing()) {
+    BadArguments("The fields of a new row and its values are given together.");
+  }
+  if (FieldList.IsMissing()) return BeginRow();
+  const std::vector<Long> positions = PositionsOf(*this, FieldList);
+  const Ref<Vector> list = ListIn(FieldList) ? ListIn(Values) : nullptr;
+  std::vector<Variant> values;
+  if (list) {
+    for (std::size_t i = 0; i < list->size(); ++i) values.push_back(list->at(i));
+  } else {
+    values.push_back(Values);
+  }
+  if (values.size() != positions.size()) {
+    BadArguments("A new row was given " + std::to_string(positions.size()) + " fields and " +
+                 std::to_string(values.size()) + " values.");
+  }
+  BeginRow();
+  for (std::size_t i = 0; i < values.size(); ++i) SetFieldValue(positions[i], std::move(values[i]));
+  Update();
+}
+
+void Recordset::BeginRow() {
   AddRow(std::vector<Variant>(rows_->columns->size(), Variant(Null)));
   position_ = rows_->count - 1;
 }
@@ -73,9 +137,8 @@ void Recordset::AddNew() {
 void Recordset::AddRow(std::vector<Variant> values) {
   RequireOpen();
   if (values.size() != rows_->columns->size()) {
-    throw Error(error_number::kBadArguments, "Recordset",
-                "A row of " + std::to_string(rows_->columns->size()) + " columns was given " +
-                    std::to_string(values.size()) + " values.");
+    BadArguments("A row of " + std::to_string(rows_->columns->size()) + " columns was given " +
+                 std::to_string(values.size()) + " values.");
   }
   rows_->cells.insert(rows_->cells.end(), std::make_move_iterator(values.begin()),
                       std::make_move_iterator(values.end()));
@@ -86,12 +149,25 @@ Ref<Recordset> Recordset::Clone(Long) {
   RequireOpen();
   auto clone = Make<Recordset>();
   clone->rows_ = rows_;
+  clone->position_ = rows_->RowFrom(0);
   return clone;
 }
 
 void Recordset::Close() {
   position_ = 0;
   rows_ = Make<Rows>();  // last: what ends with the former rows may use the recordset
+}
+
+void Recordset::Delete(Long AffectRecords) {
+  constexpr Long kCurrent = 1;
+  if (AffectRecords != kCurrent) BadArguments("The current row alone is deleted, which is 1.");
+  const std::span<Variant> row = CurrentRow();
+  // Released when the row is gone: what ends with its values may use the recordset.
+  const std::vector<Variant> values(std::make_move_iterator(row.begin()),
+                                    std::make_move_iterator(row.end()));
+  if (rows_->deleted.size() <= position_) rows_->deleted.resize(position_ + 1);
+  rows_->deleted[position_] = true;
+  ++rows_->deleted_count;
 }
 
 void Recordset::Find(std::string_view Criteria) {
@@ -104,25 +180,70 @@ void Recordset::Find(std::string_view Criteria) {
   const std::size_t columns = rows->columns->size();
   std::size_t position = position_;
   for (const std::size_t count = rows->count; position < count; ++position) {
+    if (rows->IsDeleted(position)) continue;
     const Variant value = rows->cells[position * columns + column];
     if (criterion.IsMetBy(value)) break;
   }
   position_ = position;
 }
 
-void Recordset::MoveFirst() {
-  const std::size_t before = std::exchange(position_, 0);
-  try {
-    CurrentRow();
-  } catch (...) {
-    position_ = before;
-    throw;
+Ref<Vector> Recordset::GetRows(Long row_count, const Variant& start, const Variant& indexes) {
+  constexpr Long kAll = -1, kCurrent = 0, kFirst = 1, kLast = 2;
+  if (row_count < 1 && row_count != kAll) BadArguments("So many rows are 1 or more, or all: -1.");
+  const Long from = start.IsMissing() ? kCurrent : CLng(start);
+  if (from < kCurrent || from > kLast) {
+    BadArguments("Rows are read from the current one (0), the first (1) or the last (2) on.");
   }
+  const std::vector<Long> positions =
+      indexes.IsMissing() ? AllPositions(*this) : PositionsOf(*this, indexes);
+  if (from == kFirst) MoveFirst();
+  if (from == kLast) MoveLast();
+  if (Bof() || Eof()) NoCurrentRow();
+
+  const auto new_list = [] {
+    auto list = Make<Vector>();
+    list->LowerBound(0);
+    return list;
+  };
+  std::vector<Ref<Vector>> columns;
+  for (std::size_t i = 0; i < positions.size(); ++i) columns.push_back(new_list());
+  for (Long row = 0; row != row_count && !Eof(); ++row) {
+    if (row >= kMostElements && row >= RecordCount()) {  // one of others may have no end
+      throw Error(error_number::kOverflow, "Recordset",
+                  "The recordset has more than " + std::to_string(kMostElements) + " rows.");
+    }
+    for (std::size_t i = 0; i < positions.size(); ++i) {
+      columns[i]->Append(FieldValue(positions[i]));
+    }
+    MoveNext();
+  }
+  Ref<Vector> result = new_list();
+  for (Ref<Vector>& column : columns) result->Append(Variant(std::move(column)));
+  return result;
 }
 
+// Moves to the row at a position. Error 3021, and the cursor stays, when there is none.
+void Recordset::MoveTo(std::size_t position) {
+  RequireOpen();
+  if (position >= rows_->count) NoCurrentRow();
+  position_ = position;
+}
+
+void Recordset::MoveFirst() { MoveTo(rows_->RowFrom(0)); }
+
+void Recordset::MoveLast() { MoveTo(rows_->RowBefore(rows_->count)); }
+
 void Recordset::MoveNext() {
-  CurrentRow();
-  ++position_;
+  RequireOpen();
+  if (position_ != kBeforeFirst && position_ >= rows_->count) NoCurrentRow();
+  position_ = rows_->RowFrom(position_ + 1);
+}
+
+void Recordset::MovePrevious() {
+  RequireOpen();
+  const std::size_t position = std::min(position_, rows_->count);
+  if (position_ == kBeforeFirst || (position == rows_->count && rows_->IsEmpty())) NoCurrentRow();
+  position_ = rows_->RowBefore(position);
 }
 
 void Recordset::Open() { rows_->open = true; }
@@ -131,12 +252,12 @@ void Recordset::Update() { CurrentRow(); }
 
 Boolean Recordset::Bof() const {
   RequireOpen();
-  return rows_->count == 0;
+  return position_ == kBeforeFirst || rows_->IsEmpty();
 }
 
 Boolean Recordset::Eof() const {
   RequireOpen();
-  return position_ >= rows_->count;
+  return (position_ != kBeforeFirst && position_ >= rows_->count) || rows_->IsEmpty();
 }
 
 Ref<Fields> Recordset::Fields() const {
@@ -145,7 +266,7 @@ Ref<Fields> Recordset::Fields() const {
 
 Long Recordset::RecordCount() const {
   RequireOpen();
-  return static_cast<Long>(rows_->count);
+  return static_cast<Long>(rows_->count - rows_->deleted_count);
 }
 
 Long Recordset::State() const { return rows_->open ? 1 : 0; }
@@ -173,13 +294,11 @@ void Recordset::SetFieldValue(Long position, Variant value) {
 
 void Recordset::AppendField(std::string_view name) {
   if (rows_->open) {
-    throw Error(error_number::kBadArguments, "Recordset",
-                "Fields are appended before the recordset is opened.");
+    BadArguments("Fields are appended before the recordset is opened.");
   }
   for (Long i = 0; i < Recordset::FieldCount(); ++i) {
     if (EqualsIgnoringAsciiCase(Recordset::FieldName(i), name)) {
-      throw Error(error_number::kBadArguments, "Recordset",
-                  "There is a field " + std::string(name) + " already.");
+      BadArguments("There is a field " + std::string(name) + " already.");
     }
   }
   rows_->columns = KeyList::Appended(std::move(rows_->columns), name);
@@ -207,12 +326,7 @@ Ref<Enumerator> Fields::NewEnum() { return EnumFactory().CreateEnum(Make<WalkFie
 Long Fields::Count() const { return recordset_->FieldCount(); }
 
 Ref<Field> Fields::Item(const Variant& Index) const {
-  if (Index.IsString()) {
-    return Make<Field>(recordset_, recordset_->FieldPosition(Index.TextView()));
-  }
-  const Long position = CLng(Index);
-  recordset_->FieldName(position);  // raises 3265 outside
-  return Make<Field>(recordset_, position);
+  return Make<Field>(recordset_, PositionOf(*recordset_, Index));
 }
 
 Ref<Dictionary> RowToDictionary(const Ref<Recordset>& rs) {

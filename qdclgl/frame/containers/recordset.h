@@ -1,8 +1,10 @@
 // Rows of a list, as a server component hands them out.
 //
-// The rows lie in memory; clones share them and have a cursor each. The members are virtual, so
-// that a recordset of another library can stand in. Errors: 3021 no current row, 3265 no such
-// field, 3001 a refused argument or criterion, 3704 the recordset is closed.
+// The rows lie in memory; clones share them and have a cursor each. A row that is deleted is gone
+// for all of them: a cursor that stands on it has no current row until it moves, to the row behind
+// or before. The members are virtual, so that a recordset of another library can stand in. Errors:
+// 3021 no current row, 3265 no such field, 3001 a refused argument or criterion, 3704 the recordset
+// is closed.
 #pragma once
 
 #include <initializer_list>
@@ -17,13 +19,16 @@
 namespace qdclgl {
 
 class Fields;
+class Vector;
 
 class Recordset : public Object {
   QD_MEMBERS(Recordset, Object, Creatable, "Rows of a list with a cursor.")
 
  public:
-  virtual QD_METHOD(void, AddNew, (),
-                    "Begins a new row behind the others and makes it the current one.")
+  QD_METHOD(void, AddNew, (const Variant& FieldList = Missing, const Variant& Values = Missing),
+            "Begins a new row behind the others and makes it the current one, with a value for a "
+            "field by name or position, or with those of one Vector for the fields of another.",
+            ArrayOf(1))
   virtual QD_METHOD(Ref<Recordset>, Clone, (Long LockType = -1),
                     "Another cursor over the same rows, on the first one.")
   virtual QD_METHOD(void, Close, (), "Gives up the rows.")
@@ -41,9 +46,23 @@ class Recordset : public Object {
                       "True when the cursor stands before the first row, as it does without rows.")
   virtual QD_PROPERTY(Get, Boolean, Eof, "True when the cursor stands behind the last row.")
   virtual QD_PROPERTY(Get, Ref<qdclgl::Fields>, Fields,
-                      "The columns, with the values of the current row.")
+                      "The columns, with the values of the current row.", DefaultMember)
   virtual QD_PROPERTY(Get, Long, RecordCount, "The number of rows.")
   virtual QD_PROPERTY(Get, Long, State, "1 while the recordset is open, 0 while it is closed.")
+  virtual QD_METHOD(void, Delete, (Long AffectRecords = 1),
+                    "Takes the current row out, for all clones; there is no current row then until "
+                    "the cursor moves. The argument is 1, for the current row, or error 3001.")
+  QD_METHOD(Ref<Vector>, GetRows,
+            (Long Rows = -1, const Variant& Start = Missing, const Variant& Fields = Missing),
+            "The values of so many rows (-1: all) from the current one (or 0), the first (1) or "
+            "the last (2) on, by field and row from 0 each: a Vector for each of the fields, given "
+            "by name or position or by a Vector of such, otherwise for all. The cursor moves "
+            "behind them. Error 3021 without a current row.",
+            ArrayOf(2))
+  virtual QD_METHOD(void, MoveLast, (), "Moves to the last row. Error 3021 when there is none.")
+  virtual QD_METHOD(void, MovePrevious, (),
+                    "Moves to the row before or before the first one. Error 3021 when before it "
+                    "already.")
 
   // A closed recordset without fields.
   Recordset() : rows_(Make<Rows>()) {}
@@ -52,6 +71,8 @@ class Recordset : public Object {
 
   // Adds a whole row, a value for each column in order. The cursor stays.
   void AddRow(std::vector<Variant> values);
+  // Adds a row of Nulls and makes it the current one.
+  virtual void BeginRow();
   // The current row as a new Dictionary, keys in column order. Error 3021 without one.
   virtual Ref<Dictionary> Row() const;
 
@@ -65,12 +86,29 @@ class Recordset : public Object {
   Long FieldPosition(std::string_view name) const;
 
  private:
+  static constexpr std::size_t kBeforeFirst = SIZE_MAX;  // one step before position 0
+
   struct Rows {
     mutable std::uint32_t references = 0;
     bool open = false;
     Ref<KeyList> columns = Make<KeyList>();
     std::vector<Variant> cells;  // row after row
-    std::size_t count = 0;
+    std::size_t count = 0;       // with the deleted ones, which keep their places
+    std::vector<bool> deleted;   // as far as the last deleted row
+    std::size_t deleted_count = 0;
+
+    bool IsDeleted(std::size_t row) const { return row < deleted.size() && deleted[row]; }
+    bool IsEmpty() const { return count == deleted_count; }
+    // The row at a position or the next one behind, `count` when there is none.
+    std::size_t RowFrom(std::size_t position) const {
+      while (IsDeleted(position)) ++position;
+      return position;
+    }
+    std::size_t RowBefore(std::size_t position) const {
+      do --position;
+      while (position != kBeforeFirst && IsDeleted(position));
+      return position;
+    }
 
     void AddRef() const { ++references; }
     void Release() const {
@@ -79,6 +117,7 @@ class Recordset : public Object {
   };
 
   void RequireOpen() const;
+  void MoveTo(std::size_t position);
   // The cells of the current row. Error 3021 without one.
   std::span<Variant> CurrentRow() const;
 

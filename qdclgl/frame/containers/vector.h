@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "qdclgl/frame/containers/tracked.h"
+#include "qdclgl/frame/objects/enumeration.h"
 #include "qdclgl/frame/objects/members.h"
 
 namespace qdclgl {
@@ -25,6 +26,10 @@ class Vector : public Tracked {
   QD_INDEXED(GetLetSet, Variant, Item, (Long Index), "The element at Index. Error 9 outside.",
              DefaultMember)
   QD_METHOD(Ref<Vector>, Clone, (), "A shallow copy, unmodified, with the same lower bound.")
+  QD_METHOD(Ref<Enumerator>, NewEnum, (),
+            "The elements in order, by their places: one that is added behind is come to, and when "
+            "one is removed that was passed, the next is passed over.",
+            Hidden)
 
   static constexpr Container kContainer = Container::kVector;
 

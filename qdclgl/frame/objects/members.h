@@ -32,7 +32,10 @@
 // from it. Behind the help text may stand Default(x), the value that an absent, Null or empty key
 // reads as (otherwise zero, empty text or Nothing); NoDefault, for a member that reads the text of
 // its key's value, so that an absent, Null or empty key is no number (error 13); Clear(x), the
-// value whose writing removes the key; DefaultMember, for the member that stands for the object.
+// value whose writing removes the key; DefaultMember, for the member that stands for the object;
+// ArrayOf(n), for a member whose Vectors are arrays to callers that know such: what it returns is
+// one of n dimensions (two: a Vector of Vectors of one length), what it is given has one; Hidden,
+// for a member that a list of members leaves out.
 #pragma once
 
 #include <array>
@@ -112,6 +115,12 @@ struct NoDefaultTag {};
 inline constexpr NoDefaultTag NoDefault;
 struct DefaultMemberTag {};
 inline constexpr DefaultMemberTag DefaultMember;
+struct ArrayOf {
+  int dimensions;
+  constexpr explicit ArrayOf(int count) : dimensions(count) {}
+};
+struct HiddenTag {};
+inline constexpr HiddenTag Hidden;
 
 }  // namespace row_options
 
@@ -120,6 +129,8 @@ struct RowOptions {
   RowLiteral clear_value;
   bool has_default = true;
   bool is_default_member = false;
+  int array_dimensions = 0;
+  bool is_hidden = false;
 
   constexpr RowOptions() = default;
   template <class... Options>
@@ -132,6 +143,8 @@ struct RowOptions {
   constexpr void Apply(row_options::Clear option) { clear_value = option.value; }
   constexpr void Apply(row_options::NoDefaultTag) { has_default = false; }
   constexpr void Apply(row_options::DefaultMemberTag) { is_default_member = true; }
+  constexpr void Apply(row_options::ArrayOf option) { array_dimensions = option.dimensions; }
+  constexpr void Apply(row_options::HiddenTag) { is_hidden = true; }
 };
 
 // ---- The row itself ----

@@ -622,6 +622,66 @@ TEST(DictionaryKeys, RowsOfARecordsetOutliveIt) {
 
 // ---- Late-bound calls ----
 
+// ---- As script programmers know such ----
+
+TEST(Dictionary, AddTakesNewKeysOnly) {
+  const auto row = Make<Dictionary>();
+  row->Add("a", Long{1});
+  row->Add("A", Null);
+  row->ResetModified();
+  EXPECT_EQ(ErrorOf([&] { row->Add("a", Long{2}); }),
+            "error 457 (Dictionary): The key a is there already.");
+  EXPECT_EQ(StateText(Variant(row)), "{a: 1, A: Null}");
+  EXPECT_FALSE(row->Modified());
+  row->Add("b", Long{2});
+  EXPECT_TRUE(row->Modified());
+}
+
+TEST(Dictionary, KeysAndItemsAreListsFromIndexZeroThatStayAsTheyAre) {
+  const auto row = Row({{"a", Long{1}}, {"b", Null}});
+  const auto keys = row->Keys();
+  const auto items = row->Items();
+  row->Remove("a");
+  row->Value("c", Long{3});
+  EXPECT_EQ(StateText(keys->Item(0)) + StateText(keys->Item(1)), "\"a\"\"b\"");
+  EXPECT_EQ(StateText(items->Item(0)) + StateText(items->Item(1)), "1Null");
+  EXPECT_EQ(keys->UpperBound(), 1);
+  EXPECT_EQ(items->UpperBound(), 1);
+  const auto none = Make<Dictionary>();
+  EXPECT_EQ(none->Keys()->UpperBound(), -1);
+  EXPECT_EQ(none->Items()->UpperBound(), -1);
+}
+
+TEST(Dictionary, AWalkPassesTheKeysThatWereThereAtItsBeginning) {
+  const auto row = Row({{"a", Long{1}}, {"b", Long{2}}, {"c", Long{3}}});
+  const auto walk = row->NewEnum();
+  std::string passed;
+  for (Variant key; walk->Next(key);) {
+    passed += CStr(key);
+    row->Remove(CStr(key));
+    row->Value("new " + CStr(key), Null);
+  }
+  EXPECT_EQ(passed, "abc");
+  EXPECT_EQ(StateText(Variant(row)), "{new a: Null, new b: Null, new c: Null}");
+  walk->Reset();
+  EXPECT_TRUE(walk->Skip(2));
+  Variant last;
+  EXPECT_TRUE(walk->Next(last));
+  EXPECT_EQ(StateText(last), "\"c\"");
+  EXPECT_FALSE(walk->Skip(1));
+}
+
+TEST(Dictionary, AWalkOutlivesItsDictionaryAndAnEmptyOneEndsAtOnce) {
+  auto row = Row({{"a", Long{1}}});
+  const auto walk = row->NewEnum();
+  row = nullptr;
+  Variant key;
+  EXPECT_TRUE(walk->Next(key));
+  EXPECT_EQ(StateText(key), "\"a\"");
+  EXPECT_FALSE(walk->Next(key));
+  EXPECT_FALSE(Make<Dictionary>()->NewEnum()->Next(key));
+}
+
 TEST(DictionaryLateBound, EveryMemberAnswersToItsName) {
   const auto row = Make<Dictionary>();
   row->Let("Value", "a", Long{1});
@@ -643,6 +703,12 @@ TEST(DictionaryLateBound, EveryMemberAnswersToItsName) {
   row->Let("Value", "a", Long{2});
   row->Call("SetTrackState", Long{0});
   EXPECT_EQ(State(row), "{a: 2, c: Null}");
+  row->Call("Add", "d", Long{4});
+  EXPECT_EQ(StateText(row->Call("Exists", "d")), "True");
+  EXPECT_EQ(StateText(row->Call("Exists", "D")), "False");
+  EXPECT_EQ(row->Call("Keys").As<Vector>()->Count(), 3);
+  EXPECT_EQ(row->Call("Items").As<Vector>()->Count(), 3);
+  EXPECT_EQ(StateText(row->Call("NewEnum")), "<IEnumVARIANT>");
 }
 
 TEST(DictionaryLateBound, TakesNamedArgumentsInAnyOrder) {
@@ -669,8 +735,8 @@ TEST(DictionaryLateBound, ConvertsItsArguments) {
 
 TEST(DictionaryLateBound, RefusesWhatIsNoMemberOrNotUsedThisWay) {
   const auto row = Make<Dictionary>();
-  EXPECT_EQ(ErrorOf([&] { row->Call("Exists", "a"); }),
-            "error 438 (Dictionary): No member Exists.");
+  EXPECT_EQ(ErrorOf([&] { row->Call("Contains", "a"); }),
+            "error 438 (Dictionary): No member Contains.");
   EXPECT_EQ(ErrorOf([&] { row->Let("Count", Long{1}); }),
             "error 438 (Dictionary): The member Count can't be used this way.");
   EXPECT_EQ(ErrorOf([&] { row->Let("Modified", true); }),

@@ -4,6 +4,7 @@
 
 #include <functional>
 
+#include "qdclgl/frame/containers/vector.h"
 #include "tests/support/state_text.h"
 #include "tests/support/test_objects.h"
 
@@ -26,6 +27,23 @@ Ref<Recordset> Groups() {
 }
 
 std::string Text(const Ref<Recordset>& list) { return StateText(Variant(list)); }
+
+Ref<Vector> List(std::initializer_list<Variant> elements) {
+  auto list = Make<Vector>();
+  for (const Variant& element : elements) list->Append(element);
+  return list;
+}
+
+// What GetRows has read, by the indexes it is told to have: `1;2;|"a";"b";|`.
+std::string Flat(const Ref<Vector>& columns) {
+  std::string text;
+  for (Long i = 0; i < columns->Count(); ++i) {
+    const auto column = columns->Item(i).As<Vector>();
+    for (Long j = 0; j < column->Count(); ++j) text += StateText(column->Item(j)) + ";";
+    text += "|";
+  }
+  return text;
+}
 
 std::string Current(const Ref<Recordset>& list) {
   return list->Eof() ? "end" : StateText(Variant(list->Row()));
@@ -64,10 +82,15 @@ TEST(Recordset, EveryUseOfRowsNeedsAnOpenOne) {
   list->AppendField("FID");
   const std::function<void()> uses[] = {
       [&] { list->AddNew(); },
+      [&] { list->AddNew("FID", Long{1}); },
       [&] { list->Clone(); },
+      [&] { list->Delete(); },
       [&] { list->Find("FID = 1"); },
+      [&] { list->GetRows(); },
       [&] { list->MoveFirst(); },
+      [&] { list->MoveLast(); },
       [&] { list->MoveNext(); },
+      [&] { list->MovePrevious(); },
       [&] { list->Update(); },
       [&] { list->Bof(); },
       [&] { list->Eof(); },
@@ -118,6 +141,28 @@ TEST(Recordset, MovesToTheNextRowAndBehindTheLast) {
   EXPECT_EQ(Current(list), "{FGroupID: 1, FName: \"Receipts\"}");
 }
 
+TEST(Recordset, MovesToTheRowBeforeAndBeforeTheFirst) {
+  const auto list = Groups();
+  list->MoveLast();
+  EXPECT_EQ(Current(list), "{FGroupID: 3, FName: Null}");
+  list->MoveNext();
+  list->MovePrevious();
+  EXPECT_EQ(Current(list), "{FGroupID: 3, FName: Null}");
+  list->MovePrevious();
+  list->MovePrevious();
+  EXPECT_EQ(Current(list), "{FGroupID: 1, FName: \"Receipts\"}");
+  EXPECT_FALSE(list->Bof());
+  list->MovePrevious();
+  EXPECT_TRUE(list->Bof());
+  EXPECT_FALSE(list->Eof());
+  EXPECT_EQ(ErrorOf([&] { list->Row(); }), kNoRow);
+  EXPECT_EQ(ErrorOf([&] { list->GetRows(); }), kNoRow);
+  EXPECT_EQ(ErrorOf([&] { list->MovePrevious(); }), kNoRow);
+  EXPECT_TRUE(list->Bof());
+  list->MoveNext();
+  EXPECT_EQ(Current(list), "{FGroupID: 1, FName: \"Receipts\"}");
+}
+
 TEST(Recordset, WithoutRowsStandsBeforeTheFirstAndBehindTheLast) {
   const auto list = Recordset::Create({"FID"});
   EXPECT_TRUE(list->Bof());
@@ -125,6 +170,10 @@ TEST(Recordset, WithoutRowsStandsBeforeTheFirstAndBehindTheLast) {
   EXPECT_EQ(list->RecordCount(), 0);
   EXPECT_EQ(ErrorOf([&] { list->MoveFirst(); }), kNoRow);
   EXPECT_EQ(ErrorOf([&] { list->MoveNext(); }), kNoRow);
+  EXPECT_EQ(ErrorOf([&] { list->MoveLast(); }), kNoRow);
+  EXPECT_EQ(ErrorOf([&] { list->MovePrevious(); }), kNoRow);
+  EXPECT_EQ(ErrorOf([&] { list->Delete(); }), kNoRow);
+  EXPECT_EQ(ErrorOf([&] { list->GetRows(); }), kNoRow);
   EXPECT_EQ(ErrorOf([&] { list->Row(); }), kNoRow);
   EXPECT_EQ(ErrorOf([&] { list->Update(); }), kNoRow);
   EXPECT_EQ(ErrorOf([&] { list->Find("FID = 1"); }), kNoRow);
@@ -138,6 +187,8 @@ TEST(Recordset, BehindTheLastRowThereIsNoCurrentOne) {
       [&] { list->FieldValue(0); },
       [&] { list->SetFieldValue(0, Long{1}); },
       [&] { list->Update(); },
+      [&] { list->Delete(); },
+      [&] { list->GetRows(); },
       [&] { list->Find("FGroupID = 1"); },
       [&] { RowToDictionary(list); },
       [&] { list->Fields()->Item("FName")->Value(); },
@@ -190,6 +241,185 @@ TEST(Recordset, ARowIsACopyThatKeepsItsValues) {
   row->Remove("FName");
   EXPECT_EQ(StateText(Variant(row)), "{FGroupID: 9}");
   EXPECT_EQ(Current(list), "{FGroupID: 1, FName: \"Income\"}");
+}
+
+TEST(Recordset, AddNewFillsTheNewRowFromAFieldOrAListOfFields) {
+  const auto list = Groups();
+  list->AddNew("fname", "Transfers");
+  EXPECT_EQ(Current(list), "{FGroupID: Null, FName: \"Transfers\"}");
+  list->AddNew(List({Long{1}, "FGroupID"}), List({"Others", Long{5}}));
+  EXPECT_EQ(Current(list), "{FGroupID: 5, FName: \"Others\"}");
+  list->MovePrevious();
+  EXPECT_EQ(Current(list), "{FGroupID: Null, FName: \"Transfers\"}");
+  EXPECT_EQ(list->RecordCount(), 5);
+}
+
+TEST(Recordset, AnAddNewThatIsRefusedAddsNothing) {
+  const auto list = Groups();
+  EXPECT_EQ(ErrorOf([&] { list->AddNew("FNo", Long{1}); }),
+            "error 3265 (Recordset): No field FNo.");
+  EXPECT_EQ(ErrorOf([&] {
+              list->AddNew(List({Long{0}, "FNo"}), List({Long{1}, Long{2}}));
+            }),
+            "error 3265 (Recordset): No field FNo.");
+  EXPECT_EQ(ErrorOf([&] { list->AddNew("FName"); }),
+            "error 3001 (Recordset): The fields of a new row and its values are given together.");
+  EXPECT_EQ(ErrorOf([&] { list->AddNew(Missing, "x"); }),
+            "error 3001 (Recordset): The fields of a new row and its values are given together.");
+  EXPECT_EQ(ErrorOf([&] {
+              list->AddNew(List({"FGroupID", "FName"}), List({Long{1}}));
+            }),
+            "error 3001 (Recordset): A new row was given 2 fields and 1 values.");
+  EXPECT_EQ(list->RecordCount(), 3);
+  EXPECT_EQ(Current(list), "{FGroupID: 1, FName: \"Receipts\"}");
+}
+
+// ---- Deleting ----
+
+TEST(Recordset, ADeletedRowIsGoneFromAllClones) {
+  const auto list = Groups();
+  const auto clone = list->Clone();
+  list->MoveNext();
+  list->Delete();
+  EXPECT_EQ(Text(list), "recordset{FGroupID, FName | 1, \"Receipts\" | 3, Null}");
+  EXPECT_EQ(Text(clone), Text(list));
+  EXPECT_EQ(clone->RecordCount(), 2);
+  clone->MoveNext();
+  EXPECT_EQ(Current(clone), "{FGroupID: 3, FName: Null}");
+  clone->MovePrevious();
+  EXPECT_EQ(Current(clone), "{FGroupID: 1, FName: \"Receipts\"}");
+}
+
+TEST(Recordset, ACursorOnADeletedRowHasNoCurrentOneUntilItMoves) {
+  for (const bool on_the_clone : {false, true}) {
+    const auto list = Groups();
+    list->MoveNext();
+    const auto other = list->Clone();
+    other->MoveNext();
+    (on_the_clone ? other : list)->Delete();
+    const std::function<void()> uses[] = {
+        [&] { list->Row(); },     [&] { list->SetFieldValue(0, Long{1}); }, [&] { list->Delete(); },
+        [&] { list->GetRows(); }, [&] { list->Find("FGroupID = 3"); },
+    };
+    for (const auto& use : uses) EXPECT_EQ(ErrorOf(use), kNoRow);
+    EXPECT_FALSE(list->Eof());
+    list->MoveNext();
+    EXPECT_EQ(Current(list), "{FGroupID: 3, FName: Null}");
+    other->MovePrevious();
+    EXPECT_EQ(Current(other), "{FGroupID: 1, FName: \"Receipts\"}");
+  }
+}
+
+TEST(Recordset, AllRowsAreDeletedOnTheWayThrough) {
+  const auto list = Groups();
+  const auto clone = list->Clone();
+  int deleted = 0;
+  for (; !list->Eof(); ++deleted) {
+    list->Delete();
+    list->MoveNext();
+  }
+  EXPECT_EQ(deleted, 3);
+  EXPECT_EQ(Text(list), "recordset{FGroupID, FName}");
+  EXPECT_TRUE(list->Bof());
+  for (const auto& cursor : {list, clone, list->Clone()}) {
+    EXPECT_TRUE(cursor->Bof());
+    EXPECT_TRUE(cursor->Eof());
+    EXPECT_EQ(ErrorOf([&] { cursor->MoveFirst(); }), kNoRow);
+    EXPECT_EQ(ErrorOf([&] { cursor->MoveLast(); }), kNoRow);
+  }
+  EXPECT_EQ(ErrorOf([&] { list->MoveNext(); }), kNoRow);
+  EXPECT_EQ(ErrorOf([&] { list->MovePrevious(); }), kNoRow);
+  list->AddNew("FGroupID", Long{7});
+  EXPECT_EQ(Text(clone), "recordset{FGroupID, FName | 7, Null}");
+  clone->MoveFirst();
+  EXPECT_EQ(Current(clone), "{FGroupID: 7, FName: Null}");
+}
+
+TEST(Recordset, DeletedRowsAreNeitherFoundNorFirstNorLast) {
+  const auto list = Groups();
+  list->Delete();
+  list->MoveLast();
+  list->Delete();
+  EXPECT_EQ(Current(list->Clone()), "{FGroupID: 2, FName: \"Payments\"}");
+  list->MoveFirst();
+  EXPECT_EQ(Current(list), "{FGroupID: 2, FName: \"Payments\"}");
+  list->Find("FGroupID >= 3");
+  EXPECT_EQ(Current(list), "end");
+  list->MoveLast();
+  EXPECT_EQ(Current(list), "{FGroupID: 2, FName: \"Payments\"}");
+}
+
+TEST(Recordset, DeletesTheCurrentRowOnly) {
+  const auto list = Groups();
+  EXPECT_EQ(ErrorOf([&] { list->Delete(Long{2}); }),
+            "error 3001 (Recordset): The current row alone is deleted, which is 1.");
+  EXPECT_EQ(list->RecordCount(), 3);
+  list->Delete(Long{1});
+  EXPECT_EQ(list->RecordCount(), 2);
+}
+
+TEST(Recordset, ADeletedRowGivesUpItsValues) {
+  const auto object = Make<Opaque>();
+  const auto list = Recordset::Create({"F"});
+  list->AddRow({object});
+  EXPECT_EQ(object->holders(), 2);
+  list->Delete();
+  EXPECT_EQ(object->holders(), 1);
+}
+
+// ---- GetRows ----
+
+TEST(Recordset, GetRowsReadsTheRestByFieldAndRow) {
+  const auto list = Groups();
+  list->MoveNext();
+  EXPECT_EQ(Flat(list->GetRows()), "2;3;|\"Payments\";Null;|");
+  EXPECT_TRUE(list->Eof());
+  EXPECT_EQ(ErrorOf([&] { list->GetRows(); }), kNoRow);
+}
+
+TEST(Recordset, GetRowsReadsSomeRowsAndFieldsFromAPlace) {
+  const auto list = Groups();
+  EXPECT_EQ(Flat(list->GetRows(1)), "1;|\"Receipts\";|");
+  EXPECT_EQ(Current(list), "{FGroupID: 2, FName: \"Payments\"}");
+  EXPECT_EQ(Flat(list->GetRows(9, Long{0}, "FName")), "\"Payments\";Null;|");
+  EXPECT_EQ(Flat(list->GetRows(2, Long{1}, List({Long{1}, "fgroupid", Long{1}}))),
+            "\"Receipts\";\"Payments\";|1;2;|\"Receipts\";\"Payments\";|");
+  EXPECT_EQ(Flat(list->GetRows(-1, Long{2}, Long{0})), "3;|");
+  EXPECT_TRUE(list->Eof());
+}
+
+TEST(Recordset, AGetRowsThatIsRefusedLeavesTheCursor) {
+  const auto list = Groups();
+  list->MoveNext();
+  for (const Long count : {0, -2}) {
+    EXPECT_EQ(ErrorOf([&] { list->GetRows(count); }),
+              "error 3001 (Recordset): So many rows are 1 or more, or all: -1.");
+  }
+  for (const Long start : {-1, 3}) {
+    EXPECT_EQ(ErrorOf([&] { list->GetRows(1, start); }),
+              "error 3001 (Recordset): Rows are read from the current one (0), the first (1) or "
+              "the last (2) on.");
+  }
+  EXPECT_EQ(ErrorOf([&] { list->GetRows(1, Long{1}, "FNo"); }),
+            "error 3265 (Recordset): No field FNo.");
+  EXPECT_EQ(Current(list), "{FGroupID: 2, FName: \"Payments\"}");
+}
+
+// A recordset of others, which comes to no end.
+class Endless final : public Recordset {
+ public:
+  void MoveNext() override {}
+  Boolean Bof() const override { return false; }
+  Boolean Eof() const override { return false; }
+  Long RecordCount() const override { return -1; }
+  Long FieldCount() const override { return 1; }
+  Variant FieldValue(Long) const override { return Long{1}; }
+};
+
+TEST(Recordset, GetRowsEndsWhereARecordsetHasNoEnd) {
+  EXPECT_EQ(ErrorOf([] { Make<Endless>()->GetRows(); }),
+            "error 6 (Recordset): The recordset has more than 1000000 rows.");
+  EXPECT_EQ(Flat(Make<Endless>()->GetRows(2)), "1;1;|");
 }
 
 // ---- Fields ----
@@ -350,8 +580,20 @@ TEST(RecordsetLateBound, EveryMemberAnswersToItsName) {
   EXPECT_EQ(StateText(fields->Get("Count")), "2");
   EXPECT_EQ(StateText(fields->Get("Item", "FID").As<Object>()->Get("Name")), "\"FID\"");
   EXPECT_EQ(StateText(fields->Call("NewEnum")), "<IEnumVARIANT>");
+  list->Call("AddNew", "FID", Long{2});
+  list->Call("MovePrevious");
+  EXPECT_EQ(Flat(list->Call("GetRows", Named("Fields", "FID")).As<Vector>()), "1;2;|");
+  list->Call("MoveLast");
+  list->Call("Delete");
+  EXPECT_EQ(Text(list), "recordset{FID, FName | 1, \"Receipts\"}");
   list->Call("Close");
   EXPECT_EQ(StateText(list->Get("State")), "0");
+}
+
+TEST(RecordsetLateBound, AnIndexMayBeAnObjectThatStandsForOne) {
+  const auto list = Groups();
+  const auto indexes = List({Variant(list->Fields()->Item("FGroupID"))});
+  EXPECT_EQ(Flat(list->GetRows(1, Missing, indexes)), "\"Receipts\";|");
 }
 
 }  // namespace

@@ -182,6 +182,41 @@ TEST(VectorClone, ChangesOnEitherSideStayThere) {
   EXPECT_EQ(State(Make<Vector>()->Clone()), "[]");
 }
 
+TEST(Vector, AWalkGoesByPlaceWhateverHappensMeanwhile) {
+  const auto list = List({Long{1}, Long{2}, Long{3}, Long{4}});
+  list->LowerBound(7);
+  const auto walk = list->NewEnum();
+  Variant element;
+  std::string passed;
+  const auto pass = [&] { passed += walk->Next(element) ? StateText(element) : "end"; };
+  pass();
+  list->Remove(7);  // what was passed: 2 moves to its place
+  pass();
+  list->Append(Long{5});
+  pass();
+  pass();
+  pass();
+  EXPECT_EQ(passed, "1345end");
+  walk->Reset();
+  EXPECT_TRUE(walk->Skip(3));
+  list->Remove(7, 4);
+  EXPECT_FALSE(walk->Skip(1));
+  EXPECT_FALSE(walk->Next(element));
+  list->Append(Long{6});
+  walk->Reset();
+  EXPECT_TRUE(walk->Next(element));
+  EXPECT_EQ(StateText(element), "6");
+}
+
+TEST(Vector, AWalkKeepsItsVectorAlive) {
+  auto list = List({Long{1}});
+  const auto walk = list->NewEnum();
+  list = nullptr;
+  Variant element;
+  EXPECT_TRUE(walk->Next(element));
+  EXPECT_EQ(StateText(element), "1");
+}
+
 TEST(VectorLateBound, EveryMemberAnswersToItsName) {
   const auto list = Make<Vector>();
   list->Call("Append", Long{1});
