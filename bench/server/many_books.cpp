@@ -4,7 +4,8 @@
 //   qdclgl-bench-books [--books=N]
 //
 // QDCLGL_TEST_POSTGRESQL holds the connection text of the database; scripts/bench starts one. Where
-// QDCLGL_TEST_POOLER has the port of a pooler in front of it, the same is done by way of that too.
+// QDCLGL_TEST_POOLER has the port of a pooler in front of it, the same is done by way of that too,
+// once with a connection of the server's for each client and once with one for each transaction.
 #include <algorithm>
 #include <array>
 #include <chrono>
@@ -71,8 +72,10 @@ class ManyBooks {
 
   void Measure() {
     Print("directly", server_);
-    if (!pooler_.empty()) {
-      Print("by the pooler", server_.With(server::connection_key::kPort, pooler_));
+    if (pooler_.empty()) return;
+    for (const char* const way : {"session", "transaction"}) {
+      Print(way, server_.With(server::connection_key::kPort, pooler_)
+                     .With(server::connection_key::kCatalog, way));
     }
   }
 

@@ -1,17 +1,13 @@
 // Clients at work while the server of their books dies and its standby takes its place.
-#include <unistd.h>
-
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <thread>
 
 #include "qdclgl/server/db/connections.h"
 #include "tests/server/client.h"
 #include "tests/server/ledger_fixture.h"
+#include "tests/server/own_cluster.h"
 #include "tests/support/random_seed.h"
 
 namespace qdclgl::server::testing {
@@ -82,22 +78,7 @@ TEST_P(PairOfServers, ClientsGoOnWhenTheServerDiesAndNothingIsLostOrDoubled) {
 class Failover : public ::testing::TestWithParam<DatabaseKind> {};
 QDCLGL_BOOKS_TEST_OF(Failover, kPostgreSQL);
 
-TEST_P(Failover, BooksGoOnOnTheStandby) {
-  const auto output = std::filesystem::temp_directory_path() /
-                      ("qdclgl_failover_" + std::to_string(getpid()) + ".txt");
-  const std::string self = std::filesystem::read_symlink("/proc/self/exe").string();
-  // All of its tests, whatever share of them this process has.
-  const std::string command = "env -u GTEST_TOTAL_SHARDS -u GTEST_SHARD_INDEX '" QDCLGL_SOURCE_DIR
-                              "/scripts/with-postgresql' --standby '" +
-                              self + "' --gtest_filter='*PairOfServers*' >'" + output.string() +
-                              "' 2>&1";
-  const int status = std::system(command.c_str());
-  std::ifstream file(output);
-  const std::string text{std::istreambuf_iterator<char>(file), {}};
-  std::filesystem::remove(output);
-  EXPECT_EQ(status, 0) << text;
-  EXPECT_NE(text.find("[  PASSED  ] 1 test."), text.npos) << text;
-}
+TEST_P(Failover, BooksGoOnOnTheStandby) { ExpectToPassBeside("--standby", "*PairOfServers*", 1); }
 
 }  // namespace
 }  // namespace qdclgl::server::testing

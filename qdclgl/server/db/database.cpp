@@ -6,8 +6,6 @@
 #include <sstream>
 #include <thread>
 
-#include "qdclgl/frame/platform/machine.h"
-#include "qdclgl/frame/platform/platform.h"
 #include "qdclgl/frame/vocabulary/text.h"
 #include "qdclgl/server/db/busy.h"
 #include "qdclgl/server/db/postgresql.h"
@@ -25,12 +23,6 @@ std::string Quoted(std::string_view text, char quote) {
   return quoted + quote;
 }
 
-// By this others are told who is in their way.
-std::string OwnName() {
-  return "QDCLGL on " + GetMachineName() + ", process " +
-         std::to_string(CurrentPlatform().ProcessId());
-}
-
 std::string DrawId() {
   std::random_device device;
   std::ostringstream digits;
@@ -38,11 +30,6 @@ std::string DrawId() {
   for (int i = 0; i < 2; ++i) digits << std::setw(8) << device();
   return digits.str();
 }
-
-// What changes when the server of PostgreSQL starts again, or loses its memory in a crash.
-constexpr std::string_view kServerRun =
-    "concat_ws(' ', extract(epoch FROM pg_postmaster_start_time()),"
-    " (SELECT extract(epoch FROM stats_reset) FROM pg_stat_bgwriter))";
 
 // SQLite lets in one writer at a time. PostgreSQL is told with locks of our own, which cost less
 // than locking the rows of accounts and settings that each save reads. They count for one schema,
@@ -75,17 +62,6 @@ Database::Database(const ConnectionText& text)
     Command(normal ? "PRAGMA synchronous = NORMAL" : "PRAGMA synchronous = FULL");
     Command("PRAGMA foreign_keys = ON");
     Command("PRAGMA case_sensitive_like = ON");
-  } else {
-    // In one message; numbers come with all of their digits.
-    std::string script = "SET client_min_messages = warning; SET extra_float_digits = 3; ";
-    // Compiling a query takes longer than any query here.
-    script += "SET jit = off; ";
-    script += "SET lock_timeout = '" + std::to_string(text.Number(connection_key::kLockTimeout)) +
-              "s'; SET application_name = " + Quoted(OwnName(), '\'') + "; ";
-    const std::string_view schema = text[connection_key::kSchema];
-    if (!schema.empty()) script += "SET search_path TO " + Quoted(schema, '"') + "; ";
-    Driver::CallHook(script);
-    server_run_ = driver_->Run(script.append("SELECT ").append(kServerRun));
   }
 }
 
@@ -229,7 +205,7 @@ bool Database::IsCommittedInPostgreSQL() const {
        std::this_thread::sleep_for(kPause)) {
     try {
       Database witness(text_);
-      if (witness.server_run_ != server_run_) {
+      if (witness.driver_->ServerRun() != driver_->ServerRun()) {
         // The ids are of another run, or of a server that took this one's place. Nothing that was
         // under way there goes on.
         if (proof_.empty()) break;

@@ -201,7 +201,6 @@ class Database {
   // PostgreSQL, of the transaction under way: by what the database can be asked for it later. Ids
   // count on as long as the server runs without a crash.
   std::string transaction_id_;
-  std::string server_run_;
   std::string proof_;
 };
 

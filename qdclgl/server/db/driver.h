@@ -42,6 +42,8 @@ class Driver {
   // Whether a new connection would be another one: who could only read may do more by now, or less.
   virtual bool IsStale() const { return is_lost_; }
   virtual bool IsReadOnly() const { return false; }
+  // What changes when the server of the database starts again, or loses its memory in a crash.
+  virtual std::string ServerRun() const { return {}; }
   // Refuses what was read from a file that has changed since.
   virtual void RequireFileAsBefore() {}
 

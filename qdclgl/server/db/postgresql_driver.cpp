@@ -7,6 +7,8 @@
 #include <thread>
 #include <utility>
 
+#include "qdclgl/frame/platform/machine.h"
+#include "qdclgl/frame/platform/platform.h"
 #include "qdclgl/server/db/postgresql.h"
 #include "qdclgl/server/db/refusals.h"
 #include "qdclgl/server/db/statement.h"
@@ -52,6 +54,19 @@ std::string OptionsOf(const ConnectionText& text) {
   if (HasStandby(text)) add("target_session_attrs", "read-write");
   return options;
 }
+
+// By this others are told who is in their way.
+std::string OwnName() {
+  return "QDCLGL on " + GetMachineName() + ", process " +
+         std::to_string(CurrentPlatform().ProcessId());
+}
+
+// Past a blank behind the backend's number.
+constexpr std::string_view kBackendAndServerRun =
+    "concat_ws(' ', pg_backend_pid(), extract(epoch FROM pg_postmaster_start_time()),"
+    " (SELECT extract(epoch FROM stats_reset) FROM pg_stat_bgwriter))";
+
+bool Begins(std::string_view script) { return script.starts_with("BEGIN"); }
 
 // PostgreSQL's placeholders are numbered.
 std::string WithNumberedPlaceholders(std::string_view sql) {
@@ -193,6 +208,50 @@ PostgreSQLDriver::PostgreSQLDriver(const ConnectionText& text, OnBusy on_busy)
   PQsetNoticeReceiver(
       connection_.get(), [](void*, const PGresult*) {}, nullptr);
   PQenterPipelineMode(connection_.get());
+
+  const std::string settings = Settings(kBackendAndServerRun, text);
+  CallHook(settings);
+  server_run_ = Run(settings);
+  const std::size_t blank = server_run_.find(' ');
+  backend_ = NumberFrom<int>(std::string_view(server_run_).substr(0, blank));
+  server_run_.erase(0, blank + 1);
+  // A pooler gives each client a number of its own.
+  if (backend_ != PQbackendPID(connection_.get())) {
+    settings_ =
+        std::make_unique<PostgreSQLStatement>(*this, Settings("pg_backend_pid()", text), "");
+  }
+}
+
+PostgreSQLDriver::~PostgreSQLDriver() = default;
+
+std::string PostgreSQLDriver::Settings(std::string_view first_column,
+                                       const ConnectionText& text) const {
+  PGconn* const connection = connection_.get();
+  const auto quoted = [connection](auto escape, std::string_view value) {
+    const std::unique_ptr<char, decltype(&PQfreemem)> made(
+        escape(connection, value.data(), value.size()), &PQfreemem);
+    if (!made)
+      Refuse(refusal::kDatabaseFailed, "PostgreSQL: " + OnOneLine(PQerrorMessage(connection)));
+    return std::string(made.get());
+  };
+  std::string query = "SELECT " + std::string(first_column);
+  const auto set = [&](const char* name, std::string_view value) {
+    query.append(", set_config('").append(name).append("', ");
+    query.append(quoted(PQescapeLiteral, value)).append(", pg_backend_pid() <> ");
+    query.append(std::to_string(PQbackendPID(connection))).append(")");
+  };
+  set("client_min_messages", "warning");
+  set("extra_float_digits", "3");  // numbers come with all of their digits
+  set("jit", "off");               // compiling a query takes longer than any query here
+  set("lock_timeout", std::to_string(text.Number(connection_key::kLockTimeout)) + "s");
+  set("application_name", OwnName());
+  const std::string_view schema = text[connection_key::kSchema];
+  if (!schema.empty()) set("search_path", quoted(PQescapeIdentifier, schema));
+  return query;
+}
+
+bool PostgreSQLDriver::NeedsSettings() const {
+  return settings_ && expected_.empty() && !IsInTransaction();
 }
 
 bool PostgreSQLDriver::IsInTransaction() const {
@@ -205,7 +264,8 @@ bool PostgreSQLDriver::IsTransactionSound() const {
 }
 
 std::unique_ptr<Statement> PostgreSQLDriver::Prepare(std::string_view sql, Use use) {
-  std::string name = use == Use::kKept ? "s" + std::to_string(++statement_count_) : "";
+  const bool has_name = use == Use::kKept && !settings_;
+  std::string name = has_name ? "s" + std::to_string(++statement_count_) : "";
   return std::make_unique<PostgreSQLStatement>(*this, sql, std::move(name));
 }
 
@@ -214,6 +274,15 @@ std::unique_ptr<Statement> PostgreSQLDriver::Prepare(std::string_view sql, Use u
 void PostgreSQLDriver::Queue(PostgreSQLStatement& statement) {
   constexpr std::size_t kMostExpected = 256;
   if (expected_.size() >= kMostExpected) Settle();
+  const bool needs_settings = NeedsSettings();
+  // How a transaction sees others' work is said before its first query.
+  const bool begins = Begins(statement.text());
+  if (needs_settings && !begins) Send(*settings_);
+  Send(statement);
+  if (needs_settings && begins) Send(*settings_);
+}
+
+void PostgreSQLDriver::Send(PostgreSQLStatement& statement) {
   PGconn* const connection = connection_.get();
   if (!statement.IsPrepared()) {
     RequireSent(
@@ -259,7 +328,11 @@ void PostgreSQLDriver::Settle() {
     if (is_preparation) {
       statement->NotePrepared(is_done);
     } else if (is_done) {
-      statement->Take(std::move(result));
+      if (statement == settings_.get()) {
+        backend_ = NumberFrom<int>(PQgetvalue(result.get(), 0, 0));
+      } else {
+        statement->Take(std::move(result));
+      }
     }
   }
   // Nothing counts as done for which no answer came.
@@ -291,9 +364,14 @@ void PostgreSQLDriver::Forget(const PostgreSQLStatement& statement) noexcept {
 std::string PostgreSQLDriver::Run(std::string_view script) {
   Settle();
   PGconn* const connection = connection_.get();
+  std::string message(script);
+  if (NeedsSettings()) {
+    message =
+        Begins(script) ? message + "; " + settings_->text() : settings_->text() + "; " + message;
+  }
   // Only one statement at a time goes through the pipeline.
   PQexitPipelineMode(connection);
-  const Result result(PQexec(connection, std::string(script).c_str()));
+  const Result result(PQexec(connection, message.c_str()));
   PQenterPipelineMode(connection);
   const ExecStatusType status = PQresultStatus(result.get());
   if (status != PGRES_TUPLES_OK && status != PGRES_COMMAND_OK) Raise(FailureIn(result.get()));
@@ -319,7 +397,7 @@ void PostgreSQLDriver::Raise(const Failure& failure) {
     GiveUp();
   }
   if (IsLost()) Refuse(refusal::kConnectionLost, "PostgreSQL: " + OnOneLine(message));
-  if (state == "55P03") RaiseBusy(PQbackendPID(connection_.get()));
+  if (state == "55P03") RaiseBusy(backend_);
   if (state == "40001" || state == "40P01") {
     Refuse(refusal::kDatabaseBusy, "Other programs are writing to the same records; try again.");
   }

@@ -1,12 +1,8 @@
 // Connection texts that ask for TLS, against a server that speaks it.
-#include <unistd.h>
-
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 
 #include "tests/server/books_state.h"
+#include "tests/server/own_cluster.h"
 
 namespace qdclgl::server::testing {
 namespace {
@@ -80,22 +76,7 @@ TEST_P(TlsCluster, TheClientShowsItsCertificate) {
 class TlsTest : public ::testing::TestWithParam<DatabaseKind> {};
 QDCLGL_BOOKS_TEST_OF(TlsTest, kPostgreSQL);
 
-TEST_P(TlsTest, ConnectionTextsAskForIt) {
-  const auto output =
-      std::filesystem::temp_directory_path() / ("qdclgl_tls_" + std::to_string(getpid()) + ".txt");
-  const std::string self = std::filesystem::read_symlink("/proc/self/exe").string();
-  // All of its tests, whatever share of them this process has.
-  const std::string command = "env -u GTEST_TOTAL_SHARDS -u GTEST_SHARD_INDEX '" QDCLGL_SOURCE_DIR
-                              "/scripts/with-postgresql' --tls '" +
-                              self + "' --gtest_filter='*TlsCluster*' >'" + output.string() +
-                              "' 2>&1";
-  const int status = std::system(command.c_str());
-  std::ifstream file(output);
-  const std::string text{std::istreambuf_iterator<char>(file), {}};
-  std::filesystem::remove(output);
-  EXPECT_EQ(status, 0) << text;
-  EXPECT_NE(text.find("[  PASSED  ] 3 tests."), text.npos) << text;
-}
+TEST_P(TlsTest, ConnectionTextsAskForIt) { ExpectToPassBeside("--tls", "*TlsCluster*", 3); }
 
 TEST(SslModeTest, AnUnknownModeIsRefused) {
   const auto refusal = [](const std::string& mode) {
