@@ -87,7 +87,7 @@ Long BooksUpdate::Upgrade(std::string_view connection) {
   const int version = SchemaVersion(db);
   if (version == 0 || version > CurrentSchemaVersion()) RequireCurrentSchema(db);
   const std::vector<const TrailedKind*> coming = KindsToCome(db);
-  const bool had_item_balances = Tables(db).contains("t_itembalance");
+  const bool had_item_balances = HasTable(db, "t_itembalance");
   Migrate(db, CurrentSchemaVersion());
   if (!had_item_balances) MakeItemBalances(db);
   const Caller caller = CallerFromHere(db, 0, "");  // nobody is logged in

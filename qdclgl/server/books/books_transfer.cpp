@@ -60,7 +60,7 @@ bool IsBegunAt(const ConnectionText& to) {
   const auto db = Connections::OfThisThread().Apart(to);
   if (HoldsHalfCopy(*db)) return true;
   if (SchemaVersion(*db) != 0) Refuse(refusal::kBooksExist, "There are books already.");
-  if (to.IsSQLite() || !Tables(*db).empty()) {
+  if (to.IsSQLite() || HasTables(*db)) {
     Refuse(refusal::kBooksExist, "There is something else than books already.");
   }
   return false;

@@ -82,10 +82,9 @@ void BeginTrail(const Caller& caller, std::string_view action) {
 bool HasTrailBegun(Database& db) { return LastSeal(db).number > 0; }
 
 std::vector<const TrailedKind*> KindsToCome(Database& db) {
-  const std::set<std::string> tables = Tables(db);
   std::vector<const TrailedKind*> kinds;
   for (const TrailedKind& kind : TrailedKinds()) {
-    if (!tables.contains(FoldAsciiCase(kind.table))) kinds.push_back(&kind);
+    if (!HasTable(db, FoldAsciiCase(kind.table))) kinds.push_back(&kind);
   }
   return kinds;
 }

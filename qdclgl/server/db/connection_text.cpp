@@ -16,6 +16,7 @@ using namespace connection_key;
 constexpr std::array kKeys = {kProvider,
                               kDataSource,
                               kSynchronous,
+                              kService,
                               kHost,
                               kPort,
                               kCatalog,
@@ -223,7 +224,7 @@ ConnectionText ConnectionText::Canonical() const {
 }
 
 ConnectionText ConnectionText::Place() const {
-  return Canonical().Only({kProvider, kDataSource, kHost, kPort, kCatalog, kSchema});
+  return Canonical().Only({kProvider, kDataSource, kService, kHost, kPort, kCatalog, kSchema});
 }
 
 ConnectionText ConnectionText::Only(std::initializer_list<std::string_view> keys) const {

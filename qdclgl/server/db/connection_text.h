@@ -16,6 +16,9 @@ namespace connection_key {
 inline constexpr std::string_view kProvider = "Provider";        // SQLite or PostgreSQL
 inline constexpr std::string_view kDataSource = "Data Source";   // SQLite: the file
 inline constexpr std::string_view kSynchronous = "Synchronous";  // Full (the default) or Normal
+// PostgreSQL: a section of the database's own service file, which says of host, port, user,
+// password and encryption what the text doesn't.
+inline constexpr std::string_view kService = "Service";
 inline constexpr std::string_view kHost = "Host";  // PostgreSQL: name, address or socket folder
 inline constexpr std::string_view kPort = "Port";
 inline constexpr std::string_view kCatalog = "Initial catalog";  // PostgreSQL: the database

@@ -33,6 +33,7 @@ std::string OptionsOf(const ConnectionText& text) {
     }
     options += "' ";
   };
+  add("service", text[connection_key::kService]);
   add("host", text[connection_key::kHost]);
   add("port", text[connection_key::kPort]);
   add("dbname", text[connection_key::kCatalog]);

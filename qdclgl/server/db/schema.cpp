@@ -71,19 +71,29 @@ END $$;
 
 }  // namespace
 
-std::set<std::string> Tables(Database& database) {
-  std::set<std::string> tables;
-  for (const auto& [name] : database.Query<std::string>(
-           database.Dialect("SELECT LOWER(name) FROM sqlite_master WHERE type = 'table'",
-                            "SELECT CAST(table_name AS TEXT) FROM information_schema.tables"
-                            " WHERE table_schema = current_schema()"))) {
-    tables.insert(name);
-  }
-  return tables;
+bool HasTable(Database& database, std::string_view name) {
+  // By its name, since looking through all tables takes the longer the more books stand beside.
+  return database
+      .QueryValue<bool>(
+          database.Dialect("SELECT EXISTS (SELECT 1 FROM sqlite_master WHERE type = 'table'"
+                           " AND LOWER(name) = ?)",
+                           "SELECT CASE WHEN to_regclass(quote_ident(current_schema()) || '.' ||"
+                           " CAST(? AS TEXT)) IS NULL THEN 0 ELSE 1 END"),
+          name)
+      .value_or(false);
+}
+
+bool HasTables(Database& database) {
+  return database
+      .QueryValue<bool>(
+          database.Dialect("SELECT EXISTS (SELECT 1 FROM sqlite_master WHERE type = 'table')",
+                           "SELECT CASE WHEN EXISTS (SELECT 1 FROM information_schema.tables"
+                           " WHERE table_schema = current_schema()) THEN 1 ELSE 0 END"))
+      .value_or(false);
 }
 
 int SchemaVersion(Database& database) {
-  if (!Tables(database).contains("t_schema")) return 0;
+  if (!HasTable(database, "t_schema")) return 0;
   return database.QueryValue<int>("SELECT COALESCE(MAX(FVersion), 0) FROM t_Schema").value_or(0);
 }
 
@@ -106,9 +116,7 @@ void Migrate(Database& database, int version) {
   database.Execute("INSERT INTO t_Schema (FVersion, FTitle) VALUES " + titles);
 }
 
-bool HoldsHalfCopy(Database& database) {
-  return Tables(database).contains(std::string(kHalfCopyTable));
-}
+bool HoldsHalfCopy(Database& database) { return HasTable(database, kHalfCopyTable); }
 
 void RequireNoHalfCopy(Database& database) {
   if (!HoldsHalfCopy(database)) return;

@@ -1,7 +1,6 @@
 // The tables of the books, and how books of an older version become books of this one.
 #pragma once
 
-#include <set>
 #include <span>
 #include <string>
 #include <string_view>
@@ -22,8 +21,10 @@ std::span<const Migration> Migrations();
 
 inline int CurrentSchemaVersion() { return static_cast<int>(Migrations().size()); }
 
-// The names of all tables, in small letters.
-std::set<std::string> Tables(Database& database);
+// Whether the books have a table, by its name in small letters.
+bool HasTable(Database& database, std::string_view name);
+// Whether there is any table, of books or of others.
+bool HasTables(Database& database);
 
 // The version of the books, 0 for a database without books.
 int SchemaVersion(Database& database);

@@ -99,6 +99,8 @@ TEST(ConnectionTextTest, APlaceIsWhereTheBooksAreWhoeverReachesThemAndHowever) {
   EXPECT_EQ(place("Provider=postgresql;Host=h;Initial catalog=b;Schema=s;User ID=u;Password=p;"
                   "Sslmode=require;Lock timeout=5;Keepalives_idle=5;Session=1"),
             "Provider=PostgreSQL;Host=h;Initial catalog=b;Schema=s;");
+  EXPECT_NE(place("Provider=PostgreSQL;Service=a;Initial catalog=b"),
+            place("Provider=PostgreSQL;Service=c;Initial catalog=b"));
   EXPECT_EQ(place("Provider=SQLite;Data Source=a.db;Synchronous=Normal;Lock timeout=5"),
             place("a.db"));
 }
