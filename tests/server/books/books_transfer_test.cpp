@@ -1,6 +1,7 @@
 // Books that are copied to another database, by either way, and copies that are broken off.
 #include "qdclgl/server/books/books_transfer.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 
