@@ -1,5 +1,5 @@
 // Many books on one PostgreSQL, a schema for each: what a login, a voucher's save and its reading
-// cost while there are more and more of them. See docs/performance.md.
+// cost while there are more and more of them. See docs/scale.md.
 //
 //   qdclgl-bench-books [--books=N]
 //

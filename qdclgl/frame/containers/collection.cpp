@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "qdclgl/frame/objects/class_table.h"
+#include "qdclgl/frame/objects/position_walk.h"
 #include "qdclgl/frame/vocabulary/text.h"
 
 namespace qdclgl {
@@ -10,29 +11,6 @@ namespace qdclgl {
 QD_DEFINE_MEMBERS(Collection)
 
 namespace {
-
-// Walks by position, so that elements added on the way are met and removed ones are not.
-class WalkCollection final : public IWalkVariant {
- public:
-  explicit WalkCollection(Ref<Collection> collection) : collection_(std::move(collection)) {}
-  std::string_view ClassName() const override { return "WalkCollection"; }
-
-  void Next(Variant& Item, Boolean& Done) override {
-    if (position_ >= collection_->Count()) return;
-    Item = collection_->Item(++position_);
-    Done = true;
-  }
-  void Skip(Boolean& Done) override {
-    if (position_ >= collection_->Count()) return;
-    ++position_;
-    Done = true;
-  }
-  void Reset() override { position_ = 0; }
-
- private:
-  Ref<Collection> collection_;
-  Long position_ = 0;
-};
 
 std::string FoldKey(const Variant& key) { return ToUpper(CStr(key)); }
 
@@ -73,7 +51,10 @@ void Collection::Remove(const Variant& Index) {
 }
 
 Ref<Enumerator> Collection::NewEnum() {
-  return EnumFactory().CreateEnum(Make<WalkCollection>(Ref<Collection>(this)));
+  const Ref<Collection> self(this);
+  return EnumerateByPosition(
+      [self] { return self->elements_.size(); },
+      [self](std::size_t position) { return self->elements_[position]->value; });
 }
 
 Long Collection::Count() const { return static_cast<Long>(elements_.size()); }

@@ -6,6 +6,7 @@
 
 #include "qdclgl/frame/containers/vector.h"
 #include "qdclgl/frame/objects/class_table.h"
+#include "qdclgl/frame/objects/position_walk.h"
 #include "qdclgl/frame/platform/thread_own.h"
 
 namespace qdclgl {
@@ -111,35 +112,6 @@ Ref<KeyList> KeyList::Removed(Ref<KeyList> list, std::uint32_t position) {
 
 // ---- Dictionary ----
 
-namespace {
-
-// The keys that a row had when the walk began.
-class WalkKeys final : public IWalkVariant {
- public:
-  explicit WalkKeys(Ref<KeyList> keys) : keys_(std::move(keys)) {}
-  std::string_view ClassName() const override { return "WalkKeys"; }
-
-  void Next(Variant& Item, Boolean& Done) override {
-    if (position_ == Count()) return;
-    Item = keys_->name(position_++);
-    Done = true;
-  }
-  void Skip(Boolean& Done) override {
-    if (position_ == Count()) return;
-    ++position_;
-    Done = true;
-  }
-  void Reset() override { position_ = 0; }
-
- private:
-  std::uint32_t Count() const { return keys_ ? keys_->size() : 0; }
-
-  Ref<KeyList> keys_;  // null when there were none
-  std::uint32_t position_ = 0;
-};
-
-}  // namespace
-
 Ref<Dictionary> Dictionary::Create(std::size_t capacity) {
   return Ref<Dictionary>(new (capacity) Dictionary(capacity));
 }
@@ -204,7 +176,12 @@ Ref<Vector> Dictionary::Keys() {
   return keys;
 }
 
-Ref<Enumerator> Dictionary::NewEnum() { return EnumFactory().CreateEnum(Make<WalkKeys>(keys_)); }
+Ref<Enumerator> Dictionary::NewEnum() {
+  return EnumerateByPosition([keys = keys_] { return keys ? keys->size() : 0; },
+                             [keys = keys_](std::size_t position) {
+                               return keys->name(static_cast<std::uint32_t>(position));
+                             });
+}
 
 Boolean Dictionary::Modified() const {
   return own_modified() || (track_nested_ && AnyElementTouched());

@@ -7,6 +7,7 @@
 #include "qdclgl/frame/containers/vector.h"
 #include "qdclgl/frame/objects/class_table.h"
 #include "qdclgl/frame/objects/nesting.h"
+#include "qdclgl/frame/objects/position_walk.h"
 #include "qdclgl/frame/vocabulary/text.h"
 
 namespace qdclgl {
@@ -16,28 +17,6 @@ QD_DEFINE_MEMBERS(Field)
 QD_DEFINE_MEMBERS(Fields)
 
 namespace {
-
-class WalkFields final : public IWalkVariant {
- public:
-  explicit WalkFields(Ref<Recordset> recordset) : recordset_(std::move(recordset)) {}
-  std::string_view ClassName() const override { return "WalkFields"; }
-
-  void Next(Variant& Item, Boolean& Done) override {
-    if (position_ >= recordset_->FieldCount()) return;
-    Item = Variant(Make<Field>(recordset_, position_++));
-    Done = true;
-  }
-  void Skip(Boolean& Done) override {
-    if (position_ >= recordset_->FieldCount()) return;
-    ++position_;
-    Done = true;
-  }
-  void Reset() override { position_ = 0; }
-
- private:
-  Ref<Recordset> recordset_;
-  Long position_ = 0;
-};
 
 [[noreturn]] void NoSuchField(std::string_view what) {
   throw Error(error_number::kFieldNotFound, "Recordset", "No field " + std::string(what) + ".");
@@ -321,7 +300,12 @@ void Field::Value(Variant value) { recordset_->SetFieldValue(position_, std::mov
 
 void Fields::Append(std::string_view Name, Long, Long, Long) { recordset_->AppendField(Name); }
 
-Ref<Enumerator> Fields::NewEnum() { return EnumFactory().CreateEnum(Make<WalkFields>(recordset_)); }
+Ref<Enumerator> Fields::NewEnum() {
+  return EnumerateByPosition([rows = recordset_] { return rows->FieldCount(); },
+                             [rows = recordset_](std::size_t position) {
+                               return Make<Field>(rows, static_cast<Long>(position));
+                             });
+}
 
 Long Fields::Count() const { return recordset_->FieldCount(); }
 

@@ -4,36 +4,11 @@
 #include <limits>
 
 #include "qdclgl/frame/objects/class_table.h"
+#include "qdclgl/frame/objects/position_walk.h"
 
 namespace qdclgl {
 
 QD_DEFINE_MEMBERS(Vector)
-
-namespace {
-
-class WalkElements final : public IWalkVariant {
- public:
-  explicit WalkElements(Ref<Vector> vector) : vector_(std::move(vector)) {}
-  std::string_view ClassName() const override { return "WalkElements"; }
-
-  void Next(Variant& Item, Boolean& Done) override {
-    if (position_ >= vector_->size()) return;
-    Item = vector_->at(position_++);
-    Done = true;
-  }
-  void Skip(Boolean& Done) override {
-    if (position_ >= vector_->size()) return;
-    ++position_;
-    Done = true;
-  }
-  void Reset() override { position_ = 0; }
-
- private:
-  Ref<Vector> vector_;
-  std::size_t position_ = 0;
-};
-
-}  // namespace
 
 Long Vector::LowerBound() const { return lower_bound_; }
 
@@ -82,7 +57,9 @@ void Vector::Item(Long Index, Variant value) {
 Ref<Vector> Vector::Clone() { return CopyWith(nullptr); }
 
 Ref<Enumerator> Vector::NewEnum() {
-  return EnumFactory().CreateEnum(Make<WalkElements>(Ref<Vector>(this)));
+  const Ref<Vector> self(this);
+  return EnumerateByPosition([self] { return self->size(); },
+                             [self](std::size_t position) { return self->at(position); });
 }
 
 Ref<Vector> Vector::CopyWith(Variant (*copy_object)(const Variant&)) const {

@@ -2,33 +2,11 @@
 
 #include <algorithm>
 
+#include "qdclgl/frame/objects/position_walk.h"
 #include "qdclgl/frame/objects/variant_kind.h"
 #include "qdclgl/frame/vocabulary/text.h"
 
 namespace qdclgl {
-
-// Walks by position, so that children added on the way are met.
-class ChangeFlag::Walk final : public IWalkVariant {
- public:
-  explicit Walk(Ref<ChangeFlag> parent) : parent_(std::move(parent)) {}
-  std::string_view ClassName() const override { return "WalkChangeFlag"; }
-
-  void Next(Variant& Item, Boolean& Done) override {
-    if (position_ >= parent_->ChildCount()) return;
-    Item = Variant(parent_->m_Children->flags[position_++]);
-    Done = true;
-  }
-  void Skip(Boolean& Done) override {
-    if (position_ >= parent_->ChildCount()) return;
-    ++position_;
-    Done = true;
-  }
-  void Reset() override { position_ = 0; }
-
- private:
-  Ref<ChangeFlag> parent_;
-  std::size_t position_ = 0;
-};
 
 std::size_t ChangeFlag::Children::Find(const String& key) const {
   const auto found =
@@ -63,7 +41,10 @@ void ChangeFlag::Insert(Long Index) {
 }
 
 Ref<Enumerator> ChangeFlag::NewEnum() {
-  return EnumFactory().CreateEnum(Make<Walk>(Ref<ChangeFlag>(this)));
+  const Ref<ChangeFlag> self(this);
+  return EnumerateByPosition(
+      [self] { return self->ChildCount(); },
+      [self](std::size_t position) { return self->m_Children->flags[position]; });
 }
 
 void ChangeFlag::Remove(const Variant& Key) {

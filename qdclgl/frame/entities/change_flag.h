@@ -46,7 +46,6 @@ class ChangeFlag final : public Object {
   Boolean PrivateModified() const { return m_Modified; }
 
  private:
-  class Walk;
   // A document has a flag for every line, and few flags have children: they are kept apart, and
   // the keys, which only some children have, apart from them.
   struct Children {
