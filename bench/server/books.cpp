@@ -11,10 +11,9 @@ using namespace qdclgl;
 namespace {
 
 // Behind the one with sub-accounts, which has the id 1.
-constexpr int kAccounts = 200;
 constexpr int kFirstAccount = 2;
 
-Ref<Voucher> NewVoucher(VoucherSet& vouchers, int number, DateTime date) {
+Ref<Voucher> NewVoucher(VoucherSet& vouchers, int number, DateTime date, const Lines& lines = {}) {
   Ref<Voucher> voucher = vouchers.CreateNew();
   voucher->VoucherDate(date);
   voucher->GroupID(1);
@@ -23,9 +22,9 @@ Ref<Voucher> NewVoucher(VoucherSet& vouchers, int number, DateTime date) {
   for (int i = 0; i < 4; ++i) {
     entries->Add();
     const auto entry = entries->Item(i + 1);
-    entry->AccountID(kFirstAccount + (number * 7 + i) % kAccounts);
+    entry->AccountID(kFirstAccount + (number * 7 + i) % lines.accounts);
     entry->CurrencyID(1);
-    entry->Explanation("Goods received");
+    entry->Explanation(lines.explanation ? lines.explanation(number, i) : "Goods received");
     if (i % 2 == 0) {
       entry->Debit(Currency(100));
     } else {
@@ -46,19 +45,19 @@ void LogInTo(const std::string& connection) {
   CreateObject("QDSVGLSession.SessionUpdate")->Call("Login", connection, "administrator", "");
 }
 
-void MakeBooks(const std::string& connection) {
+void MakeBooks(const std::string& connection, int accounts) {
   CreateObject("QDSVGLBooks.BooksUpdate")
       ->Call("Create", connection, "EUR", Long{2024}, Named("NoPassword", true));
   LogInTo(connection);
   Batch()->Call("Begin", GetPropsString());
   Make<VoucherGroupSet>()->CreateNew("General")->SaveChanges();
-  auto accounts = Make<AccountSet>();
+  auto chart = Make<AccountSet>();
   const auto make = [&](const std::string& number) {
-    accounts->CreateNew(Variant(number), Variant("Account"))->SaveChanges();
+    chart->CreateNew(Variant(number), Variant("Account"))->SaveChanges();
   };
   make("2000");
-  for (int i = 0; i < kAccounts; ++i) {
-    const bool is_below = i >= kAccounts / 2;
+  for (int i = 0; i < accounts; ++i) {
+    const bool is_below = i >= accounts / 2;
     make(is_below ? "2000." + std::to_string(i) : std::to_string(1000 + i));
   }
   Batch()->Call("Commit", GetPropsString());
@@ -79,12 +78,13 @@ void SaveVouchers(int count) {
   for (int i = 0; i < count; ++i) NewVoucher(*vouchers, i, date)->SaveChanges();
 }
 
-void SaveVouchersInBatches(int count, int year) {
+void SaveVouchersInBatches(int count, int year, const Lines& lines) {
   auto vouchers = Make<VoucherSet>();
   for (int i = 0; i < count; i += kBatch) {
     Batch()->Call("Begin", GetPropsString());
     for (int k = i; k < std::min(count, i + kBatch); ++k) {
-      NewVoucher(*vouchers, k, DateTime::FromYmd(year, 1 + k % 12, 1 + k % 28))->SaveChanges1();
+      const DateTime date = DateTime::FromYmd(year, 1 + k % 12, 1 + k % 28);
+      NewVoucher(*vouchers, k, date, lines)->SaveChanges1();
     }
     Batch()->Call("Commit", GetPropsString());
   }

@@ -1,14 +1,18 @@
 // The books that the server's benchmarks work on, and the two sides that write to them.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 
 namespace bench {
 
-// Makes empty books with a chart of 200 accounts, 100 of them below 2000, and one voucher group,
-// and logs in.
-void MakeBooks(const std::string& connection);
+// How many accounts the vouchers are spread over.
+inline constexpr int kAccounts = 200;
+
+// Makes empty books with a chart of so many accounts, half of them below 2000, and one voucher
+// group, and logs in.
+void MakeBooks(const std::string& connection, int accounts = kAccounts);
 void LogInTo(const std::string& connection);
 
 // Saves one voucher of 4 lines through the library; its id.
@@ -16,7 +20,11 @@ long SaveVoucher(int number, int month);
 
 // Saves vouchers of 4 lines through the library, one transaction each, or many in one batch.
 void SaveVouchers(int count);
-void SaveVouchersInBatches(int count, int year);
+struct Lines {
+  int accounts = kAccounts;
+  std::function<std::string(int number, int line)> explanation = {};  // otherwise all the same
+};
+void SaveVouchersInBatches(int count, int year, const Lines& lines = {});
 void PostAll(int year);
 
 // What a plain client of the database's own library does for the same rows: prepared statements,

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "qdclgl/server/db/refusals.h"
+#include "qdclgl/server/db/sqlite_functions.h"
 #include "qdclgl/server/db/statement.h"
 
 namespace qdclgl::server {
@@ -128,6 +129,7 @@ SQLiteDriver::SQLiteDriver(const ConnectionText& text, OnBusy on_busy)
                       nullptr);
   connection_.reset(opened);
   Require(result);
+  Require(AddFunctions(connection()));
   constexpr int kSecond = 1000;  // milliseconds
   sqlite3_busy_timeout(connection(), text.Number(connection_key::kLockTimeout) * kSecond);
 }

@@ -35,6 +35,9 @@ struct Span {
   std::string first, behind;  // days as texts
 };
 
+// Of how many vouchers a page is looked for before all of them are read.
+constexpr int kFirstVouchers = 5000;
+
 // A query in the making: its text, and the values of its placeholders.
 struct Query {
   std::string sql;
@@ -74,17 +77,15 @@ constexpr std::string_view kExplanation =
     "CASE WHEN e.FExplanation <> '' THEN e.FExplanation ELSE v.FExplanation END";
 
 void AddWord(const Database& db, const std::string& word, Query& query) {
-  // A line end is in no word.
-  static const std::string kLineTexts =
-      std::string(kExplanation) + " || '\n' || e.FTransNo || '\n' || v.FReference";
-  const auto add = [&](const std::string& text) { return HasWord(db, text, word, query.values); };
-  query.sql += " AND (" + add(kLineTexts);
+  using Texts = std::vector<std::string>;
+  const auto add = [&](const Texts& texts) { return HasWord(db, texts, word, query.values); };
+  query.sql += " AND (" + add({std::string(kExplanation), "e.FTransNo", "v.FReference"});
   // Accounts are few and lines are many: each account is looked at once.
   query.sql += " OR e.FAccountID IN (SELECT FAccountID FROM t_Account WHERE " +
-               add("FNumber || '\n' || FName") + ")";
+               add({"FNumber", "FName"}) + ")";
   query.sql += " OR v.FDetailCount > 0 AND EXISTS (SELECT 1 FROM t_VoucherDetail d"
                " WHERE d.FVoucherID = e.FVoucherID AND d.FEntryID = e.FEntryID AND " +
-               add("d.FItemNumber || '\n' || d.FItemName") + ")";
+               add({"d.FItemNumber", "d.FItemName"}) + ")";
   if (const auto amount = AmountIn(word)) {
     query.sql += " OR e.FAmount = ? OR e.FAmountFor = ?";
     query.values.insert(query.values.end(), 2, *amount);
@@ -96,8 +97,23 @@ void AddWord(const Database& db, const std::string& word, Query& query) {
   query.sql += ")";
 }
 
+// How the vouchers of these days are reached: by an index of days; as they lie in the books, which
+// is quicker for all of them; or by the index again, and only the first ones, which may do for a
+// page.
+enum class Way : std::uint8_t { kByDay, kAsTheyLie, kFirstByDay };
+
+std::string VouchersOf(const Database& db, Way way) {
+  std::string sql = "(SELECT * FROM t_Voucher";
+  if (way == Way::kAsTheyLie) sql += db.Dialect(" NOT INDEXED", "");
+  sql += " WHERE FDeleted = 0 AND FDate >= ? AND FDate < ?";
+  sql += way == Way::kFirstByDay
+             ? " ORDER BY FDate, FVoucherID LIMIT " + std::to_string(kFirstVouchers)
+             : std::string(db.Dialect("", " OFFSET 0"));
+  return sql + ")";
+}
+
 // Lines of these days, all or those of accounts.
-void AddLines(const Database& db, const std::optional<LineState>& state, const Span& span,
+void AddLines(const Database& db, const std::optional<LineState>& state, const Span& span, Way way,
               Query& query) {
   static const std::string kCells =
       "SELECT v.FVoucherID, e.FEntryID, v.FDate, v.FYear, v.FPeriod, g.FName AS FGroup, v.FNumber,"
@@ -112,8 +128,7 @@ void AddLines(const Database& db, const std::optional<LineState>& state, const S
   if (state) {
     query.sql += FromLinesBelow(db, *state);
   } else {
-    query.sql += " FROM (SELECT * FROM t_Voucher WHERE FDeleted = 0 AND FDate >= ? AND FDate < ?" +
-                 std::string(db.Dialect("", " OFFSET 0")) + ") v" +
+    query.sql += " FROM " + VouchersOf(db, way) + " v" +
                  Reached(db, "t_VoucherEntry", "e", "e.FVoucherID = v.FVoucherID");
   }
   query.values.emplace_back(span.first);
@@ -142,35 +157,49 @@ Ref<Recordset> LineInfo::Find(std::string_view PropsString, const String& Words,
   const Span span = {
       DateText(DateTime(std::floor(DateFrom.days))),
       DateTo == DateTime() ? "9999" : DateText(DateTime(std::floor(DateTo.days) + 1))};
+  const bool is_all_days = DateFrom == DateTime() && DateTo == DateTime();
   const std::vector<std::string> words = SearchWords(Words);
-  Query query;
-  const auto add = [&](const std::optional<LineState>& state) {
-    AddLines(db, state, span, query);
-    if (item.item != 0) {
-      query.sql += " AND EXISTS (SELECT 1 FROM t_VoucherDetail d WHERE d.FVoucherID = e.FVoucherID"
-                   " AND d.FEntryID = e.FEntryID AND d.FItemClassID = ? AND d.FItemID = ?)";
-      query.values.emplace_back(std::int64_t{item.item_class});
-      query.values.emplace_back(std::int64_t{item.item});
+  const Long account = AccountNumber.empty() ? 0 : AccountWanted(db, AccountNumber);
+  const auto query_by = [&](Way way) {
+    Query query;
+    const auto add = [&](const std::optional<LineState>& state) {
+      AddLines(db, state, span, way, query);
+      if (item.item != 0) {
+        query.sql +=
+            " AND EXISTS (SELECT 1 FROM t_VoucherDetail d WHERE d.FVoucherID = e.FVoucherID"
+            " AND d.FEntryID = e.FEntryID AND d.FItemClassID = ? AND d.FItemID = ?)";
+        query.values.emplace_back(std::int64_t{item.item_class});
+        query.values.emplace_back(std::int64_t{item.item});
+      }
+      for (const std::string& word : words) AddWord(db, word, query);
+    };
+    if (account != 0) {
+      query.sql = std::string(kBelow) + " ";
+      query.values.emplace_back(std::int64_t{account});
+      if (WhichState != kNotPosted) add(LineState::kPosted);
+      if (WhichState == kAll) query.sql += " UNION ALL ";
+      if (WhichState != kPosted) add(LineState::kNotPosted);
+    } else {
+      add(std::nullopt);
+      if (WhichState != kAll)
+        query.sql += WhichState == kPosted ? " AND v.FPosted = 1" : " AND v.FPosted = 0";
     }
-    for (const std::string& word : words) AddWord(db, word, query);
+    return query;
   };
-  if (!AccountNumber.empty()) {
-    query.sql = std::string(kBelow) + " ";
-    query.values.emplace_back(std::int64_t{AccountWanted(db, AccountNumber)});
-    if (WhichState != kNotPosted) add(LineState::kPosted);
-    if (WhichState == kAll) query.sql += " UNION ALL ";
-    if (WhichState != kPosted) add(LineState::kNotPosted);
-  } else {
-    add(std::nullopt);
-    if (WhichState != kAll)
-      query.sql += WhichState == kPosted ? " AND v.FPosted = 1" : " AND v.FPosted = 0";
-  }
   std::optional<Page> page;
   if (First != 0 || Count != 0) {
     page = Page{First == 0 ? 0 : First - 1, Count == 0 ? INT32_MAX : Count};
   }
-  Ref<Recordset> lines = FetchList(db, {query.sql, kColumns, "FDate, FVoucherID, FEntryID"}, Filter,
-                                   "", query.values, page);
+  const auto fetch = [&](Way way) {
+    const Query query = query_by(way);
+    return FetchList(db, {query.sql, kColumns, "FDate, FVoucherID, FEntryID"}, Filter, "",
+                     query.values, page);
+  };
+  Ref<Recordset> lines;
+  if (page && account == 0) lines = fetch(Way::kFirstByDay);
+  if (!lines || lines->RecordCount() < page->count) {
+    lines = fetch(is_all_days ? Way::kAsTheyLie : Way::kByDay);
+  }
   transaction.Commit();
   return lines;
 }

@@ -61,17 +61,27 @@ std::vector<std::string> SearchWords(std::string_view text) {
   return words;
 }
 
-std::string HasWord(const Database& db, const std::string& text, std::string_view word,
+std::string HasWord(const Database& db, std::span<const std::string> texts, std::string_view word,
                     std::vector<BoundValue>& values) {
   const std::string upper = ToUpper(word);
-  std::string folded = "UPPER(" + text + ")";
-  for (const std::string& capital : CharactersBeyondAscii(upper)) {
-    for (const std::string& letter : SmallLettersOf(capital)) {
-      folded = "REPLACE(" + folded + ", '" + letter + "', '" + capital + "')";
-    }
-  }
   values.emplace_back(upper);
-  return std::string(db.Dialect("INSTR(", "STRPOS(")) + folded + ", ?) > 0";
+  if (db.IsSQLite()) {
+    std::string call = "HAS_WORD(?";
+    for (const std::string& text : texts) call += ", " + text;
+    return call + ")";
+  }
+  std::string condition;
+  for (const std::string& text : texts) {
+    std::string folded = "UPPER(" + text + ")";
+    for (const std::string& capital : CharactersBeyondAscii(upper)) {
+      for (const std::string& letter : SmallLettersOf(capital)) {
+        folded = "REPLACE(" + folded + ", '" + letter + "', '" + capital + "')";
+      }
+    }
+    // A line end is in no word.
+    condition += (condition.empty() ? "" : " || '\n' || ") + folded;
+  }
+  return "STRPOS(" + condition + ", ?) > 0";
 }
 
 }  // namespace qdclgl::server

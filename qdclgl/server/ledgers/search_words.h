@@ -1,6 +1,7 @@
 // What lines are looked for by: words, each of which a line must have somewhere.
 #pragma once
 
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,11 +15,11 @@ namespace qdclgl::server {
 // inside is doubled.
 std::vector<std::string> SearchWords(std::string_view text);
 
-// A condition that a text of the database has the word in it, whatever its case, with the word's
-// value behind `values`. The databases know the case of ASCII letters alone, or differ by their
-// version and locale; so the letters beyond it that the word has are folded one by one in the
-// text, as ToUpper does it, and both databases find the same.
-std::string HasWord(const Database& db, const std::string& text, std::string_view word,
+// A condition that one of the texts of the database has the word in it, whatever its case, with the
+// word's value behind `values`. PostgreSQL knows the case of letters as its version and locale do;
+// so those beyond ASCII that the word has are folded one by one in the text, as ToUpper does it,
+// and both databases find the same.
+std::string HasWord(const Database& db, std::span<const std::string> texts, std::string_view word,
                     std::vector<BoundValue>& values);
 
 }  // namespace qdclgl::server

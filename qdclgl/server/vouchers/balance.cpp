@@ -87,9 +87,18 @@ std::string AsksForAll(const Classes& classes, std::string_view row) {
   return condition;
 }
 
-// Balances as posting keeps them, one row for each account, currency and period, and by items for
-// each combination of them.
-std::string Stored(const Database&, const Classes& classes) {
+constexpr const char* kDebitSide = "e.FDC";
+constexpr const char* kCreditSide = "(1 - e.FDC)";
+
+// What moved, a row for each account, currency and period, and by items for each combination of
+// them.
+struct Movements {
+  std::string query;
+  bool is_kept;  // in rows that are read twice sooner than put aside
+};
+
+// As posting keeps them.
+Movements Stored(const Database&, const Classes& classes) {
   std::string joins;
   for (std::size_t i = 0; i < classes.size(); ++i) {
     const std::string item = Alias("item", i);
@@ -97,15 +106,18 @@ std::string Stored(const Database&, const Classes& classes) {
              ".FCombinationID = b.FCombinationID AND " + item +
              ".FItemClassID = " + std::to_string(classes[i]);
   }
-  return "SELECT b.FAccountID, b.FCurrencyID, b.FYear * 1000 + b.FPeriod AS FAt, b.FDebit,"
-         " b.FCredit, b.FDebitFor, b.FCreditFor, b.FDebitQty, b.FCreditQty" +
-         ItemCells(classes, "item") + " FROM " + (classes.empty() ? "t_Balance" : "t_ItemBalance") +
-         " b" + joins + " WHERE 1 = 1" + AsksForAll(classes, "b");
+  return {"SELECT b.FAccountID, b.FCurrencyID, b.FYear * 1000 + b.FPeriod AS FAt, b.FDebit,"
+          " b.FCredit, b.FDebitFor, b.FCreditFor, b.FDebitQty, b.FCreditQty" +
+              ItemCells(classes, "item") + " FROM " +
+              (classes.empty() ? "t_Balance" : "t_ItemBalance") + " b" + joins + " WHERE 1 = 1" +
+              AsksForAll(classes, "b"),
+          true};
 }
 
 // The same from the lines of posted vouchers.
-std::string FromLines(const Database& db, const Classes& classes) {
+Movements FromLines(const Database& db, const Classes& classes) {
   const std::string quantity = MillionthsSql(db, "(" + std::string(kCountedQuantity) + ")");
+  const std::string amount_for = "CASE WHEN e.FCurrencyID = 1 THEN e.FAmount ELSE e.FAmountFor END";
   std::string joins;
   for (std::size_t i = 0; i < classes.size(); ++i) {
     const std::string item = Alias("item", i);
@@ -113,15 +125,24 @@ std::string FromLines(const Database& db, const Classes& classes) {
              ") AS " + item + " ON " + item + ".FVoucherID = e.FVoucherID AND " + item +
              ".FEntryID = e.FEntryID";
   }
-  return "SELECT e.FAccountID, e.FCurrencyID, v.FYear * 1000 + v.FPeriod AS FAt,"
-         " e.FAmount * e.FDC AS FDebit, e.FAmount * (1 - e.FDC) AS FCredit,"
-         " CASE WHEN e.FCurrencyID = 1 THEN e.FAmount ELSE e.FAmountFor END * e.FDC AS FDebitFor,"
-         " CASE WHEN e.FCurrencyID = 1 THEN e.FAmount ELSE e.FAmountFor END * (1 - e.FDC)"
-         " AS FCreditFor, " +
-         quantity + " * e.FDC AS FDebitQty, " + quantity + " * (1 - e.FDC) AS FCreditQty" +
-         ItemCells(classes, "item") +
-         " FROM t_Voucher v JOIN t_VoucherEntry e ON e.FVoucherID = v.FVoucherID" + joins +
-         " WHERE v.FPosted = 1" + AsksForAll(classes, "e");
+  std::string sides;
+  const auto add = [&](const std::string& value, const char* side, const char* name) {
+    sides += ", SUM(" + value + " * " + side + ") AS " + name;
+  };
+  add("e.FAmount", kDebitSide, "FDebit");
+  add("e.FAmount", kCreditSide, "FCredit");
+  add(amount_for, kDebitSide, "FDebitFor");
+  add(amount_for, kCreditSide, "FCreditFor");
+  add(quantity, kDebitSide, "FDebitQty");
+  add(quantity, kCreditSide, "FCreditQty");
+  std::string items;
+  for (std::size_t i = 0; i < classes.size(); ++i) items += ", " + Alias("item", i) + ".FItemID";
+  return {"SELECT e.FAccountID, e.FCurrencyID, v.FYear * 1000 + v.FPeriod AS FAt" + sides +
+              ItemCells(classes, "item") +
+              " FROM t_Voucher v JOIN t_VoucherEntry e ON e.FVoucherID = v.FVoucherID" + joins +
+              " WHERE v.FPosted = 1" + AsksForAll(classes, "e") +
+              " GROUP BY e.FAccountID, e.FCurrencyID, v.FYear, v.FPeriod" + items,
+          false};
 }
 
 // A quantity that is counted in millionths. In parts, since one of the databases divides real
@@ -131,9 +152,10 @@ std::string FromMillionths(const std::string& count) {
   return "((" + count + " - " + rest + ") / 1000000 + " + rest + " / 1e6)";
 }
 
-// The list's query: what moved, added up by account, items and currency, then for every account
-// over all that is below it, then for all currencies together.
-std::string Query(std::string_view movements, const Classes& classes) {
+// The list's query: what moved before the span and within it, added up by account, items and
+// currency, then for every account over all that is below it, then for all currencies together. Its
+// placeholders are the span's first period twice, and its last one.
+std::string Query(const Movements& movements, const Classes& classes) {
   struct Sum {
     std::string_view name, begin, debit, credit;
   };
@@ -142,15 +164,14 @@ std::string Query(std::string_view movements, const Classes& classes) {
       {"For", "FBeginFor", "FDebitFor", "FCreditFor"},
       {"Qty", "FBeginQty", "FDebitQty", "FCreditQty"},
   };
-  std::string moved, over_accounts, over_currencies, present;
+  std::string before, within, over_accounts, over_currencies, present;
   for (const Sum& sum : kSums) {
     const auto add = [](std::string& text, const std::string& part) { text += ", " + part; };
     const std::string begin(sum.begin), debit(sum.debit), credit(sum.credit);
-    add(moved, "SUM(CASE WHEN FAt < span.FFirst THEN " + debit + " - " + credit +
-                   " ELSE 0 END) AS " + begin);
-    for (const std::string& side : {debit, credit}) {
-      add(moved, "SUM(CASE WHEN FAt < span.FFirst THEN 0 ELSE " + side + " END) AS " + side);
-    }
+    add(before,
+        "SUM(" + debit + " - " + credit + ") AS " + begin + ", 0 AS " + debit + ", 0 AS " + credit);
+    add(within, "0 AS " + begin + ", SUM(" + debit + ") AS " + debit + ", SUM(" + credit + ") AS " +
+                    credit);
     for (const std::string& name : {begin, debit, credit}) {
       add(over_accounts, "SUM(" + name + ") AS " + name);
       add(over_currencies, sum.name == "For" ? "0 AS " + name : "SUM(" + name + ") AS " + name);
@@ -168,18 +189,19 @@ std::string Query(std::string_view movements, const Classes& classes) {
     }
     item_names += " LEFT JOIN t_Item " + item + " ON " + item + ".FItemID = r." + IdColumn(i);
   }
-  return "WITH RECURSIVE span AS (SELECT CAST(? AS BIGINT) AS FFirst, CAST(? AS BIGINT) AS FLast),"
-         " above AS ("
+  const std::string place = "FAccountID, FCurrencyID" + items;
+  const auto added_up = [&](const std::string& sums, const char* when) {
+    return "SELECT " + place + sums + " FROM movement WHERE " + when + " GROUP BY " + place;
+  };
+  return "WITH RECURSIVE above AS ("
          "  SELECT FAccountID, FAccountID AS FAboveID FROM t_Account"
          "  UNION ALL"
          "  SELECT above.FAccountID, a.FParentID FROM above"
          "  JOIN t_Account a ON a.FAccountID = above.FAboveID WHERE a.FParentID <> 0),"
-         " moved AS ("
-         "  SELECT FAccountID, FCurrencyID" +
-         items + moved + "  FROM (" + std::string(movements) +
-         ") AS movement CROSS JOIN span"
-         "  WHERE FAt <= span.FLast GROUP BY FAccountID, FCurrencyID" +
-         items +
+         " movement AS " +
+         std::string(movements.is_kept ? "NOT MATERIALIZED" : "MATERIALIZED") + " (" +
+         movements.query + ")," + " moved AS (" + added_up(before, "FAt < CAST(? AS BIGINT)") +
+         " UNION ALL " + added_up(within, "FAt >= CAST(? AS BIGINT) AND FAt <= CAST(? AS BIGINT)") +
          "),"
          " each AS ("
          "  SELECT above.FAboveID, moved.FCurrencyID" +
@@ -251,12 +273,12 @@ struct Shape {
   }
 };
 
-using MovementsQuery = std::string (*)(const Database&, const Classes&);
+using MovementsOf = Movements (*)(const Database&, const Classes&);
 
 // By items of the classes that a text names, where there is one.
-Ref<Recordset> Balances(std::string_view props, MovementsQuery movements,
+Ref<Recordset> Balances(std::string_view props, MovementsOf movements,
                         const std::optional<String>& class_numbers, Long year, Long from, Long to,
-                        const String& filter, const String& sort, const Variant& page = Missing) {
+                        const String& filter, const String& sort, const Variant& page) {
   const Caller caller = Enter(props, BalanceInfo::kRead);
   Transaction transaction(caller.db, Transaction::Kind::kRead);
   const Classes classes = class_numbers ? ClassesIn(caller.db, *class_numbers) : Classes();
@@ -278,7 +300,7 @@ Ref<Recordset> Balances(std::string_view props, MovementsQuery movements,
   }
   const Shape shape(classes);
   const std::string query = Query(movements(caller.db, classes), classes);
-  const BoundValue span[] = {first, last};
+  const BoundValue span[] = {first, first, last};
   Ref<Recordset> list =
       FetchList(caller.db, {query, shape.columns, shape.order}, filter, sort, span, PageIn(page));
   transaction.Commit();
@@ -303,15 +325,19 @@ Ref<Recordset> BalanceInfo::GetListFromLines(std::string_view PropsString, Long 
 
 Ref<Recordset> BalanceInfo::GetItemList(std::string_view PropsString, const String& ClassNumbers,
                                         Long nYear, Long PeriodFrom, Long PeriodTo,
-                                        const String& Filter, const String& Sort) {
-  return Balances(PropsString, Stored, ClassNumbers, nYear, PeriodFrom, PeriodTo, Filter, Sort);
+                                        const String& Filter, const String& Sort,
+                                        const Variant& Page) {
+  return Balances(PropsString, Stored, ClassNumbers, nYear, PeriodFrom, PeriodTo, Filter, Sort,
+                  Page);
 }
 
 Ref<Recordset> BalanceInfo::GetItemListFromLines(std::string_view PropsString,
                                                  const String& ClassNumbers, Long nYear,
                                                  Long PeriodFrom, Long PeriodTo,
-                                                 const String& Filter, const String& Sort) {
-  return Balances(PropsString, FromLines, ClassNumbers, nYear, PeriodFrom, PeriodTo, Filter, Sort);
+                                                 const String& Filter, const String& Sort,
+                                                 const Variant& Page) {
+  return Balances(PropsString, FromLines, ClassNumbers, nYear, PeriodFrom, PeriodTo, Filter, Sort,
+                  Page);
 }
 
 }  // namespace qdclgl::server

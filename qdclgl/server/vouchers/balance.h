@@ -44,14 +44,15 @@ class BalanceInfo final : public Object {
   QD_METHOD(Ref<Recordset>, GetItemList,
             (std::string_view PropsString, const String& ClassNumbers, Long nYear = {},
              Long PeriodFrom = {}, Long PeriodTo = {}, const String& Filter = {},
-             const String& Sort = {}),
+             const String& Sort = {}, const Variant& Page = Missing),
             "The balances by items of these classes, their numbers with commas between them, at "
-            "most 8: \"CUSTOMER,DEP\". By account, items and currency unless Sort says otherwise. "
-            "BadReference for a class that there isn't, and the errors of GetList.")
+            "most 8: \"CUSTOMER,DEP\". By account, items and currency unless Sort says "
+            "otherwise. " QDCLGL_PAGE_HELP
+            " BadReference for a class that there isn't, and the errors of GetList.")
   QD_METHOD(Ref<Recordset>, GetItemListFromLines,
             (std::string_view PropsString, const String& ClassNumbers, Long nYear = {},
              Long PeriodFrom = {}, Long PeriodTo = {}, const String& Filter = {},
-             const String& Sort = {}),
+             const String& Sort = {}, const Variant& Page = Missing),
             "The same, added up from the lines of the posted vouchers.")
 };
 

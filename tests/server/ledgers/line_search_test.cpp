@@ -58,6 +58,7 @@ TEST_P(LineSearchTest, EachWordStandsSomewhereInALine) {
   EXPECT_EQ(Found("änne"), "3/1");
   EXPECT_EQ(Found("ÄNNE c001"), "3/1");
   EXPECT_EQ(Found("coffee"), "");
+  EXPECT_EQ(Found("\"greenr\""), "") << "texts don't run into each other";
   EXPECT_EQ(Found(""), "2/1 2/2 1/1 1/2 3/1 3/2");
 }
 
@@ -98,6 +99,9 @@ TEST_P(LineSearchTest, PagesGoOnWhereTheOthersEnd) {
   EXPECT_EQ(page(3, 3), "1/1 1/2 3/1");
   EXPECT_EQ(page(6, 3), "3/2");
   EXPECT_EQ(page(5, 0), "3/1 3/2");
+  EXPECT_EQ(Found("tea", "", "", DateTime(), DateTime(), Long{0}, "", "", Long{2}, Long{2}),
+            "2/2 1/1")
+      << "of what the words leave";
 }
 
 TEST_P(LineSearchTest, WhatIsNotThereIsRefused) {

@@ -19,9 +19,10 @@ class HasWordTest : public LedgerTest {
  protected:
   bool Has(std::string_view text, std::string_view word) {
     std::vector<BoundValue> values = {std::string(text)};
-    const std::string sql = "SELECT CASE WHEN " +
-                            HasWord(Books(), "CAST(? AS TEXT)", word, values) +
-                            " THEN 1 ELSE 0 END";
+    const std::string texts[] = {"'other'", "given.FText"};
+    const std::string sql = "SELECT CASE WHEN " + HasWord(Books(), texts, word, values) +
+                            " THEN 1 ELSE 0 END FROM (SELECT CAST(? AS TEXT) AS FText) AS given";
+    std::swap(values[0], values[1]);
     const auto statement = Books().MakeStatement(sql);
     SetAll(*statement, values);
     statement->Open();

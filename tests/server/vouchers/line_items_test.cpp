@@ -2,6 +2,7 @@
 #include "qdclgl/server/vouchers/line_items.h"
 
 #include "tests/server/ledger_fixture.h"
+#include "tests/server/list_pages.h"
 #include "tests/support/state_text.h"
 
 namespace qdclgl::server::testing {
@@ -299,6 +300,22 @@ TEST_P(LineItemsTest, BalancesByItemsKnowPeriodsCurrenciesAndQuantities) {
                                      id + " Anna 10 0 10 2.5 2.5\n");
   EXPECT_EQ(list("GetItemList"), list("GetItemListFromLines"));
   EXPECT_EQ(Breaches(), "");
+}
+
+TEST_P(LineItemsTest, PagesOfBalancesByItemsPutTogetherAreTheList) {
+  SaveAndPost(Sold("1130", 11, {Customer(anna)}, "2024-01-15",
+                   {{"FCurrencyNumber", "USD"}, {"FAmountFor", Currency(10)}, {"FQuantity", 2.5}}));
+  SaveAndPost(Sold("1130", 4, {Customer(bert)}, "2024-02-15"));
+  for (const char* const method : {"GetItemList", "GetItemListFromLines"}) {
+    SCOPED_TRACE(method);
+    ExpectPagesAreTheList(
+        [&](const std::string& sort, const Variant& page) {
+          return Call("QDSVGLBalance.BalanceInfo", method, props, "CUSTOMER", Long{2024}, Long{0},
+                      Long{0}, "", sort, page)
+              .As<Recordset>();
+        },
+        2);
+  }
 }
 
 TEST_P(LineItemsTest, ListsByItemsNeedClassesThatThereAre) {
