@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <regex>
 
 #include "qdclgl/api/class_list.h"
@@ -52,22 +53,33 @@ std::vector<std::string> Paragraphs(const std::string& text) {
   return paragraphs;
 }
 
+// Classes that programs never name, and what they write instead.
+const std::map<std::string_view, std::string_view> kUnnamed = {
+    {"WalkCustomPropertySet",
+     "Programs don't make one: a `for` over a [CustomPropertySet](CustomPropertySet.md) walks by "
+     "it."}};
+
+const std::string kHeading = "\n## Example\n\n";
+
 // The first paragraph of an example that a pattern is found in, and where the whole of it stands.
 std::string ExampleText(const std::vector<Example>& examples, const std::string& pattern) {
   const std::regex wanted(pattern);
   for (const Example& example : examples) {
     for (const std::string& paragraph : Paragraphs(example.text)) {
       if (!std::regex_search(paragraph, wanted)) continue;
-      return "\n## Example\n\nFrom [" + example.file + "](../../" + example.file +
-             "):\n\n```cpp\n" + paragraph + "\n```\n";
+      return kHeading + "From [" + example.file + "](../../" + example.file + "):\n\n```cpp\n" +
+             paragraph + "\n```\n";
     }
   }
-  return "\nNo example uses it.\n";
+  return "";
 }
 
-std::string UseOf(const ClassTable& table) {
+// An example of a class.
+std::string ExampleOf(const std::vector<Example>& examples, const ClassTable& table) {
   const std::string name(table.name());
-  return "(Make|Ref|As)<" + name + ">|\\b" + name + "& ";
+  const auto unnamed = kUnnamed.find(name);
+  if (unnamed != kUnnamed.end()) return kHeading + std::string(unnamed->second) + "\n";
+  return ExampleText(examples, "(Make|Ref|As)<" + name + ">");
 }
 
 // Who may call a method of a component.
@@ -146,11 +158,12 @@ std::vector<Part> ReferencePages(const fs::path& root) {
       "and equal to what clears the member removes the key. What a member raises and which methods "
       "of which components it calls stand in its last column; the components themselves are below. "
       "Examples are pieces of the programs in [examples/](../../examples), which the tests build "
-      "and "
-      "run.\n\n- [errors](errors.md): all numbers, what they mean and what to do\n\n## Classes\n\n";
+      "and run; what they print is kept in [examples/output/](../../examples/output). `props` is "
+      "what a login gives, `Row` and `Print` are in [story.h](../../examples/story.h).\n\n"
+      "- [errors](errors.md): all numbers, what they mean and what to do\n\n## Classes\n\n";
   for (const ClassTable* table : PublicClasses()) {
     index += IndexLine(table->name(), table->help());
-    add(table->name(), ReferenceText(*table) + ExampleText(examples, UseOf(*table)));
+    add(table->name(), ReferenceText(*table) + ExampleOf(examples, *table));
   }
   index += "\n## Server components\n\n";
   for (const server::ServerComponent& component : server::ServerComponents()) {

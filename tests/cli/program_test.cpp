@@ -235,19 +235,6 @@ TEST(Program, TheExampleOpensEditsAndSaves) {
                         "read again  line 1: 1, debit 10, \"Tea, counted again\"; modified: no\n");
 }
 
-TEST(Program, TheExampleWithItemsPrintsReceivables) {
-  const Folder folder;
-  const std::string book = folder.Path("books.db");
-  setenv("QDCLGL_REGISTRY", folder.Path("registry").c_str(), 1);
-  const RunResult result = RunProgram({book}, QDCLGL_ITEMS_EXAMPLE);
-  EXPECT_EQ(result.err, "");
-  EXPECT_EQ(result.code, 0);
-  EXPECT_EQ(result.out, "By CUSTOMER:\n  Anna  620\n  Bert  300\n"
-                        "By CUSTOMER,CONTRACT:\n  Anna  Roof  500\n  Anna  Wall  120\n"
-                        "  Bert  Wall  300\n");
-  EXPECT_EQ(RunProgram({"doctor", book}).code, 0);
-}
-
 TEST(Program, TheExampleIsShort) {
   const std::string text = ReadFile(QDCLGL_SOURCE_DIR "/examples/open_edit_save.cpp");
   EXPECT_LT(std::count(text.begin(), text.end(), '\n'), 40);

@@ -59,6 +59,17 @@ TEST(DerivedParts, AreAllThatStandsInTheReference) {
   EXPECT_GT(made.size(), 90u);
 }
 
+TEST(DerivedParts, ShowAnExampleOfEveryClassAndComponent) {
+  for (const Part& part : DerivedParts(QDCLGL_SOURCE_DIR)) {
+    if (!part.file.starts_with("docs/reference/") || part.file.ends_with("/README.md") ||
+        part.file.ends_with("/errors.md")) {
+      continue;
+    }
+    EXPECT_NE(part.text.find("\n## Example\n"), std::string::npos)
+        << part.file << ": write a paragraph into a program of examples/ that uses it";
+  }
+}
+
 TEST(CoreErrors, HoldEveryNumberOfTheLibrary) {
   std::ifstream file(QDCLGL_SOURCE_DIR "/qdclgl/frame/vocabulary/errors.h");
   const std::string text{std::istreambuf_iterator<char>(file), {}};

@@ -280,8 +280,8 @@ class AccountItemInfo final : public Object {
   static constexpr MethodRight kRights[] = {{"GetListByAccount", {Role::kReader, "read accounts"}}};
 
   QD_METHOD(Ref<Recordset>, GetListByAccount, (std::string_view PropsString, const Long& AccountID),
-            "The item classes of an account: FAccountID, FItemClassID, FItemClassNumber, "
-            "FItemClassName.")
+            "The item classes of an account: FAccountID, FItemClassID, and FItemClassNumber and "
+            "FItemClassName as the class has them now.")
 };
 
 QD_DEFINE_MEMBERS(AccountItemInfo)
@@ -351,8 +351,13 @@ Ref<Recordset> AccountItemInfo::GetListByAccount(std::string_view PropsString,
                                                  const Long& AccountID) {
   const Caller caller = Enter(PropsString, RightTo<AccountItemInfo>("GetListByAccount"));
   const BoundValue id = std::int64_t{AccountID};
+  // Accounts keep what they were saved with: an id alone, or a number that the class had then.
   return FetchList(
-      caller.db, {"SELECT * FROM t_AccountItem WHERE FAccountID = ?", kItemColumns, "FItemClassID"},
+      caller.db,
+      {"SELECT i.FAccountID, i.FItemClassID, COALESCE(c.FNumber, i.FItemClassNumber) AS"
+       " FItemClassNumber, COALESCE(c.FName, i.FItemClassName) AS FItemClassName FROM t_AccountItem"
+       " i LEFT JOIN t_ItemClass c ON c.FItemClassID = i.FItemClassID WHERE i.FAccountID = ?",
+       kItemColumns, "FItemClassID"},
       "", "", std::span(&id, 1));
 }
 

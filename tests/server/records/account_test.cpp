@@ -383,12 +383,13 @@ TEST_P(AccountTest, ItemClassesAreReplacedWhenTheRowHasThem) {
                                            {"FItemClassName", "Customers"}}),
                                       Row({{"FItemClassID", Long{3}}})});
   const Long id = Create(Row({{"FNumber", "1"}, {"FName", "x"}, {"_Items", items}}));
-  EXPECT_EQ(Items(id), "3  \n7 07 Customers\n");
+  EXPECT_EQ(Items(id), "3 CUSTOMER 客户\n7 07 Customers\n")
+      << "as the class has them; there is no class 7";
   Change(id, "FName", "y");
-  EXPECT_EQ(Items(id), "3  \n7 07 Customers\n") << "a row without _Items leaves them";
+  EXPECT_EQ(Items(id), "3 CUSTOMER 客户\n7 07 Customers\n") << "a row without _Items leaves them";
   const Ref<Dictionary> with_id = Row({{"FAccountID", id}, {"FItemClassID", Long{4}}});
   Change(id, "_Items", ItemList({with_id}));
-  EXPECT_EQ(Items(id), "4  \n");
+  EXPECT_EQ(Items(id), "4 SUPPLIER 供应商\n");
   const std::string before = State();
   for (const Variant& wrong :
        {Variant("text"), Variant(Nothing), Variant(Make<Dictionary>()),
