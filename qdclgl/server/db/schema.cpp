@@ -50,17 +50,19 @@ std::string InDialect(Database& database, std::string_view sql) {
 }
 
 // A migration may give rows their ids: the ids that the database gives go on behind them, as SQLite
-// sees to by itself.
+// sees to by itself. The standard's views of the catalog take the longer the more books stand
+// beside.
 constexpr std::string_view kRaiseIdentities = R"(
 DO $$
 DECLARE
   id RECORD;
 BEGIN
   FOR id IN
-    SELECT table_name, column_name,
-           pg_get_serial_sequence(quote_ident(table_name), column_name) AS sequence
-    FROM information_schema.columns
-    WHERE table_schema = current_schema() AND is_identity = 'YES'
+    SELECT c.relname AS table_name, a.attname AS column_name,
+           pg_get_serial_sequence(quote_ident(c.relname), a.attname) AS sequence
+    FROM pg_class c JOIN pg_attribute a ON a.attrelid = c.oid
+    WHERE c.relnamespace = CAST(quote_ident(current_schema()) AS regnamespace)
+      AND c.relkind = 'r' AND a.attidentity <> ''
   LOOP
     EXECUTE format('SELECT setval(%L, GREATEST(nextval(%L),'
                    ' (SELECT COALESCE(MAX(%I), 0) + 1 FROM %I)), false)',
@@ -87,8 +89,9 @@ bool HasTables(Database& database) {
   return database
       .QueryValue<bool>(
           database.Dialect("SELECT EXISTS (SELECT 1 FROM sqlite_master WHERE type = 'table')",
-                           "SELECT CASE WHEN EXISTS (SELECT 1 FROM information_schema.tables"
-                           " WHERE table_schema = current_schema()) THEN 1 ELSE 0 END"))
+                           "SELECT CASE WHEN EXISTS (SELECT 1 FROM pg_class WHERE relnamespace ="
+                           " CAST(quote_ident(current_schema()) AS regnamespace)"
+                           " AND relkind IN ('r', 'p', 'f', 'v')) THEN 1 ELSE 0 END"))
       .value_or(false);
 }
 
