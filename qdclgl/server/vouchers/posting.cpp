@@ -101,8 +101,7 @@ void TakeFromSize(Database& db, const Movements& movements, Long voucher_id) {
 class BalanceRows {
  public:
   // The columns that tell the rows apart.
-  BalanceRows(const std::string& table, const std::string& keys, Direction direction)
-      : direction_(direction) {
+  BalanceRows(const std::string& table, const std::string& keys) {
     const auto count = std::ranges::count(keys, ',') + 1 + std::ssize(kSums);
     std::string sums, sets, places;
     for (const std::string_view name : kSums) {
@@ -116,10 +115,11 @@ class BalanceRows {
   }
 
   template <class... Keys>
-  void Move(Database& db, const Movement& movement, const Keys&... keys) const {
+  void Move(Database& db, Direction direction, const Movement& movement,
+            const Keys&... keys) const {
     const auto units = [&](std::size_t i) {
-      return static_cast<std::int64_t>(direction_ == Direction::kPost ? movement[i]
-                                                                      : 0 - movement[i]);
+      return static_cast<std::int64_t>(direction == Direction::kPost ? movement[i]
+                                                                     : 0 - movement[i]);
     };
     db.ExecuteLater(sql_, keys..., units(0), units(1), units(2), units(3), units(4), units(5));
   }
@@ -128,19 +128,18 @@ class BalanceRows {
   static constexpr std::string_view kSums[] = {"FDebit",     "FCredit",   "FDebitFor",
                                                "FCreditFor", "FDebitQty", "FCreditQty"};
 
-  Direction direction_;
   std::string sql_;
 };
 
 void MoveItemBalances(Database& db, const Movements& movements, AccountingPeriod period,
                       Direction direction) {
   if (movements.by_items.empty()) return;
-  const BalanceRows rows("t_ItemBalance", "FAccountID, FCombinationID, FCurrencyID, FYear, FPeriod",
-                         direction);
+  static const BalanceRows kRows("t_ItemBalance",
+                                 "FAccountID, FCombinationID, FCurrencyID, FYear, FPeriod");
   for (const auto& [place, movement] : movements.by_items) {
     const auto& [account, items, currency] = place;
-    rows.Move(db, movement, account, CombinationOf(db, items), currency, period.year,
-              period.period);
+    kRows.Move(db, direction, movement, account, CombinationOf(db, items), currency, period.year,
+               period.period);
   }
 }
 
@@ -172,9 +171,9 @@ void MoveBalances(Database& db, Long voucher_id, const std::string& name, Accoun
   } else {
     TakeFromSize(db, movements, voucher_id);
   }
-  const BalanceRows rows("t_Balance", "FAccountID, FCurrencyID, FYear, FPeriod", direction);
+  static const BalanceRows kRows("t_Balance", "FAccountID, FCurrencyID, FYear, FPeriod");
   for (const auto& [place, movement] : movements.by_place) {
-    rows.Move(db, movement, place.first, place.second, period.year, period.period);
+    kRows.Move(db, direction, movement, place.first, place.second, period.year, period.period);
   }
   MoveItemBalances(db, movements, period, direction);
   MovePostedLines(db, voucher_id, direction);
