@@ -82,6 +82,14 @@ TEST_F(Manual, HasAChapterForEveryCommandButTheListsAndForNothingElse) {
   EXPECT_EQ(chapters, expected);
 }
 
+TEST_F(Manual, HasEveryCommandInTheGuideToTheCommandLineToo) {
+  const std::string guide = ReadFile(QDCLGL_SOURCE_DIR "/docs/cli.md");
+  for (const std::string& command : Commands()) {
+    EXPECT_TRUE(std::regex_search(guide, std::regex("(`|qdclgl )" + command + "[` \n]")))
+        << command;
+  }
+}
+
 TEST_F(Manual, NamesNoOptionAndNoCommandThatIsNotThere) {
   for (const std::string& command : Commands()) {
     for (const std::string& code : Matches(ManualText(command), "`([^`]*)`")) {
