@@ -387,12 +387,13 @@ TEST_P(Records, ShowTheRowsThatBelongToThem) {
   ExpectDone(Run({"add", "accounts", "1", "FName=Cash", "_Items=" + items}));
   const std::string plain = Run({"show", "accounts", "1"}).out;
   EXPECT_TRUE(plain.ends_with("\n\n_Items\nFItemClassID  FItemClassNumber  FItemClassName\n"
-                              "           1  DEP\n           2\n"))
-      << plain;
+                              "           1  DEP               部门\n"
+                              "           2  STAFF             职员\n"))
+      << plain << "as the classes are called, whatever was sent";
   const Json row = Json::parse(Run({"show", "accounts", "1", "--json"}).out).at(0);
   EXPECT_EQ(row["_Items"].dump(),
-            R"([{"FItemClassID":1,"FItemClassNumber":"DEP","FItemClassName":""},)"
-            R"({"FItemClassID":2,"FItemClassNumber":"","FItemClassName":""}])");
+            R"([{"FItemClassID":1,"FItemClassNumber":"DEP","FItemClassName":"部门"},)"
+            R"({"FItemClassID":2,"FItemClassNumber":"STAFF","FItemClassName":"职员"}])");
   const std::string csv = Run({"show", "accounts", "1", "--csv"}).out;
   EXPECT_NE(csv.find(R"("[{""FItemClassID"":1,)"), csv.npos) << csv;
 
