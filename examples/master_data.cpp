@@ -60,9 +60,12 @@ void SubMessages() {
   regions->SaveChanges();
 
   Ref<SubMesSet> entries = Make<SubMesSet>();
-  Ref<SubMes> north = Variant(entries->CreateNew(regions->TypeID(), "N", "North")).As<SubMes>();
+  Ref<SubMes> north = Variant(entries->CreateNew(regions->TypeID())).As<SubMes>();
+  north->Number("N");
+  north->Name("North");
   north->SaveChanges();
-  std::printf("%s: %s\n", regions->Name().c_str(), north->Name().c_str());
+  std::printf("%s: %s has the id %d\n", regions->Name().c_str(), north->Name().c_str(),
+              static_cast<int>(north->ItemID()));
 }
 
 void TermsOfPayment() {
