@@ -1,5 +1,6 @@
 #include "qdclgl/server/ledgers/line_search.h"
 
+#include "qdclgl/server/vouchers/voucher_tree.h"
 #include "tests/server/ledger_fixture.h"
 
 namespace qdclgl::server::testing {
@@ -102,6 +103,23 @@ TEST_P(LineSearchTest, PagesGoOnWhereTheOthersEnd) {
   EXPECT_EQ(Found("tea", "", "", DateTime(), DateTime(), Long{0}, "", "", Long{2}, Long{2}),
             "2/2 1/1")
       << "of what the words leave";
+}
+
+TEST_P(LineSearchTest, APageIsLookedForBehindThousandsOfEarlierVouchersToo) {
+  std::string columns = NamesOf(kStateColumns) + ", " + NamesOf(kHeaderColumns) + ", FExtra";
+  columns.erase(0, columns.find("FVersion"));
+  std::string values = columns;
+  const auto put = [&](std::string_view column, std::string_view value) {
+    values.replace(values.find(std::string(column) + ","), column.size(), value);
+  };
+  put("FNumber", "FNumber + n.i");
+  put("FDate", "'2024-01-01'");
+  Books().Execute("WITH RECURSIVE n AS (SELECT 1 AS i UNION ALL SELECT i + 1 FROM n WHERE i < 6000)"
+                  " INSERT INTO t_Voucher (" +
+                  columns + ") SELECT " + values +
+                  " FROM t_Voucher v CROSS JOIN n WHERE v.FVoucherID = 3");
+  EXPECT_EQ(Found("tea", "", "", DateTime(), DateTime(), Long{0}, "", "", Long{1}, Long{2}),
+            "2/1 2/2");
 }
 
 TEST_P(LineSearchTest, WhatIsNotThereIsRefused) {
