@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "qdclgl/cli/system_calls.h"
 #include "qdclgl/server/db/connections.h"
 #include "tests/cli/cli_fixture.h"
 
@@ -55,7 +56,7 @@ TEST_P(Backup, GivesTheSameBooksAgain) {
             std::string::npos)
       << backed_up.out;
   namespace fs = std::filesystem;
-  EXPECT_EQ(fs::status(file).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+  EXPECT_TRUE(IsPrivate(file));
   EXPECT_FALSE(fs::exists(file + ".part"));
   EXPECT_FALSE(fs::exists(file + "-wal"));
 
@@ -133,7 +134,7 @@ QDCLGL_CLI_TEST(Backup);
 TEST(BackupFile, PutsFormerBooksAside) {
   const Folder folder;
   const std::string book = folder.Path("books.db"), file = folder.Path("backup.db");
-  setenv("QDCLGL_REGISTRY", folder.Path("registry").c_str(), 1);
+  SetVariable("QDCLGL_REGISTRY", folder.Path("registry"));
   ASSERT_EQ(RunInProcess({"init", book, "--no-password"}).code, 0);
   ASSERT_EQ(RunInProcess({"backup", book, file}).code, 0);
   ASSERT_EQ(RunInProcess({"add", book, "currencies", "USD", "FName=Dollar"}).err, "");

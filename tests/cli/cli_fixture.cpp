@@ -1,9 +1,5 @@
 #include "tests/cli/cli_fixture.h"
 
-#include <fcntl.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <atomic>
 #include <filesystem>
 #include <fstream>
@@ -23,32 +19,16 @@ RunResult RunInProcess(const std::vector<std::string>& arguments) {
   return result;
 }
 
-pid_t Start(const std::vector<std::string>& arguments, const std::string& out_file,
-            const std::string& err_file, const std::string& program) {
-  std::vector<std::string> words = {program};
-  words.insert(words.end(), arguments.begin(), arguments.end());
-  std::vector<char*> pointers;
-  for (std::string& word : words) pointers.push_back(word.data());
-  pointers.push_back(nullptr);
-  const pid_t child = fork();
-  if (child != 0) return child;
-  const auto redirect = [](const std::string& file, int descriptor) {
-    const int opened = open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-    if (opened < 0 || dup2(opened, descriptor) < 0) _exit(126);
-  };
-  redirect(out_file, STDOUT_FILENO);
-  redirect(err_file, STDERR_FILENO);
-  execv(program.c_str(), pointers.data());
-  _exit(127);
+Process Start(std::vector<std::string> arguments, const std::string& out_file,
+              const std::string& err_file, const std::string& program) {
+  arguments.insert(arguments.begin(), program);
+  return Process(arguments, out_file, err_file);
 }
 
 RunResult RunProgram(const std::vector<std::string>& arguments, const std::string& program) {
   const Folder folder;
-  const pid_t child = Start(arguments, folder.Path("out"), folder.Path("err"), program);
-  int status = 0;
-  waitpid(child, &status, 0);
-  return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadFile(folder.Path("out")),
-          ReadFile(folder.Path("err"))};
+  const int code = Start(arguments, folder.Path("out"), folder.Path("err"), program).Wait();
+  return {code, ReadFile(folder.Path("out")), ReadFile(folder.Path("err"))};
 }
 
 std::string ReadFile(const std::string& path) {
@@ -61,14 +41,20 @@ std::string ReadFile(const std::string& path) {
 
 Folder::Folder() {
   static std::atomic<int> count{0};
-  path_ = std::filesystem::temp_directory_path() /
-          ("qdclgl_cli_" + std::to_string(getpid()) + "_" + std::to_string(++count));
-  std::filesystem::create_directories(path_);
+  const auto path = std::filesystem::temp_directory_path() /
+                    ("qdclgl_cli_" + std::to_string(qdclgl::testing::ProcessId()) + "_" +
+                     std::to_string(++count));
+  std::filesystem::create_directories(path);
+  path_ = path.string();
 }
 
 Folder::~Folder() {
   std::error_code ignored;
   std::filesystem::remove_all(path_, ignored);
+}
+
+std::string Folder::Path(const std::string& name) const {
+  return (std::filesystem::path(path_) / name).make_preferred().string();
 }
 
 std::string Folder::Write(const std::string& name, const std::string& text) const {
@@ -79,8 +65,8 @@ std::string Folder::Write(const std::string& name, const std::string& text) cons
 CliTest::CliTest() : book(server::testing::NewConnectionText(GetParam())) {
   // Books made in this process cost little to log in to, for the built program as well.
   server::SetPasswordCost(server::PasswordCost::kLeast);
-  setenv("QDCLGL_REGISTRY", folder.Path("registry").c_str(), 1);
-  setenv("QDCLGL_SESSIONS", folder.Path("sessions").c_str(), 1);
+  SetVariable("QDCLGL_REGISTRY", folder.Path("registry"));
+  SetVariable("QDCLGL_SESSIONS", folder.Path("sessions"));
 }
 
 CliTest::~CliTest() { server::testing::RemoveBooks(book); }
@@ -114,6 +100,26 @@ void CliTest::KeepSample() const {
                  sample + "/journal.csv", "--new-currencies", "--check-all", "--post-all"})
                 .err,
             "");
+}
+
+void CliTest::KeepOddSample() const {
+  KeepSample();
+  ASSERT_EQ(Run({"add", "items", "C1", "FItemClassID=3", "FName=Ann"}).err, "");
+  const std::string chart =
+      folder.Write("more.csv", "number,name,dc,items,FHelperCode,FIsCash\n"
+                               "1100.09,\"Debtors, \"\"others\"\"\",1,CUSTOMER,d9,yes\n");
+  ASSERT_EQ(Run({"import", "--accounts", chart}).err, "");
+  const std::string journal = folder.Write(
+      "more_journal.csv",
+      "voucher,date,account,debit,credit,explanation,currency,amount_for,rate,CUSTOMER,"
+      "voucher_reference,group,number\n"
+      "x,2024-12-30,1100.09,12.5,,\"=1+1\",,,,C1,same,Odd,7\n"
+      "x,2024-12-30,3000,,12.5,\"two\nlines, \"\"quoted\"\" \",,,,,same,Odd,7\n"
+      "y,2024-12-31,1000.01,-3,,Red,,,,,same,Odd,8\n"
+      "y,2024-12-31,3000,,-3,Red,,,,,same,Odd,8\n"
+      "z,2024-12-31,1000.03,0.25,,Difference,USD,0,0,,,Odd,9\n"
+      "z,2024-12-31,3000,,0.25,Difference,,,,,,Odd,9\n");
+  ASSERT_EQ(Run({"import", "--journal", journal, "--check-all", "--post-all"}).err, "");
 }
 
 std::string CliTest::Said(std::vector<std::string> arguments) const {

@@ -1,15 +1,17 @@
 // Runs of the command line for tests: in process, and as the built program.
 #pragma once
 
-#include <sys/types.h>
-
 #include <string>
 #include <vector>
 
 #include "tests/server/books_fixture.h"
+#include "tests/support/process.h"
 
 namespace qdclgl::cli::testing {
 
+using qdclgl::testing::Process;
+using qdclgl::testing::SetVariable;
+using qdclgl::testing::UnsetVariable;
 using server::testing::DatabaseKind;
 using server::testing::NameOf;
 
@@ -22,8 +24,8 @@ struct RunResult {
 RunResult RunInProcess(const std::vector<std::string>& arguments);
 
 // The built program, or another one.
-pid_t Start(const std::vector<std::string>& arguments, const std::string& out_file,
-            const std::string& err_file, const std::string& program = QDCLGL_PROGRAM);
+Process Start(std::vector<std::string> arguments, const std::string& out_file,
+              const std::string& err_file, const std::string& program = QDCLGL_PROGRAM);
 RunResult RunProgram(const std::vector<std::string>& arguments,
                      const std::string& program = QDCLGL_PROGRAM);
 
@@ -36,7 +38,8 @@ class Folder {
   ~Folder();
   // Writes a file and returns its path.
   std::string Write(const std::string& name, const std::string& text) const;
-  std::string Path(const std::string& name) const { return path_ + "/" + name; }
+  // As the system writes it.
+  std::string Path(const std::string& name) const;
 
  private:
   std::string path_;
@@ -57,6 +60,10 @@ class CliTest : public ::testing::TestWithParam<DatabaseKind> {
   void Keep(const std::string& year, const std::string& accounts, const std::string& journal) const;
   // The sample books, all of them posted, likewise.
   void KeepSample() const;
+  // The sample books, with what they don't have by themselves: lines of an account with others
+  // below it, vouchers without a reference or with the same one, red ink, a difference of rates, an
+  // account that asks for items, and texts that a spreadsheet would take for something else.
+  void KeepOddSample() const;
   // A command's exit code and all that it says: "0 Done.\n".
   std::string Said(std::vector<std::string> arguments) const;
   // What `voucher` prints of its lines.

@@ -41,34 +41,17 @@ TEST_P(Commands, AnAdministratorWithoutAPasswordIsAskedForExpressly) {
   const RunResult silent = Run({"init"});
   EXPECT_EQ(silent.code, 2);
   EXPECT_NE(silent.err.find("--no-password"), std::string::npos) << silent.err;
-  setenv("QDCLGL_PASSWORD", "sesame", 1);
+  SetVariable("QDCLGL_PASSWORD", "sesame");
   EXPECT_EQ(Run({"init", "--no-password"}).code, 2) << "one or the other";
   EXPECT_EQ(Run({"init", "--year", "2024"}).out,
             "The books are made, in EUR. The current period is 2024/1.\n");
-  setenv("QDCLGL_NEW_PASSWORD", "open", 1);
+  SetVariable("QDCLGL_NEW_PASSWORD", "open");
   EXPECT_EQ(Run({"user", "administrator", "--set-password"}).code, 0) << "the old one is known";
   EXPECT_EQ(Run({"users"}).code, 5);
-  setenv("QDCLGL_PASSWORD", "open", 1);
+  SetVariable("QDCLGL_PASSWORD", "open");
   EXPECT_EQ(Run({"users"}).code, 0);
-  unsetenv("QDCLGL_PASSWORD");
-  unsetenv("QDCLGL_NEW_PASSWORD");
-}
-
-TEST_P(Commands, AUserIsChangedAsAWholeOrNotAtAll) {
-  Init();
-  EXPECT_EQ(Run({"user", "ann", "--roles", "reader", "--no-password"}).code, 0);
-  const auto roles = [&] {
-    return nlohmann::json::parse(Run({"users", "--json", "--filter", "FName = 'ann'"}).out)
-        .at(0)
-        .at("FRoles");
-  };
-  setenv("QDCLGL_NEW_PASSWORD", "", 1);
-  EXPECT_EQ(Run({"user", "ann", "--roles", "poster", "--set-password"}).code, 1);
-  EXPECT_EQ(roles(), "reader");
-  setenv("QDCLGL_NEW_PASSWORD", "open", 1);
-  EXPECT_EQ(Run({"user", "ann", "--roles", "poster", "--set-password"}).code, 0);
-  EXPECT_EQ(roles(), "poster");
-  unsetenv("QDCLGL_NEW_PASSWORD");
+  UnsetVariable("QDCLGL_PASSWORD");
+  UnsetVariable("QDCLGL_NEW_PASSWORD");
 }
 
 TEST_P(Commands, ListsAreTablesCsvOrJson) {
@@ -355,19 +338,19 @@ TEST_P(Commands, LoginsAreToldApart) {
   const RunResult stranger = Run({"vouchers", "--user", "nobody"});
   EXPECT_EQ(stranger.code, 5);
   EXPECT_TRUE(stranger.err.starts_with("qdclgl: 80044201: ")) << stranger.err;
-  setenv("QDCLGL_PASSWORD", "wrong", 1);
+  SetVariable("QDCLGL_PASSWORD", "wrong");
   EXPECT_EQ(Run({"vouchers"}).code, 5);
-  unsetenv("QDCLGL_PASSWORD");
+  UnsetVariable("QDCLGL_PASSWORD");
   EXPECT_EQ(Run({"vouchers"}).code, 0);
 }
 
 TEST_P(Commands, TheBooksCanComeFromTheEnvironment) {
   InitWithVouchers();
-  setenv("QDCLGL_BOOK", book.c_str(), 1);
+  SetVariable("QDCLGL_BOOK", book);
   EXPECT_EQ(RunInProcess({"groups"}).code, 0);
   EXPECT_EQ(RunInProcess({"check", "1", "2"}).out, "2 vouchers checked.\n");
   EXPECT_EQ(RunInProcess({"voucher", "2"}).code, 0);
-  unsetenv("QDCLGL_BOOK");
+  UnsetVariable("QDCLGL_BOOK");
   const RunResult none = RunInProcess({"check", "1"});
   EXPECT_EQ(none.code, 2);
   EXPECT_EQ(none.err,

@@ -14,8 +14,8 @@ namespace {
 class Edit : public CliTest {
  protected:
   ~Edit() override {
-    unsetenv("VISUAL");
-    unsetenv("EDITOR");
+    UnsetVariable("VISUAL");
+    UnsetVariable("EDITOR");
   }
   void MakeVoucher() const {
     Init();
@@ -31,7 +31,7 @@ class Edit : public CliTest {
       script += std::to_string(i + 1) + ") " + times[i] + " ;;\n";
     }
     folder.Write("editor.sh", script + "esac\n");
-    setenv("VISUAL", ("sh " + folder.Path("editor.sh")).c_str(), 1);
+    SetVariable("VISUAL", "sh " + folder.Path("editor.sh"));
   }
   std::string Seen(int time) const { return ReadFile(folder.Path("seen" + std::to_string(time))); }
   std::string Voucher() const { return Run({"voucher", "1", "--json"}).out; }
@@ -108,7 +108,7 @@ TEST_P(Edit, KeepsTheTextOfWhoGivesUp) {
   EXPECT_EQ(Voucher(), before);
 
   UseEditor({});
-  setenv("VISUAL", "false", 1);
+  SetVariable("VISUAL", "false");
   const RunResult failed = Run({"edit", "1"});
   EXPECT_EQ(failed.code, 1);
   EXPECT_NE(Kept(failed.err).find("5.0000"), std::string::npos);

@@ -22,13 +22,21 @@ std::set<std::string> Programs() {
   return names;
 }
 
-class Example : public ::testing::TestWithParam<std::string> {};
+class Example : public ::testing::TestWithParam<std::string> {
+ protected:
+  static RunResult Run(const std::vector<std::string>& arguments) {
+    RunResult result = RunProgram(arguments, QDCLGL_EXAMPLES + GetParam() + QDCLGL_PROGRAM_ENDING);
+    // Lines end as they do on the system.
+    std::erase(result.out, '\r');
+    return result;
+  }
+};
 
 TEST_P(Example, PrintsWhatIsKeptOfItAndLeavesBooksInOrder) {
   const Folder folder;
   const std::string book = folder.Path("books.db");
-  setenv("QDCLGL_REGISTRY", folder.Path("registry").c_str(), 1);
-  const RunResult result = RunProgram({book}, QDCLGL_EXAMPLES + GetParam());
+  SetVariable("QDCLGL_REGISTRY", folder.Path("registry"));
+  const RunResult result = Run({book});
   EXPECT_EQ(result.err, "");
   EXPECT_EQ(result.code, 0);
   EXPECT_EQ(result.out, ReadFile(kOutput + "/" + GetParam() + ".txt"));
@@ -36,12 +44,12 @@ TEST_P(Example, PrintsWhatIsKeptOfItAndLeavesBooksInOrder) {
 }
 
 TEST_P(Example, TellsHowItIsCalledAndNeverTouchesBooksThatAreThere) {
-  const RunResult usage = RunProgram({}, QDCLGL_EXAMPLES + GetParam());
+  const RunResult usage = Run({});
   EXPECT_EQ(usage.code, 2);
   EXPECT_TRUE(usage.err.starts_with("usage: ")) << usage.err;
   const Folder folder;
   const std::string there = folder.Write("books.db", "a letter");
-  const RunResult result = RunProgram({there}, QDCLGL_EXAMPLES + GetParam());
+  const RunResult result = Run({there});
   EXPECT_EQ(result.code, 1);
   EXPECT_NE(result.err, "");
   EXPECT_EQ(ReadFile(there), "a letter");

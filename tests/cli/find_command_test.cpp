@@ -67,10 +67,10 @@ TEST_P(Find, OptionsNarrowAndPagesGoOn) {
 TEST_P(Find, WithBooksFromTheEnvironmentAllWordsAreLookedFor) {
   InitWithLines();
   const std::string found = Run({"find", "green tea", "--csv"}).out;
-  setenv("QDCLGL_BOOK", book.c_str(), 1);
+  SetVariable("QDCLGL_BOOK", book);
   EXPECT_EQ(RunInProcess({"find", "green", "tea", "--csv"}).out, found);
   EXPECT_EQ(RunInProcess({"find", "--csv", "Green"}).out, found);
-  unsetenv("QDCLGL_BOOK");
+  UnsetVariable("QDCLGL_BOOK");
 }
 
 QDCLGL_CLI_TEST(Find);

@@ -1,7 +1,5 @@
 // Imports that are killed: what they leave, and that they go on where they were.
 #include <gtest/gtest.h>
-#include <signal.h>
-#include <sys/wait.h>
 
 #include <chrono>
 #include <nlohmann/json.hpp>
@@ -53,15 +51,14 @@ TEST_P(Kill, AKilledImportContinuesAndEndsInTheSameBooks) {
   // The moments come later and later, so that a slow machine too gets to store something, and
   // never so much later that all of it is stored from one to the next.
   for (unsigned latest = 100; killed_on_the_way < 4 && latest < 20000; latest += latest / 4) {
-    const pid_t child = Start(resume, folder.Path("out"), folder.Path("err"));
+    Process child = Start(resume, folder.Path("out"), folder.Path("err"));
     std::this_thread::sleep_for(std::chrono::milliseconds(latest - random() % (latest / 4)));
-    kill(child, SIGKILL);
-    int status = 0;
-    waitpid(child, &status, 0);
+    child.Kill();
+    const bool was_killed = child.Wait() == Process::kKilled;
     ASSERT_EQ(Run({"doctor"}).out, "The books are in order.\n");
     const auto stored = nlohmann::json::parse(Run({"vouchers", "--json"}).out).size();
     ASSERT_EQ(stored % 500, 0u);
-    if (WIFSIGNALED(status) && stored > 0 && stored < kVouchers) ++killed_on_the_way;
+    if (was_killed && stored > 0 && stored < kVouchers) ++killed_on_the_way;
     if (stored == kVouchers) break;
   }
   EXPECT_GT(killed_on_the_way, 0);

@@ -116,12 +116,12 @@ TEST_P(Ledgers, TheCommandsOfAllRecordsKnowLedgersAndTheirColumns) {
 
 TEST_P(Ledgers, WithBooksFromTheEnvironmentTheFirstWordIsNotTheBooks) {
   InitWithPostings();
-  setenv("QDCLGL_BOOK", book.c_str(), 1);
+  SetVariable("QDCLGL_BOOK", book);
   EXPECT_EQ(RunInProcess({"ledger", "add", "Costs", "--account", "2000"}).err, "");
   EXPECT_EQ(RunInProcess({"ledger", "Costs", "--csv"}).code, 0);
   EXPECT_EQ(RunInProcess({"ledger", book, "Costs", "--csv"}).code, 0);
   EXPECT_EQ(RunInProcess({"ledger", book, "add", "More", "--account", "2000"}).code, 0);
-  unsetenv("QDCLGL_BOOK");
+  UnsetVariable("QDCLGL_BOOK");
   EXPECT_EQ(Run({"ledgers", "--csv"}).out.find("More") == std::string::npos, false);
   EXPECT_EQ(RunInProcess({"ledger", book}).code, 2);
 }

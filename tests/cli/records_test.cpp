@@ -3,7 +3,6 @@
 #include "qdclgl/cli/records.h"
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
@@ -460,7 +459,7 @@ TEST_P(Records, MisspeltWordsAreToldTheNearest) {
 TEST_P(Records, TheBooksCanComeFromTheEnvironment) {
   Make();
   ExpectDone(Run({"add", "groups", "Receipts"}));
-  setenv("QDCLGL_BOOK", book.c_str(), 1);
+  SetVariable("QDCLGL_BOOK", book);
   EXPECT_EQ(RunInProcess({"show", "groups", "Receipts"}).code, 0);
   EXPECT_EQ(RunInProcess({"show", book, "groups", "Receipts"}).code, 0);
   EXPECT_EQ(RunInProcess({"list", "groups"}).code, 0);
@@ -469,7 +468,7 @@ TEST_P(Records, TheBooksCanComeFromTheEnvironment) {
   ExpectWrongUsage(RunInProcess({"show", book, "grups", "Receipts"}), "did you mean groups?");
   EXPECT_EQ(RunInProcess({"remove", "--all"}).out, "0 vouchers removed.\n");
   EXPECT_EQ(RunInProcess({"remove", book, "groups", "Receipts", "--yes"}).code, 0);
-  unsetenv("QDCLGL_BOOK");
+  UnsetVariable("QDCLGL_BOOK");
   ExpectWrongUsage(RunInProcess({"show", "groups", "Receipts"}), "no BOOK is given");
 }
 
@@ -529,7 +528,7 @@ TEST_P(Records, OfTwoWhoChangeOneAtOnceNobodyLosesAnything) {
   server::Connections::OfThisThread().CloseAll();
   int saved = 0;
   for (int round = 0; round < kRounds; ++round) {
-    std::vector<pid_t> people;
+    std::vector<Process> people;
     for (int person = 0; person < kPeople; ++person) {
       const std::string change = person % 2 == 0 ? "FName=" : "FScale=";
       const std::string file = folder.Path(std::to_string(person));
@@ -538,11 +537,9 @@ TEST_P(Records, OfTwoWhoChangeOneAtOnceNobodyLosesAnything) {
           file, file));
     }
     for (int person = 0; person < kPeople; ++person) {
-      int status = 0;
-      waitpid(people[static_cast<std::size_t>(person)], &status, 0);
-      ASSERT_TRUE(WIFEXITED(status));
+      const int code = people[static_cast<std::size_t>(person)].Wait();
       const std::string said = ReadFile(folder.Path(std::to_string(person)));
-      if (WEXITSTATUS(status) == 0) ++saved;
+      if (code == 0) ++saved;
       else EXPECT_TRUE(said.starts_with("qdclgl: 80044214: Currency USD ")) << said;
     }
   }

@@ -1,7 +1,5 @@
 // Reports: what their pages say, where their links lead, and what a run leaves behind.
 #include <gtest/gtest.h>
-#include <signal.h>
-#include <sys/wait.h>
 
 #include <filesystem>
 #include <fstream>
@@ -101,7 +99,7 @@ class Report : public CliTest {
     std::map<std::string, std::string> pages;
     for (const auto& file : fs::directory_iterator(Place())) {
       if (file.path().extension() == ".html") {
-        pages[file.path().filename()] = ReadFile(file.path());
+        pages[file.path().filename().string()] = ReadFile(file.path().string());
       }
     }
     return pages;
@@ -189,7 +187,8 @@ class Report : public CliTest {
       const fs::path account =
           fs::path(Place()) / ("account-" + row["FAccountID"].dump() + ".html");
       if (!fs::exists(account)) continue;
-      EXPECT_EQ(Exact(RowsOf(ReadFile(account)).back()[4]), row["FEndBalance"]) << cells[0];
+      EXPECT_EQ(Exact(RowsOf(ReadFile(account.string())).back()[4]), row["FEndBalance"])
+          << cells[0];
     }
   }
 };
@@ -333,16 +332,14 @@ TEST_P(Report, ThatIsKilledLeavesTheFormerOne) {
       Run({"new", "--line", "1000 debit 5", "--line", "1001 credit", "--date", "2024-02-05"}).code,
       0);
   ASSERT_EQ(Run({"post", "--all"}).code, 0);
-  const pid_t child = Start({"report", book, Place()}, folder.Path("out"), folder.Path("err"));
+  Process child = Start({"report", book, Place()}, folder.Path("out"), folder.Path("err"));
   // It is at work as soon as its folder is there.
-  const std::string unfinished = folder.Path(".report.unfinished-" + std::to_string(child));
+  const std::string unfinished = folder.Path(".report.unfinished-" + std::to_string(child.Id()));
   for (int i = 0; i < 5000 && !fs::exists(unfinished + "/vouchers-2024-1.html"); ++i) {
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
   }
-  kill(child, SIGKILL);
-  int status = 0;
-  waitpid(child, &status, 0);
-  EXPECT_TRUE(WIFSIGNALED(status)) << "it was done before";
+  child.Kill();
+  EXPECT_EQ(child.Wait(), Process::kKilled) << "it was done before";
   EXPECT_TRUE(Pages() == before);
 }
 
@@ -364,9 +361,9 @@ TEST_P(Report, TakesOneFolder) {
   Init();
   EXPECT_EQ(Run({"report"}).code, 2);
   EXPECT_EQ(Run({"report", "a", "b"}).code, 2);
-  setenv("QDCLGL_BOOK", book.c_str(), 1);
+  SetVariable("QDCLGL_BOOK", book);
   EXPECT_EQ(RunInProcess({"report", Place()}).code, 0);
-  unsetenv("QDCLGL_BOOK");
+  UnsetVariable("QDCLGL_BOOK");
 }
 
 TEST_P(Report, OfRealBooksAgreesWithTheirBalances) {

@@ -58,14 +58,14 @@ TEST_P(SettingsCommand, OneIsSetAndResetByItsNameWithTheCategoryOrWithout) {
 
 TEST_P(SettingsCommand, BooksFromTheEnvironmentLeaveRoomForTheWords) {
   Init();
-  setenv("QDCLGL_BOOK", book.c_str(), 1);
+  SetVariable("QDCLGL_BOOK", book);
   EXPECT_EQ(RunInProcess({"settings", "set", "CompanyName", "Anna"}).out,
             "General.CompanyName is Anna.\n");
   EXPECT_EQ(RunInProcess({"settings", "reset", "CompanyName"}).out,
             "General.CompanyName is not set.\n");
   EXPECT_EQ(RunInProcess({"settings", "PA"}).code, 2);
   EXPECT_EQ(RunInProcess({"settings", "Base", "--csv"}).code, 0);
-  unsetenv("QDCLGL_BOOK");
+  UnsetVariable("QDCLGL_BOOK");
 }
 
 TEST_P(SettingsCommand, WhoseBooksTheyAreStandsAtTheHeadOfPagesAndExports) {

@@ -121,10 +121,10 @@ TEST_P(Statements, CsvAndJsonHaveAllThatTheServerTells) {
 
 TEST_P(Statements, WithBooksFromTheEnvironmentTheWordIsTheAccount) {
   InitWithPostings();
-  setenv("QDCLGL_BOOK", book.c_str(), 1);
+  SetVariable("QDCLGL_BOOK", book);
   EXPECT_EQ(RunInProcess({"statement", "1000", "--csv"}).out,
             Run({"statement", "1000", "--csv"}).out);
-  unsetenv("QDCLGL_BOOK");
+  UnsetVariable("QDCLGL_BOOK");
 }
 
 QDCLGL_CLI_TEST(Statements);

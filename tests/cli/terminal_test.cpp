@@ -145,6 +145,26 @@ TEST_F(Pager, IsNotForQuestions) {
   EXPECT_EQ(closing.out.find("paged"), std::string::npos);
 }
 
+TEST(Password, IsAskedForAtATerminalAndNotShown) {
+  const Folder folder;
+  const std::string book = folder.Path("books.db");
+  SetVariable("QDCLGL_SESSIONS", folder.Path("sessions"));
+  SetVariable("QDCLGL_PASSWORD", "sesame");
+  EXPECT_EQ(RunProgram({"init", book, "--year", "2024"}).code, 0);
+  UnsetVariable("QDCLGL_PASSWORD");
+  Screen screen;
+  screen.question = "Password of administrator: ";
+  screen.typed = "sesame\n";
+  const RunResult login = RunOnScreen(screen, {"login", book});
+  EXPECT_EQ(login.code, 0);
+  EXPECT_EQ(login.out, "Password of administrator: \n"
+                       "administrator is logged in for 8 hours; until then commands on these books "
+                       "need no password.\n");
+  EXPECT_EQ(RunProgram({"settings", book}).code, 0);
+  screen.typed = "wrong\n";
+  EXPECT_EQ(RunOnScreen(screen, {"login", book}).code, 5);
+}
+
 TEST(Output, WhoStopsReadingStopsNothing) {
   const RunResult read = RunProgram(
       {"-c", "set -o pipefail; " QDCLGL_PROGRAM " api --markdown | head -n 1 >/dev/null"},

@@ -51,6 +51,8 @@ class WrongCommands : public ::testing::Test {
     for (std::size_t at; (at = result.err.find(place)) != std::string::npos;) {
       result.err.erase(at, place.size());
     }
+    constexpr char kSeparator = std::filesystem::path::preferred_separator;
+    if (kSeparator != '/') std::ranges::replace(result.err, kSeparator, '/');
     return result;
   }
 

@@ -1,7 +1,5 @@
 #include "tests/server/books_fixture.h"
 
-#include <unistd.h>
-
 #include <atomic>
 #include <cstdlib>
 #include <filesystem>
@@ -13,6 +11,7 @@
 #include "qdclgl/server/access/password.h"
 #include "qdclgl/server/db/connections.h"
 #include "qdclgl/server/server.h"
+#include "tests/support/process.h"
 
 namespace qdclgl::server::testing {
 
@@ -41,7 +40,7 @@ std::string NameOf(const ::testing::TestParamInfo<DatabaseKind>& info) {
 std::string NewConnectionText(DatabaseKind kind) {
   static std::atomic<int> count{0};
   const std::string name =
-      "qdclgl_test_" + std::to_string(getpid()) + "_" + std::to_string(++count);
+      "qdclgl_test_" + std::to_string(qdclgl::testing::ProcessId()) + "_" + std::to_string(++count);
   if (kind == DatabaseKind::kPostgreSQL) {
     return ConnectionText::Parse(PostgreSQLText()).With(connection_key::kSchema, name).ToText();
   }

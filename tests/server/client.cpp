@@ -1,43 +1,53 @@
 #include "tests/server/client.h"
 
-#include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <csignal>
+#include <atomic>
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <thread>
 
 namespace qdclgl::server::testing {
 
-Client::Client(const std::string& connection, std::uint_fast32_t seed, double seconds,
-               const char* stays) {
-  int ends[2];
-  EXPECT_EQ(pipe(ends), 0);
-  pid_ = fork();
-  if (pid_ == 0) {
-    dup2(ends[1], STDOUT_FILENO);
-    close(ends[0]);
-    close(ends[1]);
-    execl(QDCLGL_SERVER_WORKER, QDCLGL_SERVER_WORKER, connection.c_str(),
-          std::to_string(seed).c_str(), std::to_string(seconds).c_str(), stays, nullptr);
-    _exit(127);
-  }
-  close(ends[1]);
-  output_ = fdopen(ends[0], "r");
+namespace {
+
+std::string NewOutput() {
+  static std::atomic<int> count{0};
+  const auto file = std::filesystem::temp_directory_path() /
+                    ("qdclgl_client_" + std::to_string(qdclgl::testing::ProcessId()) + "_" +
+                     std::to_string(++count));
+  return file.string();
 }
 
-Client::~Client() { std::fclose(output_); }
+}  // namespace
+
+Client::Client(const std::string& connection, std::uint_fast32_t seed, double seconds,
+               const std::string& stays)
+    : output_(NewOutput()),
+      process_(
+          {QDCLGL_SERVER_WORKER, connection, std::to_string(seed), std::to_string(seconds), stays},
+          output_) {}
+
+Client::~Client() {
+  Kill();
+  Wait();
+  std::error_code ignored;
+  std::filesystem::remove(output_, ignored);
+}
 
 std::string Client::NextLine() {
-  char line[1000] = "";
-  return std::fgets(line, sizeof line, output_) != nullptr ? line : "";
-}
-
-void Client::Kill() const { kill(pid_, SIGKILL); }
-
-int Client::Wait() const {
-  int status = 0;
-  waitpid(pid_, &status, 0);
-  return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+  for (;;) {
+    // Asked before the file is, as it may print and end in between.
+    const bool is_running = process_.IsRunning();
+    std::ifstream file(output_);
+    std::string line;
+    for (int i = 0; i <= lines_read_; ++i) std::getline(file, line);
+    if (file.good()) {
+      ++lines_read_;
+      return line + "\n";
+    }
+    if (!is_running) return "";
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
 }
 
 }  // namespace qdclgl::server::testing

@@ -2,6 +2,8 @@
 
 #include <cstdio>
 
+#include "qdclgl/server/db/connection_text.h"
+
 namespace qdclgl::server::testing {
 
 LedgerTest::LedgerTest(DatabaseKind kind) : RecordsTest(kind) {
@@ -24,6 +26,12 @@ LedgerTest::LedgerTest(DatabaseKind kind) : RecordsTest(kind) {
                                                                   {"4000.02", "Wages"}}) {
     create("QDSVGLAccount.AccountUpdate", {{"FNumber", number}, {"FName", name}});
   }
+}
+
+void LedgerTest::LoginWith(std::string_view key, std::string_view value) {
+  props = Call("QDSVGLSession.SessionUpdate", "Login",
+               ConnectionText::Parse(connection).With(key, value).ToText(), "administrator", "")
+              .As<String>();
 }
 
 Ref<Dictionary> LedgerTest::Line(std::string_view account, Currency debit, Currency credit,

@@ -32,6 +32,9 @@ class LedgerTest : public RecordsTest {
   static Ref<Dictionary> Sale(Currency amount, std::string_view date = "2024-01-15",
                               Cells more = {});
 
+  // Logs the administrator in by the connection text with this part in it.
+  void LoginWith(std::string_view key, std::string_view value);
+
   Long Save(const Ref<Dictionary>& voucher);
   void Update(Long id, const Ref<Dictionary>& voucher);
   Ref<Dictionary> Read(Long id, bool show_deleted = false);

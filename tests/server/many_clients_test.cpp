@@ -42,7 +42,7 @@ TEST_P(ManyClients, AClientKilledAtAnyMomentLeavesWholeVouchersAndTrueBalances) 
     std::this_thread::sleep_for(
         std::chrono::microseconds(std::uniform_int_distribution<int>(0, 120'000)(random)));
     client.Kill();
-    EXPECT_EQ(client.Wait(), -SIGKILL);
+    EXPECT_EQ(client.Wait(), qdclgl::testing::Process::kKilled);
     ExpectSoundBooks();
     const Long now = *Books().QueryValue<Long>("SELECT COUNT(*) FROM t_Voucher");
     EXPECT_GE(now, before);

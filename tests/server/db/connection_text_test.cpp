@@ -74,19 +74,19 @@ TEST(ConnectionTextTest, TextsThatMeanTheSameHaveOneCanonicalText) {
   const auto canonical = [](std::string_view text) {
     return ConnectionText::Parse(text).Canonical().ToText();
   };
-  const std::string folder = std::filesystem::canonical(".").string();
-  const std::string same = "Provider=SQLite;Data Source=" + folder + "/a.db;";
+  const std::string file = (std::filesystem::canonical(".") / "a.db").string();
+  const std::string same = "Provider=SQLite;Data Source=" + file + ";";
   for (const char* text :
        {"a.db", "./a.db", "x/../a.db", ".//a.db", "provider=sqlite;data source=a.db;",
         "Data Source=a.db;Provider=SQLITE;Initial catalog=A;Synchronous=full;Session=1;"}) {
     EXPECT_EQ(canonical(text), same) << text;
   }
   EXPECT_EQ(canonical("Provider=SQLite;Data Source=a.db;Synchronous=NORMAL"),
-            "Provider=SQLite;Data Source=" + folder + "/a.db;Synchronous=Normal;");
+            "Provider=SQLite;Data Source=" + file + ";Synchronous=Normal;");
   EXPECT_EQ(canonical("Provider=SQLite;Data Source=a.db;Lock timeout=60"), same)
       << "so long is waited anyway";
   EXPECT_EQ(canonical("Provider=SQLite;Data Source=a.db;Lock timeout=5;Tcp_user_timeout=1"),
-            "Provider=SQLite;Data Source=" + folder + "/a.db;Lock timeout=5;");
+            "Provider=SQLite;Data Source=" + file + ";Lock timeout=5;");
   EXPECT_NE(canonical("b.db"), same);
   EXPECT_EQ(canonical("Provider=postgresql;Initial catalog=b;Session=1;Host=h;Data Source=x"),
             canonical("host=h;Initial Catalog=b;Provider=PostgreSQL;Data source=x"));

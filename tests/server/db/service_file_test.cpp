@@ -1,21 +1,22 @@
 // Servers that a service file knows by names.
-#include <unistd.h>
-
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
 #include "tests/server/books_state.h"
+#include "tests/support/process.h"
 
 namespace qdclgl::server::testing {
 namespace {
 
 namespace key = connection_key;
+using qdclgl::testing::ProcessId;
+using qdclgl::testing::SetVariable;
+using qdclgl::testing::UnsetVariable;
 
 class ServiceFile : public ::testing::TestWithParam<DatabaseKind>, protected TestBooks {
  protected:
   ServiceFile() : TestBooks(GetParam()), file_(ServiceFilePath()) {
-    setenv("PGSERVICEFILE", file_.c_str(), 1);
+    SetVariable("PGSERVICEFILE", file_.string());
     const ConnectionText text = ConnectionText::Parse(connection);
     std::ofstream(file_) << "[north]\nhost=" << text[key::kHost] << "\nport=" << text[key::kPort]
                          << "\nuser=" << text[key::kUser]
@@ -24,7 +25,7 @@ class ServiceFile : public ::testing::TestWithParam<DatabaseKind>, protected Tes
     by_name_ = text.Without(key::kHost).Without(key::kPort).Without(key::kUser);
   }
   ~ServiceFile() override {
-    unsetenv("PGSERVICEFILE");
+    UnsetVariable("PGSERVICEFILE");
     std::filesystem::remove(file_);
   }
 
@@ -43,7 +44,7 @@ class ServiceFile : public ::testing::TestWithParam<DatabaseKind>, protected Tes
  private:
   static std::filesystem::path ServiceFilePath() {
     return std::filesystem::temp_directory_path() /
-           ("qdclgl_services_" + std::to_string(getpid()) + ".conf");
+           ("qdclgl_services_" + std::to_string(ProcessId()) + ".conf");
   }
 };
 QDCLGL_BOOKS_TEST_OF(ServiceFile, kPostgreSQL);
