@@ -1,6 +1,5 @@
 // Kinds of records: versions, saves at once, failures, batches, and what the trail tells of it all.
 #include <algorithm>
-#include <barrier>
 #include <nlohmann/json.hpp>
 #include <thread>
 
@@ -10,10 +9,12 @@
 #include "qdclgl/server/db/columns.h"
 #include "qdclgl/server/db/connections.h"
 #include "tests/server/records/record_suite.h"
+#include "tests/support/meeting_point.h"
 
 namespace qdclgl::server::testing {
 namespace {
 
+using qdclgl::testing::MeetingPoint;
 using Column = RecordKind::Column;
 
 // ---- Versions ----
@@ -91,19 +92,19 @@ TEST_P(RecordSuite, OfSessionsThatSaveAtOnceOneGetsThrough) {
   const Long id = CreateSample();
   std::vector<std::string> sessions = {props, Login("administrator"), Login("administrator")};
   std::vector<std::string> updates(sessions.size()), creates(sessions.size());
-  std::barrier together(static_cast<std::ptrdiff_t>(sessions.size()));
+  MeetingPoint together(static_cast<int>(sessions.size()));
   std::vector<std::thread> threads;
   for (std::size_t i = 0; i < sessions.size(); ++i) {
     threads.emplace_back([&, i] {
       SetApartmentStarted(true);
       const std::string& own = sessions[i];
       auto row = Call(kind.info, "GetDetail", own, Long{id}).As<Dictionary>();
-      together.arrive_and_wait();
+      together.ArriveAndWait();
       updates[i] = RefusalOf([&] { Call(kind.update, "Update", own, Long{id}, row); });
       for (const auto& [column, refusal] : kind.unique) {
         row->Put(column, row->Value(column).As<String>() + "7");
       }
-      together.arrive_and_wait();
+      together.ArriveAndWait();
       creates[i] = RefusalOf([&] { Call(kind.update, "Create", own, row); });
       row = nullptr;
       Connections::OfThisThread().CloseAll();

@@ -2,16 +2,18 @@
 // to stays, and what leads nowhere is found.
 #include "qdclgl/server/records/references.h"
 
-#include <barrier>
 #include <set>
 #include <thread>
 
 #include "qdclgl/frame/session/startup.h"
 #include "qdclgl/server/db/connections.h"
 #include "tests/server/records/record_suite.h"
+#include "tests/support/meeting_point.h"
 
 namespace qdclgl::server::testing {
 namespace {
+
+using qdclgl::testing::MeetingPoint;
 
 std::string In(std::string_view table, std::string_view id) {
   return std::string(table) + "." + std::string(id);
@@ -140,15 +142,15 @@ TEST_P(ReferringRecordSuite, OfAReferenceAndARemovalAtOnceOneGetsThrough) {
     for (int round = 1; round <= kRounds; ++round) {
       const Long referred = reference.make(*this);
       const Ref<Dictionary> row = SentWith(reference, referred, round);
-      std::barrier together(2);
+      MeetingPoint together(2);
       std::string removed;
       std::thread remover([&] {
         SetApartmentStarted(true);
-        together.arrive_and_wait();
+        together.ArriveAndWait();
         removed = RefusalOf([&] { Call(reference.update, "Delete", other, Long{referred}); });
         Connections::OfThisThread().CloseAll();
       });
-      together.arrive_and_wait();
+      together.ArriveAndWait();
       Long id = 0;
       const std::string saved = RefusalOf([&] { id = Create(row); });
       remover.join();
