@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <map>
-#include <nlohmann/json.hpp>
 
 #include "qdclgl/server/db/connections.h"
 #include "tests/cli/cli_fixture.h"
@@ -51,7 +50,7 @@ TEST_P(AtOnce, OfTwoImportsAtOnceEachVoucherIsStoredOnce) {
         << ReadFile(folder.Path("first")) << ReadFile(folder.Path("second"));
   }
   std::map<std::string, int> stored;
-  for (const auto& row : nlohmann::json::parse(Run({"vouchers", "--json"}).out)) {
+  for (const auto& row : ParseJson(Run({"vouchers", "--json"}).out)) {
     ++stored[row["FReference"].get<std::string>()];
   }
   EXPECT_EQ(stored.size(), std::size_t{kRounds * kVouchers});

@@ -1,5 +1,4 @@
 // Budgets, and what is posted beside them.
-#include <nlohmann/json.hpp>
 
 #include "tests/cli/cli_fixture.h"
 
@@ -48,7 +47,7 @@ TEST_P(BudgetCommand, TheIncomeStatementHasThemBesideWhatIsPosted) {
             "5000.01      Rent        30.00    0.00       30.00\n"
             "         Total expense   30.00   20.00       10.00  150.0%\n"
             "         Result          50.00   63.34      -13.34   78.9%\n");
-  const auto rows = nlohmann::json::parse(Run({"income", "--budget", "--json"}).out);
+  const auto rows = ParseJson(Run({"income", "--budget", "--json"}).out);
   EXPECT_EQ(rows[0]["FBudget"], "1000.0000");
   EXPECT_EQ(rows[0]["FDifference"], "-920.0000");
   EXPECT_EQ(rows[0]["FBudgetPercent"], 8.0);

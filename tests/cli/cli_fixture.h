@@ -5,10 +5,13 @@
 #include <vector>
 
 #include "tests/server/books_fixture.h"
+#include "tests/support/json.h"
 #include "tests/support/process.h"
 
 namespace qdclgl::cli::testing {
 
+using qdclgl::testing::Json;
+using qdclgl::testing::ParseJson;
 using qdclgl::testing::Process;
 using qdclgl::testing::SetVariable;
 using qdclgl::testing::UnsetVariable;

@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <nlohmann/json.hpp>
 #include <sstream>
 
 #include "qdclgl/api/api_table.h"
@@ -63,7 +61,7 @@ TEST_P(Commands, ListsAreTablesCsvOrJson) {
             "         1  1000    Cash  debit  yes\n");
   const std::string csv = Run({"currencies", "--csv"}).out;
   EXPECT_TRUE(csv.starts_with("FCurrencyID,FVersion,")) << csv;
-  const auto vouchers = nlohmann::json::parse(Run({"vouchers", "--json"}).out);
+  const auto vouchers = ParseJson(Run({"vouchers", "--json"}).out);
   ASSERT_EQ(vouchers.size(), 2u);
   EXPECT_EQ(vouchers[0]["FDebitTotal"], "10.5000");
   EXPECT_EQ(vouchers[0]["FPosted"], false);
@@ -211,7 +209,7 @@ TEST_P(Commands, BalancesCoverWhatIsAskedFor) {
             "2000     Equity     -10.50                 -10.50\n"
             "2000.01    Capital  -10.50                 -10.50\n"
             "         Total        0.00   3.00    3.00    0.00\n");
-  const auto rows = nlohmann::json::parse(Run({"balance", "--json"}).out);
+  const auto rows = ParseJson(Run({"balance", "--json"}).out);
   EXPECT_EQ(rows.at(0)["FEndBalance"], "7.5000");
   EXPECT_EQ(Run({"balance", "--from", "2"}).code, 2);
   EXPECT_EQ(Run({"balance", "--year", "2024", "--from", "13"}).code, 1);
@@ -268,13 +266,13 @@ TEST_P(Commands, APrematureCloseIsTakenBackBehindLaterPostings) {
 TEST_P(Commands, TheAuditTrailTellsOfOneVoucher) {
   InitWithVouchers();
   ASSERT_EQ(Run({"check", "2"}).code, 0);
-  const auto deeds = nlohmann::json::parse(Run({"audit", "--voucher", "2", "--json"}).out);
+  const auto deeds = ParseJson(Run({"audit", "--voucher", "2", "--json"}).out);
   ASSERT_EQ(deeds.size(), 2u);
   EXPECT_EQ(deeds[0]["FAction"], "Create");
   EXPECT_EQ(deeds[1]["FAction"], "Check");
-  EXPECT_EQ(nlohmann::json::parse(Run({"audit", "--voucher", "2", "--filter",
-                                       "FAction = 'Check' OR FAction = 'Post'", "--json"})
-                                      .out)
+  EXPECT_EQ(ParseJson(Run({"audit", "--voucher", "2", "--filter",
+                           "FAction = 'Check' OR FAction = 'Post'", "--json"})
+                          .out)
                 .size(),
             1u);
 }
@@ -291,7 +289,7 @@ TEST_P(Commands, TheAuditTrailTellsChangesInShortOrWhole) {
   const std::string changes = R"({"FVersion":[1,2],"FChecked":[false,true],"FCheckerID":[-1,1],)"
                               R"("FChecker":["","administrator"]})";
   EXPECT_NE(Run({"audit", "--voucher", "2", "--whole"}).out.find(changes), std::string::npos);
-  const auto deeds = nlohmann::json::parse(Run({"audit", "--voucher", "2", "--json"}).out);
+  const auto deeds = ParseJson(Run({"audit", "--voucher", "2", "--json"}).out);
   EXPECT_EQ(deeds[1]["FChanges"], changes);
 }
 
@@ -305,7 +303,7 @@ TEST_P(Commands, TheDoctorExpectsTheHeadThatAuditPrinted) {
   EXPECT_EQ(Run({"doctor", "--expect-head", head}).out, "The books are in order.\n");
   const RunResult other = Run({"doctor", "--expect-head", "3-" + head.substr(2), "--json"});
   EXPECT_EQ(other.code, 4);
-  const auto findings = nlohmann::json::parse(other.out);
+  const auto findings = ParseJson(other.out);
   ASSERT_EQ(findings.size(), 1u);
   EXPECT_EQ(findings[0]["FRule"], "Head");
   EXPECT_EQ(findings[0]["FRecord"], "3-" + head.substr(2));
@@ -367,7 +365,7 @@ TEST(Api, TheReferenceComesFromTheRows) {
   EXPECT_NE(part.find("\nVoucherGroup\t9\tName\tget\tString"), part.npos) << part;
   EXPECT_EQ(part.find("VoucherGroupSet"), part.npos);
 
-  const auto classes = nlohmann::json::parse(RunInProcess({"api", "--json"}).out);
+  const auto classes = ParseJson(RunInProcess({"api", "--json"}).out);
   std::size_t members = 0;
   for (const auto& one : classes) members += one["members"].size();
   EXPECT_EQ(members, ApiRows().size());

@@ -4,7 +4,6 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
-#include <nlohmann/json.hpp>
 #include <sstream>
 
 #include "qdclgl/cli/csv_reader.h"
@@ -12,8 +11,6 @@
 
 namespace qdclgl::cli::testing {
 namespace {
-
-using Json = nlohmann::json;
 
 // Without what differs between books that say the same: ids, versions, keepers of steps.
 Json WithoutIds(const Json& value) {
@@ -48,9 +45,9 @@ class Export : public CliTest {
   // All vouchers with lines and details, without ids.
   static Json VouchersOf(const std::function<RunResult(std::vector<std::string>)>& run) {
     std::map<std::string, Json> vouchers;
-    for (const Json& row : Json::parse(run({"vouchers", "--json"}).out)) {
+    for (const Json& row : ParseJson(run({"vouchers", "--json"}).out)) {
       const std::string id = std::to_string(row["FVoucherID"].get<long>());
-      Json whole = WithoutIds(Json::parse(run({"voucher", id, "--json"}).out));
+      Json whole = WithoutIds(ParseJson(run({"voucher", id, "--json"}).out));
       vouchers[row["FDate"].get<std::string>() + row["FGroup"].get<std::string>() +
                std::to_string(row["FNumber"].get<long>())] = whole;
     }
@@ -79,8 +76,8 @@ TEST_P(Export, AndImportGiveTheSameBooks) {
   for (const std::string file : {"accounts.csv", "journal.csv"}) {
     EXPECT_EQ(ReadFile(folder.Path("second_" + file)), ReadFile(folder.Path("first_" + file)));
   }
-  EXPECT_EQ(WithoutIds(Json::parse(RunOther({"balance", "--json"}).out)),
-            WithoutIds(Json::parse(Run({"balance", "--json"}).out)));
+  EXPECT_EQ(WithoutIds(ParseJson(RunOther({"balance", "--json"}).out)),
+            WithoutIds(ParseJson(Run({"balance", "--json"}).out)));
   EXPECT_EQ(RunOther({"balance", "--by", "customers", "--csv"}).out,
             Run({"balance", "--by", "customers", "--csv"}).out);
   const Json vouchers = VouchersOf([&](auto words) { return Run(words); });

@@ -5,7 +5,6 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
-#include <nlohmann/json.hpp>
 #include <sstream>
 
 #include "qdclgl/cli/cell_values.h"
@@ -44,9 +43,8 @@ class Household : public CliTest {
   // A ledger of each account that has others below it, with a column for each of these and side:
   // all it carries forward is what the balances say.
   void ExpectLedgersAgreeWithTheBalances() const {
-    using Json = nlohmann::json;
     std::map<std::string, Json> balances;
-    for (const Json& row : Json::parse(Run({"balance", "--json"}).out)) {
+    for (const Json& row : ParseJson(Run({"balance", "--json"}).out)) {
       if (row["FCurrencyID"] == 0) balances[row["FAccountNumber"]] = row;
     }
     std::size_t columns = 0;
@@ -59,13 +57,13 @@ class Household : public CliTest {
                        "--side", side})
                       .err,
                   "");
-        const Json rows = Json::parse(
+        const Json rows = ParseJson(
             Run({"ledger", name, "--from", "2021/1", "--to", "2023-12-31", "--json"}).out);
         const Json& closing = rows.back();
         EXPECT_EQ(closing["FDebit"], balance["FDebit"]);
         EXPECT_EQ(closing["FCredit"], balance["FCredit"]);
         const Json ledger =
-            Json::parse(Run({"ledgers", "--filter", "FLedgerName = '" + name + "'", "--json"}).out);
+            ParseJson(Run({"ledgers", "--filter", "FLedgerName = '" + name + "'", "--json"}).out);
         std::size_t i = 0;
         for (const Json& column : ledger[0]["_Columns"]) {
           const auto of = balances.find(column["FAccountNumber"]);
@@ -84,12 +82,11 @@ class Household : public CliTest {
   // Opening cash and the flows of each quarter are the closing cash, which is what the accounts'
   // balances say and what the next quarter begins with.
   void ExpectCashFlowsAddUp() const {
-    using Json = nlohmann::json;
     const auto amount = [](const Json& row, const char* key) {
       return ReadAmount(row[key].get<std::string>());
     };
     Currency balance;
-    for (const Json& row : Json::parse(Run({"balance", "--json"}).out)) {
+    for (const Json& row : ParseJson(Run({"balance", "--json"}).out)) {
       const std::string number = row["FAccountNumber"];
       if (row["FCurrencyID"] != 0 || row["FDetail"] == false || !number.starts_with("1000.01.01")) {
         continue;
@@ -102,10 +99,9 @@ class Household : public CliTest {
     for (int quarter = 0; quarter < 12; ++quarter) {
       const std::string year = std::to_string(2021 + quarter / 4) + "/";
       const int first = quarter % 4 * 3 + 1;
-      const Json rows =
-          Json::parse(Run({"cashflow", "--json", "--from", year + std::to_string(first), "--to",
-                           year + std::to_string(first + 2)})
-                          .out);
+      const Json rows = ParseJson(Run({"cashflow", "--json", "--from", year + std::to_string(first),
+                                       "--to", year + std::to_string(first + 2)})
+                                      .out);
       EXPECT_EQ(amount(rows.front(), "FNet"), cash) << quarter;
       for (const Json& row : rows) {
         if (row["FRow"] == "Item" || row["FRow"] == "Account") cash += amount(row, "FNet");
@@ -119,13 +115,12 @@ class Household : public CliTest {
 
   // A statement of each account, line by line and period by period, ends where the balances do.
   void ExpectStatementsAgreeWithTheBalances() const {
-    using Json = nlohmann::json;
-    for (const Json& balance : Json::parse(Run({"balance", "--json"}).out)) {
+    for (const Json& balance : ParseJson(Run({"balance", "--json"}).out)) {
       if (balance["FCurrencyID"] != 0) continue;
       for (const char* form : {"--unposted", "--monthly"}) {
-        const Json rows = Json::parse(Run({"statement", balance["FAccountNumber"], "--from", "2021",
-                                           "--to", "2023", "--json", form})
-                                          .out);
+        const Json rows = ParseJson(Run({"statement", balance["FAccountNumber"], "--from", "2021",
+                                         "--to", "2023", "--json", form})
+                                        .out);
         SCOPED_TRACE(balance["FAccountNumber"].get<std::string>() + " " + form);
         EXPECT_EQ(rows.back()["FDebit"], balance["FDebit"]);
         EXPECT_EQ(rows.back()["FCredit"], balance["FCredit"]);
@@ -138,7 +133,7 @@ class Household : public CliTest {
   std::map<std::string, std::string> SumsOf(const std::vector<std::string>& command,
                                             const std::string& numbers, bool ends) const {
     std::map<std::string, std::string> sums;
-    for (const nlohmann::json& row : nlohmann::json::parse(Run(command).out)) {
+    for (const Json& row : ParseJson(Run(command).out)) {
       const std::string number = row["FAccountNumber"];
       if (row["FCurrencyID"] != 0 || numbers.find(number[0]) == numbers.npos) continue;
       const auto amount = [&](const char* key) { return ReadAmount(row[key].get<std::string>()); };
@@ -150,7 +145,7 @@ class Household : public CliTest {
   }
   std::map<std::string, std::string> AccountsOf(const std::vector<std::string>& command) const {
     std::map<std::string, std::string> accounts;
-    for (const nlohmann::json& row : nlohmann::json::parse(Run(command).out)) {
+    for (const Json& row : ParseJson(Run(command).out)) {
       if (row["FRow"] == "Account") accounts[row["FAccountNumber"]] = row["FAmount"];
       if (row["FRow"] == "Difference") {
         EXPECT_EQ(row["FAmount"], "0.0000");

@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <nlohmann/json.hpp>
-
 #include "tests/cli/cli_fixture.h"
 
 namespace qdclgl::cli::testing {
@@ -16,7 +14,7 @@ class Import : public CliTest {
   // The references of the vouchers in the books, in order.
   std::string References() const {
     std::string text;
-    for (const auto& row : nlohmann::json::parse(Run({"vouchers", "--json"}).out)) {
+    for (const auto& row : ParseJson(Run({"vouchers", "--json"}).out)) {
       text += row["FReference"].get<std::string>() + " ";
     }
     return text;
@@ -53,9 +51,8 @@ TEST_P(Import, StoresWhatTheJournalSays) {
                         "vouchers: 1 stored as import 1, 0 passed over, 0 left out\n");
   EXPECT_EQ(result.code, 0);
 
-  const auto id = nlohmann::json::parse(Run({"vouchers", "--json"}).out).at(0).at("FVoucherID");
-  const auto voucher =
-      nlohmann::json::parse(Run({"voucher", std::to_string(id.get<int>()), "--json"}).out);
+  const auto id = ParseJson(Run({"vouchers", "--json"}).out).at(0).at("FVoucherID");
+  const auto voucher = ParseJson(Run({"voucher", std::to_string(id.get<int>()), "--json"}).out);
   EXPECT_EQ(voucher["FDate"], "2024-02-03");
   EXPECT_EQ(voucher["FPeriod"], 2);
   EXPECT_EQ(voucher["FGroup"], "Buys");
@@ -78,8 +75,8 @@ TEST_P(Import, StoresWhatTheJournalSays) {
   EXPECT_EQ(lines[2]["FAmount"], "-0.0001");
   EXPECT_EQ(lines[2]["FDC"], 0);
   EXPECT_EQ(lines[3]["FCurrencyID"], 1);
-  const auto accounts = nlohmann::json::parse(
-      Run({"accounts", "--json", "--filter", "FNumber IN ('1100', '1200')"}).out);
+  const auto accounts =
+      ParseJson(Run({"accounts", "--json", "--filter", "FNumber IN ('1100', '1200')"}).out);
   EXPECT_EQ(accounts[0]["FName"], "Tea, green");
   EXPECT_EQ(accounts[0]["FQuantities"], true);
   EXPECT_EQ(accounts[0]["FMeasureUnit"], "kg");
@@ -103,14 +100,14 @@ TEST_P(Import, AUnitThatTheBooksHaveIsStoredWithItsId) {
   const RunResult result = Run({"import", "--accounts", chart, "--journal", journal});
   EXPECT_EQ(result.err, "");
   EXPECT_EQ(result.code, 0);
-  const auto accounts = nlohmann::json::parse(
-      Run({"accounts", "--json", "--filter", "FNumber IN ('1100', '1200')"}).out);
-  const auto unit_of = [](const nlohmann::json& row) {
+  const auto accounts =
+      ParseJson(Run({"accounts", "--json", "--filter", "FNumber IN ('1100', '1200')"}).out);
+  const auto unit_of = [](const Json& row) {
     return row["FMeasureUnit"].get<std::string>() + " " + row["FMeasureUnitID"].dump();
   };
   EXPECT_EQ(unit_of(accounts[0]), "Kilogram 1");
   EXPECT_EQ(unit_of(accounts[1]), "cup 0");
-  const auto lines = nlohmann::json::parse(Run({"voucher", "1", "--json"}).out)["_Entries"];
+  const auto lines = ParseJson(Run({"voucher", "1", "--json"}).out)["_Entries"];
   EXPECT_EQ(unit_of(lines[0]), "Tonne 2");
   EXPECT_EQ(lines[0]["FBaseQuantity"], 2000);
   EXPECT_EQ(unit_of(lines[1]), "pc 0") << "it is of another group than the account's";
@@ -260,7 +257,7 @@ TEST_P(Import, LinesOnAnAccountWithOthersBelowItGetAnAccountOfTheirOwn) {
       "account,debit,credit,balance\n1000,13.0000,0.0000,13.0000\n2000,0.0000,12.0000,-12.0000\n"
       "2000.01,0.0000,1.0000,-1.0000\n");
   const auto accounts =
-      nlohmann::json::parse(Run({"accounts", "--json", "--filter", "FNumber = '2000._'"}).out);
+      ParseJson(Run({"accounts", "--json", "--filter", "FNumber = '2000._'"}).out);
   ASSERT_EQ(accounts.size(), 1u);
   EXPECT_EQ(accounts[0]["FName"], "Equity (own lines)");
   EXPECT_EQ(accounts[0]["FDC"], -1);
@@ -291,7 +288,7 @@ TEST_P(Import, ARateThatIsNotGivenComesFromTheTwoAmounts) {
       folder.Write("currencies.csv", "voucher,date,account,debit,credit,currency,amount_for\n"
                                      "a,2024-01-05,1000,5,,USD,10\na,2024-01-05,1001,,5,,\n");
   ASSERT_EQ(Run({"import", "--journal", journal, "--new-currencies"}).code, 0);
-  const auto currencies = nlohmann::json::parse(Run({"currencies", "--json"}).out);
+  const auto currencies = ParseJson(Run({"currencies", "--json"}).out);
   ASSERT_EQ(currencies.size(), 2u);
   EXPECT_EQ(currencies[1]["FNumber"], "USD");
   EXPECT_EQ(currencies[1]["FExchangeRate"], 0.5);
@@ -310,7 +307,7 @@ TEST_P(Import, ACurrencyThatIsNotThereIsMadeOnlyWhenAskedFor) {
                             journal +
                             ":2:22: there is no currency \"UDS\"; --new-currencies makes it\n");
   EXPECT_EQ(References(), "b ");
-  EXPECT_EQ(nlohmann::json::parse(Run({"currencies", "--json"}).out).size(), 1u);
+  EXPECT_EQ(ParseJson(Run({"currencies", "--json"}).out).size(), 1u);
   EXPECT_EQ(
       Run({"import", "--accounts", chart, "--journal", journal, "--resume", "--new-currencies"})
           .code,
@@ -411,9 +408,7 @@ TEST_P(Import, AccountsThatCanNotBeAreReportedAndTheOthersStored) {
                 "underscores\n" +
                 chart +
                 ":8:1: 80044230: Account 4000.01 (Orphan): there is no account 4000 above it.\n");
-  EXPECT_EQ(nlohmann::json::parse(Run({"accounts", "--json", "--filter", "FNumber LIKE '3%'"}).out)
-                .size(),
-            2u);
+  EXPECT_EQ(ParseJson(Run({"accounts", "--json", "--filter", "FNumber LIKE '3%'"}).out).size(), 2u);
 }
 
 TEST_P(Import, AnAccountIsOfTheKindThatTheChartTells) {
@@ -426,7 +421,7 @@ TEST_P(Import, AnAccountIsOfTheKindThatTheChartTells) {
   EXPECT_EQ(result.err, chart + ":4:13: \"cost\" is no kind of account; they are asset, liability, "
                                 "equity, income or expense\n");
   const std::string accounts = Run({"accounts", "--json", "--filter", "FKind <> ''"}).out;
-  const auto rows = nlohmann::json::parse(accounts);
+  const auto rows = ParseJson(accounts);
   ASSERT_EQ(rows.size(), 1u);
   EXPECT_EQ(rows[0]["FNumber"], "3000");
   EXPECT_EQ(rows[0]["FKind"], "income");

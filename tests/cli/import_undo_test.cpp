@@ -1,5 +1,4 @@
 // Imports as the books keep them, and one that is taken back.
-#include <nlohmann/json.hpp>
 #include <regex>
 
 #include "tests/cli/cli_fixture.h"
@@ -25,7 +24,7 @@ class ImportUndo : public CliTest {
   // Number, vouchers, and what is left of them, for each import.
   std::string Imports() const {
     std::string text;
-    for (const auto& row : nlohmann::json::parse(Run({"imports", "--json"}).out)) {
+    for (const auto& row : ParseJson(Run({"imports", "--json"}).out)) {
       text += row["FNumber"].get<std::string>() + " " + row["FVoucherCount"].dump() + " " +
               row["FLeft"].dump() + "\n";
     }

@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <nlohmann/json.hpp>
 #include <random>
 #include <thread>
 
@@ -29,7 +28,7 @@ class Kill : public CliTest {
  protected:
   // The vouchers without the ids, which a database may skip some of when a transaction is lost.
   static std::string VouchersOf(const std::string& books) {
-    auto rows = nlohmann::json::parse(
+    auto rows = ParseJson(
         RunInProcess({"vouchers", books, "--sort", "FPeriod, FGroup, FNumber", "--json"}).out);
     std::string text;
     for (auto& row : rows) {
@@ -56,7 +55,7 @@ TEST_P(Kill, AKilledImportContinuesAndEndsInTheSameBooks) {
     child.Kill();
     const bool was_killed = child.Wait() == Process::kKilled;
     ASSERT_EQ(Run({"doctor"}).out, "The books are in order.\n");
-    const auto stored = nlohmann::json::parse(Run({"vouchers", "--json"}).out).size();
+    const auto stored = ParseJson(Run({"vouchers", "--json"}).out).size();
     ASSERT_EQ(stored % 500, 0u);
     if (was_killed && stored > 0 && stored < kVouchers) ++killed_on_the_way;
     if (stored == kVouchers) break;

@@ -1,8 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <nlohmann/json.hpp>
-
 #include "tests/cli/cli_fixture.h"
 
 namespace qdclgl::cli::testing {
@@ -51,7 +48,7 @@ TEST_P(Ledgers, CsvAndJsonHaveAllThatTheServerTells) {
                       "FAccountNumber,FExplanation,FDebit,FCredit,FDC,FBalance,FSub1Debit,"
                       "FSub1Credit,FSub1Rate,FColumn1,FColumn1Sub1,FColumn2,FColumn2Sub1\n"))
       << csv;
-  const auto rows = nlohmann::json::parse(Run({"ledger", "Costs", "--json"}).out);
+  const auto rows = ParseJson(Run({"ledger", "Costs", "--json"}).out);
   EXPECT_EQ(rows.back()["FRow"], "Closing");
   EXPECT_EQ(rows.back()["FDebit"], "13.5000");
   EXPECT_EQ(rows.back()["FColumn1Sub1"], "13.5000");
@@ -103,7 +100,7 @@ TEST_P(Ledgers, TheCommandsOfAllRecordsKnowLedgersAndTheirColumns) {
                  "_Columns=[{\"FColumnName\": \"Capital\", \"FAccountID\": 5, \"FDC\": 1}]"})
                 .err,
             "");
-  const auto ledger = nlohmann::json::parse(Run({"show", "ledgers", "Costs", "--json"}).out)[0];
+  const auto ledger = ParseJson(Run({"show", "ledgers", "Costs", "--json"}).out)[0];
   EXPECT_EQ(ledger["FAccountNumber"], "2000");
   EXPECT_EQ(ledger["_Columns"][0]["FAccountNumber"], "2000.01");
   EXPECT_EQ(Run({"set", "ledgers", "Costs", "_Columns=" + ledger["_Columns"].dump(),

@@ -1,5 +1,4 @@
 // Logging in once for the commands that follow: what is kept where, and when it is over.
-#include <cstdlib>
 #include <filesystem>
 
 #include "qdclgl/cli/system_calls.h"

@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <nlohmann/json.hpp>
-
 #include "qdclgl/cli/cell_values.h"
 #include "tests/cli/cli_fixture.h"
 
@@ -47,13 +45,12 @@ TEST_P(OpenItems, StandUnderTheirAgeWithSums) {
 
 TEST_P(OpenItems, AddUpToTheBalancesByTheSameClass) {
   InitWithInvoices();
-  using Json = nlohmann::json;
   Currency open, balance;
   for (const Json& row :
-       Json::parse(Run({"open", "--by", "customers", "--date", "2024-12-31", "--json"}).out)) {
+       ParseJson(Run({"open", "--by", "customers", "--date", "2024-12-31", "--json"}).out)) {
     open += ReadAmount(row["FOpen"].get<std::string>());
   }
-  for (const Json& row : Json::parse(Run({"balance", "--by", "customers", "--json"}).out)) {
+  for (const Json& row : ParseJson(Run({"balance", "--by", "customers", "--json"}).out)) {
     if (row["FCurrencyID"] == 0 && row["FDetail"] == true) {
       balance += ReadAmount(row["FEndBalance"].get<std::string>());
     }

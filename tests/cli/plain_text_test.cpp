@@ -4,7 +4,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <map>
-#include <nlohmann/json.hpp>
 #include <sstream>
 
 #include "qdclgl/cli/cell_values.h"
@@ -12,8 +11,6 @@
 
 namespace qdclgl::cli::testing {
 namespace {
-
-using Json = nlohmann::json;
 
 std::string HouseholdFolder() {
   const char* given = std::getenv("QDCLGL_TEST_DATA");
@@ -60,7 +57,7 @@ class PlainText : public CliTest {
   // options.
   void ExpectProgramsAgree(const std::vector<std::string>& options) const {
     std::map<std::string, std::string> expected;
-    for (const Json& row : Json::parse(Run({"balance", "--json"}).out)) {
+    for (const Json& row : ParseJson(Run({"balance", "--json"}).out)) {
       if (row["FCurrencyID"] != 0 || row["FDetail"] != true) continue;
       std::string number = row["FAccountNumber"];
       if (number.ends_with("._")) number.resize(number.size() - 2);

@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <nlohmann/json.hpp>
 
 #include "tests/cli/cli_fixture.h"
 
@@ -18,9 +17,7 @@ TEST_P(Posix, AUserIsChangedAsAWholeOrNotAtAll) {
   Init();
   EXPECT_EQ(Run({"user", "ann", "--roles", "reader", "--no-password"}).code, 0);
   const auto roles = [&] {
-    return nlohmann::json::parse(Run({"users", "--json", "--filter", "FName = 'ann'"}).out)
-        .at(0)
-        .at("FRoles");
+    return ParseJson(Run({"users", "--json", "--filter", "FName = 'ann'"}).out).at(0).at("FRoles");
   };
   // No password may be empty unless somebody says so.
   SetVariable("QDCLGL_NEW_PASSWORD", "");

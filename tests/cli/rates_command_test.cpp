@@ -1,5 +1,4 @@
 // Exchange rates by day: kept, listed, imported, and used where a line tells none.
-#include <nlohmann/json.hpp>
 
 #include "tests/cli/cli_fixture.h"
 
@@ -17,7 +16,7 @@ class RatesCommand : public CliTest {
   // "1000 debit 92.0000 USD 100.0000 0.92" a line.
   std::string LinesOf(const std::string& id) const {
     std::string text;
-    const auto voucher = nlohmann::json::parse(Run({"voucher", id, "--json"}).out);
+    const auto voucher = ParseJson(Run({"voucher", id, "--json"}).out);
     for (const auto& line : voucher["_Entries"]) {
       text += line["FAccountNumber"].get<std::string>() +
               (line["FDC"] == 1 ? " debit " : " credit ") + line["FAmount"].get<std::string>() +
@@ -39,7 +38,7 @@ TEST_P(RatesCommand, RatesAreKeptReplacedListedAndTakenAway) {
   EXPECT_EQ(Said({"rates", "USD"}), "0 Currency  Date        Rate  Name\n"
                                     "USD       2024-01-31  0.92\n"
                                     "USD       2024-02-29  0.94\n");
-  const auto rows = nlohmann::json::parse(Run({"rates", "--json"}).out);
+  const auto rows = ParseJson(Run({"rates", "--json"}).out);
   ASSERT_EQ(rows.size(), 3u);
   EXPECT_EQ(rows[0]["FCurrencyNumber"], "JPY");
   EXPECT_EQ(rows[0]["FExchangeRate"], 160);

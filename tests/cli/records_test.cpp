@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <nlohmann/json.hpp>
 #include <set>
 #include <sstream>
 
@@ -17,7 +16,6 @@
 namespace qdclgl::cli::testing {
 namespace {
 
-using Json = nlohmann::ordered_json;
 using Words = std::vector<std::string>;
 
 // A record of a kind: its key, in the case in which it is kept, and what else it can't be without;
@@ -144,7 +142,7 @@ class Records : public CliTest {
   Json Shown(const Sample& sample, const std::string& key) const {
     const RunResult result = Run({"show", std::string(sample.kind), key, "--json"});
     EXPECT_EQ(result.code, 0) << result.err;
-    return result.code == 0 ? Json::parse(result.out).at(0) : Json();
+    return result.code == 0 ? ParseJson(result.out).at(0) : Json();
   }
   Json Shown(const Sample& sample) const { return Shown(sample, sample.key); }
   std::string All(const Sample& sample) const {
@@ -218,8 +216,7 @@ TEST_P(Records, OfEachKindAreListedByEitherCommand) {
       EXPECT_NE(listed.find(sample.key), listed.npos) << listed;
       EXPECT_EQ(Run(Words{name} + options).out, listed);
     }
-    EXPECT_EQ(Json::parse(Run({"list", name, "--json", "--filter", "FVersion < 0"}).out).size(),
-              0u);
+    EXPECT_EQ(ParseJson(Run({"list", name, "--json", "--filter", "FVersion < 0"}).out).size(), 0u);
   });
 }
 
@@ -372,7 +369,7 @@ TEST_P(Records, ThatOthersNeedAreMarkedDeletedAndStayToBeFound) {
   EXPECT_EQ(Run({"remove", "currencies", "usd", "--yes"}).out,
             "Currency USD (Dollar) is marked deleted.\n");
   const auto count = [&](const Words& options) {
-    return Json::parse(Run(Words{"list", "currencies", "--json"} + options).out).size();
+    return ParseJson(Run(Words{"list", "currencies", "--json"} + options).out).size();
   };
   EXPECT_EQ(count({}), 1u);
   EXPECT_EQ(count({"--with-deleted"}), 2u);
@@ -389,7 +386,7 @@ TEST_P(Records, ShowTheRowsThatBelongToThem) {
                               "           1  DEP               部门\n"
                               "           2  STAFF             职员\n"))
       << plain << "as the classes are called, whatever was sent";
-  const Json row = Json::parse(Run({"show", "accounts", "1", "--json"}).out).at(0);
+  const Json row = ParseJson(Run({"show", "accounts", "1", "--json"}).out).at(0);
   EXPECT_EQ(row["_Items"].dump(),
             R"([{"FItemClassID":1,"FItemClassNumber":"DEP","FItemClassName":"部门"},)"
             R"({"FItemClassID":2,"FItemClassNumber":"STAFF","FItemClassName":"职员"}])");
@@ -415,7 +412,7 @@ TEST_P(Records, TakeValuesOfEveryTypeAndFromFiles) {
   ExpectDone(Run({"add", "accounts", "1", "FName=Cash", "FDC=-1", "fjournal=Yes", "FintRate=1.25",
                   "FLastIntDate=2024-02-29", "FSpecialType=-32768", "FMessage=@" + file,
                   "FHelperCode=@@home"}));
-  Json row = Json::parse(Run({"show", "accounts", "1", "--json"}).out).at(0);
+  Json row = ParseJson(Run({"show", "accounts", "1", "--json"}).out).at(0);
   EXPECT_EQ(row["FDC"], -1);
   EXPECT_EQ(row["FJournal"], true);
   EXPECT_EQ(row["FintRate"], 1.25);
@@ -425,7 +422,7 @@ TEST_P(Records, TakeValuesOfEveryTypeAndFromFiles) {
   EXPECT_EQ(row["FHelperCode"], "@home");
   ExpectDone(Run({"set", "accounts", "1", "FDC=", "FJournal=", "FintRate=", "FLastIntDate=",
                   "FSpecialType=", "FMessage=", "FHelperCode=", "FCurrencyID="}));
-  const Json cleared = Json::parse(Run({"show", "accounts", "1", "--json"}).out).at(0);
+  const Json cleared = ParseJson(Run({"show", "accounts", "1", "--json"}).out).at(0);
   EXPECT_EQ(cleared["FDC"], 0);
   EXPECT_EQ(cleared["FJournal"], false);
   EXPECT_EQ(cleared["FintRate"], 0);
@@ -482,7 +479,7 @@ TEST_P(Records, TheDataOfANoteAreTheBytesOfAFileWhateverTheyAre) {
   };
   const auto kept = [&] {
     const auto note =
-        Json::parse(Run({"list", "notes", "--json", "--filter", "FName = 'Form'"}).out).at(0);
+        ParseJson(Run({"list", "notes", "--json", "--filter", "FName = 'Form'"}).out).at(0);
     return TextOf(note["FDataKind"]) + " " + TextOf(note["FDataSize"]) + " " +
            TextOf(note["FDataHash"]);
   };
@@ -544,13 +541,13 @@ TEST_P(Records, OfTwoWhoChangeOneAtOnceNobodyLosesAnything) {
     }
   }
   EXPECT_GE(saved, kRounds);
-  EXPECT_EQ(Json::parse(Run({"show", "currencies", "USD", "--json"}).out).at(0)["FVersion"],
+  EXPECT_EQ(ParseJson(Run({"show", "currencies", "USD", "--json"}).out).at(0)["FVersion"],
             saved + 1);
   // Had a save gone by a row of before another one, it would have written that one's column too.
-  for (const auto& deed : Json::parse(
+  for (const auto& deed : ParseJson(
            Run({"audit", "--json", "--filter", "FSubject = 'Currency' AND FAction = 'Update'"})
                .out)) {
-    EXPECT_EQ(Json::parse(deed["FChanges"].get<std::string>()).size(), 2u) << deed;
+    EXPECT_EQ(ParseJson(deed["FChanges"].get<std::string>()).size(), 2u) << deed;
   }
 }
 
@@ -564,7 +561,7 @@ TEST_P(Records, ThatTwoHaveReadAreNotOverwrittenByTheSecond) {
   second->Put("FScale", Variant(Long{3}));
   records.Save(first, records.IdOf(*first));
   EXPECT_THROW(records.Save(second, records.IdOf(*second)), Error);
-  const Json row = Json::parse(Run({"show", "currencies", "USD", "--json"}).out).at(0);
+  const Json row = ParseJson(Run({"show", "currencies", "USD", "--json"}).out).at(0);
   EXPECT_EQ(row["FName"], "first");
   EXPECT_EQ(row["FScale"], 2);
 }

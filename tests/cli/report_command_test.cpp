@@ -4,7 +4,6 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
-#include <nlohmann/json.hpp>
 #include <regex>
 #include <set>
 #include <thread>
@@ -146,7 +145,7 @@ class Report : public CliTest {
     std::map<std::string, std::vector<std::string>> by_account;
     for (const std::string& year : years) {
       const RunResult result = Run({command, "--json", "--year", year});
-      for (const auto& row : nlohmann::json::parse(result.out)) {
+      for (const auto& row : ParseJson(result.out)) {
         if (row["FRow"] != "Account") continue;
         auto& amounts = by_account[row["FAccountNumber"]];
         amounts.resize(years.size(), "0.0000");
@@ -171,8 +170,8 @@ class Report : public CliTest {
 
   // What the trial balance and the statements say is what `balance` says.
   void ExpectFiguresOfTheCommands() const {
-    std::map<std::string, nlohmann::json> balances;
-    for (const auto& row : nlohmann::json::parse(Run({"balance", "--json"}).out)) {
+    std::map<std::string, Json> balances;
+    for (const auto& row : ParseJson(Run({"balance", "--json"}).out)) {
       if (row["FCurrencyID"] == 0) balances[row["FAccountNumber"]] = row;
     }
     auto rows = RowsOf(Page("balance.html"));
@@ -180,7 +179,7 @@ class Report : public CliTest {
     rows.pop_back();
     EXPECT_EQ(rows.size(), balances.size());
     for (const auto& cells : rows) {
-      const nlohmann::json& row = balances.at(cells[0]);
+      const Json& row = balances.at(cells[0]);
       EXPECT_EQ(Exact(cells[2]), row["FDebit"]) << cells[0];
       EXPECT_EQ(Exact(cells[3]), row["FCredit"]) << cells[0];
       EXPECT_EQ(Exact(cells[4]), row["FEndBalance"]) << cells[0];

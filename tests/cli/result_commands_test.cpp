@@ -1,5 +1,4 @@
 // Income statement and balance sheet as the command line prints them.
-#include <nlohmann/json.hpp>
 
 #include "tests/cli/cli_fixture.h"
 
@@ -54,7 +53,7 @@ TEST_P(ResultCommands, QuartersStandBesideTheYearAndDepthLeavesOutWhatIsBelow) {
             "5000       Costs            0.00     30.00      0.00        0.00  30.00\n"
             "         Total expense      0.00     30.00      0.00        0.00  30.00\n"
             "         Result            80.00    -30.00      0.00        0.00  50.00\n");
-  const auto rows = nlohmann::json::parse(
+  const auto rows = ParseJson(
       Run({"income", "--year", "2024", "--monthly", "--from", "2", "--to", "5", "--json"}).out);
   ASSERT_EQ(rows.size(), 6u * 4u) << "a row for each account or sum and each month, no total";
   EXPECT_EQ(rows[3]["FFrom"], "2024/5");

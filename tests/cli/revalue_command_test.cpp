@@ -1,5 +1,4 @@
 // Balances in other currencies are brought to what they are worth.
-#include <nlohmann/json.hpp>
 
 #include "tests/cli/cli_fixture.h"
 

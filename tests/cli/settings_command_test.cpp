@@ -1,5 +1,4 @@
 // The settings of the books at the command line, and whose books pages and exports say they are.
-#include <nlohmann/json.hpp>
 
 #include "tests/cli/cli_fixture.h"
 
@@ -18,7 +17,7 @@ TEST_P(SettingsCommand, EachIsListedWithItsDefaultItsRangeAndItsMeaning) {
       "General   CompanyName                     any text  the company's name, at the head of "
       "pages and exports\n"
       "General   CompanyPhone                    any text  the company's telephone number\n");
-  const auto rows = nlohmann::ordered_json::parse(Run({"settings", "--json"}).out);
+  const auto rows = ParseJson(Run({"settings", "--json"}).out);
   std::string count_of_periods, session;
   for (const auto& row : rows) {
     EXPECT_NE(row["FMeaning"], "") << row;

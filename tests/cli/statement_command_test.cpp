@@ -1,8 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <nlohmann/json.hpp>
-
 #include "tests/cli/cli_fixture.h"
 
 namespace qdclgl::cli::testing {
@@ -113,7 +110,7 @@ TEST_P(Statements, CsvAndJsonHaveAllThatTheServerTells) {
       "FCurrencyNumber,FExchangeRate,FDebitFor,FCreditFor,FBalanceFor\n"
       "Opening,,,2024-01-01,2024,1,0,0,,0,true,,,,,0.0000,0.0000,0.0000,0.0000,"))
       << csv;
-  const auto rows = nlohmann::json::parse(Run({"statement", "1000", "--json"}).out);
+  const auto rows = ParseJson(Run({"statement", "1000", "--json"}).out);
   EXPECT_EQ(rows.back()["FRow"], "Closing");
   EXPECT_EQ(rows.back()["FBalance"], "-7.5000");
   EXPECT_EQ(rows[2]["FContra"], "2000.01");

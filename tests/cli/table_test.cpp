@@ -3,15 +3,18 @@
 #include <gtest/gtest.h>
 
 #include <limits>
-#include <nlohmann/json.hpp>
 #include <sstream>
 
 #include "qdclgl/cli/headings.h"
 #include "qdclgl/cli/text_width.h"
 #include "qdclgl/frame/containers/vector.h"
+#include "tests/support/json.h"
 
 namespace qdclgl::cli {
 namespace {
+
+using qdclgl::testing::Json;
+using qdclgl::testing::ParseJson;
 
 using Rows = std::vector<std::vector<Variant>>;
 
@@ -204,17 +207,17 @@ TEST(TableWriter, CsvQuotesWhatNeedsIt) {
 }
 
 TEST(TableWriter, JsonHasAmountsAsTextAndIsValidWithoutRows) {
-  const auto json = nlohmann::json::parse(
+  const auto json = ParseJson(
       Written(Format::kJson,
               {{"a\"b\n", Currency(1)}, {Null, Long{3}}, {DateTime::FromYmd(2024, 1, 31), false}}));
   EXPECT_EQ(json.dump(),
-            "[{\"Amount\":\"1.0000\",\"Name\":\"a\\\"b\\n\"},{\"Amount\":3,\"Name\":null},"
-            "{\"Amount\":false,\"Name\":\"2024-01-31\"}]");
-  EXPECT_EQ(nlohmann::json::parse(Written(Format::kJson, {})).dump(), "[]");
+            "[{\"Name\":\"a\\\"b\\n\",\"Amount\":\"1.0000\"},{\"Name\":null,\"Amount\":3},"
+            "{\"Name\":\"2024-01-31\",\"Amount\":false}]");
+  EXPECT_EQ(ParseJson(Written(Format::kJson, {})).dump(), "[]");
 }
 
 TEST(TableWriter, JsonSurvivesTextThatIsNotUtf8) {
-  EXPECT_EQ(nlohmann::json::parse(Written(Format::kJson, {{"\xE9", Long{1}}})).size(), 1u);
+  EXPECT_EQ(ParseJson(Written(Format::kJson, {{"\xE9", Long{1}}})).size(), 1u);
 }
 
 TEST(TableWriter, ATreeBecomesObjectsAndArrays) {

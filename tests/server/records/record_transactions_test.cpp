@@ -1,6 +1,5 @@
 // Kinds of records: versions, saves at once, failures, batches, and what the trail tells of it all.
 #include <algorithm>
-#include <nlohmann/json.hpp>
 #include <thread>
 
 #include "qdclgl/frame/objects/conversions.h"
@@ -9,10 +8,14 @@
 #include "qdclgl/server/db/columns.h"
 #include "qdclgl/server/db/connections.h"
 #include "tests/server/records/record_suite.h"
+#include "tests/support/json.h"
 #include "tests/support/meeting_point.h"
 
 namespace qdclgl::server::testing {
 namespace {
+
+using qdclgl::testing::Json;
+using qdclgl::testing::ParseJson;
 
 using qdclgl::testing::MeetingPoint;
 using Column = RecordKind::Column;
@@ -173,15 +176,13 @@ TEST_P(RecordSuite, ABatchThatIsRolledBackLeavesNothing) {
 
 // ---- The audit trail ----
 
-using Json = nlohmann::ordered_json;
-
 // A value as the trail tells it, and whether a whole row has it.
 Json OnTrail(const Variant& value) {
   if (value.Is(VariantType::kBoolean)) return CBool(value);
   if (value.Is(VariantType::kDate)) return DateText(CDate(value));
   if (value.IsString() || value.Is(VariantType::kCurrency)) return CStr(value);
   if (value.Is(VariantType::kDouble) || value.Is(VariantType::kSingle)) {
-    return Json::parse(CStr(value));
+    return ParseJson(CStr(value));
   }
   return CLng(value);
 }
@@ -210,7 +211,7 @@ TEST_P(RecordSuite, DeedsAreOnTheAuditTrail) {
     list->MoveFirst();
     Json changes;
     for (; !list->Eof(); list->MoveNext()) {
-      changes = Json::parse(list->Row()->Value("FChanges").As<String>());
+      changes = ParseJson(list->Row()->Value("FChanges").As<String>());
     }
     return changes;
   };
