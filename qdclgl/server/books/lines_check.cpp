@@ -58,8 +58,10 @@ class LinesCheck {
              });
     CheckPosted();
     CheckPostedLines();
+    SumYears();
     TakeAwayStoredBalances();
     CheckBalances();
+    CheckYearBalances();
     TakeAwayStoredItemBalances();
     CheckItemBalances();
   }
@@ -251,21 +253,51 @@ class LinesCheck {
     }
   }
 
+  // The balances of the years whose sums are kept, out of their lines, without those sums.
+  void SumYears() {
+    const Long summed = db_.QueryValue<Long>("SELECT FSummedYear FROM t_Posted").value_or(0);
+    for (const auto& [key, balance] : balances_) {
+      const auto& [account, currency, year, period] = key;
+      if (year > summed) continue;
+      Balance& sum = year_balances_[{account, currency, year, 0}];
+      for (std::size_t i = 0; i < sum.size(); ++i) sum[i].Add(balance[i]);
+    }
+    for (const auto& [account, currency, year, debit, credit, debit_for, credit_for, debit_quantity,
+                      credit_quantity] :
+         db_.Query<Long, Long, Long, std::int64_t, std::int64_t, std::int64_t, std::int64_t,
+                   std::int64_t, std::int64_t>(
+             "SELECT FAccountID, FCurrencyID, FYear, FDebit, FCredit, FDebitFor, FCreditFor,"
+             " FDebitQty, FCreditQty FROM t_YearBalance")) {
+      Subtract(year_balances_[{account, currency, year, 0}], debit, credit, debit_for, credit_for,
+               debit_quantity, credit_quantity);
+    }
+  }
+
   // What is left when the stored balances are taken away should be nothing.
   void CheckBalances() {
     for (const auto& [key, rest] : balances_) {
       if (rest == Balance()) continue;
-      ReportBalance("Balance", key, "");
+      ReportBalance("Balance", key, PeriodOf(key));
     }
   }
 
-  void ReportBalance(std::string_view rule, const BalanceKey& key, const std::string& items) {
+  void CheckYearBalances() {
+    for (const auto& [key, rest] : year_balances_) {
+      if (rest == Balance()) continue;
+      ReportBalance("YearBalance", key, "year " + std::to_string(key[2]));
+    }
+  }
+
+  void ReportBalance(std::string_view rule, const BalanceKey& key, const std::string& of) {
     const auto number =
         db_.QueryValue<std::string>("SELECT FNumber FROM t_Account WHERE FAccountID = ?", key[0]);
     findings_.Add(rule, "Account", key[0], number.value_or("?"),
-                  "Its balance in currency " + std::to_string(key[1]) + ", period " +
-                      AccountingPeriod{key[2], key[3]}.ToText() + items +
+                  "Its balance in currency " + std::to_string(key[1]) + ", " + of +
                       " is not the sum of its posted lines.");
+  }
+
+  static std::string PeriodOf(const BalanceKey& key) {
+    return "period " + AccountingPeriod{key[2], key[3]}.ToText();
   }
 
   // What the combinations stand for by their ids.
@@ -301,7 +333,7 @@ class LinesCheck {
     for (const auto& [place, rest] : item_balances_) {
       if (rest == Balance()) continue;
       const auto& [key, items] = place;
-      ReportBalance("ItemBalance", key, NamesOf(items));
+      ReportBalance("ItemBalance", key, PeriodOf(key) + NamesOf(items));
     }
   }
 
@@ -324,7 +356,8 @@ class LinesCheck {
   WideSum posted_;  // the sizes of posted vouchers
   RowSum posted_lines_;
   std::map<BalanceKey, Balance> balances_;
-  std::set<Long> asking_;  // accounts that ask for items
+  std::map<BalanceKey, Balance> year_balances_;  // of period 0
+  std::set<Long> asking_;                        // accounts that ask for items
   // Voucher, line, class and item of the range, and how far the lines have come in them.
   std::vector<std::tuple<Long, Long, Long, Long>> items_;
   std::size_t next_item_ = 0;

@@ -15,6 +15,10 @@ class WideSum {
     low_ += bits;
     high_ += (low_ < bits ? 1 : 0) - (value < 0 ? 1 : 0);
   }
+  void Add(const WideSum& other) {
+    low_ += other.low_;
+    high_ += other.high_ + (low_ < other.low_ ? 1 : 0);
+  }
   void Subtract(std::int64_t value) {
     const auto bits = static_cast<std::uint64_t>(value);
     high_ -= (low_ < bits ? 1 : 0) - (value < 0 ? 1 : 0);

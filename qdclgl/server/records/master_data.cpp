@@ -470,7 +470,7 @@ bool IsUsedInVouchers(Database& db, std::string_view column, Long id) {
 }
 
 void RemoveEmptyBalances(Database& db, std::string_view column, Long id) {
-  for (const std::string_view table : {"t_ItemBalance", "t_Balance"}) {
+  for (const std::string_view table : {"t_ItemBalance", "t_YearBalance", "t_Balance"}) {
     db.Execute("DELETE FROM " + std::string(table) + " WHERE " + std::string(column) + " = ?", id);
   }
 }

@@ -90,15 +90,41 @@ std::string AsksForAll(const Classes& classes, std::string_view row) {
 constexpr const char* kDebitSide = "e.FDC";
 constexpr const char* kCreditSide = "(1 - e.FDC)";
 
+// Periods of a year, FYear * 1000 + FPeriod; without any, everything.
+struct Span {
+  Long year;
+  std::int64_t first, last;
+};
+
 // What moved, a row for each account, currency and period, and by items for each combination of
 // them.
 struct Movements {
   std::string query;
-  bool is_kept;  // in rows that are read twice sooner than put aside
+  std::string years;    // of whole years, which stand before the span or, without one, within it
+  bool is_kept;         // in rows that are read twice sooner than put aside
+  bool may_be_earlier;  // than the span
 };
 
 // As posting keeps them.
-Movements Stored(const Database&, const Classes& classes) {
+Movements Stored(Database& db, const Classes& classes, const std::optional<Span>& span) {
+  if (classes.empty()) {
+    auto [summed, latest] =
+        db.QueryRow<Long, Long>("SELECT FSummedYear,"
+                                " (SELECT COALESCE(MAX(FYear), 0) FROM t_Balance) FROM t_Posted")
+            .value_or(std::tuple(0, 0));
+    if (span) {
+      summed = std::min(summed, span->year - 1);
+      latest = span->year;
+    }
+    // As a rule one year is left, whose rows come in the order that they are added up in.
+    const bool is_one_year = latest == summed + 1;
+    const std::string last = std::to_string(summed);
+    return {"SELECT FAccountID, FCurrencyID, FYear * 1000 + FPeriod AS FAt, FDebit, FCredit,"
+            " FDebitFor, FCreditFor, FDebitQty, FCreditQty FROM t_Balance WHERE FYear " +
+                (is_one_year ? "= " + std::to_string(latest) : "> " + last),
+            "t_YearBalance WHERE FYear <= " + last, true,
+            !is_one_year || (span && span->first > std::int64_t{latest} * 1000 + 1)};
+  }
   std::string joins;
   for (std::size_t i = 0; i < classes.size(); ++i) {
     const std::string item = Alias("item", i);
@@ -108,14 +134,13 @@ Movements Stored(const Database&, const Classes& classes) {
   }
   return {"SELECT b.FAccountID, b.FCurrencyID, b.FYear * 1000 + b.FPeriod AS FAt, b.FDebit,"
           " b.FCredit, b.FDebitFor, b.FCreditFor, b.FDebitQty, b.FCreditQty" +
-              ItemCells(classes, "item") + " FROM " +
-              (classes.empty() ? "t_Balance" : "t_ItemBalance") + " b" + joins + " WHERE 1 = 1" +
+              ItemCells(classes, "item") + " FROM t_ItemBalance b" + joins + " WHERE 1 = 1" +
               AsksForAll(classes, "b"),
-          true};
+          "", true, true};
 }
 
 // The same from the lines of posted vouchers.
-Movements FromLines(const Database& db, const Classes& classes) {
+Movements FromLines(Database& db, const Classes& classes, const std::optional<Span>&) {
   const std::string quantity = MillionthsSql(db, "(" + std::string(kCountedQuantity) + ")");
   const std::string amount_for = "CASE WHEN e.FCurrencyID = 1 THEN e.FAmount ELSE e.FAmountFor END";
   std::string joins;
@@ -142,7 +167,7 @@ Movements FromLines(const Database& db, const Classes& classes) {
               " FROM t_Voucher v JOIN t_VoucherEntry e ON e.FVoucherID = v.FVoucherID" + joins +
               " WHERE v.FPosted = 1" + AsksForAll(classes, "e") +
               " GROUP BY e.FAccountID, e.FCurrencyID, v.FYear, v.FPeriod" + items,
-          false};
+          "", false, true};
 }
 
 // A quantity that is counted in millionths. In parts, since one of the databases divides real
@@ -153,9 +178,9 @@ std::string FromMillionths(const std::string& count) {
 }
 
 // The list's query: what moved before the span and within it, added up by account, items and
-// currency, then for every account over all that is below it, then for all currencies together. Its
-// placeholders are the span's first period twice, and its last one.
-std::string Query(const Movements& movements, const Classes& classes) {
+// currency, then for every account over all that is below it, then for all currencies together.
+std::string Query(const Movements& movements, const Classes& classes,
+                  const std::optional<Span>& span) {
   struct Sum {
     std::string_view name, begin, debit, credit;
   };
@@ -190,9 +215,22 @@ std::string Query(const Movements& movements, const Classes& classes) {
     item_names += " LEFT JOIN t_Item " + item + " ON " + item + ".FItemID = r." + IdColumn(i);
   }
   const std::string place = "FAccountID, FCurrencyID" + items;
-  const auto added_up = [&](const std::string& sums, const char* when) {
-    return "SELECT " + place + sums + " FROM movement WHERE " + when + " GROUP BY " + place;
+  const auto added_up = [&](const std::string& sums, const std::string& rows) {
+    return "SELECT " + place + sums + " FROM " + rows + " GROUP BY " + place;
   };
+  std::string moved;
+  if (!span) {
+    moved = added_up(within, "movement");
+  } else {
+    const std::string first = std::to_string(span->first), last = std::to_string(span->last);
+    moved = added_up(within, "movement WHERE FAt >= " + first + " AND FAt <= " + last);
+    if (movements.may_be_earlier) {
+      moved += " UNION ALL " + added_up(before, "movement WHERE FAt < " + first);
+    }
+  }
+  if (!movements.years.empty()) {
+    moved += " UNION ALL " + added_up(span ? before : within, movements.years);
+  }
   return "WITH RECURSIVE above AS ("
          "  SELECT FAccountID, FAccountID AS FAboveID FROM t_Account"
          "  UNION ALL"
@@ -200,8 +238,7 @@ std::string Query(const Movements& movements, const Classes& classes) {
          "  JOIN t_Account a ON a.FAccountID = above.FAboveID WHERE a.FParentID <> 0),"
          " movement AS " +
          std::string(movements.is_kept ? "NOT MATERIALIZED" : "MATERIALIZED") + " (" +
-         movements.query + ")," + " moved AS (" + added_up(before, "FAt < CAST(? AS BIGINT)") +
-         " UNION ALL " + added_up(within, "FAt >= CAST(? AS BIGINT) AND FAt <= CAST(? AS BIGINT)") +
+         movements.query + "), moved AS (" + moved +
          "),"
          " each AS ("
          "  SELECT above.FAboveID, moved.FCurrencyID" +
@@ -273,7 +310,7 @@ struct Shape {
   }
 };
 
-using MovementsOf = Movements (*)(const Database&, const Classes&);
+using MovementsOf = Movements (*)(Database&, const Classes&, const std::optional<Span>&);
 
 // By items of the classes that a text names, where there is one.
 Ref<Recordset> Balances(std::string_view props, MovementsOf movements,
@@ -282,7 +319,7 @@ Ref<Recordset> Balances(std::string_view props, MovementsOf movements,
   const Caller caller = Enter(props, BalanceInfo::kRead);
   Transaction transaction(caller.db, Transaction::Kind::kRead);
   const Classes classes = class_numbers ? ClassesIn(caller.db, *class_numbers) : Classes();
-  std::int64_t first = INT64_MIN, last = INT64_MAX;
+  std::optional<Span> span;
   if (year != 0) {
     const Calendar calendar = LedgerRules::Of(caller.db).calendar;
     const AccountingPeriod begin{year, from != 0 ? from : 1};
@@ -293,16 +330,14 @@ Ref<Recordset> Balances(std::string_view props, MovementsOf movements,
       Refuse(refusal::kBadValue,
              "Periods go forward, not from " + begin.ToText() + " to " + end.ToText() + ".");
     }
-    first = std::int64_t{begin.year} * 1000 + begin.period;
-    last = std::int64_t{end.year} * 1000 + end.period;
+    span = {year, std::int64_t{year} * 1000 + begin.period, std::int64_t{year} * 1000 + end.period};
   } else if (from != 0 || to != 0) {
     Refuse(refusal::kBadValue, "Periods without a year say nothing.");
   }
   const Shape shape(classes);
-  const std::string query = Query(movements(caller.db, classes), classes);
-  const BoundValue span[] = {first, first, last};
+  const std::string query = Query(movements(caller.db, classes, span), classes, span);
   Ref<Recordset> list =
-      FetchList(caller.db, {query, shape.columns, shape.order}, filter, sort, span, PageIn(page));
+      FetchList(caller.db, {query, shape.columns, shape.order}, filter, sort, {}, PageIn(page));
   transaction.Commit();
   return list;
 }

@@ -69,21 +69,25 @@ Movements MovementsOf(Database& db, Long voucher_id) {
 // The size of what is posted is a row that stands for this or more.
 constexpr std::int64_t kFull = INT64_MAX;
 
-void AddToSize(Database& db, const Movements& movements, const std::string& name) {
+// Adds to what is posted, or takes from it. Both give the last year whose sums are kept.
+Long AddToSize(Database& db, const Movements& movements, const std::string& name) {
   const auto refuse = [&](const std::string& reason) {
     Refuse(refusal::kTooLarge, "Voucher " + name + ": " + reason);
   };
   if (!movements.adds_up) refuse("its lines are too large to add up.");
-  if (db.Execute("UPDATE t_Posted SET FSize = FSize + ? WHERE FSize <= ?", movements.size,
-                 kFull - movements.size) == 0) {
-    refuse("with it, what is posted would be too large to add up.");
-  }
+  const auto summed = db.QueryValue<Long>(
+      "UPDATE t_Posted SET FSize = FSize + ? WHERE FSize <= ? RETURNING FSummedYear",
+      movements.size, kFull - movements.size);
+  if (!summed) refuse("with it, what is posted would be too large to add up.");
+  return *summed;
 }
 
-void TakeFromSize(Database& db, const Movements& movements, Long voucher_id) {
-  if (movements.adds_up && db.Execute("UPDATE t_Posted SET FSize = FSize - ? WHERE FSize < ?",
-                                      movements.size, kFull) != 0) {
-    return;
+Long TakeFromSize(Database& db, const Movements& movements, Long voucher_id) {
+  if (movements.adds_up) {
+    const auto summed = db.QueryValue<Long>(
+        "UPDATE t_Posted SET FSize = FSize - ? WHERE FSize < ? RETURNING FSummedYear",
+        movements.size, kFull);
+    if (summed) return *summed;
   }
   // What more there was than the row can tell is known by adding up what is left.
   std::int64_t size = 0;
@@ -94,8 +98,12 @@ void TakeFromSize(Database& db, const Movements& movements, Long voucher_id) {
            voucher_id)) {
     if (!AddLine(size, amount, amount_for, quantity)) size = kFull;
   }
-  db.Execute("UPDATE t_Posted SET FSize = ?", size);
+  return db.QueryValue<Long>("UPDATE t_Posted SET FSize = ? RETURNING FSummedYear", size)
+      .value_or(0);
 }
+
+constexpr std::string_view kSums[] = {"FDebit",     "FCredit",   "FDebitFor",
+                                      "FCreditFor", "FDebitQty", "FCreditQty"};
 
 // Adds movements to the rows of a table of balances, or takes them out.
 class BalanceRows {
@@ -125,11 +133,32 @@ class BalanceRows {
   }
 
  private:
-  static constexpr std::string_view kSums[] = {"FDebit",     "FCredit",   "FDebitFor",
-                                               "FCreditFor", "FDebitQty", "FCreditQty"};
-
   std::string sql_;
 };
+
+// Years are summed when one after them is the first that anything is posted in; `summed` are those
+// that were before. What moves in one of these moves in its sums too.
+void MoveYearBalances(Database& db, const Movements& movements, Long year, Long summed,
+                      Direction direction) {
+  if (year <= summed) {
+    static const BalanceRows kRows("t_YearBalance", "FAccountID, FCurrencyID, FYear");
+    for (const auto& [place, movement] : movements.by_place) {
+      kRows.Move(db, direction, movement, place.first, place.second, year);
+    }
+  } else if (year > summed + 1) {
+    std::string names, sums;
+    for (const std::string_view name : kSums) {
+      names += ", " + std::string(name);
+      sums += ", SUM(" + std::string(name) + ")";
+    }
+    db.ExecuteLater("INSERT INTO t_YearBalance (FAccountID, FCurrencyID, FYear" + names +
+                        ") SELECT FAccountID, FCurrencyID, FYear" + sums +
+                        " FROM t_Balance WHERE FYear > ? AND FYear < ?"
+                        " GROUP BY FAccountID, FCurrencyID, FYear",
+                    summed, year);
+    db.ExecuteLater("UPDATE t_Posted SET FSummedYear = ?", year - 1);
+  }
+}
 
 void MoveItemBalances(Database& db, const Movements& movements, AccountingPeriod period,
                       Direction direction) {
@@ -166,15 +195,13 @@ void MoveBalances(Database& db, Long voucher_id, const std::string& name, Accoun
                   Direction direction) {
   const Movements movements = MovementsOf(db, voucher_id);
   // First of all, so that postings on other accounts wait here and not half done.
-  if (direction == Direction::kPost) {
-    AddToSize(db, movements, name);
-  } else {
-    TakeFromSize(db, movements, voucher_id);
-  }
+  const Long summed = direction == Direction::kPost ? AddToSize(db, movements, name)
+                                                    : TakeFromSize(db, movements, voucher_id);
   static const BalanceRows kRows("t_Balance", "FAccountID, FCurrencyID, FYear, FPeriod");
   for (const auto& [place, movement] : movements.by_place) {
     kRows.Move(db, direction, movement, place.first, place.second, period.year, period.period);
   }
+  MoveYearBalances(db, movements, period.year, summed, direction);
   MoveItemBalances(db, movements, period, direction);
   MovePostedLines(db, voucher_id, direction);
 }

@@ -155,6 +155,26 @@ TEST_P(BooksCheckTest, BalancesAreTheSumsOfPostedLines) {
   EXPECT_EQ(AfterBreaking("DELETE FROM t_Balance WHERE FAccountID = 1"), cash);
 }
 
+TEST_P(BooksCheckTest, SumsOfYearsAreThoseOfThePostedLines) {
+  Step("Post", Save(Sale(5, "2025-01-01")));
+  EXPECT_EQ(Breaches(), "");
+  const std::string cash = "YearBalance Account 1 1000\n", sales = "YearBalance Account 3 3000\n";
+  for (const char* column :
+       {"FDebit", "FCredit", "FDebitFor", "FCreditFor", "FDebitQty", "FCreditQty"}) {
+    const std::string name(column), set = "UPDATE t_YearBalance SET " + name + " = " + name;
+    EXPECT_EQ(AfterBreaking(set + " + 1 WHERE FAccountID = 1"), cash) << name;
+    Break(set + " - 1 WHERE FAccountID = 1");
+  }
+  EXPECT_EQ(Breaches(), "");
+  EXPECT_EQ(AfterBreaking("UPDATE t_Posted SET FSummedYear = 2025"), cash + sales)
+      << "the sums of a year are missing";
+  EXPECT_EQ(AfterBreaking("UPDATE t_Posted SET FSummedYear = 2023"), cash + sales)
+      << "the year is not summed yet";
+  EXPECT_EQ(AfterBreaking("UPDATE t_Posted SET FSummedYear = 2024"), "");
+  EXPECT_EQ(AfterBreaking("UPDATE t_YearBalance SET FYear = 2022 WHERE FAccountID = 1"),
+            cash + cash);
+}
+
 TEST_P(BooksCheckTest, SumsThatAgreeModuloAPowerOfTwoAreNoSums) {
   // Two lines of 2^63 and two more units in the balance are what is there in 64 bits.
   for (int i = 0; i < 2; ++i) {
