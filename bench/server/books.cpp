@@ -71,10 +71,9 @@ long SaveVoucher(int number, int month) {
   return voucher->VoucherID();
 }
 
-void SaveVouchers(int count) {
+void SaveVouchers(int count, int year) {
   auto vouchers = Make<VoucherSet>();
-  // The day that the plain client's rows are of.
-  const DateTime date = DateTime::FromYmd(2024, 1, 15);
+  const DateTime date = DateTime::FromYmd(year, 1, 15);
   for (int i = 0; i < count; ++i) NewVoucher(*vouchers, i, date)->SaveChanges();
 }
 

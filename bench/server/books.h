@@ -18,8 +18,9 @@ void LogInTo(const std::string& connection);
 // Saves one voucher of 4 lines through the library; its id.
 long SaveVoucher(int number, int month);
 
-// Saves vouchers of 4 lines through the library, one transaction each, or many in one batch.
-void SaveVouchers(int count);
+// Saves vouchers of 4 lines through the library, one transaction each, or many in one batch. The
+// plain client's rows are of 2024.
+void SaveVouchers(int count, int year = 2024);
 struct Lines {
   int accounts = kAccounts;
   std::function<std::string(int number, int line)> explanation = {};  // otherwise all the same

@@ -1,6 +1,7 @@
-// Large books, worked in as a bookkeeper does: vouchers saved, posted, found by number, listed by
-// each column, words looked for, statements, balances, and the check of the books. Beside what a
-// save and a posting cost while the books were empty. See docs/performance.md.
+// Large books, worked in as a bookkeeper does: vouchers saved and posted, periods closed, vouchers
+// found by number and listed by each column, words looked for, statements, balances, and the check
+// of the books. Beside what a save and a posting cost while the books were empty. See
+// docs/performance.md.
 //
 //   qdclgl-bench-large [--vouchers=N] [--only=SQLite|PostgreSQL] [--keep=FILE]
 //
@@ -37,7 +38,7 @@ namespace {
 using namespace qdclgl;
 using Clock = std::chrono::steady_clock;
 
-constexpr int kYears = 10, kFirstYear = 2024, kAccounts = 500;
+constexpr int kYears = 10, kPeriods = 12, kFirstYear = 2024, kAccounts = 500;
 constexpr Long kPage = 100;
 
 // One voucher in so many has the rare word in a line.
@@ -129,7 +130,7 @@ class LargeBooks {
 
   void Make() {
     bench::MakeBooks(connection_, kAccounts);
-    Report(database_ + ": save a voucher, empty books", 0, Saves());
+    Report(database_ + ": save a voucher, empty books", 0, Saves(kFirstYear));
     const double post_empty = Fill();
     const double post_large = PostMore();
     std::printf("| %-58s | %9.2f | %18s | %5.2f | %-6s |\n",
@@ -139,7 +140,7 @@ class LargeBooks {
 
   void Measure() {
     bench::LogInTo(connection_);
-    Report(database_ + ": save a voucher, large books", 0, Saves());
+    Report(database_ + ": save a voucher, large books", 0, Saves(kFirstYear + kYears));
     MeasureStatements();
     MeasureWords();
     MeasureLists();
@@ -148,11 +149,11 @@ class LargeBooks {
 
  private:
   // Milliseconds a voucher, of some rounds.
-  static std::vector<double> Saves() {
+  static std::vector<double> Saves(int year) {
     constexpr int kEach = 200;
     std::vector<double> times;
     for (int i = 0; i < 7; ++i) {
-      times.push_back(SecondsOf([] { bench::SaveVouchers(kEach); }) * 1e3 / kEach);
+      times.push_back(SecondsOf([&] { bench::SaveVouchers(kEach, year); }) * 1e3 / kEach);
     }
     return times;
   }
@@ -160,7 +161,7 @@ class LargeBooks {
   // Seconds that a posting of the first year takes, for each voucher.
   double Fill() {
     const int each = vouchers_ / kYears;
-    double saved = 0, posted = 0, first = 0;
+    double saved = 0, posted = 0, closed = 0, first = 0;
     PeakMegabytes();
     for (int year = kFirstYear; year < kFirstYear + kYears; ++year) {
       saved += SecondsOf([&] {
@@ -168,6 +169,7 @@ class LargeBooks {
                                      {.accounts = kAccounts, .explanation = Explanation});
       });
       const double now = SecondsOf([&] { bench::PostAll(year); });
+      closed += SecondsOf(CloseYear);
       if (year == kFirstYear) first = now / each;
       posted += now;
       std::fprintf(stderr, "\r%s: %d vouchers", database_.c_str(), each * (year - kFirstYear + 1));
@@ -176,7 +178,14 @@ class LargeBooks {
     std::printf("| %-58s | %9.0f a second, posted %.0f a second, at most %.0f MB |\n",
                 (database_ + ": vouchers saved in batches").c_str(), vouchers_ / saved,
                 vouchers_ / posted, PeakMegabytes());
+    Report(database_ + ": a period closed", 0, {closed * 1e3 / kYears / kPeriods});
     return first;
+  }
+
+  static void CloseYear() {
+    for (int period = 0; period < kPeriods; ++period) {
+      CreateObject("QDSVGLPeriod.PeriodUpdate")->Call("Close", GetPropsString());
+    }
   }
 
   static double PostMore() {

@@ -18,6 +18,7 @@
 #include "qdclgl/server/db/schema.h"
 #include "qdclgl/server/periods/calendar.h"
 #include "qdclgl/server/periods/settings.h"
+#include "qdclgl/server/periods/text_signature.h"
 #include "qdclgl/server/vouchers/posting.h"
 
 namespace qdclgl::server {
@@ -88,8 +89,15 @@ Long BooksUpdate::Upgrade(std::string_view connection) {
   if (version == 0 || version > CurrentSchemaVersion()) RequireCurrentSchema(db);
   const std::vector<const TrailedKind*> coming = KindsToCome(db);
   const bool had_item_balances = HasTable(db, "t_itembalance");
+  const bool had_signatures = HasTable(db, "t_textsignature");
   Migrate(db, CurrentSchemaVersion());
   if (!had_item_balances) MakeItemBalances(db);
+  if (!had_signatures) {
+    SignVouchersBefore(db,
+                       {SettingNumber(GlSetting(db, setting::kCurrentYear)),
+                        SettingNumber(GlSetting(db, setting::kCurrentPeriod))},
+                       [](double share) { WorkProgress().Tell("Reading texts", share); });
+  }
   const Caller caller = CallerFromHere(db, 0, "");  // nobody is logged in
   if (version < CurrentSchemaVersion() && !HasTrailBegun(db)) {
     BeginTrail(caller, "Upgrade");

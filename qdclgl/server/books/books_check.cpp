@@ -1,6 +1,7 @@
 #include "qdclgl/server/books/books_check.h"
 
 #include <map>
+#include <optional>
 #include <set>
 
 #include "qdclgl/server/access/session.h"
@@ -13,8 +14,10 @@
 #include "qdclgl/server/books/trail_check.h"
 #include "qdclgl/server/books/units_check.h"
 #include "qdclgl/server/db/columns.h"
+#include "qdclgl/server/db/refusals.h"
 #include "qdclgl/server/periods/calendar.h"
 #include "qdclgl/server/periods/settings.h"
+#include "qdclgl/server/periods/text_signature.h"
 #include "qdclgl/server/records/currency.h"
 #include "qdclgl/server/records/references.h"
 
@@ -181,23 +184,34 @@ void CheckReferences(Database& db, Findings& findings) {
 
 // ---- Settings ----
 
-// Checks the settings, and the periods that rest on them where they make sense.
+// A block of vouchers that a search for words may pass over although they have them.
+void CheckSignatures(Database& db, AccountingPeriod current, Findings& findings) {
+  for (const auto& [first, last] : WrongSignatures(db, current)) {
+    findings.Add("TextSignature", "Books", 0, std::to_string(first) + "-" + std::to_string(last),
+                 "Searches for words may pass over vouchers with these ids.");
+  }
+}
+
+// Checks the settings, and what rests on the current period where they make sense.
 void CheckSettings(Database& db, Findings& findings) {
+  std::optional<LedgerRules> rules;
   try {
-    const Calendar calendar = LedgerRules::Of(db).calendar;
-    const AccountingPeriod current = CurrentPeriod(db);
+    rules = LedgerRules::Of(db);
     const AccountingPeriod start{SettingNumber(GlSetting(db, setting::kStartYear)),
                                  SettingNumber(GlSetting(db, setting::kStartPeriod))};
-    calendar.SpanOf(start);
-    calendar.SpanOf(current);
-    if (current < start) {
+    rules->calendar.SpanOf(start);
+    rules->calendar.SpanOf(rules->current);
+    if (rules->current < start) {
       findings.Add("Settings", "Setting", 0, "GL.CurrentPeriod",
                    "The books stand before the period that they begin with.");
     }
-    CheckPeriods(db, calendar, current, findings);
   } catch (const Error& error) {
+    if (error.number() != refusal::kBadSetting && error.number() != refusal::kBadValue) throw;
     findings.Add("Settings", "Setting", 0, "GL", error.description());
+    return;
   }
+  CheckPeriods(db, rules->calendar, rules->current, findings);
+  CheckSignatures(db, rules->current, findings);
 }
 
 // ---- The database itself ----

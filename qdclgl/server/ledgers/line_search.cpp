@@ -11,6 +11,7 @@
 #include "qdclgl/server/ledgers/accounts_below.h"
 #include "qdclgl/server/ledgers/search_words.h"
 #include "qdclgl/server/ledgers/wanted.h"
+#include "qdclgl/server/periods/text_signature.h"
 
 namespace qdclgl::server {
 
@@ -76,13 +77,19 @@ bool IsDay(const std::string& word) {
 constexpr std::string_view kExplanation =
     "CASE WHEN e.FExplanation <> '' THEN e.FExplanation ELSE v.FExplanation END";
 
+using Texts = std::vector<std::string>;
+
+// The accounts that have a word in their number or name.
+std::string AccountsWith(const Database& db, const std::string& word, Query& query) {
+  return "SELECT FAccountID FROM t_Account WHERE " +
+         HasWord(db, Texts{"FNumber", "FName"}, word, query.values);
+}
+
 void AddWord(const Database& db, const std::string& word, Query& query) {
-  using Texts = std::vector<std::string>;
   const auto add = [&](const Texts& texts) { return HasWord(db, texts, word, query.values); };
   query.sql += " AND (" + add({std::string(kExplanation), "e.FTransNo", "v.FReference"});
   // Accounts are few and lines are many: each account is looked at once.
-  query.sql += " OR e.FAccountID IN (SELECT FAccountID FROM t_Account WHERE " +
-               add({"FNumber", "FName"}) + ")";
+  query.sql += " OR e.FAccountID IN (" + AccountsWith(db, word, query) + ")";
   query.sql += " OR v.FDetailCount > 0 AND EXISTS (SELECT 1 FROM t_VoucherDetail d"
                " WHERE d.FVoucherID = e.FVoucherID AND d.FEntryID = e.FEntryID AND " +
                add({"d.FItemNumber", "d.FItemName"}) + ")";
@@ -97,10 +104,43 @@ void AddWord(const Database& db, const std::string& word, Query& query) {
   query.sql += ")";
 }
 
+// Whether only texts of lines, vouchers and items can have the word.
+bool IsInTextsAlone(Database& db, const std::string& word) {
+  if (AmountIn(word) || IsDay(word)) return false;
+  Query query;
+  query.sql = AccountsWith(db, word, query) + " LIMIT 1";
+  const auto accounts = db.MakeStatement(query.sql);
+  SetAll(*accounts, query.values);
+  accounts->Open();
+  return !accounts->Fetch();
+}
+
+// The vouchers that signatures of texts leave for the words, where they leave out enough.
+std::optional<std::vector<VoucherRange>> VouchersLeft(Database& db,
+                                                      std::span<const std::string> words) {
+  std::vector<std::string> in_texts;
+  for (const std::string& word : words) {
+    if (IsInTextsAlone(db, word)) in_texts.push_back(word);
+  }
+  return VouchersThatMayHave(db, in_texts);
+}
+
 // How the vouchers of these days are reached: by an index of days; as they lie in the books, which
 // is quicker for all of them; or by the index again, and only the first ones, which may do for a
 // page.
 enum class Way : std::uint8_t { kByDay, kAsTheyLie, kFirstByDay };
+
+// Those of these days with such ids.
+std::string VouchersIn(const Database& db, std::span<const VoucherRange> ranges) {
+  std::string rows;
+  for (const auto& [first, last] : ranges) {
+    rows +=
+        (rows.empty() ? "(" : ", (") + std::to_string(first) + ", " + std::to_string(last) + ")";
+  }
+  return "(SELECT o.* FROM (VALUES " + rows + ") AS r" +
+         Reached(db, "t_Voucher", "o", "o.FVoucherID BETWEEN r.column1 AND r.column2") +
+         " WHERE o.FDeleted = 0 AND o.FDate >= ? AND o.FDate < ?)";
+}
 
 std::string VouchersOf(const Database& db, Way way) {
   std::string sql = "(SELECT * FROM t_Voucher";
@@ -113,8 +153,8 @@ std::string VouchersOf(const Database& db, Way way) {
 }
 
 // Lines of these days, all or those of accounts.
-void AddLines(const Database& db, const std::optional<LineState>& state, const Span& span, Way way,
-              Query& query) {
+void AddLines(const Database& db, const std::optional<LineState>& state, const Span& span,
+              const std::string& vouchers, Query& query) {
   static const std::string kCells =
       "SELECT v.FVoucherID, e.FEntryID, v.FDate, v.FYear, v.FPeriod, g.FName AS FGroup, v.FNumber,"
       " v.FPosted, v.FPreparer, v.FReference, a.FNumber AS FAccountNumber,"
@@ -128,7 +168,7 @@ void AddLines(const Database& db, const std::optional<LineState>& state, const S
   if (state) {
     query.sql += FromLinesBelow(db, *state);
   } else {
-    query.sql += " FROM " + VouchersOf(db, way) + " v" +
+    query.sql += " FROM " + vouchers + " v" +
                  Reached(db, "t_VoucherEntry", "e", "e.FVoucherID = v.FVoucherID");
   }
   query.values.emplace_back(span.first);
@@ -160,10 +200,10 @@ Ref<Recordset> LineInfo::Find(std::string_view PropsString, const String& Words,
   const bool is_all_days = DateFrom == DateTime() && DateTo == DateTime();
   const std::vector<std::string> words = SearchWords(Words);
   const Long account = AccountNumber.empty() ? 0 : AccountWanted(db, AccountNumber);
-  const auto query_by = [&](Way way) {
+  const auto query_by = [&](const std::string& vouchers) {
     Query query;
     const auto add = [&](const std::optional<LineState>& state) {
-      AddLines(db, state, span, way, query);
+      AddLines(db, state, span, vouchers, query);
       if (item.item != 0) {
         query.sql +=
             " AND EXISTS (SELECT 1 FROM t_VoucherDetail d WHERE d.FVoucherID = e.FVoucherID"
@@ -190,15 +230,18 @@ Ref<Recordset> LineInfo::Find(std::string_view PropsString, const String& Words,
   if (First != 0 || Count != 0) {
     page = Page{First == 0 ? 0 : First - 1, Count == 0 ? INT32_MAX : Count};
   }
-  const auto fetch = [&](Way way) {
-    const Query query = query_by(way);
+  const auto fetch = [&](const std::string& vouchers) {
+    const Query query = query_by(vouchers);
     return FetchList(db, {query.sql, kColumns, "FDate, FVoucherID, FEntryID"}, Filter, "",
                      query.values, page);
   };
   Ref<Recordset> lines;
-  if (page && account == 0) lines = fetch(Way::kFirstByDay);
+  if (page && account == 0) lines = fetch(VouchersOf(db, Way::kFirstByDay));
   if (!lines || lines->RecordCount() < page->count) {
-    lines = fetch(is_all_days ? Way::kAsTheyLie : Way::kByDay);
+    std::optional<std::vector<VoucherRange>> left;
+    if (is_all_days && account == 0) left = VouchersLeft(db, words);
+    lines = fetch(left ? VouchersIn(db, *left)
+                       : VouchersOf(db, is_all_days ? Way::kAsTheyLie : Way::kByDay));
   }
   transaction.Commit();
   return lines;

@@ -7,6 +7,7 @@
 #include "qdclgl/server/access/trail_seal.h"
 #include "qdclgl/server/db/refusals.h"
 #include "qdclgl/server/periods/settings.h"
+#include "qdclgl/server/periods/text_signature.h"
 
 namespace qdclgl::server {
 
@@ -61,6 +62,7 @@ void PeriodUpdate::Close(std::string_view PropsString) {
                                        " voucher(s) that are not posted, the first is " + group +
                                        " " + std::to_string(number) + ".");
   }
+  SignVouchersOf(caller.db, current);
   MoveTo(caller, rules.calendar.After(current), current, "Close");
   transaction.Commit();
 }
@@ -82,6 +84,7 @@ void PeriodUpdate::Reopen(std::string_view PropsString) {
                                         " can't be reopened: vouchers are posted in period " +
                                         period.ToText() + ".");
   }
+  TakeBackSignatures(caller.db, reopened);
   MoveTo(caller, reopened, reopened, "Reopen");
   transaction.Commit();
 }
@@ -97,6 +100,7 @@ void PeriodUpdate::ReopenTo(std::string_view PropsString, Long nYear, Long Perio
     Refuse(refusal::kBadValue, "Period " + wanted.ToText() + " is not closed; the books stand at " +
                                    rules.current.ToText() + ".");
   }
+  TakeBackSignatures(caller.db, wanted);
   // Each period that is open again stands on the trail.
   for (AccountingPeriod period = rules.current; period > wanted;) {
     period = rules.calendar.Before(period);

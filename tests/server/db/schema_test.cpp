@@ -10,6 +10,7 @@
 #include "qdclgl/server/db/connections.h"
 #include "qdclgl/server/db/new_books.h"
 #include "qdclgl/server/db/refusals.h"
+#include "qdclgl/server/periods/settings.h"
 #include "tests/server/books_state.h"
 
 namespace qdclgl::server::testing {
@@ -103,6 +104,70 @@ TEST_P(SchemaTest, TheSizeOfWhatIsPostedIsAddedUpWhateverItIs) {
   EXPECT_EQ(size_of({"4611686018427387903, 0, 0", "4611686018427387903, 0, 1e12",
                      "4611686018427387903, 0, 0"}),
             INT64_MAX);
+}
+
+TEST_P(SchemaTest, YearsButTheLastAreSummedAndVouchersOfClosedPeriodsSigned) {
+  const std::string old = OldBooks(23);
+  {
+    Database db(ConnectionText::Parse(old));
+    db.ExecuteScript(std::string(
+        db.Dialect("PRAGMA foreign_keys = OFF;", "SET session_replication_role = replica;")));
+    db.Execute("INSERT INTO t_Balance (FAccountID, FCurrencyID, FYear, FPeriod, FDebit, FCredit,"
+               " FDebitFor, FCreditFor, FDebitQty, FCreditQty) VALUES"
+               " (1, 1, 2022, 12, 1, 2, 3, 4, 5, 6), (1, 1, 2023, 1, 10, 20, 30, 40, 50, 60),"
+               " (1, 1, 2023, 2, 1, 1, 1, 1, 1, 1), (1, 2, 2023, 2, 7, 7, 7, 7, 7, 7),"
+               " (2, 1, 2023, 1, 4611686018427387903, 0, 0, 0, 0, 0),"
+               " (2, 1, 2023, 2, 4611686018427387903, 0, 0, 0, 0, 0),"
+               " (2, 1, 2024, 1, 9, 9, 9, 9, 9, 9)");
+    // A row that is 0 but for these columns.
+    const auto add = [&](const std::string& table, const std::map<std::string, int>& columns) {
+      std::string values;
+      for (const auto& column : ColumnsOf(table)) {
+        const auto found = columns.find(FoldAsciiCase(column));
+        values += (values.empty() ? "" : ", ") +
+                  std::to_string(found == columns.end() ? 0 : found->second);
+      }
+      db.Execute("INSERT INTO " + table + " VALUES (" + values + ")");
+    };
+    for (const int id : {1, 2}) {
+      add("t_Account", {{"faccountid", id}, {"fnumber", id}});
+      add("t_Currency", {{"fcurrencyid", id}, {"fnumber", id}});
+    }
+    for (int id = 1; id <= 200; ++id) {
+      add("t_Voucher",
+          {{"fvoucherid", id}, {"fnumber", id}, {"fyear", 2024}, {"fperiod", 1 + id / 150}});
+    }
+    PutGlSetting(db, setting::kCurrentYear, "2024");
+    PutGlSetting(db, setting::kCurrentPeriod, "2");
+  }
+  EXPECT_EQ(Upgrade(old), 23);
+  Database db(ConnectionText::Parse(old));
+  const auto rows = [&](const std::string& columns, const std::string& table) {
+    std::string cells, text;
+    for (std::size_t from = 0; from < columns.size();) {
+      const std::size_t end = std::min(columns.find(' ', from), columns.size());
+      cells += (cells.empty() ? "CAST(" : " || ' ' || CAST(") + columns.substr(from, end - from) +
+               " AS TEXT)";
+      from = end + 1;
+    }
+    for (const auto& [row] :
+         db.Query<std::string>("SELECT " + cells + " FROM " + table + " ORDER BY 1")) {
+      text += row + "\n";
+    }
+    return text;
+  };
+  const std::string sums = "FDebit FCredit FDebitFor FCreditFor FDebitQty FCreditQty";
+  EXPECT_EQ(rows("FAccountID FCurrencyID FYear " + sums, "t_YearBalance"),
+            "1 1 2022 1 2 3 4 5 6\n1 1 2023 11 21 31 41 51 61\n1 2 2023 7 7 7 7 7 7\n"
+            "2 1 2023 9223372036854775806 0 0 0 0 0\n");
+  EXPECT_EQ(rows("FAccountID FCurrencyID FYear FPeriod " + sums, "t_Balance"),
+            "1 1 2022 12 1 2 3 4 5 6\n1 1 2023 1 10 20 30 40 50 60\n1 1 2023 2 1 1 1 1 1 1\n"
+            "1 2 2023 2 7 7 7 7 7 7\n2 1 2023 1 4611686018427387903 0 0 0 0 0\n"
+            "2 1 2023 2 4611686018427387903 0 0 0 0 0\n2 1 2024 1 9 9 9 9 9 9\n");
+  EXPECT_EQ(rows("FSummedYear", "t_Posted"), "2023\n");
+  EXPECT_EQ(rows("FBlock FYear FPeriod", "t_TextSignature"), "0 2024 1\n1 2024 1\n")
+      << "in the block behind them are vouchers of February";
+  RemoveBooks(old);
 }
 
 // The rows of every table but t_Schema, over the columns that it has in this state of the books: a

@@ -1,5 +1,8 @@
 #include "qdclgl/server/ledgers/line_search.h"
 
+#include <algorithm>
+
+#include "qdclgl/server/periods/text_signature.h"
 #include "qdclgl/server/vouchers/voucher_tree.h"
 #include "tests/server/ledger_fixture.h"
 
@@ -120,6 +123,104 @@ TEST_P(LineSearchTest, APageIsLookedForBehindThousandsOfEarlierVouchersToo) {
                   " FROM t_Voucher v CROSS JOIN n WHERE v.FVoucherID = 3");
   EXPECT_EQ(Found("tea", "", "", DateTime(), DateTime(), Long{0}, "", "", Long{1}, Long{2}),
             "2/1 2/2");
+}
+
+TEST_P(LineSearchTest, WhatIsFoundIsTheSameInPeriodsThatAreClosed) {
+  // Some blocks of vouchers in each of four months, of which three are closed.
+  const std::vector<std::string> texts = {
+      "Green TEA for 12 staff", "Rückzahlung", "办公用品", "invoice 2024-000317",
+      "\\_quoted \"as it is\"", "Straße",      "x",        ""};
+  for (int i = 0; i < 400; ++i) {
+    const std::string day = "2024-0" + std::to_string(1 + i / 100) + "-11";
+    const std::string text = i % 40 == 7 ? texts[static_cast<std::size_t>(i / 40) % texts.size()]
+                                         : "Delivery no. " + std::to_string(5000 + i);
+    const Long id = Save(Sale(Currency(100 + i), day,
+                              {{"FExplanation", text}, {"FReference", i == 210 ? "Quince" : ""}}));
+    if (i < 300) Step("Post", id);
+  }
+  Step("Post", 3);
+  const auto all = [&] {
+    std::string found;
+    for (const char* const word :
+         {"tea",    "green tea", "\"tea for\"", "rückzahlung",   "RÜCKZAHLUNG",
+          "用品",   "公",        "000317",      "2024-000317",   "5317",
+          "no. 5",  "\\_quot",   "strasse",     "straße",        "x",
+          "quince", "quinces",   "sales",       "cash delivery", "quince delivery",
+          "119",    "300",       "2024-03-11",  "änne",          "c001",
+          "r-17",   "marzipan",  "jarzipam"}) {
+      found += std::string(word) + ": " + Found(word) + "\n";
+    }
+    return found;
+  };
+  const std::string open = all();
+  EXPECT_NE(open.find("\nquince: 215/1 215/2\n"), std::string::npos) << open;
+  for (int i = 0; i < 3; ++i) Call("QDSVGLPeriod.PeriodUpdate", "Close", props);
+  const auto signatures = [&] {
+    std::string text;
+    for (const auto& [block, year, period] : Books().Query<Long, Long, Long>(
+             "SELECT FBlock, FYear, FPeriod FROM t_TextSignature ORDER BY FBlock")) {
+      text += std::to_string(block) + ": " + AccountingPeriod{year, period}.ToText() + "\n";
+    }
+    return text;
+  };
+  EXPECT_EQ(signatures(), "0: 2024/3\n1: 2024/2\n2: 2024/2\n3: 2024/3\n")
+      << "the fifth block goes on in April";
+  EXPECT_EQ(all(), open);
+  EXPECT_EQ(Breaches(), "");
+
+  Call("QDSVGLPeriod.PeriodUpdate", "Reopen", props);
+  EXPECT_EQ(signatures(), "1: 2024/2\n2: 2024/2\n");
+  Step("UnPost", 215);
+  Update(215, Sale(Currency(7), "2024-03-11",
+                   {{"FExplanation", "jarzipam"}, {"FVersion", Read(215)->Value("FVersion")}}));
+  EXPECT_EQ(Found("jarzipam"), "215/1 215/2");
+  EXPECT_EQ(Found("quince"), "");
+  Step("Post", 215);
+  Call("QDSVGLPeriod.PeriodUpdate", "Close", props);
+  EXPECT_EQ(Found("jarzipam"), "215/1 215/2");
+  Call("QDSVGLPeriod.PeriodUpdate", "ReopenTo", props, Long{2024}, Long{1});
+  EXPECT_EQ(signatures(), "");
+  EXPECT_EQ(Breaches(), "");
+}
+
+TEST_P(LineSearchTest, OnlyVouchersThatMayHaveTheWordAreReadInClosedPeriods) {
+  for (int i = 0; i < 196; ++i) {
+    Step("Post", Save(Sale(1, "2024-01-11", {{"FExplanation", i == 130 ? "Quince" : "Rent"}})));
+  }
+  Call("QDSVGLPeriod.PeriodUpdate", "Close", props);
+  // What a voucher says that is not read does not show.
+  Break("UPDATE t_VoucherEntry SET FExplanation = 'Quince' WHERE FVoucherID IN (5, 70)");
+  EXPECT_EQ(Found("quince"), "5/1 5/2 135/1 135/2") << "70 lies in a block of rent";
+  EXPECT_EQ(Found("quince rent"), "");
+  EXPECT_EQ(Found("qu").substr(0, 4), "5/1 ") << "two letters have no mark";
+  EXPECT_NE(Breaches().find("TextSignature Books 0 64-127\n"), std::string::npos) << Breaches();
+}
+
+TEST_P(LineSearchTest, SignaturesOfAllClosedPeriodsAreThoseThatClosingThemMakes) {
+  for (int i = 0; i < 300; ++i) {
+    Step("Post", Save(Sale(1, i < 150 ? "2024-01-11" : "2024-02-11",
+                           {{"FExplanation", "No. " + std::to_string(i * 7919)}})));
+  }
+  const auto signatures = [&] {
+    std::string text;
+    for (const auto& [block, year, period, signature] :
+         Books().Query<Long, Long, Long, std::string>(
+             "SELECT FBlock, FYear, FPeriod, FSignature FROM t_TextSignature ORDER BY FBlock")) {
+      text += std::to_string(block) + " " + AccountingPeriod{year, period}.ToText() + " " +
+              signature + "\n";
+    }
+    return text;
+  };
+  for (int i = 0; i < 2; ++i) Call("QDSVGLPeriod.PeriodUpdate", "Close", props);
+  const std::string closed = signatures();
+  EXPECT_EQ(std::ranges::count(closed, '\n'), 3) << "0 goes on in March, and 4 is the last";
+  Transaction transaction(Books(), Transaction::Kind::kChangeRules);
+  TakeBackSignatures(Books(), {2024, 1});
+  EXPECT_EQ(signatures(), "");
+  std::vector<double> shares;
+  SignVouchersBefore(Books(), {2024, 3}, [&](double share) { shares.push_back(share); });
+  EXPECT_EQ(signatures(), closed);
+  EXPECT_EQ(shares, std::vector<double>{0});
 }
 
 TEST_P(LineSearchTest, WhatIsNotThereIsRefused) {
