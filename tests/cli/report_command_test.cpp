@@ -346,8 +346,10 @@ TEST_P(Report, IsRefusedWhereLinesDoNotAddUpToTheBalances) {
   InitWithPostings();
   {
     server::Database db(server::ConnectionText::Parse(book));
-    db.ExecuteScript("UPDATE t_Balance SET FDebit = FDebit + 10000 WHERE FAccountID = 1 AND"
-                     " FYear = 2024 AND FPeriod = 1;");
+    for (const char* const table : {"t_Balance", "t_YearBalance"}) {
+      db.ExecuteScript("UPDATE " + std::string(table) +
+                       " SET FDebit = FDebit + 10000 WHERE FAccountID = 1 AND FYear = 2024;");
+    }
   }
   const RunResult refused = Run({"report", Place()});
   EXPECT_EQ(refused.code, 1);
