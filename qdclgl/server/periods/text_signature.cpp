@@ -55,8 +55,8 @@ std::map<Long, Block> ReadBlocks(Database& db, Long first, Long last) {
 template <class Take>
 void ReadEach(Database& db, std::span<const Long> blocks, Take take) {
   while (!blocks.empty()) {
-    const auto end = std::ranges::find_if(
-        blocks, [&](Long block) { return block - kBlocksAtOnce >= blocks.front(); });
+    const std::int64_t behind = std::int64_t{blocks.front()} + kBlocksAtOnce;
+    const auto end = std::ranges::find_if(blocks, [&](Long block) { return block >= behind; });
     const auto count = static_cast<std::size_t>(end - blocks.begin());
     const std::map<Long, Block> read = ReadBlocks(db, blocks.front(), blocks[count - 1]);
     for (const Long block : blocks.first(count)) {
@@ -88,10 +88,13 @@ std::vector<Long> Blocks(Database& db, const std::string& periods, AccountingPer
   return blocks;
 }
 
+// A signature that is there already is none of ours.
 void Sign(Database& db, std::span<const Long> blocks) {
   ReadEach(db, blocks, [&](Long number, const Block& block) {
     db.ExecuteLater(
-        "INSERT INTO t_TextSignature (FBlock, FYear, FPeriod, FSignature) VALUES (?, ?, ?, ?)",
+        "INSERT INTO t_TextSignature (FBlock, FYear, FPeriod, FSignature) VALUES (?, ?, ?, ?)"
+        " ON CONFLICT (FBlock) DO UPDATE SET FYear = excluded.FYear, FPeriod = excluded.FPeriod,"
+        " FSignature = excluded.FSignature",
         number, block.until.year, block.until.period, block.signature.stored());
   });
 }

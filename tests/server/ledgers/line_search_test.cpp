@@ -187,6 +187,8 @@ TEST_P(LineSearchTest, OnlyVouchersThatMayHaveTheWordAreReadInClosedPeriods) {
   for (int i = 0; i < 196; ++i) {
     Step("Post", Save(Sale(1, "2024-01-11", {{"FExplanation", i == 130 ? "Quince" : "Rent"}})));
   }
+  Break("INSERT INTO t_TextSignature VALUES (1, 1, 1, ''), (-2147483648, 1, 1, 'x'),"
+        " (2147483647, 1, 1, '')");
   Call("QDSVGLPeriod.PeriodUpdate", "Close", props);
   // What a voucher says that is not read does not show.
   Break("UPDATE t_VoucherEntry SET FExplanation = 'Quince' WHERE FVoucherID IN (5, 70)");
