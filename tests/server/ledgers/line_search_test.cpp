@@ -198,6 +198,18 @@ TEST_P(LineSearchTest, OnlyVouchersThatMayHaveTheWordAreReadInClosedPeriods) {
   EXPECT_NE(Breaches().find("TextSignature Books 0 64-127\n"), std::string::npos) << Breaches();
 }
 
+TEST_P(LineSearchTest, AClosingOrReopeningThatFailsLeavesSignaturesAsTheyWere) {
+  Step("UnPost", 1);  // of February, so that January can be opened again
+  for (int i = 0; i < 130; ++i) Step("Post", Save(Sale(1, "2024-01-11")));
+  const auto count = [&] {
+    return std::to_string(*Books().QueryValue<Long>("SELECT COUNT(*) FROM t_TextSignature"));
+  };
+  FailEachStatement([&] { Call("QDSVGLPeriod.PeriodUpdate", "Close", props); }, count);
+  EXPECT_EQ(count(), "1");
+  FailEachStatement([&] { Call("QDSVGLPeriod.PeriodUpdate", "Reopen", props); }, count);
+  EXPECT_EQ(count(), "0");
+}
+
 TEST_P(LineSearchTest, SignaturesOfAllClosedPeriodsAreThoseThatClosingThemMakes) {
   for (int i = 0; i < 300; ++i) {
     Step("Post", Save(Sale(1, i < 150 ? "2024-01-11" : "2024-02-11",
